@@ -1,0 +1,13 @@
+# What holds for everything that is compiled here. Floating-point results are part of the promises of the library,
+# so nothing may contract or reorder them.
+function(zv_compile_options target)
+    target_compile_options(${target} PRIVATE
+        -ffp-contract=off -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor
+        $<$<BOOL:${ZV_WARNINGS_AS_ERRORS}>:-Werror>)
+    if(ZV_SANITIZE)
+        list(JOIN ZV_SANITIZE "," sanitizers)
+        target_compile_options(${target} PRIVATE -fsanitize=${sanitizers} -fno-omit-frame-pointer
+            -fno-sanitize-recover=all)
+        target_link_options(${target} PRIVATE -fsanitize=${sanitizers})
+    endif()
+endfunction()

@@ -1,0 +1,21 @@
+// The whole public interface of ZVLib.
+#pragma once
+
+#include "ZVAudio.h"
+#include "ZVBase.h"
+#include "ZVBitmap.h"
+#include "ZVClip.h"
+#include "ZVEnvironment.h"
+#include "ZVFile.h"
+#include "ZVFileSpec.h"
+#include "ZVFootage.h"
+#include "ZVFormat.h"
+#include "ZVList.h"
+#include "ZVMemory.h"
+#include "ZVMessage.h"
+#include "ZVPixel.h"
+#include "ZVRect.h"
+#include "ZVSequence.h"
+#include "ZVString.h"
+#include "ZVTags.h"
+#include "ZVTime.h"

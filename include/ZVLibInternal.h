@@ -1,0 +1,190 @@
+// The inner functions and the seams to the platform, for ports, loadable modules and the library's own tests.
+// They are exported, without a promise of stability.
+#pragma once
+
+#include "ZVLib.h"
+
+// ---- foundation -------------------------------------------------------------------------------------------
+
+/// Shows "Assertion Failure in file "%s", line %d." and throws ZVAssertFail.
+[[noreturn]] ZV_API void Assert_Fail(char const* file, long line);
+
+/// AllocMemZV at an alignment, a power of two; null when memory runs out and the new-handler gives up. Released by
+/// FreeMemZV.
+ZV_API void* Alloc_Aligned(unsigned long size, unsigned long alignment);
+
+/// Sorts the stretch `left` to `right` of the table by id.
+ZV_API void SortStringTable(ZVStringTable* table, long left, long right);
+
+/// Shows a text already formatted; null button texts are those of strings 100 and 101. 1 for the first button.
+ZV_API long User_Req(long unused, long twoButtons, char const* text, char const* first, char const* second);
+
+/// The spec of a file below the home directory, or when it is not there below the library's data directory; the
+/// first of them when it is in neither. Free it with FreeFileSpecZV.
+ZV_API char* Find_Library_File(char const* name);
+
+/// Sets `processors`.
+ZV_API void Init_MP();
+
+ZV_API ZVCriticalRegion* CreateCriticalRegionZV();  ///< A region that a thread may enter again; null without memory.
+ZV_API void FreeCriticalRegionZV(ZVCriticalRegion* region);
+ZV_API long EnterCriticalRegionZV(ZVCriticalRegion* region);  ///< 0; a null region does nothing.
+ZV_API long ExitCriticalRegionZV(ZVCriticalRegion* region);
+
+// ---- the platform -----------------------------------------------------------------------------------------
+
+/// Brings the platform up: memory sizes, display, metrics. 0 on failure, with the error text set.
+ZV_API long Init_OS(long makeRootWindow);
+ZV_API void Cleanup_OS();
+
+/// Native path of the directory that holds the executable (of the bundle's folder, when it lies in one), and of the
+/// library's installed data, with a closing slash. False when it cannot be had or does not fit.
+ZV_API bool OS_Get_Program_Dir(char* path, unsigned long size);
+ZV_API bool OS_Get_Library_Data_Dir(char* path, unsigned long size);
+
+/// Memory of the process and the machine, in bytes.
+ZV_API uint64_t OS_Free_Memory();
+ZV_API uint64_t OS_Total_Memory();
+ZV_API uint64_t GetAppMemUsageZV();  ///< Resident size of the process.
+
+/// Locks pages when RLIMIT_MEMLOCK leaves room for them. 1 locked, 0 beyond the limit, -1 failed inside it.
+ZV_API long OS_Lock_Pages(void* block, unsigned long size);
+ZV_API bool OS_Unlock_Pages(void* block, unsigned long size);
+
+/// Measures of a text in the interface font at the style's font size, in pixels.
+ZV_API long Text_Width(char const* text);
+ZV_API long Text_Height(char const* text);  ///< Ascent and descent of the font.
+
+ZV_API void Delay(long ticks);  ///< Sleeps; a tick is 1/60 second.
+
+/// The file seam. Results are 1 or 0 with the error number set; see ZVFileInfo.
+ZV_API long File_Create(ZVFileInfo* file, char const* spec, ZVFilePermission permission, uint32_t type,
+                        uint32_t creator, ZVFileFlags flags);
+ZV_API long File_Open(ZVFileInfo* file, char const* spec, ZVFilePermission permission, ZVFileFlags flags);
+/// The count goes in as wanted and comes out as got; the end of the file is a short count, not an error.
+ZV_API long File_Read(ZVFileInfo* file, unsigned long* count, void* destination, ZVPollFunc poll,
+                      long* pollResult);
+ZV_API long File_Write(ZVFileInfo* file, unsigned long count, void const* source);
+ZV_API void File_SetPos(ZVFileInfo* file, long mode, long offset);
+ZV_API long File_GetPos(ZVFileInfo* file);
+ZV_API int64_t File_GetLength(ZVFileInfo* file);  ///< Counts bytes still in a write buffer.
+ZV_API int64_t File_GetModificationDate(ZVFileInfo* file);  ///< Seconds since 1 January 1970; 0 on failure.
+ZV_API void File_Close(ZVFileInfo* file);
+
+/// Calls `visit` for each entry of a directory, by name and without "." and "..", until it answers false.
+/// @return  false when the directory cannot be read
+ZV_API bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool isDirectory, void* data),
+                              void* data);
+
+// ---- clips ------------------------------------------------------------------------------------------------
+
+/// Spec of a scratch file in scratch2, its directory made if missing; null for a frame of 0 or above.
+ZV_API char* Make_TempName(unsigned long id, long frame, long audio);
+ZV_API void Cleanup_Clip();  ///< Deletes the scratch directory and forgets its root.
+
+/// Read flags of Get_Frame; the first three exclude each other in this order.
+inline constexpr unsigned long FRAME_INTERPOLATE_LOWER = 1;  ///< keep the even rows, rebuild the odd ones
+inline constexpr unsigned long FRAME_INTERPOLATE_UPPER = 2;  ///< keep the odd rows, rebuild the even ones
+inline constexpr unsigned long FRAME_BLEND_FIELDS = 4;       ///< vertical low-pass
+inline constexpr unsigned long FRAME_INTERPRET_ALPHA = 8;    ///< apply the clip's alpha settings
+
+ZV_API double Get_Time(ZVTimeValue const* time);  ///< Seconds; 0 for a Scale of 0.
+ZV_API long Get_Frame(ZVClip const* clip, ZVTimeValue const* time);
+ZV_API long Get_Field(ZVClip const* clip, ZVTimeValue const* time);
+
+/// The source frame of a presented frame; negative for a scratch frame. Beyond the map's end, the frame itself.
+ZV_API long Get_FrameMapping(ZVClip const* clip, long frame);
+
+/// Number of frames that can be read: those of the map when there is one, else RawFrames.
+ZV_API long Get_ReadableFrames(ZVClip const* clip);
+
+/// Reads one frame, scaled and placed.
+ZV_API long Get_Frame(ZVClip* clip, unsigned long frame, ZVBitmap* bitmap, unsigned long flags,
+                      ZVRectT<long> const* rect, long width, long height, AsyncParams& async);
+
+/// Reads one film frame of a clip under pull-down.
+ZV_API long Get_Frame_PullDown(ZVClip* clip, unsigned long filmFrame, ZVBitmap* bitmap, unsigned long flags,
+                               ZVRectT<long> const* rect, long width, long height, AsyncParams& async);
+
+/// The wrapper around the module's GetFrame: swaps in the file of a sequence and fetches the frame's data.
+ZV_API long Plugin_GetFrame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long>* rect, long width,
+                            long height, long layer, AsyncParams& async);
+
+/// Clears the pixels outside the area that a frame placed at `rect` with this size covers.
+template <typename Buffer, typename Pixel>
+void Crop_Bitmap(Buffer* bitmap, ZVClip const* clip, ZVRectT<long> const* rect, long width, long height);
+
+/// The default writer of AddFrameZV.
+ZV_API long Add_Frame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long>* region, long noOverwrite,
+                      void (*completion)(void*, unsigned long), void* data, unsigned long argument);
+ZV_API void AddFrameCompletionFunc(void* record, unsigned long status);
+
+/// Finds the other files of an image sequence and takes them into the clip. 1 or 0.
+ZV_API long SequenceCheckZV(ZVClip* clip, TagItem* tags);
+
+/// Position in the cadence and output number of a frame written under pull-down. Always 1.
+ZV_API long FrameNumberToSequenceNumberZV(long* position, long* number, long frame, long isFirst,
+                                          ZVClip const* clip);
+
+/// Whether all `count` files of a sequence exist (numbers null: 0 to count - 1); a count of 0 passes the second.
+ZV_API long IsSequenceValidZV(char const* spec, long const* numbers, long count);
+ZV_API long IsSequenceDataValidZV(char const* spec, long const* numbers, long count);
+
+// Field filters, in place. A bitmap of fewer than two rows, and a mono type, stays as it is.
+ZV_API void Interpolate_Lower_Field(ZVBitmap* bitmap);  ///< Keeps the upper field (even rows).
+ZV_API void Interpolate_Upper_Field(ZVBitmap* bitmap);  ///< Keeps the lower field (odd rows).
+
+// The templates below have an instance for each of the five RGBA buffers.
+
+/// 1-2-1 filter down each column.
+template <typename Buffer, typename Pixel, typename Channel> void Blend_Fields(Buffer* bitmap);
+
+/// destination = (or +=) source times weight, each product truncated in integer types. Same size and type.
+template <typename Buffer, typename Pixel, typename Channel>
+void Copy_Opacity(Buffer const* source, ZVBitmap* destination, double weight);
+template <typename Buffer, typename Pixel, typename Channel>
+void Merge_Opacity(Buffer const* source, ZVBitmap* destination, double weight);
+
+/// The same with a weight for the field that comes first in time and one for the other.
+template <typename Buffer, typename Pixel, typename Channel>
+void Copy_Fields_With_Opacity(Buffer const* source, Buffer* destination, ZVClip const* clip, double first,
+                              double second);
+template <typename Buffer, typename Pixel, typename Channel>
+void Merge_Fields_With_Opacity(Buffer const* source, Buffer* destination, ZVClip const* clip, double first,
+                               double second);
+
+/// The clip's alpha convention to straight alpha, in place, inside the area (right and bottom exclusive).
+template <typename Buffer, typename Pixel>
+void Interpret_Alpha(Buffer* bitmap, ZVClip* clip, long left, long top, long right, long bottom);
+
+// ---- formats ----------------------------------------------------------------------------------------------
+
+/// Up to four characters behind the last dot of the file name, lower case, first one highest; 0 without a dot.
+ZV_API uint32_t Extension_Code(char const* spec);
+
+/// The rule of most modules: a pair of ReadTypes, then an entry of ReadExtensions, claims the file.
+ZV_API long Standard_CanLoad(ZVFormatDesc* desc, char const* spec, unsigned long creator, unsigned long type,
+                             unsigned long extension);
+
+/// What the registration of a built-in module tells of itself.
+struct ZVBuiltinFormat {
+    char const* name;
+    uint32_t fileType;
+    uint32_t fileCreator;
+    ZVTypePair const* readTypes;
+    long readTypeCount;
+    uint32_t const* readExtensions;
+    long readExtensionCount;
+};
+
+/// A zeroed descriptor with name, limits, codes and arrays; the caller fills in its entries and adds it to the
+/// list. Null when memory runs out.
+ZV_API ZVFormatDesc* Make_Format_Desc(ZVBuiltinFormat const& format);
+
+/// A copy in one block, Data behind the header; null for null.
+ZV_API ZVFormatParams* Copy_Format_Params(ZVFormatParams const* params);
+
+ZV_API long Add_Filmstrip_Format(ZVScanDesc* scan);
+ZV_API long Add_EIDI_Format(ZVScanDesc* scan);
+ZV_API long Add_RAM_Format(ZVScanDesc* scan);
+ZV_API void Free_Format_Modules();  ///< Empties the environment's list.
