@@ -24,7 +24,6 @@ cmake --build "$work/build" >/dev/null
 [ "$("$work/build/program")" = "error 12" ]
 
 export PKG_CONFIG_PATH=$work/prefix/$libdir/pkgconfig
-sed -i "s|^prefix=.*|prefix=$work/prefix|" "$PKG_CONFIG_PATH/zvlib.pc"
 # shellcheck disable=SC2046  # the flags are words
 "$compiler" -std=c++20 "$work/program/main.cpp" -o "$work/by-pkg-config" $(pkg-config --cflags --libs zvlib)
 [ "$(LD_LIBRARY_PATH=$work/prefix/$libdir "$work/by-pkg-config")" = "error 12" ]
