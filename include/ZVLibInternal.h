@@ -93,11 +93,17 @@ ZV_API void File_Close(ZVFileInfo* file);
 ZV_API bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool isDirectory, void* data),
                               void* data);
 
+/// Takes a directory, made if missing, for this process alone, until it is released or the process ends.
+/// @return  a claim above 0; 0 when another process has the directory, -1 when it cannot be made or opened
+ZV_API long OS_Claim_Directory(char const* spec);
+ZV_API void OS_Release_Directory(long claim);
+
 // ---- clips ------------------------------------------------------------------------------------------------
 
-/// Spec of a scratch file in scratch2, its directory made if missing; null for a frame of 0 or above.
+/// Spec of a scratch file in scratch2, its directory made if missing; null for a frame of 0 or above, and with
+/// error 7 when there can be no such directory. Each process has a directory of its own.
 ZV_API char* Make_TempName(unsigned long id, long frame, long audio);
-ZV_API void Cleanup_Clip();  ///< Deletes the scratch directory and forgets its root.
+ZV_API void Cleanup_Clip();  ///< Deletes the process's scratch directory and forgets its root.
 
 /// Read flags of Get_Frame; the first three exclude each other in this order.
 inline constexpr unsigned long FRAME_INTERPOLATE_LOWER = 1;  ///< keep the even rows, rebuild the odd ones
