@@ -85,8 +85,14 @@ ZV_API long File_Write(ZVFileInfo* file, unsigned long count, void const* source
 ZV_API void File_SetPos(ZVFileInfo* file, long mode, long offset);
 ZV_API long File_GetPos(ZVFileInfo* file);
 ZV_API int64_t File_GetLength(ZVFileInfo* file);  ///< Counts bytes still in a write buffer.
+/// Makes a file longer; the new bytes are zeros and the position stays.
+ZV_API long File_Extend(ZVFileInfo* file, int64_t length);
 ZV_API int64_t File_GetModificationDate(ZVFileInfo* file);  ///< Seconds since 1 January 1970; 0 on failure.
 ZV_API void File_Close(ZVFileInfo* file);
+
+/// The native path of a spec or classic path. False without a volume part, for an unknown volume, and when it does
+/// not fit; the buffer is then as it was.
+ZV_API bool OS_Native_Path(char const* spec, char* path, unsigned long size);
 
 /// Calls `visit` for each entry of a directory, by name and without "." and "..", until it answers false.
 /// @return  false when the directory cannot be read
