@@ -51,6 +51,12 @@ ZV_API uint64_t GetAppMemUsageZV();  ///< Resident size of the process.
 ZV_API long OS_Lock_Pages(void* block, unsigned long size);
 ZV_API bool OS_Unlock_Pages(void* block, unsigned long size);
 
+/// Asks the kernel to back a block with huge pages, as far as its alignment allows.
+ZV_API void OS_Advise_Huge_Pages(void* block, unsigned long size);
+
+/// Bytes of the last-level cache that one processor reaches; 0 when unknown.
+ZV_API unsigned long OS_Cache_Size();
+
 /// Measures of a text in the interface font at the style's font size, in pixels.
 ZV_API long Text_Width(char const* text);
 ZV_API long Text_Height(char const* text);  ///< Ascent and descent of the font.
@@ -75,6 +81,16 @@ ZV_API void File_Close(ZVFileInfo* file);
 /// @return  false when the directory cannot be read
 ZV_API bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool isDirectory, void* data),
                               void* data);
+
+// ---- pixels -----------------------------------------------------------------------------------------------
+
+/// Frees the blocks that AllocateResidentBlock keeps for reuse. False when there was none.
+ZV_API bool Empty_Block_Cache();
+
+/// Rewrites packed pixels with alpha first: `bytes` bytes, a whole number of pixels, from the start of `source`. There is
+/// an instance for ZV_BITMAP_RGBA10 and for ZV_BITMAP_RGBA12.
+template <typename Buffer, typename Pixel, typename Channel>
+void RGBA_To_ARGB(Buffer const* source, void* out, long bytes);
 
 // ---- clips ------------------------------------------------------------------------------------------------
 
