@@ -11,5 +11,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/ZVLibConfigVersion.cmake 
 install(FILES ${PROJECT_BINARY_DIR}/ZVLibConfig.cmake ${PROJECT_BINARY_DIR}/ZVLibConfigVersion.cmake
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ZVLib)
 
+# Relative, so that an installed tree can be moved.
+file(RELATIVE_PATH ZV_PREFIX_FROM_PKGCONFIG /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(cmake/zvlib.pc.in ${PROJECT_BINARY_DIR}/zvlib.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zvlib.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

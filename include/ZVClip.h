@@ -183,7 +183,9 @@ ZV_API ZVBitmapType GetBitmapTypeZV(ZVClip const* clip);  ///< The RGBA type of 
 /// @return  `out`; `base` without a clip or format, `out` then empty
 ZV_API char const* MakeDefaultClipNameZV(ZVClip* clip, char const* base, char* out);
 
-/// Directory below which scratch frames lie, in "ZVScratch\"; null for the user data directory.
+/// Directory below which scratch frames lie, in "ZVScratch\" (in "ZVScratch2\" and so on for processes that run
+/// beside the first one); null for the user data directory. Frames written already move along; when they cannot,
+/// all stays as it was.
 ZV_API void SetScratchDirZV(char const* spec);
 
 // ---- reading ----------------------------------------------------------------------------------------------

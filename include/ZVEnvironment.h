@@ -88,6 +88,8 @@ struct ZVEnvironment {
     char* homeDir;      ///< file spec with a closing separator
     char* userDataDir;  ///< file spec with a closing separator
     char* scratchDir;   ///< file spec of SetScratchDirZV, or null
+    char* scratchPath;  ///< file spec of the process's own directory for scratch files, or null before its first use
+    long scratchClaim;  ///< its hold on that directory
     ZVStringTable* stringTable;
     List stringFiles;  ///< names of the string files read so far
     void (*callback)(ZVEvent*);

@@ -23,6 +23,10 @@ ZV_API long User_Req(long unused, long twoButtons, char const* text, char const*
 /// first of them when it is in neither. Free it with FreeFileSpecZV.
 ZV_API char* Find_Library_File(char const* name);
 
+/// Set `homeDir` and `userDataDir`.
+ZV_API void SetHomeDir();
+ZV_API void SetUserDataDir();
+
 /// Sets `processors`.
 ZV_API void Init_MP();
 
@@ -37,15 +41,28 @@ ZV_API long ExitCriticalRegionZV(ZVCriticalRegion* region);
 ZV_API long Init_OS(long makeRootWindow);
 ZV_API void Cleanup_OS();
 
-/// Native path of the directory that holds the executable (of the bundle's folder, when it lies in one), and of the
-/// library's installed data, with a closing slash. False when it cannot be had or does not fit.
+ZV_API long Init_MouseQueue();  ///< 1, or 0 when memory runs out.
+ZV_API void Free_MouseQueue();
+
+/// The display's monitors, at most four, the main one first; the rectangles beyond the count become empty.
+ZV_API void GetMonitorInfoZV(long* count, ZVRectT<long>* first, ZVRectT<long>* second, ZVRectT<long>* third,
+                             ZVRectT<long>* fourth);
+
+/// Native path of the directory that holds the executable (of the bundle's folder, when it lies in one), of the
+/// library's installed data, of the user and of temporary files, with a closing slash. False when it cannot be had
+/// or does not fit.
 ZV_API bool OS_Get_Program_Dir(char* path, unsigned long size);
 ZV_API bool OS_Get_Library_Data_Dir(char* path, unsigned long size);
+ZV_API bool OS_Get_User_Dir(char* path, unsigned long size);
+ZV_API bool OS_Get_Temp_Dir(char* path, unsigned long size);
 
 /// Memory of the process and the machine, in bytes.
 ZV_API uint64_t OS_Free_Memory();
 ZV_API uint64_t OS_Total_Memory();
 ZV_API uint64_t GetAppMemUsageZV();  ///< Resident size of the process.
+
+/// Sets `physicalMemory` and `residentLimit` for a machine with so many bytes.
+ZV_API void Set_Memory_Limits(uint64_t machineBytes);
 
 /// Locks pages when RLIMIT_MEMLOCK leaves room for them. 1 locked, 0 beyond the limit, -1 failed inside it.
 ZV_API long OS_Lock_Pages(void* block, unsigned long size);
@@ -76,11 +93,17 @@ ZV_API void File_Close(ZVFileInfo* file);
 ZV_API bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool isDirectory, void* data),
                               void* data);
 
+/// Takes a directory, made if missing, for this process alone, until it is released or the process ends.
+/// @return  a claim above 0; 0 when another process has the directory, -1 when it cannot be made or opened
+ZV_API long OS_Claim_Directory(char const* spec);
+ZV_API void OS_Release_Directory(long claim);
+
 // ---- clips ------------------------------------------------------------------------------------------------
 
-/// Spec of a scratch file in scratch2, its directory made if missing; null for a frame of 0 or above.
+/// Spec of a scratch file in scratch2, its directory made if missing; null for a frame of 0 or above, and with
+/// error 7 when there can be no such directory. Each process has a directory of its own.
 ZV_API char* Make_TempName(unsigned long id, long frame, long audio);
-ZV_API void Cleanup_Clip();  ///< Deletes the scratch directory and forgets its root.
+ZV_API void Cleanup_Clip();  ///< Deletes the process's scratch directory and forgets its root.
 
 /// Read flags of Get_Frame; the first three exclude each other in this order.
 inline constexpr unsigned long FRAME_INTERPOLATE_LOWER = 1;  ///< keep the even rows, rebuild the odd ones

@@ -1,5 +1,6 @@
 // Intrusive doubly linked lists. A node is the first member of the record that it links, and can unlink itself
-// without knowing its list. Positions count from zero unless a comment says otherwise. No call takes a lock.
+// without knowing its list. Positions count from zero unless a comment says otherwise. Lists, nodes and texts are
+// not null where a comment does not allow it. No call takes a lock.
 #pragma once
 
 #include "ZVBase.h"

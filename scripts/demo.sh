@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# The main job on real media: film strips made by ffmpeg are composited, converted and looked at. Everything is
+# installed and built on the way.
+source "$(dirname "$0")/common.sh"
+install_packages
+build_preset release zvclip
+
+out=$PWD/demo-output
+rm -rf "$out"
+mkdir -p "$out/home"
+# Keeps the demo out of the user's own data directory.
+export KL_APP_DATA_DIR=$out/home
+zvclip=$PWD/build/release/bin/zvclip
+cd "$out"
+
+echo "== Two film strips by ffmpeg: a moving disc with a soft edge, and a background"
+ffmpeg -v error -y -f lavfi -i testsrc2=s=640x360:r=25:d=2 \
+    -f lavfi -i "color=black:s=640x360:r=25:d=2,format=gray,geq=lum='clip(255-6*(hypot(X-320-190*sin(PI*T),Y-180-40*cos(PI*T))-120),0,255)'" \
+    -filter_complex "[0][1]alphamerge,format=rgba" -f filmstrip foreground.flm
+ffmpeg -v error -y -f lavfi -i gradients=s=640x360:r=25:d=2:speed=0.03:c0=navy:c1=teal:c2=white:n=3 \
+    -vf format=rgba -f filmstrip background.flm
+"$zvclip" info foreground.flm background.flm
+
+echo "== Over a colour, over the other clip, and as EIDI"
+"$zvclip" composite foreground.flm '#402060' over-colour.flm
+"$zvclip" composite foreground.flm background.flm over-clip.flm
+"$zvclip" convert over-clip.flm over-clip.ei
+"$zvclip" convert foreground.flm small.ei --size 320x180 --frames 25
+"$zvclip" info over-colour.flm over-clip.flm over-clip.ei small.ei
+
+echo "== Stills"
+"$zvclip" frame foreground.flm --time 0.5 foreground.png
+"$zvclip" frame over-colour.flm --time 0.5 over-colour.png
+"$zvclip" frame over-clip.flm --time 1.2 over-clip.png
+"$zvclip" frame over-clip.ei --time 1.2 over-clip-from-eidi.png
+"$zvclip" frame small.ei --time 0.5 small.png
+rm -rf home
+
+echo "Look at the results in $out:"
+ls -l "$out"

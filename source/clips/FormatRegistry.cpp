@@ -1,0 +1,81 @@
+// The list of format modules: registration, properties and release.
+#include "ClipMemory.h"
+
+#include <algorithm>
+
+void InitFormatModulesZV(ZVScanDesc* scan)
+{
+    if (!ZVEnv) return;
+    Add_Filmstrip_Format(scan);
+    Add_EIDI_Format(scan);
+    Add_RAM_Format(scan);
+}
+
+void InitAllFormatModulesZV(ZVScanDesc* scan)
+{
+    InitFormatModulesZV(scan);
+}
+
+template <typename T> static bool Copy_Array(T const* source, long count, T*& out, long& outCount)
+{
+    if (count == 0) return true;
+    out = Alloc_Zeroed<T>(count);
+    if (!out) return false;
+    std::copy_n(source, count, out);
+    outCount = count;
+    return true;
+}
+
+ZVFormatDesc* Make_Format_Desc(ZVBuiltinFormat const& format)
+{
+    ZVFormatDesc* desc = Alloc_Zeroed<ZVFormatDesc>(1);
+    if (!desc) return nullptr;
+    desc->MaxWidth = 32767;
+    desc->MaxHeight = 32767;
+    desc->FileType = format.fileType;
+    desc->FileCreator = format.fileCreator;
+    if (!AddName(&desc->Node, format.name) ||
+        !Copy_Array(format.readTypes, format.readTypeCount, desc->ReadTypes, desc->ReadTypeCount) ||
+        !Copy_Array(format.readExtensions, format.readExtensionCount, desc->ReadExtensions,
+                    desc->ReadExtensionCount)) {
+        Free_Format_Mod(desc);
+        return nullptr;
+    }
+    return desc;
+}
+
+void Free_Format_Mod(ZVFormatDesc* desc)
+{
+    if (!desc) return;
+    if (desc->Cleanup) desc->Cleanup(desc);
+    FreeMemZV(desc->Node.name);
+    FreeMemZV(desc->ReadTypes);
+    FreeMemZV(desc->FilterTypes);
+    FreeMemZV(desc->ReadExtensions);
+    FreeMemZV(desc->FilterExtensions);
+    FreeMemZV(desc->DefaultVideoParams);
+    FreeMemZV(desc->DefaultAudioParams);
+    FreeMemZV(desc);
+}
+
+void Free_Format_Modules()
+{
+    if (!ZVEnv) return;
+    while (Node* node = RemHead(&ZVEnv->formats))
+        Free_Format_Mod(reinterpret_cast<ZVFormatDesc*>(node));
+}
+
+long GetImportPropertiesZV(ZVFormatDesc* desc)
+{
+    return desc ? desc->GetImportProperties(desc) : 0;
+}
+
+long GetExportPropertiesZV(ZVClip* clip)
+{
+    return clip && clip->Format ? clip->Format->GetExportProperties(clip->Format, clip) : 0;
+}
+
+long GetExportPropertiesZV(ZVFormatDesc* desc)
+{
+    return desc ? desc->GetExportProperties(desc, nullptr) : 0;
+}

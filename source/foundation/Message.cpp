@@ -1,0 +1,134 @@
+// Messages and questions to the user: every call formats its text into one buffer and hands it to User_Req.
+// Nothing here allocates, as a message may be about memory that has run out.
+#include "ZVLibInternal.h"
+
+#include <cctype>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+static constexpr std::size_t MessageSize = 2048;
+
+/// Writes one line to standard error, or nothing for an empty text. Control characters become blanks: the
+/// text stays one line, and a file name in it cannot steer the terminal.
+static void Write_Line(std::string_view text)
+{
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
+        text.remove_suffix(1);
+    if (text.empty()) return;
+    flockfile(stderr);
+    for (char c : text)
+        putc_unlocked(std::iscntrl(static_cast<unsigned char>(c)) ? ' ' : c, stderr);
+    putc_unlocked('\n', stderr);
+    funlockfile(stderr);
+}
+
+static long Ask(long twoButtons, char const* first, char const* second, char const* format, va_list arguments)
+{
+    char text[MessageSize] = "";
+    if (format) std::vsnprintf(text, sizeof text, format, arguments);
+    return User_Req(0, twoButtons, text, first, second);
+}
+
+long User_Req(long, long, char const* text, char const*, char const*)
+{
+    unsigned long const mode = ZVEnv ? ZVEnv->errorMode : 0;
+    if (mode & ZV_ERRORMODE_NO) return 0;
+    if (mode & ZV_ERRORMODE_YES) return 1;
+    if (text) Write_Line(text);
+    return 0;
+}
+
+void UserMessageZV(char const* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    Ask(0, nullptr, nullptr, format, arguments);
+    va_end(arguments);
+}
+
+void UserMessageZV(unsigned long id, ...)
+{
+    va_list arguments;
+    va_start(arguments, id);
+    Ask(0, nullptr, nullptr, GetStringZV(id), arguments);
+    va_end(arguments);
+}
+
+void StopAlertZV(char const* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    Ask(0, nullptr, nullptr, format, arguments);
+    va_end(arguments);
+}
+
+void StopAlertZV(unsigned long id, ...)
+{
+    va_list arguments;
+    va_start(arguments, id);
+    Ask(0, nullptr, nullptr, GetStringZV(id), arguments);
+    va_end(arguments);
+}
+
+long AskUserZV(char const* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    long const answer = Ask(1, nullptr, nullptr, format, arguments);
+    va_end(arguments);
+    return answer;
+}
+
+long AskUserZV(unsigned long id, ...)
+{
+    va_list arguments;
+    va_start(arguments, id);
+    long const answer = Ask(1, nullptr, nullptr, GetStringZV(id), arguments);
+    va_end(arguments);
+    return answer;
+}
+
+long AskUser2ZV(char const* first, char const* second, char const* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    long const answer = Ask(1, first, second, format, arguments);
+    va_end(arguments);
+    return answer;
+}
+
+long AskUser2ZV(unsigned long first, unsigned long second, unsigned long format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    long const answer = Ask(1, GetStringZV(first), GetStringZV(second), GetStringZV(format), arguments);
+    va_end(arguments);
+    return answer;
+}
+
+void UserScrollMessageZV(char const* heading, char* body)
+{
+    if (ZVEnv && ZVEnv->errorMode & (ZV_ERRORMODE_YES | ZV_ERRORMODE_NO)) return;
+    if (heading) Write_Line(heading);
+    while (body && *body) {
+        std::size_t const length = std::strcspn(body, "\r\n");
+        Write_Line({body, length});
+        body += length;
+        body += std::strspn(body, "\r\n");
+    }
+}
+
+void UserScrollMessageZV(unsigned long id, char* body)
+{
+    UserScrollMessageZV(GetStringZV(id), body);
+}
+
+unsigned long SetErrorModeZV(unsigned long mode)
+{
+    if (!ZVEnv) return 0;
+    unsigned long const old = ZVEnv->errorMode;
+    ZVEnv->errorMode = static_cast<uint32_t>(mode);
+    return old;
+}

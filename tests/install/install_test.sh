@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# A program outside the tree builds against the installed library and runs.
+set -euo pipefail
+source_dir=$1 build_dir=$2 compiler=$3 libdir=$4
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export KL_APP_DATA_DIR=$work
+
+cmake --install "$build_dir" --prefix "$work/prefix" >/dev/null
+mkdir "$work/program"
+# The indented block behind the heading "A program".
+awk '/^## /{inside = ($0 == "## A program")} inside && /^(    .*)?$/{print substr($0, 5)}' "$source_dir/README.md" \
+    >"$work/program/main.cpp"
+grep -q 'int main' "$work/program/main.cpp"
+cat >"$work/program/CMakeLists.txt" <<'EOF'
+cmake_minimum_required(VERSION 3.22)
+project(Program LANGUAGES CXX)
+find_package(ZVLib 1 REQUIRED)
+add_executable(program main.cpp)
+target_link_libraries(program PRIVATE ZVLib::ZVLib)
+EOF
+cmake -S "$work/program" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/prefix" -DCMAKE_CXX_COMPILER="$compiler" >/dev/null
+cmake --build "$work/build" >/dev/null
+[ "$("$work/build/program")" = "error 12" ]
+
+export PKG_CONFIG_PATH=$work/prefix/$libdir/pkgconfig
+# shellcheck disable=SC2046  # the flags are words
+"$compiler" -std=c++20 "$work/program/main.cpp" -o "$work/by-pkg-config" $(pkg-config --cflags --libs zvlib)
+[ "$(LD_LIBRARY_PATH=$work/prefix/$libdir "$work/by-pkg-config")" = "error 12" ]
+
+# The installed tool finds its library and its texts.
+"$work/prefix/bin/zvclip" --help >/dev/null
+[ -s "$work/prefix/share/zvlib/Locale/ZVLibStr.txt" ]
