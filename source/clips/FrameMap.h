@@ -10,18 +10,18 @@ inline constexpr long frameMapStep = 32;
 
 /// Gives a clip without a map one that holds the source's frames as a single run.
 /// @return  false with error 1 when memory runs out
-ZV_API bool Make_Frame_Map(ZVClip& clip);
+bool Make_Frame_Map(ZVClip& clip);
 
 // The edits need a map. They answer false and leave it unchanged for a frame that it does not hold, and with
 // error 1 when memory runs out. Frame counts of the clip are not touched.
 
 /// Puts a scratch frame (a negative number) in the place of a frame.
-ZV_API bool Replace_Mapped_Frame(ZVClip& clip, long frame, long scratch);
+bool Replace_Mapped_Frame(ZVClip& clip, long frame, long scratch);
 
 /// Puts a scratch frame ahead of a frame, or behind the last one when `frame` is the end of the map.
-ZV_API bool Insert_Mapped_Frame(ZVClip& clip, long frame, long scratch);
+bool Insert_Mapped_Frame(ZVClip& clip, long frame, long scratch);
 
-ZV_API bool Delete_Mapped_Frame(ZVClip& clip, long frame);
+bool Delete_Mapped_Frame(ZVClip& clip, long frame);
 
 /// Joins runs that continue one another, and gives back room beyond what a step of growth needs.
-ZV_API void Compact_Frame_Map(ZVClip& clip);
+void Compact_Frame_Map(ZVClip& clip);

@@ -1,6 +1,7 @@
 // The frame map: what edits leave in the table of runs.
 #include "ZVLibInternal.h"
 #include "clips/FrameMap.h"
+#include "clips/FrameRuns.h"
 
 #include <gtest/gtest.h>
 
@@ -8,19 +9,7 @@
 #include <random>
 #include <vector>
 
-static bool operator==(ZVFrameRun a, ZVFrameRun b)
-{
-    return a.Start == b.Start && a.Count == b.Count;
-}
-
-static void PrintTo(ZVFrameRun run, std::ostream* out)
-{
-    *out << '(' << run.Start << ',' << run.Count << ')';
-}
-
 namespace {
-
-using Runs = std::vector<ZVFrameRun>;
 
 constexpr long newScratch = -9;
 
