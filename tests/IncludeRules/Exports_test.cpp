@@ -16,20 +16,29 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Identifiers in the headers, comments left out.
+void Add_Names(fs::path const& header, bool onlyExported, std::set<std::string>& names)
+{
+    static std::regex const comment("//.*|/\\*[^*]*\\*/");
+    static std::regex const identifier("[A-Za-z_][A-Za-z0-9_]*");
+    std::ifstream lines(header);
+    for (std::string line; std::getline(lines, line);) {
+        line = std::regex_replace(line, comment, "");
+        if (onlyExported && line.find("ZV_API") == line.npos) continue;
+        for (std::sregex_iterator match(line.begin(), line.end(), identifier), end; match != end; ++match)
+            names.insert(match->str());
+    }
+}
+
+/// Identifiers in the public headers, and in the lines of private ones that export something to the library's
+/// own tests and fuzzers.
 std::set<std::string> Declared_Names()
 {
     std::set<std::string> names;
-    std::regex const comment("//.*|/\\*[^*]*\\*/");
-    std::regex const identifier("[A-Za-z_][A-Za-z0-9_]*");
-    for (fs::directory_entry const& entry : fs::directory_iterator(ZV_SOURCE_DIR "/include")) {
-        std::ifstream lines(entry.path());
-        for (std::string line; std::getline(lines, line);) {
-            line = std::regex_replace(line, comment, "");
-            for (std::sregex_iterator match(line.begin(), line.end(), identifier), end; match != end; ++match)
-                names.insert(match->str());
-        }
-    }
+    for (char const* top : {"include", "source", "macsource"})
+        for (fs::directory_entry const& entry :
+             fs::recursive_directory_iterator(fs::path(ZV_SOURCE_DIR) / top))
+            if (entry.path().extension() == ".h")
+                Add_Names(entry.path(), top != std::string("include"), names);
     return names;
 }
 
