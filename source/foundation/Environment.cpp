@@ -8,7 +8,6 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 #include <new>
 #include <utility>
 
