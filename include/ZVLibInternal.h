@@ -100,7 +100,8 @@ ZV_API void File_Close(ZVFileInfo* file);
 /// not fit; the buffer is then as it was.
 ZV_API bool OS_Native_Path(char const* spec, char* path, unsigned long size);
 
-/// Calls `visit` for each entry of a directory, by name and without "." and "..", until it answers false.
+/// Calls `visit` for each entry of a directory, in the order of their names and without "." and "..", until it
+/// answers false. Names are written as in specs; a link to a directory counts as one.
 /// @return  false when the directory cannot be read
 ZV_API bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool isDirectory, void* data),
                               void* data);

@@ -10,7 +10,8 @@ void OS_Advise_Huge_Pages(void* block, unsigned long size)
     madvise(block, size, MADV_HUGEPAGE);
 }
 
-/// Size of one of the first processor's caches as the kernel writes it, such as "8192K"; 0 when there is none.
+/// Size of one of the first processor's caches as the kernel writes it, such as "8192K"; 0 when there is
+/// none.
 static unsigned long Read_Cache_Size(int index)
 {
     char path[64];

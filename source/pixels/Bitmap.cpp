@@ -93,7 +93,8 @@ ZVBitmap* AllocBitmapNoPixelsZV(long width, long height, ZVBitmapType type)
     if (packSize == 0) return nullptr;
     ZVBitmap* bitmap = nullptr;
     if (Fits(width, height, packSize))
-        Visit_Type(type, [&]<typename Buffer>(std::type_identity<Buffer>) { bitmap = new (std::nothrow) Buffer; });
+        Visit_Type(type,
+                   [&]<typename Buffer>(std::type_identity<Buffer>) { bitmap = new (std::nothrow) Buffer; });
     if (!bitmap) {
         SetError(ZV_ERR_MEMORY);
         return nullptr;
@@ -111,7 +112,8 @@ ZVBitmap* AllocBitmapNoPixelsZV(long width, long height, ZVBitmapType type)
 void* AllocBitmapPixelsZV(ZVBitmap* bitmap, char const* /*name*/)
 {
     if (!bitmap) return nullptr;
-    if (!bitmap->Pixels) bitmap->Pixels = static_cast<unsigned char*>(AllocateResidentBlock(bitmap->Size, false));
+    if (!bitmap->Pixels)
+        bitmap->Pixels = static_cast<unsigned char*>(AllocateResidentBlock(bitmap->Size, false));
     return bitmap->Pixels;
 }
 

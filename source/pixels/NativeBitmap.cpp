@@ -8,7 +8,8 @@
 
 // ---- allocation -------------------------------------------------------------------------------------------
 
-// Rows start at a multiple of this, which suits vector loads and every surface that may be laid over the pixels.
+// Rows start at a multiple of this, which suits vector loads and every surface that may be laid over the
+// pixels.
 static constexpr long rowAlignment = 16;
 
 ZVNativeBitmap* AllocNativeBitmapZV(long width, long height, long depth)
@@ -73,7 +74,8 @@ namespace {
 /// Address of a pixel that the single-pixel operations handle, else null.
 unsigned char* Pixel_Address(ZVNativeBitmap const* bitmap, long x, long y)
 {
-    if (!bitmap || !bitmap->Pixels || x < 0 || y < 0 || x >= bitmap->Width || y >= bitmap->Height) return nullptr;
+    if (!bitmap || !bitmap->Pixels || x < 0 || y < 0 || x >= bitmap->Width || y >= bitmap->Height)
+        return nullptr;
     if (bitmap->Depth != 8 && bitmap->Depth != 16 && bitmap->Depth != 32) return nullptr;
     return bitmap->Pixels + bitmap->Offset + y * bitmap->RowBytes + x * (bitmap->Depth / 8);
 }

@@ -1,6 +1,6 @@
-// Memory for pixels. Blocks from a size on are locked in memory as far as the user's limit allows, so that playback
-// does not fault, and the ones freed last are kept for the next allocation of their size: the kernel clears fresh
-// pages at a cost above that of filling them.
+// Memory for pixels. Blocks from a size on are locked in memory as far as the user's limit allows, so that
+// playback does not fault, and the ones freed last are kept for the next allocation of their size: the kernel
+// clears fresh pages at a cost above that of filling them.
 #include "ZVBitmap.h"
 #include "ZVLibInternal.h"
 
@@ -90,8 +90,9 @@ void* Fresh_Block(long length)
     return block;
 }
 
-/// Whether the memory that the process leaves of the machine's has fallen below the reserve. A process larger than
-/// the machine's size as the environment holds it, which is capped, is no sign of that: the difference wraps.
+/// Whether the memory that the process leaves of the machine's has fallen below the reserve. A process larger
+/// than the machine's size as the environment holds it, which is capped, is no sign of that: the difference
+/// wraps.
 bool Is_Reserve_Reached()
 {
     uint64_t const reserve = ZVEnv ? ZVEnv->residentLimit : 0;

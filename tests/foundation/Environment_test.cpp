@@ -266,15 +266,3 @@ TEST_F(EnvironmentTest, AStartWithoutMemoryReleasesEverythingAndReturnsNull)
 }
 
 #endif
-
-TEST_F(EnvironmentTest, StartAndEndLeaveTheHeapAsItWas)
-{
-    auto const turn = [] {
-        InitZV(nullptr, "Window.prefs", nullptr, nullptr, ZV_INIT_NO_GUI, 0, ZV_INIT_APP_TITLE, "Title");
-        Text_Width("some text");
-        CleanUpZV();
-        return mallinfo2().uordblks;
-    };
-    turn();  // libraries below keep what they make at their first use
-    EXPECT_EQ(turn(), turn());
-}

@@ -1,5 +1,5 @@
-// What the tests of pixel work share: bitmaps that free themselves, fills, pixels read and written one bit at a time
-// by the layout alone, and a run on every vector path.
+// What the tests of pixel work share: bitmaps that free themselves, fills, pixels read and written one bit at
+// a time by the layout alone, and a run on every vector path.
 #pragma once
 
 #include "ZVBitmap.h"
@@ -16,10 +16,10 @@
 
 namespace PixelTest {
 
-inline constexpr std::array rgbaTypes = {ZV_BITMAP_RGBA8, ZV_BITMAP_RGBA10, ZV_BITMAP_RGBA12, ZV_BITMAP_RGBA16,
-                                         ZV_BITMAP_RGBAFLOAT};
-inline constexpr std::array monoTypes = {ZV_BITMAP_MONO8, ZV_BITMAP_MONO10, ZV_BITMAP_MONO12, ZV_BITMAP_MONO16,
-                                         ZV_BITMAP_MONOFLOAT};
+inline constexpr std::array rgbaTypes = {ZV_BITMAP_RGBA8, ZV_BITMAP_RGBA10, ZV_BITMAP_RGBA12,
+                                         ZV_BITMAP_RGBA16, ZV_BITMAP_RGBAFLOAT};
+inline constexpr std::array monoTypes = {ZV_BITMAP_MONO8, ZV_BITMAP_MONO10, ZV_BITMAP_MONO12,
+                                         ZV_BITMAP_MONO16, ZV_BITMAP_MONOFLOAT};
 inline constexpr std::array nativeDepths = {16L, 24L, 32L};
 
 struct BitmapDeleter {
@@ -53,8 +53,8 @@ template <typename Bitmap> std::span<unsigned char> Bytes(Bitmap const& bitmap)
     return {bitmap.Pixels, static_cast<std::size_t>(bitmap.Size)};
 }
 
-/// Random bits in every pixel, unused bits of 10- and 12-bit mono pixels excepted; a float pixel may hold anything,
-/// infinities and NaN included.
+/// Random bits in every pixel, unused bits of 10- and 12-bit mono pixels excepted; a float pixel may hold
+/// anything, infinities and NaN included.
 inline void Fill_Random(std::span<unsigned char> bytes, unsigned seed)
 {
     std::mt19937 random(seed);
@@ -73,22 +73,32 @@ inline void Fill_Random(ZVBitmap& bitmap, unsigned seed)
         bitmap.Pixels[high] &= bitmap.Type == ZV_BITMAP_MONO10 ? 0x03 : 0x0F;
 }
 
-/// Float channels as pictures have them and as they must be survived: 0 to 1 in steps, beyond both ends, and a few
-/// that are no numbers.
+/// Float channels as pictures have them and as they must be survived: 0 to 1 in steps, beyond both ends, and
+/// a few that are no numbers.
 inline void Fill_Floats(ZVBitmap& bitmap, unsigned seed)
 {
-    static constexpr float odd[] = {-0.0F, -1e-30F, 1e-40F, -3.0F, 1.0000001F, 300.0F, 1e20F, -1e20F,
-                                    std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),
+    static constexpr float odd[] = {-0.0F,
+                                    -1e-30F,
+                                    1e-40F,
+                                    -3.0F,
+                                    1.0000001F,
+                                    300.0F,
+                                    1e20F,
+                                    -1e20F,
+                                    std::numeric_limits<float>::infinity(),
+                                    -std::numeric_limits<float>::infinity(),
                                     std::numeric_limits<float>::quiet_NaN()};
     std::mt19937 random(seed);
     auto* const channels = reinterpret_cast<float*>(bitmap.Pixels);
     for (long i = 0; i < bitmap.Size / 4; ++i) {
-        unsigned const word = random();
-        channels[i] = word % 8 ? static_cast<float>(word >> 8) / 16777215.0F : odd[(word >> 3) % std::size(odd)];
+        auto const word = static_cast<unsigned>(random());
+        channels[i] =
+            word % 8 ? static_cast<float>(word >> 8) / 16777215.0F : odd[(word >> 3) % std::size(odd)];
     }
 }
 
-// Single pixels by the told layouts, independent of ZVPixel: packed pixels as a string of bits, highest first.
+// Single pixels by the told layouts, independent of ZVPixel: packed pixels as a string of bits, highest
+// first.
 
 inline unsigned char* Pixel_Bytes(ZVBitmap const& bitmap, long x, long y)
 {
