@@ -143,7 +143,8 @@ ZV_API void ReadPixelZV(ZVNativeBitmap const* bitmap, long x, long y, ZVRGB* out
 ZV_API void WritePixelZV(ZVNativeBitmap* bitmap, long x, long y, ZVRGB const* in);
 
 /// One native pixel as fractions; alpha becomes 65535.0. At 8 bits only red is read and written. At 16 bits each
-/// 5-bit field, shifted left 3, is read through the byte table, as ReadPixelZV expands it.
+/// 5-bit field, shifted left 3, is read through the byte table, as ReadPixelZV expands it. Fractions outside 0 to 1
+/// are stored as the nearer end.
 ZV_API void ReadFloatPixelZV(ZVNativeBitmap const* bitmap, long x, long y, ZVFloatRGB* out);
 ZV_API void WriteFloatPixelZV(ZVNativeBitmap* bitmap, long x, long y, ZVFloatRGB const* in);
 

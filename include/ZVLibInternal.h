@@ -68,6 +68,12 @@ ZV_API void Set_Memory_Limits(uint64_t machineBytes);
 ZV_API long OS_Lock_Pages(void* block, unsigned long size);
 ZV_API bool OS_Unlock_Pages(void* block, unsigned long size);
 
+/// Asks the kernel to back a block with huge pages, as far as its alignment allows.
+ZV_API void OS_Advise_Huge_Pages(void* block, unsigned long size);
+
+/// Bytes of the last-level cache that one processor reaches; 0 when unknown.
+ZV_API unsigned long OS_Cache_Size();
+
 /// Measures of a text in the interface font at the style's font size, in pixels.
 ZV_API long Text_Width(char const* text);
 ZV_API long Text_Height(char const* text);  ///< Ascent and descent of the font.
@@ -85,10 +91,17 @@ ZV_API long File_Write(ZVFileInfo* file, unsigned long count, void const* source
 ZV_API void File_SetPos(ZVFileInfo* file, long mode, long offset);
 ZV_API long File_GetPos(ZVFileInfo* file);
 ZV_API int64_t File_GetLength(ZVFileInfo* file);  ///< Counts bytes still in a write buffer.
+/// Makes a file longer; the new bytes are zeros and the position stays.
+ZV_API long File_Extend(ZVFileInfo* file, int64_t length);
 ZV_API int64_t File_GetModificationDate(ZVFileInfo* file);  ///< Seconds since 1 January 1970; 0 on failure.
 ZV_API void File_Close(ZVFileInfo* file);
 
-/// Calls `visit` for each entry of a directory, by name and without "." and "..", until it answers false.
+/// The native path of a spec or classic path. False without a volume part, for an unknown volume, and when it does
+/// not fit; the buffer is then as it was.
+ZV_API bool OS_Native_Path(char const* spec, char* path, unsigned long size);
+
+/// Calls `visit` for each entry of a directory, in the order of their names and without "." and "..", until it
+/// answers false. Names are written as in specs; a link to a directory counts as one.
 /// @return  false when the directory cannot be read
 ZV_API bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool isDirectory, void* data),
                               void* data);
@@ -97,6 +110,16 @@ ZV_API bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, 
 /// @return  a claim above 0; 0 when another process has the directory, -1 when it cannot be made or opened
 ZV_API long OS_Claim_Directory(char const* spec);
 ZV_API void OS_Release_Directory(long claim);
+
+// ---- pixels -----------------------------------------------------------------------------------------------
+
+/// Frees the blocks that AllocateResidentBlock keeps for reuse. False when there was none.
+ZV_API bool Empty_Block_Cache();
+
+/// Rewrites packed pixels with alpha first: `bytes` bytes, a whole number of pixels, from the start of `source`. There is
+/// an instance for ZV_BITMAP_RGBA10 and for ZV_BITMAP_RGBA12.
+template <typename Buffer, typename Pixel, typename Channel>
+void RGBA_To_ARGB(Buffer const* source, void* out, long bytes);
 
 // ---- clips ------------------------------------------------------------------------------------------------
 

@@ -3,8 +3,12 @@
 // A string file is a text of lines `#define NAME "text"` whose names are given numbers by the header that its
 // one `#include "header"` names, through `#define NAME 123` and `enum { A, B = 7, C }`. Everything else in both
 // files is free text. In a quoted text \n is a line feed and \" a double quote; any other backslash stands for
-// itself. Symbolic names hold at most 127 characters. Loading belongs to the main thread; looking up may run on
-// any thread while no load runs.
+// itself. Symbolic names hold at most 127 characters; a longer one counts as a bad definition. A keyword counts
+// wherever white space follows it, also in a comment, but not inside the text of an entry. Ids are 32-bit numbers, a
+// file ends at its first zero byte, and of two definitions of a name the first one holds.
+//
+// Loading belongs to the main thread; looking up may run on any thread while no load runs. The texts given to the
+// helpers below are not null where a comment does not allow it.
 #pragma once
 
 #include "ZVBase.h"
@@ -43,7 +47,7 @@ ZV_API char* AllocString(char const* text);
 /// Turns tabs into blanks and removes blanks at both ends, in place. Null is accepted.
 ZV_API void StripBlankZV(char* text);
 
-/// Writes the value, truncated to 32 bits, in decimal.
+/// Writes the value, truncated to a whole number and held within 32 bits, in decimal. What is no number gives 0.
 /// @param out  at least 12 bytes
 /// @return  the length of the text
 ZV_API long ItoStr(double value, char* out);
@@ -58,7 +62,7 @@ ZV_API long CSV_Entries(char const* list);
 
 /// Takes the middle out of a text longer than `maxLength`, leaving three dots; the result may be one byte longer
 /// than `maxLength`. Texts for which the dots would not fit stay whole.
-/// @return  the length of the text after the call
+/// @return  the length of the text after the call; 0 for null
 ZV_API long ShortenString(char* text, long maxLength);
 
 /// Copies a word: up to the closing quote if it begins with one, up to a blank otherwise, after white space.

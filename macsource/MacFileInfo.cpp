@@ -1,0 +1,119 @@
+// Type and creator codes: the extended attribute user.com.apple.FinderInfo, or what a file's extension tells.
+
+#include "MacFileInfo.h"
+
+#include "MacFile.h"
+
+#include "ZVLibInternal.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <strings.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+namespace {
+
+constexpr char AttributeName[] = "user.com.apple.FinderInfo";
+
+/// The attribute: type at 0, creator at 4, both with the first character first; flags and places behind them.
+using FinderInfo = std::array<uint8_t, 32>;
+
+enum class Lookup { Found, Absent, Failed };
+
+struct ExtensionType {
+    char const* extension;
+    uint32_t type;
+};
+
+constexpr ExtensionType ExtensionTypes[] = {
+    {"pct", ZV_FourCC("PICT")},  {"pict", ZV_FourCC("PICT")}, {"pcs", ZV_FourCC("PICS")},
+    {"pics", ZV_FourCC("PICS")}, {"flm", ZV_FourCC("Film")},  {"ei", ZV_FourCC("EIDI")},
+    {"vpb", ZV_FourCC("VPB ")},  {"mov", ZV_FourCC("MooV")},  {"psd", ZV_FourCC("8BPS")},
+    {"tif", ZV_FourCC("TIFF")},  {"tiff", ZV_FourCC("TIFF")}, {"jpg", ZV_FourCC("JPEG")},
+    {"jpeg", ZV_FourCC("JPEG")}, {"png", ZV_FourCC("PNGf")},  {"gif", ZV_FourCC("GIFf")},
+    {"bmp", ZV_FourCC("BMPf")},  {"tga", ZV_FourCC("TPIC")},  {"txt", ZV_FourCC("TEXT")},
+};
+
+constexpr ZVCreatorPair BlankCodes = {ZV_BLANK_CODE, ZV_BLANK_CODE};
+
+uint32_t Load_Code(uint8_t const* bytes)
+{
+    return static_cast<uint32_t>(bytes[0]) << 24 | static_cast<uint32_t>(bytes[1]) << 16 |
+           static_cast<uint32_t>(bytes[2]) << 8 | static_cast<uint32_t>(bytes[3]);
+}
+
+void Store_Code(uint8_t* bytes, uint32_t code)
+{
+    for (int i = 0; i < 4; ++i)
+        bytes[i] = static_cast<uint8_t>(code >> (24 - 8 * i));
+}
+
+bool Same(ZVCreatorPair a, ZVCreatorPair b)
+{
+    return a.type == b.type && a.creator == b.creator;
+}
+
+/// The codes that a file without stored ones has: its creator is unknown.
+ZVCreatorPair Codes_Of_Extension(std::string const& path)
+{
+    std::size_t const dot = path.find_last_of("./");
+    if (dot == std::string::npos || path[dot] == '/') return BlankCodes;
+    for (ExtensionType const& entry : ExtensionTypes)
+        if (strcasecmp(entry.extension, path.c_str() + dot + 1) == 0) return {entry.type, ZV_BLANK_CODE};
+    return BlankCodes;
+}
+
+Lookup Read_Stored_Codes(std::string const& path, ZVCreatorPair& codes)
+{
+    FinderInfo info;
+    ssize_t const size = getxattr(path.c_str(), AttributeName, info.data(), info.size());
+    if (size < 0) return errno == ENODATA || errno == ENOTSUP ? Lookup::Absent : Lookup::Failed;
+    if (size < 8) return Lookup::Absent;
+    codes = {Load_Code(&info[0]), Load_Code(&info[4])};
+    // Others leave zeros in an attribute that they keep for its flags.
+    if (codes.type == 0 && codes.creator == 0) return Lookup::Absent;
+    return Lookup::Found;
+}
+
+bool Is_Regular(std::string const& path)
+{
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
+}  // namespace
+
+void Mac_Write_Codes(int descriptor, ZVCreatorPair codes)
+{
+    if (Same(codes, BlankCodes)) return;
+    FinderInfo info{};
+    if (fgetxattr(descriptor, AttributeName, info.data(), info.size()) < 0) info = {};
+    Store_Code(&info[0], codes.type);
+    Store_Code(&info[4], codes.creator);
+    fsetxattr(descriptor, AttributeName, info.data(), info.size(), 0);
+}
+
+bool Mac_Has_Codes(std::string const& path, ZVCreatorPair codes)
+{
+    if (!Is_Regular(path)) return false;
+    ZVCreatorPair stored;
+    switch (Read_Stored_Codes(path, stored)) {
+    case Lookup::Found: return Same(stored, codes);
+    case Lookup::Absent: return Same(codes, BlankCodes) || Same(codes, Codes_Of_Extension(path));
+    default: return false;
+    }
+}
+
+void Get_FileInfo(char const* spec, uint32_t* creator, uint32_t* type)
+{
+    ZVCreatorPair codes = BlankCodes;
+    std::string path;
+    if (Mac_Native_Path(spec, path) == 0 && Is_Regular(path) &&
+        Read_Stored_Codes(path, codes) == Lookup::Absent) {
+        codes = Codes_Of_Extension(path);
+    }
+    if (creator) *creator = codes.creator;
+    if (type) *type = codes.type;
+}

@@ -1,0 +1,144 @@
+// Operations on files and directories by their specs: tests, deleting, moving, making and walking
+// directories.
+
+#include "MacFile.h"
+
+#include "ZVLibInternal.h"
+
+#include "MacFileCopy.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <dirent.h>
+#include <filesystem>
+#include <memory>
+#include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+struct Entry {
+    std::string name;  ///< as in a spec
+    bool isDirectory;
+};
+
+/// The root of a file system can be emptied but not deleted, so nothing of it may go.
+bool Is_Mount_Point(std::string const& path, struct stat const& info)
+{
+    struct stat parent;
+    if (stat((path + "/..").c_str(), &parent) != 0) return false;
+    return parent.st_dev != info.st_dev || parent.st_ino == info.st_ino;
+}
+
+int Delete_Directory(std::string path)
+{
+    Mac_Strip_Closing_Slashes(path);
+    struct stat info;
+    if (lstat(path.c_str(), &info) != 0) return errno;
+    if (!S_ISDIR(info.st_mode)) return ENOTDIR;
+    if (Is_Mount_Point(path, info)) return EBUSY;
+    std::error_code error;
+    std::filesystem::remove_all(path, error);
+    return error.value();
+}
+
+int Make_Directory(std::string const& path)
+{
+    if (mkdir(path.c_str(), 0777) == 0) return 0;
+    int const error = errno;
+    return error == EEXIST && Mac_Is_Directory(path) ? 0 : error;
+}
+
+int Move_File(std::string from, std::string to)
+{
+    Mac_Strip_Closing_Slashes(from);
+    Mac_Strip_Closing_Slashes(to);
+    if (rename(from.c_str(), to.c_str()) == 0) return 0;
+    return errno == EXDEV ? Mac_Move_Across(from, to) : errno;
+}
+
+bool Is_Directory_Entry(std::string const& directory, dirent const& entry)
+{
+    if (entry.d_type == DT_DIR) return true;
+    if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return false;
+    return Mac_Is_Directory(directory + '/' + entry.d_name);
+}
+
+/// All entries, in the order that people expect to see them. Read in one go, so that the visitor may change
+/// the directory and a walk into the depth keeps no descriptors open.
+int Read_Directory(std::string const& path, std::vector<Entry>& entries)
+{
+    std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), &closedir);
+    if (!directory) return errno;
+    errno = 0;
+    while (dirent const* entry = readdir(directory.get())) {
+        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
+            entries.push_back({Mac_Name_To_Spec(entry->d_name), Is_Directory_Entry(path, *entry)});
+        errno = 0;
+    }
+    if (errno) return errno;
+    std::sort(entries.begin(), entries.end(), [](Entry const& a, Entry const& b) {
+        int const order = strcasecmp(a.name.c_str(), b.name.c_str());
+        return order ? order < 0 : a.name < b.name;
+    });
+    return 0;
+}
+
+/// Runs an operation on the native path of a spec and stores the error number.
+template <typename Operation> long On_Path(char const* spec, Operation operation)
+{
+    std::string path;
+    int error = Mac_Native_Path(spec, path);
+    if (error == 0) error = operation(path);
+    Mac_Set_File_Error(error);
+    return error == 0;
+}
+
+}  // namespace
+
+long FileExistsZV(char const* spec)
+{
+    std::string path;
+    if (Mac_Native_Path(spec, path) != 0) return 0;
+    struct stat info;
+    return stat(path.c_str(), &info) == 0;
+}
+
+long DeleteFileZV(char const* spec)
+{
+    return On_Path(spec, [](std::string const& path) { return unlink(path.c_str()) == 0 ? 0 : errno; });
+}
+
+long RenameFileZV(char const* oldSpec, char const* newSpec)
+{
+    return On_Path(oldSpec, [&](std::string const& from) {
+        std::string to;
+        int const error = Mac_Native_Path(newSpec, to);
+        return error ? error : Move_File(from, to);
+    });
+}
+
+long CreateDirZV(char const* spec)
+{
+    return On_Path(spec, Make_Directory);
+}
+
+long DeleteDirZV(char const* spec)
+{
+    return On_Path(spec, Delete_Directory);
+}
+
+bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool isDirectory, void* data),
+                       void* data)
+{
+    std::vector<Entry> entries;
+    long const read = On_Path(spec, [&](std::string const& path) { return Read_Directory(path, entries); });
+    if (!read) return false;
+    for (Entry const& entry : entries)
+        if (!visit(entry.name.c_str(), entry.isDirectory, data)) break;
+    return true;
+}

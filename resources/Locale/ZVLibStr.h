@@ -1,0 +1,146 @@
+// String ids of the library's texts, for the code and for the string file beside it. Texts in which %s or %d
+// stands are formats: the arguments are told in the order of the call.
+#pragma once
+
+enum ZVStringID : unsigned long {
+    // Buttons and dialogs
+    ZVSTR_OK = 100,
+    ZVSTR_CANCEL = 101,
+    ZVSTR_YES = 102,
+    ZVSTR_NO = 103,
+    ZVSTR_YES_TO_ALL = 237,
+    ZVSTR_NO_TO_ALL = 238,
+
+    // Files and folders
+    ZVSTR_FIND_SEQUENCE = 104,  // name of the sequence
+    ZVSTR_FIND_FILE = 105,      // name of the file
+    ZVSTR_LOADING = 106,        // a name follows
+    ZVSTR_ALL_KINDS = 108,
+    ZVSTR_ALL_FILES = 109,
+    ZVSTR_DESKTOP = 111,
+    ZVSTR_SAVE_FORMAT = 113,
+
+    // Key files
+    ZVSTR_KEY_FILE = 115,
+    ZVSTR_KEY_UNKNOWN = 116,       // line
+    ZVSTR_KEY_USED = 117,          // key, line
+    ZVSTR_KEY_SECTION_USED = 119,  // section, line
+
+    // String files
+    ZVSTR_STRING_FILE = 121,  // name of the file
+    ZVSTR_NO_INCLUDE = 122,
+    ZVSTR_BAD_INCLUDE = 123,
+    ZVSTR_BAD_DEFINE = 124,
+    ZVSTR_UNKNOWN_NAME = 125,  // symbolic name
+    ZVSTR_NO_TEXT = 126,       // symbolic name
+
+    // Help
+    ZVSTR_NO_HELP = 127,
+    ZVSTR_NO_BROWSER = 129,
+
+    // Format plug-ins
+    ZVSTR_PLUGIN_READ = 131,
+    ZVSTR_PLUGIN_WRITE = 132,
+    ZVSTR_PLUGIN_MEMORY = 133,
+    ZVSTR_PLUGIN_OPEN = 134,
+    ZVSTR_PLUGIN_IO = 135,
+    ZVSTR_PLUGIN_DISK_FULL = 136,
+    ZVSTR_PLUGIN_NOT_FOUND = 137,
+    ZVSTR_PLUGIN_VOLUME_LOCKED = 138,
+    ZVSTR_PLUGIN_FILE_LOCKED = 139,
+    ZVSTR_PLUGIN_HOST = 140,
+
+    // Names of the built-in formats
+    ZVSTR_FORMAT_EIDI = 145,
+    ZVSTR_FORMAT_FILMSTRIP = 146,
+    ZVSTR_FORMAT_PICS = 147,
+    ZVSTR_FORMAT_PICT = 148,
+    ZVSTR_FORMAT_MOVIE = 149,
+    ZVSTR_FORMAT_STREAMING = 150,
+    ZVSTR_FORMAT_VPB = 151,
+
+    // Movie options. The last one lists the extensions that the movie module leaves to others.
+    ZVSTR_MOVIE_VIDEO_OPTIONS = 154,
+    ZVSTR_MOVIE_AUDIO_OPTIONS = 155,
+    ZVSTR_MOVIE_VIDEO_COMPRESSION = 156,
+    ZVSTR_MOVIE_AUDIO_COMPRESSION = 157,
+    ZVSTR_MOVIE_STREAMING = 158,
+    ZVSTR_MOVIE_DONE = 159,
+    ZVSTR_MOVIE_NOT_EXTENSIONS = 160,
+
+    // Image sequences
+    ZVSTR_SEQUENCE_TITLE = 162,
+    ZVSTR_SEQUENCE_NAME = 163,
+    ZVSTR_SEQUENCE_LOAD_ALL = 164,
+    ZVSTR_SEQUENCE_LOAD_ONE = 165,
+    ZVSTR_SEQUENCE_SETTINGS = 166,
+    ZVSTR_SEQUENCE_RANGE = 167,
+    ZVSTR_SEQUENCE_FIRST = 168,
+    ZVSTR_SEQUENCE_LAST = 169,
+    ZVSTR_SEQUENCE_COUNT = 170,
+    ZVSTR_SEQUENCE_RATE = 171,
+    ZVSTR_SEQUENCE_RATES = 172,
+    ZVSTR_SEQUENCE_ASPECT = 173,
+    ZVSTR_SEQUENCE_ASPECTS = 174,
+    ZVSTR_SEQUENCE_FIELDS = 175,
+    ZVSTR_SEQUENCE_FIELD_ORDERS = 176,
+
+    // Calculator. The second title takes the name of the value.
+    ZVSTR_CALC_TITLE = 177,
+    ZVSTR_CALC_TITLE_NAMED = 178,  // name of the item
+    ZVSTR_CALC_BACKSPACE = 204,
+    ZVSTR_CALC_CLEAR = 205,
+    ZVSTR_CALC_ENTRY_MODE = 206,
+    ZVSTR_CALC_RECIPROCAL = 207,
+    ZVSTR_CALC_PERCENT = 208,
+    ZVSTR_CALC_SUBTRACT = 209,
+    ZVSTR_CALC_ADD = 210,
+    ZVSTR_CALC_DIVIDE = 211,
+    ZVSTR_CALC_MULTIPLY = 212,
+    ZVSTR_CALC_EQUALS = 213,
+    ZVSTR_CALC_SIGN = 214,
+    ZVSTR_CALC_MEMORY_CLEAR = 215,
+    ZVSTR_CALC_MEMORY_STORE = 216,
+    ZVSTR_CALC_MEMORY_RECALL = 217,
+    ZVSTR_CALC_MEMORY_ADD = 218,
+    ZVSTR_CALC_0 = 219,
+    ZVSTR_CALC_1 = 220,
+    ZVSTR_CALC_2 = 221,
+    ZVSTR_CALC_3 = 222,
+    ZVSTR_CALC_4 = 223,
+    ZVSTR_CALC_5 = 224,
+    ZVSTR_CALC_6 = 225,
+    ZVSTR_CALC_7 = 226,
+    ZVSTR_CALC_8 = 227,
+    ZVSTR_CALC_9 = 228,
+
+    // Footage presets
+    ZVSTR_PRESET_NTSC_640 = 179,
+    ZVSTR_PRESET_NTSC_648 = 180,
+    ZVSTR_PRESET_NTSC_DV = 181,
+    ZVSTR_PRESET_NTSC_D1 = 182,
+    ZVSTR_PRESET_NTSC_D1_WIDE = 183,
+    ZVSTR_PRESET_PAL_768 = 184,
+    ZVSTR_PRESET_PAL_DV = 185,
+    ZVSTR_PRESET_PAL_D1 = 186,
+    ZVSTR_PRESET_PAL_D1_WIDE = 187,
+    ZVSTR_PRESET_HD_720 = 188,
+    ZVSTR_PRESET_HD_1080 = 189,
+    ZVSTR_PRESET_FILM_SCOPE = 190,
+    ZVSTR_PRESET_FILM_4K = 191,
+    ZVSTR_PRESET_FILM_HALF = 192,
+    ZVSTR_PRESET_OTHER = 193,
+    ZVSTR_PRESET_FILM_2K = 194,
+
+    // Times. Each text follows its number; those of a first number lead over to the second one.
+    ZVSTR_TIME_ONLY_SECOND = 239,
+    ZVSTR_TIME_ONLY_SECONDS = 240,
+    ZVSTR_TIME_FIRST_MINUTE = 241,
+    ZVSTR_TIME_FIRST_MINUTES = 242,
+    ZVSTR_TIME_LAST_SECOND = 243,
+    ZVSTR_TIME_LAST_SECONDS = 244,
+    ZVSTR_TIME_FIRST_HOUR = 245,
+    ZVSTR_TIME_FIRST_HOURS = 246,
+    ZVSTR_TIME_LAST_MINUTE = 247,
+    ZVSTR_TIME_LAST_MINUTES = 248,
+};

@@ -1,0 +1,245 @@
+// Writing under pull-down: which fields of which film frames the video frames show, and that reading takes
+// them apart again.
+#include "TestEnvironment.h"
+#include "clips/TestFormat.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr long width = 6;
+constexpr long height = 8;
+constexpr long filmFrames = 30;
+constexpr unsigned long background = 0xFF204060;
+constexpr long backgroundPicture = -1;
+
+/// A video frame: its number, the film frame in its carried field and the one in its other field.
+struct VideoFrame {
+    long number, carried, other;
+    bool operator==(VideoFrame const&) const = default;
+};
+
+void PrintTo(VideoFrame const& frame, std::ostream* out)
+{
+    *out << '#' << frame.number << '(' << frame.carried << ',' << frame.other << ')';
+}
+
+using Pixels = std::vector<unsigned char>;
+
+Pixels Pixels_Of(ZVBitmap const& bitmap)
+{
+    return {bitmap.Pixels, bitmap.Pixels + bitmap.Size};
+}
+
+class PullDownWrite : public ::testing::Test {
+protected:
+    PullDownWrite() : bitmap(AllocBitmapZV(width, height, ZV_BITMAP_RGBA8, "test"))
+    {
+        for (long i = 0; i < filmFrames; ++i) {
+            Draw_Test_Picture(bitmap, i);
+            pictures.push_back(Pixels_Of(*bitmap));
+        }
+        FillBitmapZV(bitmap, background);
+        pictures.push_back(Pixels_Of(*bitmap));
+    }
+    ~PullDownWrite() override { FreeBitmapZV(bitmap); }
+
+    ZVClip* Begin(long phase, uint8_t fieldOrder)
+    {
+        format.calls.clear();
+        ZVClip* clip = NewClipZV();
+        clip->Format = format.desc;
+        clip->FileName = CopyFileSpecZV(environment.Spec("film.tst").c_str());
+        clip->Width = width;
+        clip->Height = height;
+        clip->BitDepth = 8;
+        clip->Media = ZV_MEDIA_VIDEO;
+        clip->FrameRate = 24.0;
+        clip->FileFrameRate = 30.0;
+        clip->PullDown = static_cast<uint8_t>(phase);
+        clip->FieldOrder = fieldOrder;
+        clip->Frames = 1000;
+        clip->Background = background;
+        EXPECT_TRUE(CreateClipZV(clip, 0));
+        return clip;
+    }
+
+    template <typename... Tags> long Add(ZVClip* clip, long frame, Tags... tags)
+    {
+        ZVTimeValue const time{static_cast<double>(frame), 24.0};
+        Draw_Test_Picture(bitmap, frame);
+        long const answer =
+            AddFrameZV(clip, bitmap, &time, nullptr, tags..., static_cast<unsigned long>(ZV_TAG_END));
+        EXPECT_EQ(Pixels_Of(*bitmap), pictures.at(static_cast<std::size_t>(frame))) << "the caller's pixels";
+        return answer;
+    }
+
+    /// The picture that all rows of a field show.
+    long Picture_In_Field(Pixels const& frame, long top) const
+    {
+        std::size_t const rowBytes = frame.size() / height;
+        for (std::size_t picture = 0; picture < pictures.size(); ++picture) {
+            bool isEqual = true;
+            for (auto row = static_cast<std::size_t>(top); row < height; row += 2)
+                isEqual &=
+                    std::memcmp(&frame[row * rowBytes], &pictures[picture][row * rowBytes], rowBytes) == 0;
+            if (isEqual) return picture == filmFrames ? backgroundPicture : static_cast<long>(picture);
+        }
+        return -2;
+    }
+
+    std::vector<VideoFrame> Written(uint8_t fieldOrder) const
+    {
+        long const carriedTop = fieldOrder == ZV_FIELDS_LOWER_FIRST;
+        std::vector<VideoFrame> frames;
+        for (TestCall const& call : format.calls)
+            if (call.entry == "AddFrame")
+                frames.push_back({call.frame, Picture_In_Field(call.data, carriedTop),
+                                  Picture_In_Field(call.data, 1 - carriedTop)});
+        return frames;
+    }
+
+    TestEnvironment environment;
+    TestFormat format;
+    ZVBitmap* bitmap;
+    std::vector<Pixels> pictures;  ///< of the film frames, then Background
+};
+
+long completions;
+
+void Count_Completion(void*, unsigned long)
+{
+    ++completions;
+}
+
+struct CadenceCase {
+    long phase;
+    std::vector<VideoFrame> video;  ///< of film frames 0 to 6
+};
+
+// Film frame 0 of phases 4 and 5 begins in the middle of a mixed frame, so only its field is seen.
+CadenceCase const cadences[] = {
+    {1, {{0, 0, 0}, {1, 1, 1}, {2, 2, 2}, {3, 2, 3}, {4, 3, 4}, {5, 4, 4}, {6, 5, 5}, {7, 6, 6}}},
+    {2, {{0, 0, 0}, {1, 1, 1}, {2, 1, 2}, {3, 2, 3}, {4, 3, 3}, {5, 4, 4}, {6, 5, 5}, {7, 5, 6}}},
+    {3, {{0, 0, 0}, {1, 0, 1}, {2, 1, 2}, {3, 2, 2}, {4, 3, 3}, {5, 4, 4}, {6, 4, 5}, {7, 5, 6}, {8, 6, 6}}},
+    {4, {{0, 0, 1}, {1, 1, 2}, {2, 2, 2}, {3, 3, 3}, {4, 4, 4}, {5, 4, 5}, {6, 5, 6}, {7, 6, 6}}},
+    {5, {{0, 0, 1}, {1, 1, 1}, {2, 2, 2}, {3, 3, 3}, {4, 3, 4}, {5, 4, 5}, {6, 5, 5}, {7, 6, 6}}},
+};
+
+TEST_F(PullDownWrite, FieldsOfNeighboursAreMixedByTheCadence)
+{
+    for (CadenceCase const& row : cadences) {
+        for (uint8_t fieldOrder : {ZV_FIELDS_UPPER_FIRST, ZV_FIELDS_LOWER_FIRST}) {
+            SCOPED_TRACE(testing::Message() << "phase " << row.phase << " field order " << int{fieldOrder});
+            ZVClip* clip = Begin(row.phase, fieldOrder);
+            completions = 0;
+            for (long frame = 0; frame < 7; ++frame)
+                EXPECT_TRUE(Add(clip, frame, ZV_ADD_COMPLETION, Count_Completion));
+            EXPECT_EQ(Written(fieldOrder), row.video);
+            EXPECT_EQ(completions, 7);
+            EXPECT_TRUE(clip->FieldBitmap);
+            CloseClipZV(clip);
+            EXPECT_FALSE(clip->FieldBitmap);
+            FreeClipZV(clip);
+        }
+    }
+}
+
+TEST_F(PullDownWrite, ARunMayBeginAnywhere)
+{
+    ZVClip* clip = Begin(1, ZV_FIELDS_UPPER_FIRST);
+    completions = 0;
+    for (long frame = 7; frame < 10; ++frame)
+        EXPECT_TRUE(Add(clip, frame, ZV_ADD_FIRST_FRAME, 7, ZV_ADD_COMPLETION, Count_Completion));
+    EXPECT_EQ(Written(ZV_FIELDS_UPPER_FIRST), (std::vector<VideoFrame>{{9, 7, 8}, {10, 8, 8}, {11, 9, 9}}));
+    EXPECT_EQ(completions, 3);
+    FreeClipZV(clip);
+}
+
+TEST_F(PullDownWrite, TheLastFrameIsCompletedOverBackground)
+{
+    ZVClip* clip = Begin(2, ZV_FIELDS_LOWER_FIRST);
+    completions = 0;
+    for (long frame = 0; frame <= 2; ++frame)
+        EXPECT_TRUE(Add(clip, frame, ZV_ADD_LAST_FRAME, 2, ZV_ADD_COMPLETION, Count_Completion));
+    EXPECT_EQ(Written(ZV_FIELDS_LOWER_FIRST),
+              (std::vector<VideoFrame>{{0, 0, 0}, {1, 1, 1}, {2, 1, 2}, {3, 2, backgroundPicture}}));
+    EXPECT_EQ(completions, 3);
+    FreeClipZV(clip);
+}
+
+TEST_F(PullDownWrite, AFailureLeavesTheCallersPixels)
+{
+    ZVClip* clip = Begin(1, ZV_FIELDS_UPPER_FIRST);
+    for (long frame = 0; frame < 3; ++frame)
+        EXPECT_TRUE(Add(clip, frame));
+    format.failing.insert("AddFrame");
+    completions = 0;
+    EXPECT_FALSE(Add(clip, 3, ZV_ADD_LAST_FRAME, 3, ZV_ADD_COMPLETION, Count_Completion));
+    EXPECT_EQ(completions, 1);
+    EXPECT_EQ(format.Count("AddFrame"), 4) << "nothing is owed for a frame that was refused";
+    EXPECT_FALSE(Add(clip, 4));
+    EXPECT_EQ(format.Count("AddFrame"), 5) << "without its mixed frame the whole one is not tried";
+
+    ZVBitmap* other = AllocBitmapZV(width, height, ZV_BITMAP_RGBA16, "test");
+    EXPECT_FALSE(AddFrameZV(clip, other, nullptr, nullptr, ZV_ADD_FIRST_FRAME, 1)) << "type changed in a run";
+    EXPECT_TRUE(clip->FieldBitmap && clip->FieldBitmap->Type == ZV_BITMAP_RGBA8);
+    format.failing.clear();
+    EXPECT_TRUE(AddFrameZV(clip, other, nullptr, nullptr, nullptr)) << "a new run may have another";
+    FreeBitmapZV(other);
+    other = AllocBitmapZV(width + 1, height, ZV_BITMAP_RGBA8, "test");
+    EXPECT_FALSE(AddFrameZV(clip, other, nullptr, nullptr, nullptr)) << "not the clip's size";
+    FreeBitmapZV(other);
+    FreeClipZV(clip);
+}
+
+/// Shows the video frames that were written.
+long Get_Written(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long>*, long, long, long, void*, long)
+{
+    for (TestCall const& call : static_cast<TestFormat*>(clip->Format->ModuleInfo)->calls) {
+        if (call.entry != "AddFrame" || call.frame != frame) continue;
+        std::memcpy(bitmap->Pixels, call.data.data(), call.data.size());
+        return 1;
+    }
+    return 0;
+}
+
+TEST_F(PullDownWrite, ReadingGivesTheFilmBack)
+{
+    environment.Write("film.tst", "");
+    format.desc->GetFrame = Get_Written;
+    format.width = width;
+    format.height = height;
+    format.rate = 30.0;
+    for (long phase = 1; phase <= 5; ++phase) {
+        for (uint8_t fieldOrder : {ZV_FIELDS_UPPER_FIRST, ZV_FIELDS_LOWER_FIRST}) {
+            SCOPED_TRACE(testing::Message() << "phase " << phase << " field order " << int{fieldOrder});
+            ZVClip* clip = Begin(phase, fieldOrder);
+            for (long frame = 0; frame < filmFrames; ++frame)
+                EXPECT_TRUE(Add(clip, frame));
+            FreeClipZV(clip);
+
+            std::vector<VideoFrame> const written = Written(fieldOrder);
+            format.frames = written.back().number + 1;
+            clip = OpenClipZV(environment.Spec("film.tst").c_str(), ZV_OPEN_NO_ALPHA_GUESS, 1);
+            ASSERT_TRUE(clip);
+            SetClipOptionsZV(clip, ZV_CLIP_FIELD_ORDER, fieldOrder, ZV_CLIP_PULLDOWN, phase);
+            ASSERT_TRUE(BeginClipIOZV(clip, nullptr));
+            // The first film frame of phases 4 and 5 has one field on video and is not to be had back.
+            long const shift = phase >= 4;
+            for (long film = 0; film + shift < filmFrames - 1; ++film) {
+                ZVTimeValue const time{static_cast<double>(film), 24.0};
+                ASSERT_TRUE(GetFrameZV(clip, bitmap, &time, nullptr, nullptr));
+                EXPECT_EQ(Picture_In_Field(Pixels_Of(*bitmap), 0), film + shift);
+                EXPECT_EQ(Picture_In_Field(Pixels_Of(*bitmap), 1), film + shift);
+            }
+            FreeClipZV(clip);
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,268 @@
+// Start and end of the library.
+#include "Scratch.h"
+#include "ZVLibInternal.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include <dlfcn.h>
+#include <malloc.h>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define ZV_TEST_OWN_HEAP 0
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define ZV_TEST_OWN_HEAP 0
+#endif
+#endif
+#ifndef ZV_TEST_OWN_HEAP
+#define ZV_TEST_OWN_HEAP 1
+#endif
+
+namespace {
+
+/// Keeps the user's real directories out of the tests.
+class EnvironmentTest : public testing::Test {
+protected:
+    ~EnvironmentTest() override { CleanUpZV(); }
+
+    ScratchDir home;
+    ScopedVariable homeVariable{"HOME", home.Path().c_str()};
+    ScopedVariable dataVariable{"KL_APP_DATA_DIR", nullptr};
+};
+
+void First_Callback(ZVEvent*) {}
+void Second_Callback(ZVEvent*) {}
+
+}  // namespace
+
+TEST_F(EnvironmentTest, SecondStartReturnsTheFirstEnvironmentUnchanged)
+{
+    ZVEnvironment* first = InitZV(First_Callback, "First.prefs", nullptr, nullptr, ZV_INIT_NO_GUI, 1);
+    ASSERT_NE(first, nullptr);
+    ZVEnvOS = nullptr;
+    EXPECT_EQ(InitZV(Second_Callback, "Second.prefs", nullptr, nullptr, ZV_INIT_APP_TITLE, "Second"), first);
+    EXPECT_EQ(first->callback, First_Callback);
+    EXPECT_STREQ(first->prefsFile, "First.prefs");
+    EXPECT_EQ(first->appTitle, nullptr);
+    EXPECT_EQ(ZVEnv, first);
+    EXPECT_EQ(ZVEnvOS, first);
+    EXPECT_EQ(GetEnvironmentZV(), first);
+}
+
+TEST_F(EnvironmentTest, StartsWithNothingButTheWishForNoInterface)
+{
+    ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 0), nullptr);
+    EXPECT_EQ(ZVEnv, ZVEnvOS);
+    EXPECT_EQ(GetErrorZV(), 0UL);
+    EXPECT_EQ(GetErrorStringZV(), nullptr);
+    for (List const* list :
+         {&ZVEnv->menus, &ZVEnv->windows, &ZVEnv->jobs, &ZVEnv->windowPrefs, &ZVEnv->icons, &ZVEnv->threads})
+        EXPECT_TRUE(List_Empty(list));
+    EXPECT_EQ(ZVEnv->eraseOnDestroy, 1);
+    EXPECT_EQ(ZVEnv->toolTipsOn, 1);
+    EXPECT_EQ(ZVEnv->pressure, 65535);
+    EXPECT_EQ(ZVEnv->scriptCode, 3);
+    EXPECT_GE(ZVEnv->systemVersion, 0x1000U);
+    EXPECT_GE(ZVEnv->processors, 1);
+    EXPECT_EQ(ZVEnv->tickTimer, nullptr);
+    EXPECT_EQ(ZVEnv->jobTimer, nullptr);
+    EXPECT_EQ(ZVEnv->rootWindow, nullptr);
+    auto const* base = static_cast<char*>(ZVEnv->mouseQueue.base);
+    EXPECT_EQ(static_cast<char*>(ZVEnv->mouseQueue.end) - base, 1200);
+    EXPECT_EQ(ZVEnv->mouseQueue.read, base);
+    EXPECT_EQ(ZVEnv->mouseQueue.write, base);
+}
+
+TEST_F(EnvironmentTest, WithoutAnInterfaceAStartFailsAndSaysWhy)
+{
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(InitZV(First_Callback, "Window.prefs", nullptr, nullptr, ZV_INIT_APP_TITLE, "Title"), nullptr);
+    std::string const said = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(ZVEnv, nullptr);
+    EXPECT_EQ(ZVEnvOS, nullptr);
+    EXPECT_EQ(GetErrorZV(), 1UL);
+    ASSERT_NE(GetErrorStringZV(), nullptr);
+    EXPECT_NE(std::string(GetErrorStringZV()).find("ZV_INIT_NO_GUI"), std::string::npos);
+    EXPECT_EQ(said, std::string(GetErrorStringZV()) + "\n");
+
+    ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 0), nullptr);
+    EXPECT_EQ(GetErrorStringZV(), nullptr);
+    CleanUpZV();
+    EXPECT_EQ(GetErrorStringZV(), nullptr);
+}
+
+TEST_F(EnvironmentTest, EndingWithoutAnEnvironmentClearsThePointers)
+{
+    CleanUpZV();
+    CleanUpWindowsZV();
+    ExitZV();
+    EXPECT_EQ(ZVEnv, nullptr);
+    EXPECT_EQ(ZVEnvOS, nullptr);
+}
+
+TEST_F(EnvironmentTest, ANewStartBeginsAfresh)
+{
+    ASSERT_NE(
+        InitZV(First_Callback, "Window.prefs", nullptr, nullptr, ZV_INIT_NO_GUI, 0, ZV_INIT_APP_TITLE, "One"),
+        nullptr);
+    ExitZV();
+    SetStylePenZV(ZV_PEN_TEXT, 0x123456);
+    EXPECT_EQ(ZVEnv->exitRequested, 1);
+    CleanUpZV();
+    EXPECT_EQ(ZVEnv, nullptr);
+    ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 0, ZV_INIT_APP_TITLE, ""), nullptr);
+    EXPECT_EQ(ZVEnv->exitRequested, 0);
+    EXPECT_EQ(ZVEnv->callback, nullptr);
+    EXPECT_EQ(ZVEnv->prefsFile, nullptr);
+    EXPECT_EQ(ZVEnv->appTitle, nullptr);
+    EXPECT_EQ(GetColorZV(ZV_PEN_TEXT), 0UL);
+}
+
+TEST_F(EnvironmentTest, BytesTurnIntoFractionsBeforeDuringAndAfter)
+{
+    auto const check = [](char const* when) {
+        for (int i = 0; i < 256; ++i)
+            ASSERT_EQ(ZVPixelBase::_byteToFracTbl[i], i / 255.0) << when << ' ' << i;
+    };
+    check("before");
+    ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 0), nullptr);
+    EXPECT_EQ(ZVPixelBase::_byteToFracTbl, ZVEnv->fracTable);
+    check("during");
+    CleanUpZV();
+    check("after");
+}
+
+TEST_F(EnvironmentTest, TheKeySectionCountsOnlyWithAKeyFile)
+{
+    long place = 0;
+    auto* section = reinterpret_cast<ZVKeySection*>(&place);
+    ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 0, ZV_INIT_KEY_SECTION, section),
+              nullptr);
+    EXPECT_EQ(ZVEnv->keySection, nullptr);
+}
+
+TEST_F(EnvironmentTest, InitTagsAreKeptAsACopy)
+{
+    char title[] = "Title";
+    {
+        TagItem more[] = {{ZV_INIT_APP_TITLE, Tag_Word(&title[0])}, {}};
+        TagItem tags[] = {{ZV_INIT_NO_GUI, 0}, {ZV_TAG_MORE, Tag_Word(&more[0])}};
+        ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, tags), nullptr);
+        more[0].tag = tags[0].tag = ZV_TAG_IGNORE;
+    }
+    title[0] = 't';
+    EXPECT_STREQ(ZVEnv->appTitle, "Title");
+    EXPECT_NE(FindTagItem(ZV_INIT_NO_GUI, ZVEnv->initTags), nullptr);
+    EXPECT_NE(FindTagItem(ZV_INIT_APP_TITLE, ZVEnv->initTags), nullptr);
+}
+
+namespace {
+
+struct MonitorCase {
+    char const* why;
+    long count;                // of ZV_INIT_MONITOR_COUNT; -1 leaves the tag out
+    std::vector<long> widths;  // of the rectangles given, 1000 high
+    long chosen;               // of ZV_INIT_MONITOR; -1 leaves the tag out
+    int32_t expectedCount;
+    int32_t expectedWidth;  // of the first monitor
+    int32_t expectedFontSize;
+};
+MonitorCase const monitorCases[] = {
+    {"nothing told: one monitor of 1600 by 1200", -1, {}, -1, 1, 1600, 14},
+    {"a count of 0 asks the platform", 0, {}, -1, 1, 1600, 14},
+    {"a count without rectangles keeps the platform's", 1, {}, -1, 1, 1600, 14},
+    {"seven monitors become one", 7, {}, -1, 1, 1600, 14},
+    {"a negative count becomes one", -5, {1024}, -1, 1, 1024, 10},
+    {"a rectangle without a count", -1, {1300}, -1, 1, 1300, 12},
+    {"two told: the first sets the metrics", 2, {1280, 800}, -1, 2, 1280, 12},
+    {"two told, the second chosen", 2, {1280, 800}, 1, 2, 1280, 9},
+    {"a choice beyond the count is the first", 2, {1280, 800}, 2, 2, 1280, 12},
+    {"a negative choice is the first", 2, {1280, 800}, -7, 2, 1280, 12},
+    {"four told, the last chosen", 4, {640, 800, 1000, 1600}, 3, 4, 640, 14},
+};
+
+}  // namespace
+
+TEST_F(EnvironmentTest, MonitorsComeFromTheTagsOrThePlatform)
+{
+    for (MonitorCase const& row : monitorCases) {
+        SCOPED_TRACE(row.why);
+        long areas[4][4];
+        std::vector<TagItem> tags{{ZV_INIT_NO_GUI, 0}};
+        if (row.count != -1) tags.push_back({ZV_INIT_MONITOR_COUNT, Tag_Word(row.count)});
+        for (unsigned long i = 0; i < row.widths.size(); ++i) {
+            long const area[] = {static_cast<long>(i) * 5000, -20, row.widths[i], 1000};
+            std::copy(area, area + 4, areas[i]);
+            tags.push_back({ZV_INIT_MONITOR_1 + i, Tag_Word(&areas[i][0])});
+        }
+        if (row.chosen != -1) tags.push_back({ZV_INIT_MONITOR, Tag_Word(row.chosen)});
+        tags.push_back({});
+        ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, tags.data()), nullptr);
+        EXPECT_EQ(ZVEnv->monitorCount, row.expectedCount);
+        EXPECT_EQ(ZVEnv->monitors[0].width, row.expectedWidth);
+        EXPECT_EQ(ZVEnv->monitors[0].height, row.widths.empty() ? 1200 : 1000);
+        EXPECT_EQ(ZVEnv->screenWidth, ZVEnv->monitors[0].width);
+        EXPECT_EQ(ZVEnv->screenHeight, ZVEnv->monitors[0].height);
+        EXPECT_EQ(ZVEnv->style->fontSize, row.expectedFontSize);
+        for (std::size_t i = 0; i < row.widths.size(); ++i) {
+            EXPECT_EQ(ZVEnv->monitors[i].left, static_cast<int32_t>(i) * 5000);
+            EXPECT_EQ(ZVEnv->monitors[i].top, -20);
+            EXPECT_EQ(ZVEnv->monitors[i].width, row.widths[i]);
+        }
+        CleanUpZV();
+    }
+}
+
+TEST_F(EnvironmentTest, TheNarrowestMonitorOfThePlatformIsNotedBehindTheTags)
+{
+    ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 0, ZV_INIT_MONITOR, 3), nullptr);
+    TagItem* cursor = ZVEnv->initTags;
+    std::vector<unsigned long> choices;
+    while (TagItem const* tag = NextTagItem(&cursor))
+        if (tag->tag == ZV_INIT_MONITOR) choices.push_back(tag->data);
+    EXPECT_EQ(choices, (std::vector<unsigned long>{3, 0}));
+}
+
+#if ZV_TEST_OWN_HEAP
+
+namespace {
+long alignedCalls = 0;
+long failingCall = 0;  // counted from 1; 0 for none
+}  // namespace
+
+/// Takes the place of the system's call for the whole process, the library included.
+extern "C" int posix_memalign(void** block, size_t alignment, size_t size) noexcept
+{
+    static auto* const real =
+        reinterpret_cast<int (*)(void**, size_t, size_t)>(dlsym(RTLD_NEXT, "posix_memalign"));
+    return ++alignedCalls == failingCall ? ENOMEM : real(block, alignment, size);
+}
+
+TEST_F(EnvironmentTest, AStartWithoutMemoryReleasesEverythingAndReturnsNull)
+{
+    auto const start = [] { return InitZV(nullptr, "Window.prefs", nullptr, nullptr, ZV_INIT_NO_GUI, 0); };
+    ASSERT_NE(start(), nullptr);
+    CleanUpZV();
+    // Record, style, mouse queue and the name of the preferences, in this order.
+    for (long failing = 1; failing <= 4; ++failing) {
+        testing::internal::CaptureStderr();
+        alignedCalls = 0;
+        failingCall = failing;
+        size_t const before = mallinfo2().uordblks;
+        EXPECT_EQ(start(), nullptr) << failing;
+        EXPECT_EQ(mallinfo2().uordblks, before) << failing;
+        failingCall = 0;
+        EXPECT_FALSE(testing::internal::GetCapturedStderr().empty());
+        EXPECT_EQ(ZVEnv, nullptr);
+        EXPECT_EQ(ZVEnvOS, nullptr);
+        EXPECT_EQ(GetErrorZV(), 1UL);
+        EXPECT_NE(GetErrorStringZV(), nullptr);
+    }
+    EXPECT_NE(start(), nullptr);
+}
+
+#endif
