@@ -1,7 +1,7 @@
 // Open files on disk or in memory, with a small transfer buffer and big-endian number helpers. Files are named by
-// file specs (ZVFileSpec.h). Open calls return null, transfers 0, and leave the error number 6 to 12 behind; the
-// end of a file is no error. One thread uses a handle at a time; the zero fill of SeekFileZV and FPutStringZV use
-// a buffer of the environment and belong on one thread.
+// file specs (ZVFileSpec.h), and only regular files are opened. Open calls return null, transfers 0, and leave the
+// error number 6 to 12 behind; the end of a file is no error. One thread uses a handle at a time; different threads
+// may use different handles.
 #pragma once
 
 #include "ZVBase.h"
@@ -35,7 +35,8 @@ struct ZVFileInfo {
 };
 
 /// Creates a file with the given type and creator, and opens it. An existing file of the same type and creator is
-/// emptied; another one is deleted first.
+/// emptied; another one is deleted first. A file without stored codes counts as one of those that Get_FileInfo
+/// gives, and as one of blank codes.
 ZV_API ZVFileInfo* CreateFileZV(char const* spec, ZVFilePermission permission, uint32_t type, uint32_t creator,
                                 ZVFileFlags flags);
 ZV_API ZVFileInfo* OpenFileZV(char const* spec, ZVFilePermission permission, ZVFileFlags flags);
@@ -56,10 +57,14 @@ using ZVPollFunc = long (*)();
 /// @return  1 when at least one byte came
 ZV_API long ReadFileZV(ZVFileInfo* file, void* destination, unsigned long count, ZVPollFunc poll = nullptr,
                        long* pollResult = nullptr);
+
+/// Writes all of the bytes; to memory it is all or nothing. A failed write leaves the position where it was, so
+/// that the same bytes may be written again.
 ZV_API long WriteFileZV(ZVFileInfo* file, void const* source, unsigned long count);
 
 /// Moves the position: mode 0 from the start, 1 from the present position, 2 from the end (in memory, from the
-/// last byte). Beyond the end a file on disk that can be written is extended with zeros.
+/// last byte). Beyond the end a file on disk that can be written is extended with zeros; with mode 2 the offset
+/// then counts from the new end.
 /// @return  the position before the move; (0, 1) just tells it
 ZV_API long SeekFileZV(ZVFileInfo* file, long offset, unsigned short mode);
 
@@ -79,7 +84,7 @@ ZV_API long PutShortZV(ZVFileInfo* file, uint16_t value);
 /// @return  the buffer, or null at the end of the file
 ZV_API char* FGetStringZV(ZVFileInfo* file, char* buffer, long size);
 
-/// Writes the text and a CR. It must fit the environment's work buffer of 1024 bytes with it.
+/// Writes the text and a CR, without a closing zero.
 ZV_API long FPutStringZV(ZVFileInfo* file, char const* text);
 
 ZV_API ZVFileInfo* OpenFolderZV(char const* spec);  ///< Always null: there are no folder handles.
@@ -88,7 +93,8 @@ ZV_API ZVFileInfo* OpenFolderZV(char const* spec);  ///< Always null: there are 
 ZV_API int64_t ConvertMacOSTimeToZVLibTime(int64_t seconds);
 ZV_API int64_t ConvertZVLibTimeToMacOSTime(int64_t seconds);
 
-/// Text conversions; the system encoding is UTF-8. The count is of bytes, or of 16-bit units for Unicode.
+/// Text conversions; the system encoding is UTF-8. The count, which may be null, is of bytes, or of 16-bit units
+/// for Unicode. Only whole characters are delivered, and a zero behind them when there is room for it.
 /// @return  0; -108 for text that is not UTF-8; -50 when it did not fit whole, the count then telling what did
 ZV_API long UTF8ToSystemEncoding(char const* source, char* destination, unsigned long size, unsigned long* count);
 ZV_API long SystemEncodingToUTF8(char const* source, char* destination, unsigned long size, unsigned long* count);

@@ -50,7 +50,8 @@ ZV_API char* MakeFileSpecZV(char const* path);
 ZV_API char* CopyFileSpecZV(char const* spec);
 ZV_API void FreeFileSpecZV(char* spec);
 
-/// A new spec with an extension of up to four characters replaced, or the extension appended.
+/// A new spec with an extension of up to four characters replaced, or the extension appended. A dot in the name of
+/// a directory begins none.
 ZV_API char* MakeNewFileSpecZV(char const* spec, char const* extension);
 
 ZV_API char* GetFileNameZV(char const* spec, char* buffer);  ///< Text behind the last colon or backslash.
@@ -58,7 +59,8 @@ ZV_API char* GetFileNameZV(char const* spec, char* buffer);  ///< Text behind th
 /// Text behind the last dot of the file name; an empty buffer and a null result without a dot.
 ZV_API char* GetExtensionZV(char const* spec, char* buffer);
 
-/// The directory part with its last separator; a text without any is copied whole.
+/// The directory part with its last separator; a text without any is copied whole. This call and the others that
+/// fill a buffer of ZV_SPEC_SIZE leave it empty, with error 12 and a result of 0 or null, when the text does not fit.
 ZV_API long GetPathZV(char const* spec, char* buffer);
 
 /// Cuts the text at its last dot, unless that is its first character.
@@ -72,7 +74,8 @@ ZV_API void ConvertPathtoDOSZV(char* path);  ///< Classic path to spec in place;
 /// that does not fit leaves the text as it was.
 ZV_API void ConvertDOStoPathZV(char* buffer, bool native);
 
-/// The spec of a place, existing or not, with a closing backslash for a directory.
+/// The spec of a place, existing or not, with a closing backslash for a directory. Links, dots and doubled slashes
+/// are taken out of the directory part; a link in the last place stays itself.
 /// @param buffer  ZV_SPEC_SIZE bytes
 /// @return  0; -1 for null, for a path that is not absolute and for one too long for a spec
 ZV_API long GetDOSPathZV(char* buffer, FSSpec const* place);
@@ -85,10 +88,14 @@ ZV_API long GetFSRefZV(char const* spec, FSRef* out);
 ZV_API long FileExistsZV(char const* spec);  ///< 1 for a file or directory that is there.
 ZV_API long DeleteFileZV(char const* spec);
 
-/// Moves or renames a file; one that has the new name is replaced.
+/// Moves or renames a file; one that has the new name is replaced in one step. Between file systems the file is
+/// copied with its attributes; a directory cannot be moved there.
 ZV_API long RenameFileZV(char const* oldSpec, char const* newSpec);
 ZV_API long CreateDirZV(char const* spec);  ///< 1 also for a directory that exists.
-ZV_API long DeleteDirZV(char const* spec);  ///< Removes the directory with all in it; links are not followed.
+
+/// Removes the directory with all in it; links are not followed. The root of a file system is refused, with nothing
+/// removed.
+ZV_API long DeleteDirZV(char const* spec);
 
 /// Type and creator of a file; four blanks each when they cannot be had.
 /// From the attribute user.com.apple.FinderInfo, or by a small table of extensions without it.
@@ -101,7 +108,7 @@ ZV_API char* MakeValidExtensionZV(char const* spec, long mode, void const* what,
                                   long stripSequence);
 
 /// Makes a spec, tests that the file (or every frame of a sequence) is there, and searches for it by the tags.
-/// @return  the spec, or null when it is not found
+/// @return  the spec, that of the first frame for a sequence; null with error 12 when it is not found
 ZV_API char* MakeFileSpecValidateZV(char const* spec, TagItem* tags);
 template <ZVTagKey Key, ZVTagValue... Rest>
 char* MakeFileSpecValidateZV(char const* spec, Key first, Rest... rest)
@@ -109,11 +116,13 @@ char* MakeFileSpecValidateZV(char const* spec, Key first, Rest... rest)
     return MakeFileSpecValidateZV(spec, Tag_Array(first, rest...).data());
 }
 
-/// Writes the stored form of an existing file's spec: length, path, and a zero byte that makes it even.
+/// Writes the stored form of an existing file's spec: length, path, and a zero byte that makes it even. A path of
+/// more than 509 bytes, which could not be read back, is refused with error 12.
 ZV_API long WriteFileSpecZV(ZVFileInfo* file, char const* spec);
 
 /// Reads a stored spec and searches as MakeFileSpecValidateZV does. The file stands behind the record afterwards,
-/// whatever happened. A stored alias cannot be resolved here: such a record gives no spec of its own.
+/// whatever happened; at its end when it holds less than the record claims. A stored alias cannot be resolved here:
+/// such a record gives no spec of its own.
 ZV_API char* ReadFileSpecZV(ZVFileInfo* file, TagItem* tags);
 template <ZVTagKey Key, ZVTagValue... Rest> char* ReadFileSpecZV(ZVFileInfo* file, Key first, Rest... rest)
 {

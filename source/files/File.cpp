@@ -10,6 +10,8 @@ namespace {
 constexpr uint32_t SmallBufferSize = 4096;
 constexpr uint32_t LargeBufferSize = 20480;
 
+constexpr int64_t SecondsFrom1904To1970 = 2082844800;
+
 uint32_t Transfer_Buffer_Size(ZVFilePermission permission)
 {
     switch (permission) {
@@ -126,4 +128,14 @@ int64_t GetFileModificationDateZV(ZVFileInfo* file)
 {
     if (!file || file->memoryBase) return 0;
     return File_GetModificationDate(file);
+}
+
+int64_t ConvertMacOSTimeToZVLibTime(int64_t seconds)
+{
+    return seconds - SecondsFrom1904To1970;
+}
+
+int64_t ConvertZVLibTimeToMacOSTime(int64_t seconds)
+{
+    return seconds + SecondsFrom1904To1970;
 }

@@ -60,7 +60,7 @@ char const* File_Name(char const* spec)
 char* Allocate_Spec(std::size_t length)
 {
     SetError(ZV_ERR_MEMORY);
-    auto* spec = static_cast<char*>(AllocMemZV(length + 1, 0));
+    auto* spec = static_cast<char*>(Alloc_Aligned(length + 1, 1));
     if (spec) SetError(ZV_ERR_NONE);
     return spec;
 }

@@ -1,0 +1,298 @@
+// The search for a file or a sequence that is not where its name says: in the directories of the search
+// paths, in the trees below them, and with the user's help.
+
+#include "FileSpecSearch.h"
+
+#include "FileSpecText.h"
+
+#include "ZVLibInternal.h"
+#include "ZVMessage.h"
+#include "ZVSequence.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <strings.h>
+#include <utility>
+
+namespace {
+
+constexpr long TreeDirectoryLimit = 200;
+constexpr long TreeDepthLimit = 20;
+
+constexpr unsigned long StringLocate = 102;  // the button texts of the question, then its two forms
+constexpr unsigned long StringCancel = 103;
+constexpr unsigned long StringSequenceMissing = 104;
+constexpr unsigned long StringFileMissing = 105;
+
+long* Long_Result(TagItem const* item)
+{
+    return reinterpret_cast<long*>(item->data);
+}
+
+void Answer(long* result, bool value)
+{
+    if (result) *result = value;
+}
+
+std::string Directory_Of(char const* spec)
+{
+    char directory[ZV_SPEC_SIZE];
+    return GetPathZV(spec, directory) ? directory : "";
+}
+
+/// The file that must be there for a directory to be looked into any further.
+std::string Wanted_Name(SpecSearch const& search)
+{
+    if (!search.isSequence) return search.name;
+    long number = 0;
+    if (search.frameCount > 0)
+        number = search.frames ? search.frames[search.frameCount - 1] : search.frameCount - 1;
+    char name[ZV_SPEC_SIZE];
+    if (!Copy_Spec_Text(name, search.name)) return {};
+    SequenceNumberToNameZV(name, number, 0);
+    return name;
+}
+
+/// The spec of the file, or of the sequence when all frames wanted of it are in the directory.
+char* Accept(SpecSearch const& search, std::string const& directory, std::string const& file)
+{
+    if (!search.isSequence) return MakeFileSpecZV((directory + file).c_str());
+    std::string const mask = directory + search.name;
+    bool const isWhole =
+        search.frameCount < 1 || IsSequenceDataValidZV(mask.c_str(), search.frames, search.frameCount);
+    return isWhole ? MakeFileSpecZV(mask.c_str()) : nullptr;
+}
+
+char* Search_Directories(SpecSearch const& search)
+{
+    std::string const wanted = Wanted_Name(search);
+    for (char** entry = search.searchPaths; *entry; ++entry) {
+        std::string const directory = Directory_Of(*entry);
+        if (!FileExistsZV((directory + wanted).c_str())) continue;
+        if (char* spec = Accept(search, directory, wanted)) return spec;
+    }
+    return nullptr;
+}
+
+/// A walk through directory trees; stops at the first acceptable file or when it has seen enough directories.
+struct TreeWalk {
+    SpecSearch const& search;
+    std::string wanted;
+    std::string directory;  ///< the one being walked, with a closing separator
+    long visited = 0;
+    long depth = 0;
+    bool stop = false;
+    char* found = nullptr;
+};
+
+bool Is_Hidden(char const* name)
+{
+    return name[0] == '.' || name[0] == '\xC2';
+}
+
+void Walk_Tree(TreeWalk& walk, std::string const& directory);
+
+bool Visit_Entry(char const* name, bool isDirectory, void* data)
+{
+    auto& walk = *static_cast<TreeWalk*>(data);
+    if (isDirectory) {
+        if (!Is_Hidden(name)) Walk_Tree(walk, walk.directory + name + '\\');
+    } else if (!Is_Hidden(name) && strcasecmp(name, walk.wanted.c_str()) == 0) {
+        walk.found = Accept(walk.search, walk.directory, name);
+        if (walk.found) walk.stop = true;
+    }
+    return !walk.stop;
+}
+
+void Walk_Tree(TreeWalk& walk, std::string const& directory)
+{
+    if (++walk.visited > TreeDirectoryLimit) {
+        walk.stop = true;
+        return;
+    }
+    if (walk.depth + 1 >= TreeDepthLimit) return;
+    ++walk.depth;
+    std::string const outer = std::exchange(walk.directory, directory);
+    OS_Walk_Directory(directory.c_str(), Visit_Entry, &walk);
+    walk.directory = outer;
+    --walk.depth;
+}
+
+char* Search_Trees(SpecSearch const& search)
+{
+    TreeWalk walk{.search = search, .wanted = Wanted_Name(search), .directory = {}};
+    for (char** entry = search.searchPaths; *entry && !walk.stop; ++entry) {
+        std::string directory = *entry;
+        while (directory.ends_with('\\') && !directory.ends_with(":\\"))
+            directory.pop_back();
+        if (Is_Hidden(File_Name(directory.c_str())) || !FileExistsZV(directory.c_str())) continue;
+        if (!directory.ends_with('\\')) directory += '\\';
+        Walk_Tree(walk, directory);
+    }
+    return walk.found;
+}
+
+/// Lets the user pick the file; cancelled, the search is over and the name no sequence.
+/// FIXME: opens the file requester at the name and the first search path, and tests what is picked, once the
+/// interface has one. Until then nobody can be asked, which is as if the user had cancelled.
+char* Pick_File(SpecSearch& search)
+{
+    search.isSequence = false;
+    return nullptr;
+}
+
+char* Ask_User(SpecSearch& search)
+{
+    char path[ZV_SPEC_SIZE];
+    if (!Copy_Spec_Text(path, search.text)) return nullptr;
+    ConvertDOStoPathZV(path, false);
+    unsigned long const question = search.isSequence ? StringSequenceMissing : StringFileMissing;
+    return AskUser2ZV(StringLocate, StringCancel, question, path) ? Pick_File(search) : nullptr;
+}
+
+/// The frames of a sequence as they lie in its directory, of which the first one is wanted.
+struct FirstFrame {
+    std::string directory;
+    std::string prefix;  ///< of the file names, ahead of the number
+    std::string suffix;
+    long digits = 0;  ///< greatest width of the number
+    long start = 0;
+    long limit = 0;  ///< first number that does not count
+    long number = -1;
+    std::string name;
+};
+
+/// The number that a name of the sequence holds, or -1 for any other name.
+long Frame_Number(FirstFrame const& frame, std::string_view name)
+{
+    std::size_t const around = frame.prefix.size() + frame.suffix.size();
+    if (name.size() <= around || !name.starts_with(frame.prefix) || !name.ends_with(frame.suffix)) return -1;
+    std::string_view const number = name.substr(frame.prefix.size(), name.size() - around);
+    if (static_cast<long>(number.size()) > frame.digits) return -1;
+    long value = 0;
+    for (char c : number) {
+        if (c < '0' || c > '9') return -1;
+        if (__builtin_mul_overflow(value, 10L, &value) || __builtin_add_overflow(value, c - '0', &value))
+            return -1;
+    }
+    return value;
+}
+
+bool Visit_Frame(char const* name, bool, void* data)
+{
+    auto& frame = *static_cast<FirstFrame*>(data);
+    long const number = Frame_Number(frame, name);
+    if (number < frame.start || number >= frame.limit) return true;
+    // Of two renderings of one number the wider one counts.
+    bool const isBetter = frame.number < 0 || number < frame.number ||
+                          (number == frame.number && std::strlen(name) > frame.name.size());
+    if (isBetter && FileExistsZV((frame.directory + name).c_str())) {
+        frame.number = number;
+        frame.name = name;
+    }
+    return true;
+}
+
+/// One less than the power of ten: the highest number of a mask is never looked at.
+long Frame_Limit(long digits)
+{
+    long power = 1;
+    for (long i = 0; i < digits; ++i)
+        if (__builtin_mul_overflow(power, 10L, &power)) return LONG_MAX;
+    return power - 1;
+}
+
+/// The spec of the first frame that is there, in place of that of the sequence. Reads the directory once:
+/// asking for one number after the other takes for ever when a wide mask has no file.
+char* Take_First_Frame(SpecSearch const& search, char* spec)
+{
+    FirstFrame frame;
+    frame.directory = Directory_Of(spec);
+    std::string const mask = File_Name(spec);
+    FreeFileSpecZV(spec);
+
+    frame.digits = SequenceDigitsZV(mask.c_str());
+    frame.limit = Frame_Limit(frame.digits);
+    if (search.frames && search.frameCount > 0) frame.start = std::max(search.frames[0], 0L);
+    std::string const group =
+        '[' + std::string(static_cast<std::size_t>(std::max(frame.digits, 0L)), '#') + ']';
+    std::size_t const at = mask.find(group);
+    if (at == std::string::npos) return nullptr;
+    frame.prefix = mask.substr(0, at);
+    frame.suffix = mask.substr(at + group.size());
+
+    OS_Walk_Directory(frame.directory.c_str(), Visit_Frame, &frame);
+    return frame.number < 0 ? nullptr : MakeFileSpecZV((frame.directory + frame.name).c_str());
+}
+
+}  // namespace
+
+SpecSearch Read_Search_Tags(TagItem* tags)
+{
+    SpecSearch search;
+    while (TagItem* item = NextTagItem(&tags)) {
+        switch (item->tag) {
+        case ZVFSV_AskUser: search.askUser = true; break;
+        case ZVFSV_IsSequence: search.isSequenceResult = Long_Result(item); break;
+        case ZVFSV_Frames: search.frames = Long_Result(item); break;
+        case ZVFSV_DataValid: search.dataValidResult = Long_Result(item); break;
+        case ZVFSV_FrameCount: search.frameCount = static_cast<long>(item->data); break;
+        case ZVFSV_SearchPaths: search.searchPaths = reinterpret_cast<char**>(item->data); break;
+        case ZVFSV_UserLocated: search.userLocatedResult = Long_Result(item); break;
+        case ZVFSV_SearchTree: search.searchTree = true; break;
+        case ZVFSV_NoCheck: search.noCheck = true; break;
+        case ZVFSV_StoredPath: search.storedPathResult = reinterpret_cast<char*>(item->data); break;
+        default: break;
+        }
+    }
+    Answer(search.isSequenceResult, false);
+    Answer(search.dataValidResult, false);
+    Answer(search.userLocatedResult, false);
+    if (search.storedPathResult) search.storedPathResult[0] = 0;
+    return search;
+}
+
+void Name_Search(SpecSearch& search, char const* text)
+{
+    search.text = text;
+    search.name = File_Name(text);
+    search.isSequence = IsSequenceZV(search.name.c_str());
+    Answer(search.isSequenceResult, search.isSequence);
+}
+
+char* Make_Tested_Spec(SpecSearch const& search)
+{
+    char* spec = MakeFileSpecZV(search.text.c_str());
+    if (!spec) return nullptr;
+    bool isThere = true;
+    if (!search.isSequence)
+        isThere = FileExistsZV(spec);
+    else if (search.frameCount > 0)
+        isThere = IsSequenceValidZV(spec, search.frames, search.frameCount);
+    if (isThere) return spec;
+    FreeFileSpecZV(spec);
+    return nullptr;
+}
+
+char* Finish_Search(SpecSearch& search, char* spec)
+{
+    if (!spec && search.searchPaths)
+        spec = search.searchTree ? Search_Trees(search) : Search_Directories(search);
+    if (!spec && search.askUser) spec = Ask_User(search);
+    if (spec && search.isSequence) spec = Take_First_Frame(search, spec);
+    if (!spec) SetError(ZV_ERR_NOT_FOUND);
+    Answer(search.isSequenceResult, search.isSequence);
+    // Whatever spec got here has all frames that were asked for.
+    Answer(search.dataValidResult, spec && search.isSequence && search.frameCount > 0);
+    return spec;
+}
+
+char* MakeFileSpecValidateZV(char const* spec, TagItem* tags)
+{
+    SpecSearch search = Read_Search_Tags(tags);
+    if (!spec) return nullptr;
+    Name_Search(search, spec);
+    if (search.noCheck) return MakeFileSpecZV(spec);
+    return Finish_Search(search, Make_Tested_Spec(search));
+}

@@ -1,0 +1,37 @@
+// The search for a file or a sequence that is not where its name says.
+#pragma once
+
+#include "ZVFileSpec.h"
+
+#include <string>
+
+/// A name that is looked for, and what the tags want to know of it.
+struct SpecSearch {
+    std::string text;  ///< spec or path as it was given
+    std::string name;  ///< its file name: a mask for a sequence
+    bool isSequence = false;
+    bool askUser = false;
+    bool searchTree = false;
+    bool noCheck = false;
+    long const* frames = nullptr;
+    long frameCount = 0;
+    char** searchPaths = nullptr;
+    long* isSequenceResult = nullptr;
+    long* dataValidResult = nullptr;
+    long* userLocatedResult = nullptr;
+    char* storedPathResult = nullptr;
+};
+
+/// Reads the tags and clears what they want answered.
+SpecSearch Read_Search_Tags(TagItem* tags);
+
+/// Says what is looked for, and answers whether it is a sequence.
+void Name_Search(SpecSearch& search, char const* text);
+
+/// The spec of the text as it stands, when the file, or all frames of the sequence, are there; otherwise
+/// null.
+char* Make_Tested_Spec(SpecSearch const& search);
+
+/// Goes on from a tested spec, or with null to the search paths and the user. Takes the spec over; the result
+/// names a file, for a sequence its first frame. Null with error 12 when nothing is found.
+char* Finish_Search(SpecSearch& search, char* spec);

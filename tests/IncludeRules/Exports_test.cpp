@@ -1,0 +1,131 @@
+// What the shared library exports: what its headers declare, and nothing else.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void Add_Names(fs::path const& header, bool onlyExported, std::set<std::string>& names)
+{
+    static std::regex const comment("//.*|/\\*[^*]*\\*/");
+    static std::regex const identifier("[A-Za-z_][A-Za-z0-9_]*");
+    std::ifstream lines(header);
+    for (std::string line; std::getline(lines, line);) {
+        line = std::regex_replace(line, comment, "");
+        if (onlyExported && line.find("ZV_API") == line.npos) continue;
+        for (std::sregex_iterator match(line.begin(), line.end(), identifier), end; match != end; ++match)
+            names.insert(match->str());
+    }
+}
+
+/// Identifiers in the public headers, and in the lines of private ones that export something to the library's
+/// own tests and fuzzers.
+std::set<std::string> Declared_Names()
+{
+    std::set<std::string> names;
+    for (char const* top : {"include", "source", "macsource"})
+        for (fs::directory_entry const& entry :
+             fs::recursive_directory_iterator(fs::path(ZV_SOURCE_DIR) / top))
+            if (entry.path().extension() == ".h")
+                Add_Names(entry.path(), top != std::string("include"), names);
+    return names;
+}
+
+/// Drops what stands in brackets, so that templates lose their arguments and functions their parameters.
+std::string Without_Arguments(std::string const& symbol)
+{
+    std::string plain;
+    int depth = 0;
+    for (char c : symbol) {
+        if (c == '<' || c == '(') ++depth;
+        if (depth == 0) plain += c;
+        if (c == '>' || c == ')') --depth;
+    }
+    return plain;
+}
+
+/// The parts of a symbol's qualified name, from a demangled line such as "void Space::Type<int>::Call(long)
+/// const".
+std::vector<std::string> Name_Parts(std::string symbol)
+{
+    symbol = Without_Arguments(symbol);
+    symbol = std::regex_replace(symbol, std::regex("( const| volatile|&|\\[.*\\])+$"), "");
+    std::istringstream words(symbol);
+    std::string name;
+    while (words >> name) {
+    }
+    std::vector<std::string> parts;
+    for (std::size_t start = 0; start <= name.size();) {
+        std::size_t const end = std::min(name.find("::", start), name.size());
+        std::string part = name.substr(start, end - start);
+        if (part.starts_with('~')) part.erase(0, 1);
+        parts.push_back(part);
+        start = end + 2;
+    }
+    return parts;
+}
+
+bool Is_Intended(std::string const& symbol, std::set<std::string> const& declared)
+{
+    for (std::string const& part : Name_Parts(symbol))
+        if (part == "std" || part == "hwy" || !declared.contains(part)) return false;
+    return true;
+}
+
+/// Demangled names of what the library defines for others, those of a sanitizer left out.
+std::vector<std::string> Exported_Symbols()
+{
+    std::string const command = ZV_NM " --dynamic --defined-only --demangle '" ZV_LIBRARY "'";
+    std::unique_ptr<FILE, int (*)(FILE*)> const output(popen(command.c_str(), "r"), pclose);
+    std::regex const line("[0-9a-f]+ [A-Za-z] (.*)\n");
+    std::regex const toolSymbol("__(odr_)?(asan|tsan|ubsan|sanitizer|sancov|start___sanc|stop___sanc).*");
+    std::vector<std::string> symbols;
+    std::array<char, 16384> text{};
+    std::smatch match;
+    while (output && std::fgets(text.data(), text.size(), output.get())) {
+        std::string const read = text.data();
+        if (std::regex_match(read, match, line) && !std::regex_match(match[1].str(), toolSymbol))
+            symbols.push_back(match[1]);
+    }
+    return symbols;
+}
+
+}  // namespace
+
+TEST(Exports, NamesAreFoundInDemangledSymbols)
+{
+    using Parts = std::vector<std::string>;
+    EXPECT_EQ(Name_Parts("InitZV(void (*)(ZVEvent*), char const*, TagItem*)"), Parts{"InitZV"});
+    EXPECT_EQ(Name_Parts("ZVEnv"), Parts{"ZVEnv"});
+    EXPECT_EQ(Name_Parts("ZVPixelBase::_byteToFracTbl"), (Parts{"ZVPixelBase", "_byteToFracTbl"}));
+    EXPECT_EQ(Name_Parts("void Crop_Bitmap<A<B<int>, 2ul>, C>(A<B<int>, 2ul>*, long)"), Parts{"Crop_Bitmap"});
+    EXPECT_EQ(Name_Parts("ZVBitmap::~ZVBitmap()"), (Parts{"ZVBitmap", "ZVBitmap"}));
+    EXPECT_EQ(Name_Parts("ZVReader::Length() const"), (Parts{"ZVReader", "Length"}));
+    EXPECT_EQ(Name_Parts("typeinfo name for std::_Mutex_base<(__gnu_cxx::_Lock_policy)2>"),
+              (Parts{"std", "_Mutex_base"}));
+    std::set<std::string> const declared{"std", "InitZV", "ZVBitmap"};
+    EXPECT_TRUE(Is_Intended("InitZV(std::string)", declared));
+    EXPECT_FALSE(Is_Intended("InitZV2()", declared));
+    EXPECT_FALSE(Is_Intended("std::InitZV()", declared));
+    EXPECT_FALSE(Is_Intended("ZVBitmap::Hidden()", declared));
+}
+
+TEST(Exports, OnlyWhatTheHeadersDeclare)
+{
+    std::set<std::string> const declared = Declared_Names();
+    std::vector<std::string> const symbols = Exported_Symbols();
+    EXPECT_GT(symbols.size(), 100U);
+    for (std::string const& symbol : symbols)
+        EXPECT_TRUE(Is_Intended(symbol, declared)) << symbol;
+}
