@@ -90,16 +90,16 @@ TEST(List, RandomOperationsAgreeWithAVectorOfNodes)
         if (links) {
             Node* const node = unlinked.back();
             unlinked.pop_back();
+            std::size_t where = 0;
             switch (linked.empty() ? pick(4) : pick(6)) {
-            case 0: AddHead(&list, node), linked.insert(linked.begin(), node); break;
-            case 1: AddTail(&list, node), linked.push_back(node); break;
-            case 2:
-                Insert(&list, node, static_cast<Node*>(nullptr)), linked.insert(linked.begin(), node);
-                break;
-            case 3: InsertBefore(&list, node, static_cast<Node*>(nullptr)), linked.push_back(node); break;
-            case 4: Insert(&list, node, *place), linked.insert(place + 1, node); break;
-            default: InsertBefore(&list, node, *place), linked.insert(place, node); break;
+            case 0: AddHead(&list, node); break;
+            case 1: AddTail(&list, node), where = linked.size(); break;
+            case 2: Insert(&list, node, nullptr); break;
+            case 3: InsertBefore(&list, node, nullptr), where = linked.size(); break;
+            case 4: Insert(&list, node, *place), where = at + 1; break;
+            default: InsertBefore(&list, node, *place), where = at; break;
             }
+            linked.insert(linked.begin() + static_cast<long>(where), node);
         } else {
             switch (pick(3)) {
             case 0:
