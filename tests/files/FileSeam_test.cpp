@@ -193,11 +193,11 @@ TEST_F(FileSeam, AFileThatMayNotBeOpenedIsLockedAndKept)
     chmod(environment.Path("locked").c_str(), 0);
     chmod(environment.Path().c_str(), 0755);
     bool const isRoot = geteuid() == 0;
-    if (isRoot) ASSERT_EQ(seteuid(65534), 0);
+    ASSERT_TRUE(!isRoot || seteuid(65534) == 0);
     unsigned long const openError = Open_Error(environment.Spec("locked"));
     bool const created = Create("locked", ZV_BLANK_CODE, ZV_BLANK_CODE) != nullptr;
     unsigned long const createError = GetErrorZV();
-    if (isRoot) ASSERT_EQ(seteuid(0), 0);
+    ASSERT_TRUE(!isRoot || seteuid(0) == 0);
     EXPECT_EQ(openError, ZV_ERR_LOCKED);
     EXPECT_FALSE(created);
     EXPECT_EQ(createError, ZV_ERR_LOCKED);
