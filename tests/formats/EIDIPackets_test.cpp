@@ -1,5 +1,5 @@
-// The run-length packets: which packets a row becomes, and that any stream of packets comes apart into its units,
-// however it is cut.
+// The run-length packets: which packets a row becomes, and that any stream of packets comes apart into its
+// units, however it is cut.
 #include "formats/EIDIPackets.h"
 
 #include <algorithm>
@@ -13,8 +13,8 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-/// Bytes with the slack that the packer and the unpacker ask for. Under the address sanitizer, one byte more is an
-/// error.
+/// Bytes with the slack that the packer and the unpacker ask for. Under the address sanitizer, one byte more
+/// is an error.
 Bytes With_Slack(Bytes bytes)
 {
     bytes.resize(bytes.size() + EIDISlack, 0xCC);
@@ -88,7 +88,9 @@ TEST(EIDIPackets, RowsBecomeTheseVeryPackets)
         {"a lone pixel is a literal", 4, "a", {{0x80, "a"}}},
         {"runs follow one another", 3, "aabbb", {{0x01, "a"}, {0x02, "b"}}},
         {"a literal ends at 128 pixels", 3, Alternating(129), {{0xFF, Alternating(128)}, {0x80, "a"}}},
-        {"a run behind a full literal is a run", 4, Alternating(128) + "cc",
+        {"a run behind a full literal is a run",
+         4,
+         Alternating(128) + "cc",
          {{0xFF, Alternating(128)}, {0x01, "c"}}},
         {"three equal bytes are literals", 1, "aaabcdef", {{0x87, "aaabcdef"}}},
         {"four equal bytes are a run", 1, "aaaabcdef", {{0x03, "a"}, {0x84, "bcdef"}}},
@@ -144,7 +146,8 @@ TEST(EIDIPackets, PackedRowsUnpackToThemselvesWithinTheirBound)
         Bytes const row = Random_Row(random, width, unitBytes);
         Bytes const packed = Pack(row, unitBytes);
         ASSERT_EQ(Simple_Unpack(packed, unitBytes), row) << "turn " << turn;
-        ASSERT_LE(static_cast<int64_t>(packed.size()), EIDI_Packed_Bound(width, unitBytes)) << "turn " << turn;
+        ASSERT_LE(static_cast<int64_t>(packed.size()), EIDI_Packed_Bound(width, unitBytes))
+            << "turn " << turn;
     }
 }
 
@@ -188,7 +191,8 @@ TEST(EIDIPackets, AnyStreamUnpacksWhereverItIsCut)
                 packets.push_back(static_cast<uint8_t>(random()));
         }
         long const longestPiece = turn % 2 ? 5 : 200;
-        ASSERT_EQ(Unpack_In_Pieces(packets, unitBytes, random, longestPiece), Simple_Unpack(packets, unitBytes))
+        ASSERT_EQ(Unpack_In_Pieces(packets, unitBytes, random, longestPiece),
+                  Simple_Unpack(packets, unitBytes))
             << "turn " << turn;
     }
 }
