@@ -156,6 +156,7 @@ struct ZVEnvironment {
     void* tickTimer;
     void* jobTimer;
     unsigned long clipCounter;  ///< ClipID of the clip allocated last
+    uint16_t clipsByScratchNumber[10000];  ///< living clips, by the four digits of ClipID in scratch names
     long seqRateSet;            ///< overrides of the sequence dialog, filled by applications
     double seqRate;
     long seqAspectSet;
