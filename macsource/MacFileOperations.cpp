@@ -12,7 +12,7 @@
 #include <cstdio>
 #include <cstring>
 #include <dirent.h>
-#include <filesystem>
+#include <ftw.h>
 #include <memory>
 #include <new>
 #include <strings.h>
@@ -21,6 +21,8 @@
 #include <vector>
 
 namespace {
+
+constexpr int DescriptorsOfWalk = 32;
 
 struct Entry {
     std::string name;  ///< as in a spec
@@ -35,6 +37,13 @@ bool Is_Mount_Point(char const* path, struct stat const& info)
     return parent.st_dev != info.st_dev || parent.st_ino == info.st_ino;
 }
 
+/// @return  an errno value, which ends the walk unless it is 0
+int Delete_Entry(char const* path, struct stat const*, int, FTW*)
+{
+    return remove(path) == 0 ? 0 : errno;
+}
+
+/// Leaves alone what a link in the directory leads to, and what is mounted in it.
 int Delete_Directory(MacPath& path)
 {
     path.Strip_Closing_Slashes();
@@ -42,9 +51,8 @@ int Delete_Directory(MacPath& path)
     if (lstat(path.Text(), &info) != 0) return errno;
     if (!S_ISDIR(info.st_mode)) return ENOTDIR;
     if (Is_Mount_Point(path.Text(), info)) return EBUSY;
-    std::error_code error;
-    std::filesystem::remove_all(path.Text(), error);
-    return error.value();
+    int const result = nftw(path.Text(), Delete_Entry, DescriptorsOfWalk, FTW_DEPTH | FTW_PHYS | FTW_MOUNT);
+    return result < 0 ? errno : result;
 }
 
 int Make_Directory(MacPath const& path)

@@ -12,7 +12,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <new>
 #include <sys/stat.h>
 
@@ -55,18 +54,32 @@ std::string Parent(std::string_view path)
     return std::string(slash == 0 ? "/" : path.substr(0, slash));
 }
 
+/// Goes from a resolved directory down, or up, by the components of a path that does not exist.
+void Append_As_Text(std::string& directory, std::string_view rest)
+{
+    while (!rest.empty()) {
+        std::string_view const component = rest.substr(0, rest.find('/'));
+        rest.remove_prefix(std::min(rest.size(), component.size() + 1));
+        if (component.empty() || component == ".") continue;
+        if (component == "..") {
+            directory = Parent(directory);
+            continue;
+        }
+        if (directory.back() != '/') directory += '/';
+        directory += component;
+    }
+}
+
 /// The directory without links, dots and doubled slashes. What does not exist of it is tidied as text.
 std::string Resolve_Directory(std::string const& path)
 {
-    char resolved[PATH_MAX];
-    if (realpath(path.c_str(), resolved)) return resolved;
-    std::error_code error;
-    std::filesystem::path tidied = std::filesystem::weakly_canonical(path, error);
-    if (error) tidied = std::filesystem::path(path).lexically_normal();
-    std::string text = tidied.string();
-    while (text.size() > 1 && text.back() == '/')
-        text.pop_back();
-    return text;
+    char resolved[PATH_MAX] = "/";
+    std::string existing = path;
+    while (existing.size() > 1 && !realpath(existing.c_str(), resolved))
+        existing = Parent(existing);
+    std::string directory = existing.size() > 1 ? resolved : "/";
+    Append_As_Text(directory, std::string_view(path).substr(existing.size()));
+    return directory;
 }
 
 /// The one spelling of an absolute path: its directory resolved, its own name kept, so that a link stays

@@ -241,6 +241,7 @@ char* Take_First_Frame(SpecSearch const& search, char* sequence)
 
 SpecSearch Read_Search_Tags(TagItem* tags)
 {
+    SetError(ZV_ERR_NONE);
     SpecSearch search;
     while (TagItem* item = NextTagItem(&tags)) {
         switch (item->tag) {
@@ -292,7 +293,7 @@ char* Finish_Search(SpecSearch& search, char* spec)
         spec = search.searchTree ? Search_Trees(search) : Search_Directories(search);
     if (!spec && search.askUser) spec = Ask_User(search);
     if (spec && search.isSequence) spec = Take_First_Frame(search, spec);
-    if (!spec) SetError(ZV_ERR_NOT_FOUND);
+    if (!spec && GetErrorZV() != ZV_ERR_MEMORY) SetError(ZV_ERR_NOT_FOUND);
     Answer(search.isSequenceResult, search.isSequence);
     // Whatever spec got here has all frames that were asked for.
     Answer(search.dataValidResult, spec && search.isSequence && search.frameCount > 0);
