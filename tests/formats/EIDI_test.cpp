@@ -1,0 +1,627 @@
+// EIDI files: all depths from files made byte by byte, the three kinds that are written, and damaged files.
+#include "FormatTest.h"
+
+#include <array>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <malloc.h>
+#include <random>
+#include <unistd.h>
+
+namespace {
+
+using Pixel = std::array<uint8_t, 4>;
+
+struct FrameSpec {
+    float time = 0.0f;
+    long width = 16, height = 3;
+    long bits = 24;  ///< depth and alpha depth
+    bool isCompressed = false;
+    Bytes palette = {0, 0, 0};
+    Bytes data;  ///< pixel data as stored
+};
+
+void Put_Frame(ByteWriter& file, FrameSpec const& frame)
+{
+    long const depth = std::min(frame.bits, 24L);
+    file.PutFloat(frame.time).Put16(0).Put16(0).Put16(frame.height).Put16(frame.width);
+    file.Put8(depth).Put8(depth <= 8);
+    file.Put16(0).Put16(0).Put16(frame.height).Put16(frame.width);
+    file.Put8(frame.isCompressed).Put8(frame.bits - depth).Put32(static_cast<long>(frame.data.size()));
+    file.Put16(static_cast<long>(frame.palette.size() / 3)).Put16(0).Put(frame.palette).Put(frame.data);
+}
+
+Bytes File_Of(std::vector<FrameSpec> const& frames, long count = -1)
+{
+    ByteWriter file;
+    file.Put16(5).Put32(count < 0 ? static_cast<long>(frames.size()) : count);
+    for (FrameSpec const& frame : frames)
+        Put_Frame(file, frame);
+    return file.bytes;
+}
+
+Bytes Random_Bytes(std::mt19937& random, std::size_t count)
+{
+    Bytes bytes(count);
+    for (uint8_t& byte : bytes)
+        byte = static_cast<uint8_t>(random());
+    return bytes;
+}
+
+/// Cuts units into packets at random, single-unit packets and packets across rows included. Repetitions
+/// become runs or not, as it happens.
+Bytes Random_Packets(std::mt19937& random, Bytes const& units, long unitBytes, unsigned longest)
+{
+    Bytes packets;
+    long const count = static_cast<long>(units.size()) / unitBytes;
+    auto const unit = [&](long i) { return units.begin() + i * unitBytes; };
+    for (long i = 0; i < count;) {
+        long const room = std::min<long>(count - i, 1 + static_cast<long>(random() % longest));
+        long equal = 1;
+        while (equal < room && std::equal(unit(i), unit(i + 1), unit(i + equal)))
+            ++equal;
+        bool const isRun = equal > 1 || random() % 8 == 0;
+        long const length = isRun ? equal : room;
+        packets.push_back(static_cast<uint8_t>(isRun ? length - 1 : length + 127));
+        packets.insert(packets.end(), unit(i), unit(i + (isRun ? 1 : length)));
+        i += length;
+    }
+    return packets;
+}
+
+/// Pixel x of a stored row, worked out bit by bit.
+Pixel Expected_Pixel(Bytes const& row, long bits, Bytes const& palette, long x)
+{
+    auto const byte = [&](long i) { return row[static_cast<std::size_t>(i)]; };
+    switch (bits) {
+    case 16: {
+        int const word = byte(2 * x) << 8 | byte(2 * x + 1);
+        auto const field = [&](int shift) { return static_cast<uint8_t>((word >> shift & 31) * 8); };
+        return {field(10), field(5), field(0), 255};
+    }
+    case 24: return {byte(3 * x), byte(3 * x + 1), byte(3 * x + 2), 255};
+    case 32: return {byte(4 * x + 1), byte(4 * x + 2), byte(4 * x + 3), byte(4 * x)};
+    default: break;
+    }
+    std::size_t index = 0;
+    for (long bit = 0; bit < bits; ++bit) {
+        long const at = x * bits + bit;
+        index = index << 1 | (byte(at / 8) >> (7 - at % 8) & 1);
+    }
+    if (3 * index >= palette.size()) return {0, 0, 0, 255};
+    return {palette[3 * index], palette[3 * index + 1], palette[3 * index + 2], 255};
+}
+
+class EIDI : public FormatTest {
+protected:
+    ZVFormatDesc* const format = Module("EIDI");
+
+    ClipPtr Open_Bytes(Bytes const& bytes) const { return Open(Write("read.ei", bytes)); }
+
+    static Bytes Random_Pixels(long width, long height, unsigned seed, bool isOpaque = false)
+    {
+        std::mt19937 random(seed);
+        Bytes pixels(static_cast<std::size_t>(4 * width * height));
+        for (std::size_t i = 0; i < pixels.size(); i += 4) {
+            bool const repeats = i > 0 && random() % 3;
+            for (std::size_t c = 0; c < 4; ++c)
+                pixels[i + c] = repeats ? pixels[i + c - 4] : static_cast<uint8_t>(random());
+            if (isOpaque) pixels[i + 3] = 255;
+        }
+        return pixels;
+    }
+};
+
+TEST_F(EIDI, EveryDepthReadsPlainAndPacked)
+{
+    std::mt19937 random(1);
+    for (long bits : {1L, 2L, 4L, 8L, 16L, 24L, 32L}) {
+        for (unsigned longestPacket : {0u, 1u, 128u}) {
+            FrameSpec frame;
+            frame.bits = bits;
+            frame.height = 37;
+            // A short palette: the indices beyond it are black.
+            frame.palette = Random_Bytes(random, bits == 8 ? 3 * 200 : 3 * 3);
+            std::size_t const rowBytes = static_cast<std::size_t>(frame.width * bits / 8);
+            Bytes units = Random_Bytes(random, rowBytes * 37);
+            std::fill(units.begin(), units.begin() + static_cast<long>(units.size() / 2), uint8_t{0x5A});
+            frame.isCompressed = longestPacket > 0;
+            frame.data =
+                longestPacket ? Random_Packets(random, units, std::max(bits / 8, 1L), longestPacket) : units;
+
+            ClipPtr const clip = Open_Bytes(File_Of({frame}));
+            ASSERT_TRUE(clip) << bits << " bits";
+            EXPECT_EQ(clip->AlphaType, bits == 32 ? ZV_ALPHA_CHANNEL : ZV_ALPHA_NONE);
+            Bytes expected;
+            for (long y = 0; y < frame.height; ++y) {
+                auto const start = units.begin() + y * static_cast<long>(rowBytes);
+                Bytes const row(start, start + static_cast<long>(rowBytes));
+                for (long x = 0; x < frame.width; ++x) {
+                    Pixel const pixel = Expected_Pixel(row, bits, frame.palette, x);
+                    expected.insert(expected.end(), pixel.begin(), pixel.end());
+                }
+            }
+            EXPECT_EQ(Clip_Frame(clip.get(), 0), expected)
+                << bits << " bits, packets of up to " << longestPacket;
+        }
+    }
+}
+
+TEST_F(EIDI, PixelsBeyondTheLastWholeByteTakeTheFirstColour)
+{
+    FrameSpec frame;
+    frame.bits = 1;
+    frame.width = 11;
+    frame.height = 2;
+    frame.palette = {1, 2, 3, 4, 5, 6};
+    frame.data = {0xFF, 0x80};
+    ClipPtr const clip = Open_Bytes(File_Of({frame}));
+    Bytes const pixels = Module_Frame(clip.get(), 0);
+    std::string firstRed;
+    for (std::size_t i = 0; i < pixels.size(); i += 4)
+        firstRed += static_cast<char>('0' + pixels[i]);
+    EXPECT_EQ(firstRed, "44444444111"
+                        "41111111111");
+}
+
+struct HeaderCase {
+    char const* why;
+    std::size_t offset;  ///< in the frame header
+    Bytes bytes;
+};
+
+TEST_F(EIDI, HeadersThatBreakARuleAreRefused)
+{
+    HeaderCase const cases[] = {
+        {"depth 3", 12, {3}},
+        {"depth 32", 12, {32}},
+        {"depth 0", 12, {0}},
+        {"indexed 2", 13, {2}},
+        {"compressed 2", 22, {2}},
+        {"alpha depth 4", 23, {4}},
+        {"alpha depth 8 with depth 16", 12, {16, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 8}},
+        {"no palette", 28, {0, 0}},
+        {"257 colours", 28, {1, 1}},
+        {"a negative number of colours", 28, {255, 255}},
+        {"a palette field that is no index of the palette", 30, {0, 1}},
+        {"no width", 10, {0, 0}},
+        {"a negative height", 8, {255, 255}},
+        {"a picture that the file cannot hold", 8, {0x7F, 0xFF, 0x7F, 0xFF}},
+        {"a palette beyond the end of the file", 28, {1, 0}},
+    };
+    FrameSpec frame;
+    frame.data = Bytes(16 * 3 * 3, 9);
+    Bytes const good = File_Of({frame});
+    ASSERT_TRUE(Open_Bytes(good));
+    for (HeaderCase const& row : cases) {
+        Bytes bad = good;
+        std::copy(row.bytes.begin(), row.bytes.end(), bad.begin() + 6 + static_cast<long>(row.offset));
+        EXPECT_FALSE(Open_Bytes(bad)) << row.why;
+    }
+}
+
+TEST_F(EIDI, APictureLiesWhereverItsRectangleDoes)
+{
+    FrameSpec frame;
+    frame.data = Bytes(16 * 3 * 3, 9);
+    Bytes bytes = File_Of({frame});
+    for (std::size_t side : {4u, 6u, 8u, 10u}) {
+        int const moved = (bytes[6 + side] << 8 | bytes[6 + side + 1]) - 100;
+        bytes[6 + side] = static_cast<uint8_t>(moved >> 8);
+        bytes[6 + side + 1] = static_cast<uint8_t>(moved);
+    }
+    ClipPtr const clip = Open_Bytes(bytes);
+    ASSERT_TRUE(clip);
+    EXPECT_EQ(clip->Width, 16);
+    EXPECT_EQ(clip->Height, 3);
+}
+
+struct RateCase {
+    char const* why;
+    std::vector<float> times;
+    double rate;
+};
+
+TEST_F(EIDI, TheRateFollowsFromTheLastTwoTimes)
+{
+    float const infinite = std::numeric_limits<float>::infinity();
+    RateCase const cases[] = {
+        {"one frame at time 0 tells nothing", {0.0f}, -1.0},
+        {"one frame later than 0 does", {0.5f}, 2.0},
+        {"25 a second", {0.0f, 0.04f, 0.08f}, 25.0},
+        {"only the last two count", {0.0f, 3.0f, 3.5f}, 2.0},
+        {"equal times", {1.0f, 1.0f}, -1.0},
+        {"times that run backwards", {1.0f, 0.5f}, -1.0},
+        {"a time without end", {0.0f, infinite}, -1.0},
+        {"two times without end", {infinite, infinite}, -1.0},
+        {"no number counts as no end", {0.0f, std::nanf("")}, -1.0},
+        {"the smallest of times",
+         {0.0f, std::numeric_limits<float>::denorm_min()},
+         1.0 / 1.401298464324817e-45},
+    };
+    for (RateCase const& row : cases) {
+        std::vector<FrameSpec> frames;
+        for (float time : row.times) {
+            FrameSpec frame;
+            frame.time = time;
+            frame.data = Bytes(16 * 3 * 3, 1);
+            frames.push_back(frame);
+        }
+        ClipPtr clip{NewClipZV()};
+        clip->Format = format;
+        clip->FileName = CopyFileSpecZV(Write("rate.ei", File_Of(frames)).c_str());
+        ASSERT_TRUE(format->Open(clip.get(), nullptr)) << row.why;
+        EXPECT_NEAR(clip->FileFrameRate, row.rate, std::fabs(row.rate) * 1e-5) << row.why;
+        format->Close(clip.get());
+    }
+}
+
+TEST_F(EIDI, FramesBehindABadHeaderFailAndTheOthersStay)
+{
+    FrameSpec frame;
+    frame.data = Bytes(16 * 3 * 3, 1);
+    FrameSpec second = frame;
+    second.time = 0.5f;
+    second.data = Bytes(16 * 3 * 3, 2);
+    FrameSpec bad = frame;
+    bad.time = 9.0f;
+    bad.bits = 7;
+    ClipPtr const clip = Open_Bytes(File_Of({frame, second, bad, frame}, 1000000));
+    ASSERT_TRUE(clip);
+    EXPECT_EQ(clip->RawFrames, 1000000);
+    EXPECT_DOUBLE_EQ(clip->FileFrameRate, 2.0);
+    EXPECT_EQ(Module_Frame(clip.get(), 0)[0], 1);
+    EXPECT_EQ(Module_Frame(clip.get(), 1)[0], 2);
+    for (long beyond : {-1L, 2L, 3L, 999999L, 1L << 40})
+        EXPECT_TRUE(Module_Frame(clip.get(), beyond).empty()) << beyond;
+    EXPECT_TRUE(Clip_Frame(clip.get(), 2).empty());
+    EXPECT_EQ(GetErrorZV(), ZV_ERR_CLIP);
+}
+
+TEST_F(EIDI, AnAbsurdFrameCountCostsNothing)
+{
+    FrameSpec frame;
+    frame.data = Bytes(16 * 3 * 3, 1);
+    ClipPtr const clip = Open_Bytes(File_Of({frame}, 0xFFFFFFFF));
+    ASSERT_TRUE(clip);
+    EXPECT_FALSE(Module_Frame(clip.get(), 0).empty());
+    EXPECT_TRUE(Module_Frame(clip.get(), 0xFFFFFFFE).empty());
+}
+
+TEST_F(EIDI, AFileCutShortAnywhereFailsOrReadsItsWholeFrames)
+{
+    std::mt19937 random(3);
+    FrameSpec packed;
+    packed.bits = 32;
+    packed.isCompressed = true;
+    packed.data = Random_Packets(random, Random_Bytes(random, 4 * 16 * 3), 4, 20);
+    FrameSpec plain;
+    plain.data = Random_Bytes(random, 3 * 16 * 3);
+    Bytes const whole = File_Of({packed, plain});
+    std::size_t const firstEnd = 6 + 35 + packed.data.size();
+    ClipPtr const good = Open_Bytes(whole);
+    Bytes const first = Module_Frame(good.get(), 0);
+    ASSERT_FALSE(Module_Frame(good.get(), 1).empty());
+
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        ClipPtr const clip =
+            Open(Write("cut.ei", Bytes(whole.begin(), whole.begin() + static_cast<long>(length))));
+        if (length < 6 + 35) {
+            EXPECT_FALSE(clip) << length;
+            continue;
+        }
+        ASSERT_TRUE(clip) << length;
+        EXPECT_EQ(Module_Frame(clip.get(), 0), length < firstEnd ? Bytes{} : first) << length;
+        EXPECT_TRUE(Module_Frame(clip.get(), 1).empty()) << length;
+    }
+}
+
+TEST_F(EIDI, FramesBeyondFourGigabytesAreFound)
+{
+    FrameSpec frame;
+    frame.data = Bytes(16 * 3 * 3, 1);
+    ByteWriter file;
+    file.Put(File_Of({frame}, 2));
+    std::size_t const dataSize = 6 + 24;
+    for (std::size_t i = 0; i < 4; ++i)
+        file.bytes[dataSize + i] = 0xFF;
+    std::string const spec = Write("large.ei", file.bytes);
+    ByteWriter tail;
+    frame.data = Bytes(16 * 3 * 3, 2);
+    Put_Frame(tail, frame);
+    {
+        std::fstream stream(environment.Path("large.ei"), std::ios::binary | std::ios::in | std::ios::out);
+        stream.seekp(6 + 35 + 0xFFFFFFFFL);
+        stream.write(reinterpret_cast<char const*>(tail.bytes.data()), static_cast<long>(tail.bytes.size()));
+        if (!stream) GTEST_SKIP() << "no room for a sparse file of 4 GiB";
+    }
+    ClipPtr const clip = Open(spec);
+    ASSERT_TRUE(clip);
+    EXPECT_EQ(Module_Frame(clip.get(), 0)[0], 1);
+    EXPECT_EQ(Module_Frame(clip.get(), 1)[0], 2);
+}
+
+TEST_F(EIDI, ADataSizeLeftAtZeroReadsToTheEndOfTheFile)
+{
+    FrameSpec frame;
+    frame.data = Bytes(16 * 3 * 3, 7);
+    Bytes file = File_Of({frame});
+    file[6 + 27] = 0;
+    ASSERT_EQ(file[6 + 26], 0);
+    ClipPtr const clip = Open_Bytes(file);
+    ASSERT_TRUE(clip);
+    EXPECT_FALSE(Module_Frame(clip.get(), 0).empty());
+}
+
+TEST_F(EIDI, AFrameOfAnotherSizeIsScaledToTheClip)
+{
+    FrameSpec frame;
+    frame.data = Bytes(16 * 3 * 3, 1);
+    FrameSpec large;
+    large.width = 32;
+    large.height = 6;
+    for (long i = 0; i < 32 * 6; ++i)
+        large.data.insert(large.data.end(), 3, static_cast<uint8_t>(i));
+    ClipPtr const clip = Open_Bytes(File_Of({frame, large}));
+    Bytes const pixels = Module_Frame(clip.get(), 1);
+    ASSERT_EQ(pixels.size(), 4u * 16 * 3);
+    for (std::size_t y = 0; y < 3; ++y)
+        for (std::size_t x = 0; x < 16; ++x)
+            EXPECT_EQ(pixels[4 * (16 * y + x)], 64 * y + 2 * x);
+
+    // The same happens to a clip whose size was reduced after it was opened.
+    clip->ProxyScale = 1;
+    SetClipOptionsZV(clip.get(), ZV_CLIP_WIDTH, 16, ZV_CLIP_HEIGHT, 3, 0);
+    EXPECT_EQ(Clip_Frame(clip.get(), 0).size(), 4u * 8 * 1);
+}
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool memoryCanBeLimited = false;
+#elif defined(__has_feature)
+constexpr bool memoryCanBeLimited = !__has_feature(address_sanitizer);
+#else
+constexpr bool memoryCanBeLimited = true;
+#endif
+
+/// Bytes of address space that this process uses.
+rlim_t Address_Space()
+{
+    std::ifstream statm("/proc/self/statm");
+    rlim_t pages = 0;
+    statm >> pages;
+    return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+}
+
+TEST_F(EIDI, AFrameIsReadAndWrittenWithLittleMemory)
+{
+    if (!memoryCanBeLimited) GTEST_SKIP() << "the address sanitizer needs all address space";
+    long const width = 4000, height = 3000;
+    Bytes const pixels = Random_Pixels(width, height, 1);
+    ClipPtr const clip = Create(format, "little.ei", width, height, 25.0);
+    ASSERT_TRUE(Add_Frame_At(clip.get(), 0, pixels));
+    BitmapPtr const bitmap = Make_Bitmap(width, height, pixels);
+    BitmapPtr const read = Make_Bitmap(width, height);
+    Make_Bitmap(width, height);  // freed at once, and kept for the picture that writing makes
+    auto const work = [&] {
+        malloc_trim(0);
+        rlim_t const limit = Address_Space() + (1 << 20);
+        rlimit const space{limit, limit};
+        setrlimit(RLIMIT_AS, &space);
+        bool const isTight = !Alloc_Aligned(4 << 20, 64);
+        bool const isAdded = format->AddFrame(clip.get(), bitmap.get(), 1, nullptr);
+        bool const isRead =
+            format->GetFrame(clip.get(), read.get(), 1, nullptr, width, height, 0, nullptr, 0);
+        bool const isSame = std::memcmp(read->Pixels, pixels.data(), pixels.size()) == 0;
+        std::_Exit(!isTight ? 10 : !isAdded ? 11 : !isRead ? 12 : !isSame ? 13 : 0);
+    };
+    EXPECT_EXIT(work(), testing::ExitedWithCode(0), "");
+}
+
+// ---- writing
+// ------------------------------------------------------------------------------------------------
+
+struct KindCase {
+    char const* why;
+    uint8_t alphaType;
+    long depth, alphaDepth, paletteSize;
+    std::function<Pixel(Pixel)> readBack;
+};
+
+TEST_F(EIDI, WrittenKindsReadBack)
+{
+    KindCase const cases[] = {
+        {"with alpha", ZV_ALPHA_CHANNEL, 24, 8, 1, [](Pixel p) { return p; }},
+        {"without alpha", ZV_ALPHA_NONE, 24, 0, 1,
+         [](Pixel p) {
+             return Pixel{p[0], p[1], p[2], 255};
+         }},
+        {"alpha as grey", ZV_ALPHA_LUMINANCE, 8, 0, 256,
+         [](Pixel p) {
+             return Pixel{p[3], p[3], p[3], 255};
+         }},
+    };
+    for (KindCase const& row : cases) {
+        for (int32_t compress : {1, 0}) {
+            long const width = 150, height = 20;
+            std::array const frames = {Random_Pixels(width, height, 1), Random_Pixels(width, height, 2),
+                                       Random_Pixels(width, height, 3)};
+            {
+                ClipPtr const clip = Create(format, "kind.ei", width, height, 25.0, row.alphaType);
+                ASSERT_TRUE(clip);
+                ASSERT_TRUE(clip->VideoParams);
+                EXPECT_EQ(clip->VideoParams->Size, 4);
+                std::memcpy(clip->VideoParams->Data, &compress, 4);
+                for (long i = 0; i < 3; ++i)
+                    ASSERT_TRUE(Add_Frame_At(clip.get(), i, frames[static_cast<std::size_t>(i)])) << row.why;
+                Close(clip);
+                EXPECT_EQ(clip->RawFrames, 3);
+            }
+
+            Bytes const file = Read("kind.ei");
+            long const paletteBytes = 3 * row.paletteSize;
+            ByteWriter head;
+            head.Put16(5).Put32(3).PutFloat(0.0f).Put16(0).Put16(0).Put16(height).Put16(width);
+            head.Put8(row.depth).Put8(row.depth == 8).Put16(0).Put16(0).Put16(height).Put16(width);
+            head.Put8(compress).Put8(row.alphaDepth);
+            EXPECT_EQ(Bytes(file.begin(), file.begin() + 6 + 24), head.bytes) << row.why;
+            EXPECT_EQ(file[6 + 28] << 8 | file[6 + 29], row.paletteSize);
+            EXPECT_EQ(file[6 + 32 + paletteBytes - 1], row.paletteSize - 1) << "palette of greys";
+
+            long const unitBytes = (row.depth + row.alphaDepth) / 8;
+            long const dataSize = file[6 + 24] << 24 | file[6 + 25] << 16 | file[6 + 26] << 8 | file[6 + 27];
+            if (!compress) {
+                EXPECT_EQ(dataSize, width * height * unitBytes);
+                EXPECT_EQ(static_cast<long>(file.size()), 6 + 3 * (32 + paletteBytes + dataSize));
+            } else {
+                EXPECT_LT(dataSize, width * height * unitBytes) << row.why;
+            }
+            ByteWriter time;
+            time.PutFloat(0.04f);
+            auto const second = file.begin() + 6 + 32 + paletteBytes + dataSize;
+            EXPECT_EQ(Bytes(second, second + 4), time.bytes) << row.why;
+
+            ClipPtr const clip = Open(environment.Spec("kind.ei"));
+            ASSERT_TRUE(clip);
+            EXPECT_EQ(clip->RawFrames, 3);
+            EXPECT_NEAR(clip->FileFrameRate, 25.0, 1e-4);
+            for (long i = 0; i < 3; ++i) {
+                Bytes expected = frames[static_cast<std::size_t>(i)];
+                for (std::size_t at = 0; at < expected.size(); at += 4) {
+                    Pixel const pixel =
+                        row.readBack({expected[at], expected[at + 1], expected[at + 2], expected[at + 3]});
+                    std::copy(pixel.begin(), pixel.end(), expected.begin() + static_cast<long>(at));
+                }
+                EXPECT_EQ(Clip_Frame(clip.get(), i), expected) << row.why << ", frame " << i;
+            }
+        }
+    }
+}
+
+TEST_F(EIDI, WrittenFilesHaveTypeCreatorAndAWholeHeaderAtOnce)
+{
+    ClipPtr const clip = Create(format, "begun.ei", 16, 3, 25.0);
+    EXPECT_EQ(clip->BitDepth, 8);
+    ASSERT_TRUE(Add_Frame_At(clip.get(), 0, Random_Pixels(16, 3, 1)));
+    ASSERT_TRUE(Add_Frame_At(clip.get(), 1, Random_Pixels(16, 3, 2)));
+    // The writer dies here: what it left is a clip of one frame.
+    ClipPtr const left = Open(environment.Spec("begun.ei"));
+    ASSERT_TRUE(left);
+    EXPECT_EQ(left->RawFrames, 1);
+    EXPECT_EQ(Clip_Frame(left.get(), 0), Random_Pixels(16, 3, 1));
+    uint32_t type, creator;
+    Get_FileInfo(environment.Spec("begun.ei").c_str(), &creator, &type);
+    EXPECT_EQ(type, ZV_FourCC("EIDI"));
+}
+
+TEST_F(EIDI, FramesOfOtherPixelTypesAreConverted)
+{
+    Bytes const pixels = Random_Pixels(16, 3, 4);
+    BitmapPtr const deep = Make_Bitmap(16, 3, {}, ZV_BITMAP_RGBA16);
+    CopyBitmapZV(Make_Bitmap(16, 3, pixels).get(), deep.get(), 0, 0, -1, -1, 0, 0);
+    {
+        ClipPtr const clip = Create(format, "deep.ei", 16, 3, 25.0);
+        ASSERT_TRUE(Add_Frame_At(clip.get(), 0, deep.get()));
+        EXPECT_FALSE(format->AddFrame(clip.get(), deep.get(), 1, nullptr))
+            << "the module itself takes 8 bits";
+        Close(clip);
+    }
+    EXPECT_EQ(Clip_Frame(Open(environment.Spec("deep.ei")).get(), 0), pixels);
+}
+
+TEST_F(EIDI, FramesCanBeReadWhileOthersAreWritten)
+{
+    ClipPtr const clip = Create(format, "both.ei", 16, 3, 25.0);
+    for (unsigned i = 0; i < 4; ++i) {
+        ASSERT_TRUE(Add_Frame_At(clip.get(), i, Random_Pixels(16, 3, i)));
+        EXPECT_EQ(Clip_Frame(clip.get(), i / 2), Random_Pixels(16, 3, i / 2));
+    }
+    Close(clip);
+    Bytes const written = Read("both.ei");
+
+    // Opened again, the clip only reads: closing it leaves the file as it is.
+    clip->RawFrames = 77;
+    ASSERT_TRUE(OpenClipZV(clip.get(), nullptr));
+    BeginClipIOZV(clip.get(), nullptr);
+    EXPECT_EQ(Clip_Frame(clip.get(), 3), Random_Pixels(16, 3, 3));
+    Close(clip);
+    EXPECT_EQ(Read("both.ei"), written);
+}
+
+TEST_F(EIDI, AFrameThatDoesNotFitTheDiskIsNotCountedAndTheNextOneTakesItsPlace)
+{
+    long const width = 200, height = 100;
+    ClipPtr const clip = Create(format, "full.ei", width, height, 25.0);
+    std::mt19937 random(1);
+    Bytes const noise = Random_Bytes(random, 4 * 200 * 100);
+    ASSERT_TRUE(Add_Frame_At(clip.get(), 0, noise));
+    {
+        FileSizeLimit const full(Read("full.ei").size() + 10000);
+        EXPECT_FALSE(Add_Frame_At(clip.get(), 1, noise));
+        EXPECT_NE(GetErrorZV(), 0u);
+        EXPECT_EQ(clip->RawFrames, 1);
+
+        Bytes const file = Read("full.ei");
+        std::size_t const frame =
+            6 + 35 + static_cast<std::size_t>(file[6 + 25] << 16 | file[6 + 26] << 8 | file[6 + 27]);
+        std::size_t const stored =
+            static_cast<std::size_t>(file[frame + 25] << 16 | file[frame + 26] << 8 | file[frame + 27]);
+        EXPECT_LE(frame + 35 + stored, file.size()) << "the data size tells of no more than was written";
+    }
+    Bytes const next = Random_Pixels(width, height, 2);
+    ASSERT_TRUE(Add_Frame_At(clip.get(), 1, next));
+    Close(clip);
+    ClipPtr const read = Open(environment.Spec("full.ei"));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->RawFrames, 2);
+    EXPECT_EQ(Clip_Frame(read.get(), 0), noise);
+    EXPECT_EQ(Clip_Frame(read.get(), 1), next);
+}
+
+TEST_F(EIDI, AFileThatCannotBeFinishedSaysSoAtClose)
+{
+    ClipPtr const clip = Create(format, "empty.ei", 16, 3, 25.0);
+    FileSizeLimit const full(0);
+    EndClipIOZV(clip.get(), nullptr);
+    SetError(0);
+    CloseClipZV(clip.get());
+    EXPECT_NE(GetErrorZV(), 0u);
+    EXPECT_FALSE(clip->ModuleData);
+}
+
+TEST_F(EIDI, NothingIsWrittenWithoutOptionsOrAnOutput)
+{
+    BitmapPtr const bitmap = Make_Bitmap(16, 3);
+    ClipPtr const clip = Create(format, "bare.ei", 16, 3, 25.0);
+    FreeMemZV(std::exchange(clip->VideoParams, nullptr));
+    EXPECT_FALSE(format->AddFrame(clip.get(), bitmap.get(), 0, nullptr));
+    Close(clip);
+    EXPECT_FALSE(format->AddFrame(clip.get(), bitmap.get(), 0, nullptr));
+    EXPECT_FALSE(format->GetFrame(clip.get(), bitmap.get(), 0, nullptr, 16, 3, 0, nullptr, 0));
+
+    clip->FileName[0] = 'X';  // no such volume
+    EXPECT_FALSE(CreateClipZV(clip.get(), 0));
+    EXPECT_FALSE(clip->ModuleData);
+}
+
+TEST_F(EIDI, RatesThatGiveNoTimeAreUnknownWhenReadBack)
+{
+    for (double rate : {0.0, -1.0, std::nan("")}) {
+        {
+            ClipPtr const clip = Create(format, "norate.ei", 16, 3, 25.0);
+            clip->FileFrameRate = rate;
+            for (long i = 0; i < 3; ++i)
+                ASSERT_TRUE(Add_Frame_At(clip.get(), i, Random_Pixels(16, 3, 1)));
+            Close(clip);
+        }
+        ClipPtr clip{NewClipZV()};
+        clip->Format = format;
+        clip->FileName = CopyFileSpecZV(environment.Spec("norate.ei").c_str());
+        ASSERT_TRUE(format->Open(clip.get(), nullptr));
+        EXPECT_EQ(clip->FileFrameRate, -1.0) << rate;
+        EXPECT_EQ(format->Open(clip.get(), nullptr), 1) << "open already";
+        format->Close(clip.get());
+    }
+}
+
+}  // namespace

@@ -1,0 +1,178 @@
+// What the tests of the format modules share: clips and bitmaps that free themselves, files made byte by
+// byte, and the entries of a module called directly.
+#pragma once
+
+#include "TestEnvironment.h"
+
+#include <cstring>
+#include <memory>
+#include <sys/resource.h>
+#include <vector>
+
+using Bytes = std::vector<uint8_t>;
+
+struct TestDeleter {
+    void operator()(ZVClip* clip) const { FreeClipZV(clip); }
+    void operator()(ZVBitmap* bitmap) const { FreeBitmapZV(bitmap); }
+};
+using ClipPtr = std::unique_ptr<ZVClip, TestDeleter>;
+using BitmapPtr = std::unique_ptr<ZVBitmap, TestDeleter>;
+
+/// Builds a file; numbers are big-endian.
+class ByteWriter {
+public:
+    ByteWriter& Put8(long value)
+    {
+        bytes.push_back(static_cast<uint8_t>(value));
+        return *this;
+    }
+    ByteWriter& Put16(long value) { return Put8(value >> 8).Put8(value); }
+    ByteWriter& Put32(long value) { return Put16(value >> 16).Put16(value); }
+    ByteWriter& PutFloat(float value)
+    {
+        uint32_t bits;
+        std::memcpy(&bits, &value, sizeof(bits));
+        return Put32(bits);
+    }
+    ByteWriter& Put(Bytes const& more)
+    {
+        bytes.insert(bytes.end(), more.begin(), more.end());
+        return *this;
+    }
+    ByteWriter& Put(char const* text)
+    {
+        bytes.insert(bytes.end(), text, text + std::strlen(text));
+        return *this;
+    }
+    ByteWriter& PutZeros(std::size_t count)
+    {
+        bytes.insert(bytes.end(), count, uint8_t{0});
+        return *this;
+    }
+
+    Bytes bytes;
+};
+
+/// While this lives, files of this process cannot grow beyond a size: a disk that runs full.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t size)
+    {
+        signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &old_);
+        rlimit const limit{size, old_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &old_);
+        signal(SIGXFSZ, SIG_DFL);
+    }
+    FileSizeLimit(FileSizeLimit const&) = delete;
+    FileSizeLimit& operator=(FileSizeLimit const&) = delete;
+
+private:
+    rlimit old_;
+};
+
+class FormatTest : public EnvironmentTest {
+protected:
+    FormatTest() { InitFormatModulesZV(nullptr); }
+
+    /// The registered module with this display name.
+    static ZVFormatDesc* Module(char const* name)
+    {
+        return reinterpret_cast<ZVFormatDesc*>(Find_Name(&ZVEnv->formats, name));
+    }
+
+    std::string Write(std::string const& name, Bytes const& bytes) const
+    {
+        return environment.Write(name, {reinterpret_cast<char const*>(bytes.data()), bytes.size()});
+    }
+
+    Bytes Read(std::string const& name) const
+    {
+        std::ifstream file(environment.Path(name), std::ios::binary);
+        return Bytes(std::istreambuf_iterator<char>(file), {});
+    }
+
+    /// A clip of the library, its alpha left as the file has it; null when it cannot be opened.
+    static ClipPtr Open(std::string const& spec)
+    {
+        ClipPtr clip{OpenClipZV(spec.c_str(), ZV_OPEN_NO_ALPHA_GUESS, 1, 0)};
+        if (!clip) return nullptr;
+        clip->Flags |= ZV_CLIP_ALPHA_KNOWN;
+        clip->AlphaPremultiplied = 0;
+        BeginClipIOZV(clip.get(), nullptr);
+        return clip;
+    }
+
+    /// A clip that is being written, with straight alpha.
+    ClipPtr Create(ZVFormatDesc* format, std::string const& name, long width, long height, double rate,
+                   uint8_t alphaType = ZV_ALPHA_CHANNEL) const
+    {
+        ClipPtr clip{NewClipZV()};
+        clip->Format = format;
+        clip->FileName = CopyFileSpecZV(environment.Spec(name).c_str());
+        clip->Width = width;
+        clip->Height = height;
+        clip->Media = ZV_MEDIA_VIDEO;
+        clip->FrameRate = clip->FileFrameRate = rate;
+        clip->AlphaType = alphaType;
+        clip->AlphaPremultiplied = 0;
+        clip->Flags |= ZV_CLIP_ALPHA_KNOWN;
+        if (!CreateClipZV(clip.get(), 0)) return nullptr;
+        BeginClipIOZV(clip.get(), nullptr);
+        return clip;
+    }
+
+    static void Close(ClipPtr const& clip)
+    {
+        EndClipIOZV(clip.get(), nullptr);
+        CloseClipZV(clip.get());
+    }
+
+    static BitmapPtr Make_Bitmap(long width, long height, Bytes const& pixels = {},
+                                 ZVBitmapType type = ZV_BITMAP_RGBA8)
+    {
+        BitmapPtr bitmap{AllocBitmapZV(width, height, type, "test")};
+        std::memset(bitmap->Pixels, 0xEE, static_cast<std::size_t>(bitmap->Size));
+        if (!pixels.empty()) std::memcpy(bitmap->Pixels, pixels.data(), pixels.size());
+        return bitmap;
+    }
+
+    static Bytes Pixels_Of(ZVBitmap const& bitmap) { return {bitmap.Pixels, bitmap.Pixels + bitmap.Size}; }
+
+    /// Pixels of a frame as the module gives them, empty when it answers 0.
+    static Bytes Module_Frame(ZVClip* clip, long frame, long width, long height)
+    {
+        BitmapPtr const bitmap = Make_Bitmap(width, height);
+        ZVRectT<long> rect;
+        if (!clip->Format->GetFrame(clip, bitmap.get(), frame, &rect, width, height, 0, nullptr, 0))
+            return {};
+        return Pixels_Of(*bitmap);
+    }
+    static Bytes Module_Frame(ZVClip* clip, long frame)
+    {
+        return Module_Frame(clip, frame, clip->Width, clip->Height);
+    }
+
+    /// Pixels of a frame on the way of an application, empty when it fails.
+    static Bytes Clip_Frame(ZVClip* clip, long frame)
+    {
+        BitmapPtr const bitmap = Make_Bitmap(clip->Width, clip->Height);
+        ZVTimeValue const time{static_cast<double>(frame), clip->FrameRate};
+        if (!GetFrameZV(clip, bitmap.get(), &time, nullptr, nullptr)) return {};
+        return Pixels_Of(*bitmap);
+    }
+
+    static long Add_Frame_At(ZVClip* clip, long frame, ZVBitmap* bitmap)
+    {
+        ZVTimeValue const time{static_cast<double>(frame), clip->FrameRate};
+        return AddFrameZV(clip, bitmap, &time, nullptr, nullptr);
+    }
+    static long Add_Frame_At(ZVClip* clip, long frame, Bytes const& pixels)
+    {
+        return Add_Frame_At(clip, frame, Make_Bitmap(clip->Width, clip->Height, pixels).get());
+    }
+};
