@@ -8,6 +8,7 @@
 #include "ZVLibInternal.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 
@@ -85,12 +86,14 @@ bool Read_Scratch(ZVClip const& clip, long scratch, ZVBitmap& bitmap)
     return isRead;
 }
 
-/// A frame of an edit call: negative times count as frame 0. -1 behind the last frame.
+/// A frame of an edit call: times ahead of the clip count as frame 0. -1 behind the last frame.
 long Frame_To_Edit(ZVClip const& clip, ZVTimeValue const* time)
 {
     ZVTimeValue const moment = time ? *time : ZVTimeValue{};
-    long const frame = std::max(Get_Frame(&clip, &moment), 0L);
-    if (frame < clip.Frames && frame < Get_ReadableFrames(&clip)) return frame;
+    long const number = Get_Frame(&clip, &moment);
+    long const frame = std::max(number, 0L);
+    // LONG_MIN is a time beyond all frame numbers, on either side.
+    if (number != LONG_MIN && frame < clip.Frames && frame < Get_ReadableFrames(&clip)) return frame;
     SetError(ZV_ERR_CLIP);
     return -1;
 }
