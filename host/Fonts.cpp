@@ -92,7 +92,8 @@ public:
         if (FT_New_Face(library_.get(), reinterpret_cast<char*>(file), index, &opened) != 0) return nullptr;
         FontFace face{opened};
         auto const height = static_cast<FT_F26Dot6>(std::lround(pixelSize * FixedOne));
-        if (!FT_IS_SCALABLE(opened) || FT_Set_Char_Size(opened, 0, height, 72, 72) != 0) return nullptr;
+        if (!FT_IS_SCALABLE(opened) || opened->units_per_EM == 0) return nullptr;
+        if (FT_Set_Char_Size(opened, 0, height, 72, 72) != 0) return nullptr;
         return std::make_unique<FreeTypeFont>(library_, std::move(face), pixelSize);
     }
 

@@ -98,6 +98,7 @@ struct ZVClip {
     uint8_t* FrameSkip;     ///< the caller's, one byte a frame: non-zero reads nothing and succeeds
     ZVBitmap* FieldBitmap;  ///< half a frame, while writing under pull-down
     long Reserved3;
+    ZVFormatDesc* OpenModule;  ///< whose Open or Create succeeded on this very record, until Close; never cloned
 };
 
 // ---- life of a clip ---------------------------------------------------------------------------------------
@@ -119,7 +120,8 @@ ZV_API ZVClip* NewClipZV();
 /// Opens a file. Null with error 12 for no such file, 15 for no module, 1, 17, 18, 20, 21 or the module's own.
 ZV_API ZVClip* OpenClipZV(char const* spec, TagItem* tags);
 
-/// Opens a closed clip again, with all its settings as they are.
+/// Opens a closed clip again for reading, with all its settings as they are. A clip that was written, and whose
+/// module did not count its frames, takes their number from the file.
 ZV_API long OpenClipZV(ZVClip* clip, TagItem* tags);
 template <ZVTagKey Key, ZVTagValue... Rest> ZVClip* OpenClipZV(char const* spec, Key first, Rest... rest)
 {
@@ -131,18 +133,24 @@ template <ZVTagKey Key, ZVTagValue... Rest> long OpenClipZV(ZVClip* clip, Key fi
 }
 
 /// Begins an output. The clip has its FileName; without Format the one of its extension is taken, or the default
-/// one. Without any, error 15 and 0.
+/// one. Without any, error 15 and 0. What the clip still has open is closed first.
 ZV_API long CreateClipZV(ZVClip* clip, unsigned long flags);
 
-ZV_API void CloseClipZV(ZVClip* clip);  ///< Ends the module's work; all settings stay.
-ZV_API void FreeClipZV(ZVClip* clip);   ///< Ends everything, scratch frames included.
+/// Ends the module's work, and I/O before it; all settings stay. The module's Close is called once for each of its
+/// Open or Create that succeeded on this record: a clone of an open clip carries ZV_CLIP_OPEN without one, and is
+/// closed without a call until BeginClipIOZV has opened the module for it.
+ZV_API void CloseClipZV(ZVClip* clip);
+ZV_API void FreeClipZV(ZVClip* clip);  ///< Ends everything, scratch frames included.
 
 /// Copies a clip, into a new one for a null target. The target keeps its ClipID, ModuleData and FieldBitmap, and
-/// never owns the source's scratch frames.
+/// never owns the source's scratch frames. A new clip is outside I/O; a target stays open and in I/O when it has the
+/// same file open by the same module, and is closed first when it has another.
+/// @return  the target; null with error 1 when memory runs out, an old target then unchanged
 ZV_API ZVClip* CloneClipZV(ZVClip const* source, ZVClip* target);
 
-ZV_API long BeginClipIOZV(ZVClip* clip, TagItem* tags);  ///< The tags are not read.
-ZV_API long EndClipIOZV(ZVClip* clip, TagItem* tags);    ///< Leaves I/O whatever it answers.
+/// Brackets frame work. The tags are not read. Beginning inside I/O, and ending outside it, calls no module.
+ZV_API long BeginClipIOZV(ZVClip* clip, TagItem* tags);
+ZV_API long EndClipIOZV(ZVClip* clip, TagItem* tags);  ///< Leaves I/O whatever it answers.
 template <ZVTagKey Key, ZVTagValue... Rest> long BeginClipIOZV(ZVClip* clip, Key first, Rest... rest)
 {
     return BeginClipIOZV(clip, Tag_Array(first, rest...).data());
@@ -180,7 +188,7 @@ ZV_API ZVBitmapType GetBitmapTypeZV(ZVClip const* clip);  ///< The RGBA type of 
 
 /// A file name for a new output: `base` (null for none), sequence numbering when the format needs it, extension.
 /// @param out  ZV_SPEC_SIZE bytes
-/// @return  `out`; `base` without a clip or format, `out` then empty
+/// @return  `out`, empty with error 12 when the name does not fit; `base` without a clip or format, `out` then empty
 ZV_API char const* MakeDefaultClipNameZV(ZVClip* clip, char const* base, char* out);
 
 /// Directory below which scratch frames lie, in "ZVScratch\" (in "ZVScratch2\" and so on for processes that run

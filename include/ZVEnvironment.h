@@ -156,6 +156,7 @@ struct ZVEnvironment {
     void* tickTimer;
     void* jobTimer;
     unsigned long clipCounter;  ///< ClipID of the clip allocated last
+    uint16_t clipsByScratchNumber[10000];  ///< living clips, by the four digits of ClipID in scratch names
     long seqRateSet;            ///< overrides of the sequence dialog, filled by applications
     double seqRate;
     long seqAspectSet;
@@ -178,7 +179,7 @@ enum ZVInitTag : unsigned long {
     ZV_INIT_HOME_DIR = 2565,        ///< char const*: directory as spec or native path, closing separator or not
     ZV_INIT_NO_ROOT_WINDOW = 2567,  ///< the root window is the application's; data ignored
     ZV_INIT_MONITOR_COUNT = 2568,   ///< 1 to 4; 0 asks the display
-    ZV_INIT_MONITOR_1 = 2569,       ///< pointer to four longs: left, top, width, height
+    ZV_INIT_MONITOR_1 = 2569,       ///< pointer to four longs: left, top, width, height; the display's when absent
     ZV_INIT_MONITOR_2 = 2570,
     ZV_INIT_MONITOR_3 = 2571,
     ZV_INIT_MONITOR_4 = 2572,
@@ -215,8 +216,8 @@ ZV_API void ExitZV();
 
 ZV_API ZVEnvironment* GetEnvironmentZV();
 
-/// Stores the colour of a pen; a number outside the pen range is ignored. The ZVFloatRGB form scales by 255 and
-/// truncates.
+/// Stores the colour of a pen; a number outside the pen range is ignored. A pen as the colour stands for its colour
+/// of now. The ZVFloatRGB form scales by 255, truncates and keeps the low byte; below 0 is 0.
 ZV_API void SetStylePenZV(unsigned long pen, unsigned long colour);
 ZV_API void SetStylePenZV(unsigned long pen, struct ZVFloatRGB const* colour);
 template <std::integral Colour> void SetStylePenZV(unsigned long pen, Colour colour)
@@ -230,7 +231,8 @@ ZV_API unsigned long GetColorZV(unsigned long colour);
 /// Converts a colour from display gamma 2.2 to 1.8, in place; the top byte becomes 0.
 ZV_API void GammaCorrect(unsigned long* colour);
 
-/// Works out the six widths for `columns` columns on a monitor `width` wide (at most 1600 counts).
+/// Works out the six widths for `columns` columns on a monitor `width` wide (at most 1600 counts). Without a column
+/// nothing is stored.
 ZV_API void CalcGadgetSizes(ZVGadgetSizes* sizes, long width, long columns, long gap);
 
 /// Applies the present pens to all open windows.
@@ -240,7 +242,8 @@ ZV_API void RefreshUIZV();
 ZV_API void SetAlwaysOnTopZV(long on);
 
 /// The directories that InitZV stores, worked out without an environment, as specs with a closing separator.
-/// Free them with FreeFileSpecZV. A directory for temporary files that cannot be had is an assertion failure.
+/// Free them with FreeFileSpecZV. A home directory that cannot be had is the root, "Root:\". A directory for
+/// temporary files that cannot be had is an assertion failure.
 ZV_API char* FindHomeDirZV();
 ZV_API char* FindUserDataDirZV();
 ZV_API char* FindTempDirZV();

@@ -65,6 +65,7 @@ ZV_API uint64_t GetAppMemUsageZV();  ///< Resident size of the process.
 ZV_API void Set_Memory_Limits(uint64_t machineBytes);
 
 /// Locks pages when RLIMIT_MEMLOCK leaves room for them. 1 locked, 0 beyond the limit, -1 failed inside it.
+/// Unlocking a block that is not locked succeeds.
 ZV_API long OS_Lock_Pages(void* block, unsigned long size);
 ZV_API bool OS_Unlock_Pages(void* block, unsigned long size);
 
@@ -74,7 +75,8 @@ ZV_API void OS_Advise_Huge_Pages(void* block, unsigned long size);
 /// Bytes of the last-level cache that one processor reaches; 0 when unknown.
 ZV_API unsigned long OS_Cache_Size();
 
-/// Measures of a text in the interface font at the style's font size, in pixels.
+/// Measures of a text in the interface font at the style's font size, in pixels, rounded up. A size below 1
+/// counts as 12, one above 1000 as 1000. Without any font a line is 1.2 and a character half of the size.
 ZV_API long Text_Width(char const* text);
 ZV_API long Text_Height(char const* text);  ///< Ascent and descent of the font.
 

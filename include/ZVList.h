@@ -133,6 +133,7 @@ ZV_API long Sort_List(List* list);
 ZV_API long SortListZV(List* list, ZVCompareFunc compare);
 ZV_API long SortListZV_Params(List* list, ZVCompareParamsFunc compare, void* params);
 
-/// Sorts the stretch of positions `first` to `last`, both included.
+/// Sorts the stretch of positions `first` to `last`, both included; one that reaches outside the list stays as it
+/// is.
 ZV_API long Sort_By_Func(List* list, long first, long last, ZVCompareFunc compare);
 ZV_API long Sort_By_Func_Params(List* list, long first, long last, ZVCompareParamsFunc compare, void* params);

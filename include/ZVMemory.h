@@ -68,7 +68,7 @@ ZV_API char const* GetErrorStringZV();
 /// Stores the number; nothing happens while no environment exists.
 ZV_API void SetError(unsigned long number);
 
-/// Stores a copy of the text in place of the old one; null clears it. While no environment exists the text is kept
-/// apart, cut at 511 bytes: InitZV clears it before it makes the environment, and after a failure tells the reason
-/// here, once the environment is gone again.
+/// Stores a copy of the text in place of the old one; null clears it. While no environment exists the text is
+/// kept apart, cut at 511 bytes: InitZV clears it before it makes the environment, and after a failure tells the
+/// reason here, once the environment is gone again.
 ZV_API void SetErrorString(char const* text);

@@ -23,7 +23,7 @@ ZV_API long AskUser2ZV(char const* first, char const* second, char const* format
     __attribute__((format(printf, 3, 4)));
 ZV_API long AskUser2ZV(unsigned long first, unsigned long second, unsigned long format, ...);
 
-/// A long text under a heading.
+/// A long text under a heading. While no interface runs each of its lines is one on standard error.
 ZV_API void UserScrollMessageZV(char const* heading, char* body);
 ZV_API void UserScrollMessageZV(unsigned long id, char* body);
 

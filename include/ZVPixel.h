@@ -22,11 +22,13 @@ struct ZVRGB {
     uint16_t extra;
 };
 
-/// Nearest integer, halves to the even neighbour; exact within the range of a 32-bit integer. The constant,
-/// 2^52 + 2^32, moves the integer into the low bits of the sum's pattern.
+/// 2^52 + 2^32: added to a number it leaves the nearest integer in the low bits of the sum's pattern.
+inline constexpr double ZV_ROUNDING_MAGIC = 4503603922337792.0;
+
+/// Nearest integer, halves to the even neighbour; exact within the range of a 32-bit integer.
 inline int32_t f_round(double value)
 {
-    return static_cast<int32_t>(static_cast<uint32_t>(std::bit_cast<uint64_t>(value + 4503603922337792.0)));
+    return static_cast<int32_t>(static_cast<uint32_t>(std::bit_cast<uint64_t>(value + ZV_ROUNDING_MAGIC)));
 }
 
 struct ZVPixelBase {

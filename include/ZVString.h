@@ -4,8 +4,8 @@
 // one `#include "header"` names, through `#define NAME 123` and `enum { A, B = 7, C }`. Everything else in both
 // files is free text. In a quoted text \n is a line feed and \" a double quote; any other backslash stands for
 // itself. Symbolic names hold at most 127 characters; a longer one counts as a bad definition. A keyword counts
-// wherever white space follows it, also in a comment, but not inside the text of an entry. Ids are 32-bit numbers, a
-// file ends at its first zero byte, and of two definitions of a name the first one holds.
+// wherever white space follows it, also in a comment, but not inside the text of an entry. Ids are 32-bit
+// numbers, a file ends at its first zero byte, and of two definitions of a name the first one holds.
 //
 // Loading belongs to the main thread; looking up may run on any thread while no load runs. The texts given to the
 // helpers below are not null where a comment does not allow it.

@@ -4,9 +4,9 @@
 #include "foundation/Style.h"
 
 /// The first version of the system numbering from which all rules of a modern system hold.
-static constexpr uint32_t modernSystem = 0x1000;
+static constexpr uint32_t ModernSystem = 0x1000;
 
-static constexpr int32_t defaultScript = 3;
+static constexpr int32_t DefaultScript = 3;
 
 static char const noInterface[] = "ZVLib: this build has no interface; start it with ZV_INIT_NO_GUI";
 
@@ -28,9 +28,9 @@ static ZVMonitor const& Chosen_Monitor()
 long Init_OS(long)
 {
     Store_App_Title();
-    ZVEnv->systemVersion = modernSystem;
+    ZVEnv->systemVersion = ModernSystem;
     Set_Memory_Limits(OS_Total_Memory());
-    ZVEnv->scriptCode = defaultScript;
+    ZVEnv->scriptCode = DefaultScript;
     if (!FindTagItem(ZV_INIT_NO_GUI, ZVEnv->initTags)) {
         // The display, its cursors and menus, the root window, event handlers and timers start here.
         SetErrorString(noInterface);

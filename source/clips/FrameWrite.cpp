@@ -10,6 +10,7 @@
 #include "ZVSequence.h"
 
 #include <atomic>
+#include <climits>
 #include <cmath>
 #include <utility>
 
@@ -196,6 +197,10 @@ long PullDownClipZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVT
     ZVRectT<long> whole{0, 0, bitmap->Width, bitmap->Height};
     FrameWrite write{clip, bitmap, &whole};
     write.frame = Get_Frame(clip, &moment);
+    if (write.frame == LONG_MIN) {  // a time beyond all frame numbers
+        SetError(ZV_ERR_CLIP);
+        return 0;
+    }
     write.absolute = Absolute_Frame(*clip, moment);
     write.lastFrame = clip->Frames;
     Read_Tags(write, tags);

@@ -8,7 +8,6 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 #include <new>
 #include <utility>
 
@@ -132,11 +131,22 @@ static void Free_Environment()
     ZVEnv = ZVEnvOS = nullptr;
 }
 
-/// Releases what there is and leaves the reason as the error text of the time without environment.
+namespace {
+/// Releases a start that ends early, also by an assertion.
+struct UnfinishedStart {
+    bool isFinished = false;
+    ~UnfinishedStart()
+    {
+        if (!isFinished) CleanUpZV();
+    }
+};
+}  // namespace
+
+/// Ends a start; the reason stays as the error text of the time without environment.
 static ZVEnvironment* Give_Up()
 {
     char* reason = ZVEnv ? std::exchange(ZVEnv->errorString, nullptr) : nullptr;
-    if (ZVEnv) Free_Environment();
+    CleanUpZV();
     SetErrorString(reason ? reason : "ZVLib: out of memory");
     FreeMemZV(reason);
     std::fprintf(stderr, "%s\n", GetErrorStringZV());
@@ -149,6 +159,7 @@ ZVEnvironment* InitZV(void (*callback)(ZVEvent*), char const* prefsName, char co
     if (ZVEnvironment* present = GetEnvironmentZV()) return ZVEnv = ZVEnvOS = present;
 
     SetErrorString(nullptr);
+    UnfinishedStart start;
     if (!Make_Environment(callback, prefsName, tags)) return Give_Up();
     SetHomeDir();
     SetUserDataDir();
@@ -161,6 +172,7 @@ ZVEnvironment* InitZV(void (*callback)(ZVEvent*), char const* prefsName, char co
     TagItem const* section = keyFile ? FindTagItem(ZV_INIT_KEY_SECTION, ZVEnv->initTags) : nullptr;
     if (section) ZVEnv->keySection = reinterpret_cast<ZVKeySection*>(section->data);
     SetError(ZV_ERR_NONE);
+    start.isFinished = true;
     return ZVEnv;
 }
 

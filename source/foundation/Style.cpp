@@ -38,7 +38,7 @@ constexpr MonitorMetrics monitorMetrics[] = {
 constexpr long GadgetColumns = 14;
 
 /// 1.8 / 2.2 as all builds must have it; a compiler's own quotient may differ in the last bit.
-constexpr double gammaExponent = std::bit_cast<double>(0x3FEA2E8BA2E8BA2EULL);
+constexpr double GammaExponent = std::bit_cast<double>(0x3FEA2E8BA2E8BA2EULL);
 
 }  // namespace
 
@@ -119,7 +119,7 @@ void GammaCorrect(unsigned long* colour)
     unsigned long corrected = 0;
     for (int shift = 0; shift <= 16; shift += 8) {
         double const fraction = static_cast<double>(*colour >> shift & 0xFF) / 255.0;
-        auto const channel = static_cast<unsigned long>(std::pow(fraction, gammaExponent) * 255.0);
+        auto const channel = static_cast<unsigned long>(std::pow(fraction, GammaExponent) * 255.0);
         corrected |= std::min(channel, 255UL) << shift;
     }
     *colour = corrected;

@@ -38,9 +38,11 @@ public:
     std::vector<long> Frames() const
     {
         std::vector<long> frames;
-        for (ZVFrameRun const& run : Table())
-            for (long i = 0; i < run.Count; ++i)
-                frames.push_back(run.Start < 0 ? run.Start - i : run.Start + i);
+        for (long run = 0; run < clip.FrameMapUsed; ++run) {
+            auto const [start, count] = clip.FrameMap[run];
+            for (long i = 0; i < count; ++i)
+                frames.push_back(start < 0 ? start - i : start + i);
+        }
         return frames;
     }
 
@@ -189,8 +191,8 @@ TEST(FrameMap, AgreesWithAListOfFramesUnderRandomEdits)
             if (isEdited && edit == Edit::Delete) model.erase(model.begin() + frame);
             ASSERT_EQ(map.Frames(), model) << "step " << step;
             ASSERT_LE(map.clip.FrameMapUsed, map.clip.FrameMapSize);
-            for (ZVFrameRun const& run : map.Table())
-                ASSERT_GT(run.Count, 0);
+            for (long run = 0; run < map.clip.FrameMapUsed; ++run)
+                ASSERT_GT(map.clip.FrameMap[run].Count, 0);
         }
         Compact_Frame_Map(map.clip);
         ASSERT_EQ(map.Frames(), model);

@@ -113,6 +113,8 @@ TEST_F(FrameWrite, WhatCannotBeWrittenIsRefused)
     EXPECT_FALSE(AddFrameZV(nullptr, bitmap, nullptr, nullptr, nullptr));
     EXPECT_FALSE(AddFrameZV(clip, nullptr, nullptr, nullptr, nullptr));
     EXPECT_FALSE(Add(0, ZV_ADD_TO_BITMAP, nullptr)) << "neither a target nor a writer";
+    ZVTimeValue const never{1e300, 1.0};
+    EXPECT_FALSE(AddFrameZV(clip, bitmap, &never, nullptr, ZV_ADD_FRAME_DIVISOR, -1));
 
     format.properties = ZV_FORMAT_READ;
     EXPECT_FALSE(Add(0)) << "a module that only reads";

@@ -137,6 +137,7 @@ long TestFormat::Open(ZVClip* clip, TagItem*)
     clip->RawFrames = self.frames;
     clip->Media = self.media;
     clip->AlphaType = self.alphaType;
+    clip->AlphaPremultiplied = 0;
     clip->FieldOrder = self.fieldOrder;
     clip->Flags |= self.flags;
     if (self.rate > 0.0) clip->FileFrameRate = self.rate;

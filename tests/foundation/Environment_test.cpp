@@ -231,7 +231,8 @@ TEST_F(EnvironmentTest, TheNarrowestMonitorOfThePlatformIsNotedBehindTheTags)
 
 namespace {
 long alignedCalls = 0;
-long failingCall = 0;  // counted from 1; 0 for none
+long failingCall = 0;     // counted from 1; 0 for none
+size_t failingBytes = 0;  // 0 for none
 }  // namespace
 
 /// Takes the place of the system's call for the whole process, the library included.
@@ -240,6 +241,34 @@ extern "C" int posix_memalign(void** block, size_t alignment, size_t size) noexc
     static auto* const real =
         reinterpret_cast<int (*)(void**, size_t, size_t)>(dlsym(RTLD_NEXT, "posix_memalign"));
     return ++alignedCalls == failingCall ? ENOMEM : real(block, alignment, size);
+}
+
+extern "C" void* __libc_calloc(size_t count, size_t size);
+
+/// The same for the cleared blocks of AllocMemZV.
+extern "C" void* calloc(size_t count, size_t size) noexcept
+{
+    return failingBytes != 0 && count * size == failingBytes ? nullptr : __libc_calloc(count, size);
+}
+
+TEST_F(EnvironmentTest, AStartThatAnAssertionEndsReleasesEverything)
+{
+    std::vector<TagItem> tags(50, TagItem{ZV_INIT_NO_GUI, 0});
+    tags.push_back({});
+    testing::internal::CaptureStderr();
+    size_t const before = mallinfo2().uordblks;
+    failingBytes = tags.size() * sizeof(TagItem);
+    bool isThrown = false;
+    try {
+        InitZV(nullptr, "Window.prefs", nullptr, nullptr, tags.data());
+    } catch (ZVAssertFail const&) {
+        isThrown = true;
+    }
+    failingBytes = 0;
+    EXPECT_EQ(mallinfo2().uordblks, before);
+    EXPECT_TRUE(isThrown);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("Assertion Failure"), std::string::npos);
+    EXPECT_EQ(GetEnvironmentZV(), nullptr);
 }
 
 TEST_F(EnvironmentTest, AStartWithoutMemoryReleasesEverythingAndReturnsNull)

@@ -1,0 +1,254 @@
+// Names of image sequences, and the files behind them.
+#include "TestEnvironment.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Change = std::function<long(char*)>;
+
+/// The name after a change, with a mark ahead of it when the answer was 0.
+std::string Changed(std::string const& name, Change const& change)
+{
+    char buffer[ZV_SPEC_SIZE];
+    std::strcpy(buffer, name.c_str());
+    bool const isDone = change(buffer);
+    return isDone ? buffer : std::string("0 ") + buffer;
+}
+
+struct NameCase {
+    char const* name;
+    char const* result;
+};
+
+void Expect_Changes(std::vector<NameCase> const& cases, Change const& change)
+{
+    for (NameCase const& row : cases)
+        EXPECT_EQ(Changed(row.name, change), row.result) << row.name;
+}
+
+TEST(SequenceNames, TheLastNumberBecomesAMask)
+{
+    Expect_Changes({{"shot0012.tif", "shot[####].tif"},
+                    {"a1b2.tif", "a1b[#].tif"},
+                    {"clip.mp4", "clip.mp[#]"},
+                    {"1234567890123.tif", "1234[#########].tif"},
+                    {"7", "[#]"},
+                    {"shot.tif", "0 shot.tif"},
+                    {"", "0 "},
+                    {"Root:\\reel1\\shot.tif", "0 Root:\\reel1\\shot.tif"},
+                    {"Root:\\reel1\\shot12.tif", "Root:\\reel1\\shot[##].tif"}},
+                   FileNameToSequenceNameZV);
+    Expect_Changes({{"shot12a.tif", "0 shot12a.tif"},
+                    {"shot12.tif", "shot[##].tif"},
+                    {"shot[##].tif", "0 shot[##].tif"},
+                    {"shot[]12.tif", "shot[][##].tif"},
+                    {"shot12", "shot[##]"},
+                    {".tif", "0 .tif"}},
+                   EndNumberFileNameToSequenceZV);
+}
+
+TEST(SequenceNames, AMaskIsABracketedRunOfHashes)
+{
+    struct {
+        char const* name;
+        long isMask, digits, number;
+    } const cases[] = {
+        {"shot[####].tif", 1, 4, 0},
+        {"a[].tif", 1, 0, 0},
+        {"a[x][##].tif", 1, 2, 0},
+        {"a[##.tif", 0, 0, 0},
+        {"a[##x].tif", 0, 0, 0},
+        {"a12b007.tif", 0, 0, 7},
+        {"[[#]", 1, 1, 0},
+        {"1234567890123", 0, 0, 567890123},
+        {"Root:\\a[##]\\b.tif", 0, 0, 0},
+    };
+    for (auto const& row : cases) {
+        EXPECT_EQ(IsSequenceZV(row.name), row.isMask) << row.name;
+        EXPECT_EQ(SequenceDigitsZV(row.name), row.digits) << row.name;
+        EXPECT_EQ(NameToSequenceNumberZV(row.name), row.number) << row.name;
+    }
+}
+
+TEST(SequenceNames, MasksOfOneSequenceCompareEqual)
+{
+    EXPECT_EQ(SequenceCmpZV("shot[##].tif", "SHOT[####].TIF"), 0);
+    EXPECT_EQ(SequenceCmpZV("shot[].tif", "shot[####].tif"), 0);
+    EXPECT_LT(SequenceCmpZV("a[#].tif", "b[#].tif"), 0);
+    EXPECT_GT(SequenceCmpZV("a[#].tiff", "a[#].tif"), 0);
+    EXPECT_EQ(SequenceCmpZV("a", "aB"), -'B');
+}
+
+TEST(SequenceNames, NumberingGoesAndMovesBehindAnUnderscore)
+{
+    Expect_Changes(
+        {{"a_[##].tif", "a.tif"}, {"a[##].tif", "a.tif"}, {"[##].tif", ".tif"}, {"a_.tif", "0 a_.tif"}},
+        RemoveSequenceNumberingZV);
+    Expect_Changes({{"a[##].tif", "a_[##].tif"}, {"a_[##].tif", "a_[##].tif"}, {"a.tif", "0 a.tif"}},
+                   SwitchToUnderScoreFormat);
+    Expect_Changes({{"a_[##].tif", "a3_[##].tif"},
+                    {"a[##].tif", "0 a[##].tif"},
+                    {"_[##].tif", "0 _[##].tif"},
+                    {"a_[].tif", "0 a_[].tif"}},
+                   [](char* name) { return SetIncNumberOnUnderScoreFormat(name, 3); });
+    EXPECT_TRUE(IsFileNameEndedBy("shot_.tif", '_'));
+    EXPECT_FALSE(IsFileNameEndedBy("shot_x.tif", '_'));
+    EXPECT_FALSE(IsFileNameEndedBy("shot_", '_'));
+    EXPECT_FALSE(IsFileNameEndedBy(".tif", '_'));
+}
+
+TEST(SequenceNames, ANumberIsRenderedIntoTheMask)
+{
+    struct {
+        char const* name;
+        long number, shrink;
+        char const* result;
+    } const cases[] = {
+        {"a[##].tif", 5, 0, "a05.tif"},
+        {"a[##].tif", 5, 1, "a5.tif"},
+        {"a[##].tif", 123, 0, "a123.tif"},
+        {"a[].tif", 5, 0, "a5.tif"},
+        {"a.tif", 5, 0, "a0005.tif"},
+        {"a.tif", 123456, 0, "a123456.tif"},
+        {"a", 5, 0, "a0005"},
+        {"a[##.tif", 5, 0, "a[##0005.tif"},
+        {"a.b[#].c", 12, 0, "a.b12.c"},
+        {"Root:\\x.y\\a", 5, 0, "Root:\\x.y\\a0005"},
+    };
+    for (auto const& row : cases)
+        EXPECT_EQ(Changed(row.name,
+                          [&](char* name) { return SequenceNumberToNameZV(name, row.number, row.shrink); }),
+                  row.result);
+}
+
+TEST(SequenceNames, ANameThatDoesNotFitStaysAsItWas)
+{
+    TestEnvironment environment;
+    std::string const full = std::string(ZV_SPEC_SIZE - 3, 'a') + "1";
+    EXPECT_EQ(Changed(full, FileNameToSequenceNameZV), "0 " + full);
+    EXPECT_EQ(GetErrorZV(), ZV_ERR_NOT_FOUND);
+    std::string const plain(ZV_SPEC_SIZE - 2, 'a');
+    EXPECT_EQ(Changed(plain, [](char* name) { return SequenceNumberToNameZV(name, 5, 0); }), "0 " + plain);
+
+    // A mask is as wide as it likes; its number fills it.
+    std::string const wide = "a[" + std::string(1000, '#') + "]";
+    EXPECT_EQ(Changed(wide, [](char* name) { return SequenceNumberToNameZV(name, 5, 0); }),
+              "a" + std::string(999, '0') + "5");
+}
+
+class SequenceFiles : public EnvironmentTest {
+protected:
+    /// File name of what a mask resolves to; empty when it does not.
+    std::string Resolve(std::string const& mask, long number)
+    {
+        char path[ZV_SPEC_SIZE];
+        std::strcpy(path, environment.Spec(mask).c_str());
+        if (!SequenceNumberToNameValidateZV(path, number)) {
+            EXPECT_EQ(path, environment.Spec(mask)) << "a failure leaves the path alone";
+            return "";
+        }
+        char name[ZV_SPEC_SIZE];
+        return GetFileNameZV(path, name);
+    }
+    void Write_All(std::vector<std::string> const& names)
+    {
+        for (std::string const& name : names)
+            environment.Write(name, "x");
+    }
+};
+
+TEST_F(SequenceFiles, ANumberFindsItsFileAtAnyWidth)
+{
+    Write_All({"s1.tif", "s2.tif", "s10.tif", "s007.tif", "T05.TIF", "plain.tif"});
+    EXPECT_EQ(Resolve("s[##].tif", 1), "s1.tif");
+    EXPECT_EQ(Resolve("s[##].tif", 10), "s10.tif");
+    EXPECT_EQ(Resolve("s[###].tif", 7), "s007.tif");
+    EXPECT_EQ(Resolve("s[##].tif", 7), "") << "wider than the mask";
+    EXPECT_EQ(Resolve("s[##].tif", 3), "");
+    EXPECT_EQ(Resolve("t[##].tif", 5), "T05.TIF") << "names that differ in case belong to one sequence";
+    EXPECT_EQ(Resolve("plain.tif", 0), "") << "no mask";
+    EXPECT_EQ(Resolve("s[].tif", 1), "") << "no hashes";
+}
+
+TEST_F(SequenceFiles, ASequenceIsValidWhenEachNumberHasAFile)
+{
+    Write_All(
+        {"s1.tif", "S02.TIF", "s10.tif", "s010.tif", "other3.tif", "z0.tif", "z1.tif", "z2.tif", "z4.tif"});
+    std::filesystem::create_directory(environment.Path("z3.tif"));
+    struct {
+        char const* why;
+        char const* mask;
+        std::vector<long> numbers;
+        long isValid;
+    } const cases[] = {
+        {"all there, of any width and case", "s[##].tif", {2, 1, 10}, 1},
+        {"one is missing", "s[##].tif", {1, 2, 3}, 0},
+        {"a number twice needs two files", "s[##].tif", {10, 10}, 1},
+        {"and here is one", "s[##].tif", {1, 1}, 0},
+        {"the mask counts", "other[#].tif", {1}, 0},
+    };
+    for (auto const& row : cases)
+        EXPECT_EQ(IsSequenceValidZV(environment.Spec(row.mask).c_str(), row.numbers.data(),
+                                    static_cast<long>(row.numbers.size())),
+                  row.isValid)
+            << row.why;
+    std::string const plain = environment.Spec("z[#].tif");
+    EXPECT_EQ(IsSequenceValidZV(plain.c_str(), nullptr, 3), 1) << "0, 1, 2";
+    EXPECT_EQ(IsSequenceValidZV(plain.c_str(), nullptr, 4), 0) << "3 is a directory";
+    EXPECT_EQ(IsSequenceValidZV(plain.c_str(), nullptr, 0), 0);
+    EXPECT_EQ(IsSequenceDataValidZV(plain.c_str(), nullptr, 0), 1);
+    EXPECT_EQ(IsSequenceDataValidZV(plain.c_str(), nullptr, 4), 0);
+    EXPECT_EQ(IsSequenceValidZV(plain.c_str(), nullptr, 1L << 60), 0)
+        << "a count beyond all files costs nothing";
+}
+
+TEST_F(SequenceFiles, AnOutputFrameIsNamedByStartAndStep)
+{
+    ZVClip* clip = NewClipZV();
+    char name[ZV_SPEC_SIZE];
+    FrameNumberToNameZV(name, 3, clip);
+    EXPECT_STREQ(name, "") << "no name yet";
+    clip->FileName = CopyFileSpecZV("Root:\\out\\a[##].tif");
+    clip->SequenceStart = 100;
+    clip->SequenceStep = 5;
+    FrameNumberToNameZV(name, 3, clip);
+    EXPECT_STREQ(name, "Root:\\out\\a115.tif");
+    FreeClipZV(clip);
+}
+
+/// What the writer puts out for each position in the cadence, counted here, must fill the output without a
+/// gap.
+TEST_F(SequenceFiles, OutputUnderPullDownHasNoGaps)
+{
+    ZVClip* clip = NewClipZV();
+    for (uint8_t pullDown = 1; pullDown <= 5; ++pullDown) {
+        clip->PullDown = pullDown;
+        long next = -1;
+        for (long frame = 0; frame < 40; ++frame) {
+            long const isFirst = frame == 0;
+            long position, number;
+            ASSERT_EQ(FrameNumberToSequenceNumberZV(&position, &number, frame, isFirst, clip), 1);
+            ASSERT_TRUE(position >= 0 && position <= 3);
+            bool const isSilent = isFirst && (position == 1 || (position == 0 && pullDown != 3));
+            if (isSilent) continue;
+            if (next >= 0) {
+                EXPECT_EQ(number, next) << "phase " << int{pullDown} << ", frame " << frame;
+            }
+            next = number + (position == 2 && !isFirst ? 2 : 1);
+        }
+    }
+    clip->PullDown = 0;
+    long position, number;
+    FrameNumberToSequenceNumberZV(&position, &number, 17, 0, clip);
+    EXPECT_EQ(position, 3);
+    EXPECT_EQ(number, 17);
+    FreeClipZV(clip);
+}
+
+}  // namespace

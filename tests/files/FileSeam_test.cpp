@@ -1,0 +1,406 @@
+// Creating, opening and reading files through the seam: what it keeps and replaces, refuses, and how large
+// reads run.
+#include "TestEnvironment.h"
+#include "files/FileTestTools.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <sys/xattr.h>
+#include <thread>
+#include <unistd.h>
+
+static std::vector<std::size_t>* readSizes = nullptr;
+static bool failBuffers = false;
+
+// The library's calls of these two come by here.
+extern "C" ssize_t read(int descriptor, void* destination, size_t count)
+{
+    if (readSizes) readSizes->push_back(count);
+    return syscall(SYS_read, descriptor, destination, count);
+}
+
+extern "C" int posix_memalign(void** block, size_t alignment, size_t size)
+{
+    if (failBuffers && size >= 4096) return ENOMEM;
+    *block = aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
+    return *block ? 0 : ENOMEM;
+}
+
+namespace {
+
+constexpr uint32_t TypeA = ZV_FourCC("AAAA");
+constexpr uint32_t CreatorA = ZV_FourCC("aaaa");
+constexpr uint32_t TypeB = ZV_FourCC("BBBB");
+
+class FileSeam : public ::testing::Test {
+protected:
+    OpenFile Create(std::string const& name, uint32_t type, uint32_t creator)
+    {
+        return OpenFile(
+            CreateFileZV(environment.Spec(name).c_str(), ZVFilePermWrite, type, creator, ZVFileFlagNone));
+    }
+    unsigned long Open_Error(std::string const& spec, ZVFilePermission permission = ZVFilePermRead)
+    {
+        SetError(0);
+        return OpenFile(OpenFileZV(spec.c_str(), permission, ZVFileFlagNone)) ? 0 : GetErrorZV();
+    }
+    bool Has_Attributes()
+    {
+        std::string const path = environment.Path("probe");
+        Write_Native(path, "");
+        return setxattr(path.c_str(), "user.zvtest", "1", 1, 0) == 0;
+    }
+
+    TestEnvironment environment;
+};
+
+TEST_F(FileSeam, CreatingKeepsAFileOfTheSameCodesAndReplacesOthers)
+{
+    if (!Has_Attributes()) GTEST_SKIP() << "no extended attributes here";
+    struct {
+        char const* why;
+        char const* name;
+        ZVCreatorPair first, second;
+        bool isKept;
+    } const rows[] = {
+        {"same codes", "a", {TypeA, CreatorA}, {TypeA, CreatorA}, true},
+        {"another type", "a", {TypeA, CreatorA}, {TypeB, CreatorA}, false},
+        {"another creator", "a", {TypeA, CreatorA}, {TypeA, TypeB}, false},
+        {"blank ones instead", "a", {TypeA, CreatorA}, {ZV_BLANK_CODE, ZV_BLANK_CODE}, false},
+        {"no codes at all", "a", {ZV_BLANK_CODE, ZV_BLANK_CODE}, {ZV_BLANK_CODE, ZV_BLANK_CODE}, true},
+        {"the type of the extension",
+         "a.PCT",
+         {ZV_BLANK_CODE, ZV_BLANK_CODE},
+         {ZV_FourCC("PICT"), ZV_BLANK_CODE},
+         true},
+        {"blank in spite of the extension",
+         "a.pct",
+         {ZV_BLANK_CODE, ZV_BLANK_CODE},
+         {ZV_BLANK_CODE, ZV_BLANK_CODE},
+         true},
+    };
+    for (auto const& row : rows) {
+        std::string const path = environment.Path(row.name);
+        unlink(path.c_str());
+        OpenFile file = Create(row.name, row.first.type, row.first.creator);
+        WriteFileZV(file.get(), "old", 3);
+        file.reset();
+        // A second name keeps the old file's number from being used again.
+        std::string const second = environment.Path("second");
+        unlink(second.c_str());
+        ASSERT_EQ(link(path.c_str(), second.c_str()), 0);
+
+        ASSERT_TRUE(Create(row.name, row.second.type, row.second.creator)) << row.why;
+        EXPECT_EQ(Native_Info(path).st_size, 0) << row.why;
+        EXPECT_EQ(Native_Info(path).st_ino == Native_Info(second).st_ino, row.isKept) << row.why;
+        uint32_t type, creator;
+        Get_FileInfo(environment.Spec(row.name).c_str(), &creator, &type);
+        bool const byExtension = row.second.type == ZV_BLANK_CODE && std::string(row.name) != "a";
+        EXPECT_EQ(type, byExtension ? ZV_FourCC("PICT") : row.second.type) << row.why;
+        EXPECT_EQ(creator, row.second.creator) << row.why;
+    }
+}
+
+TEST_F(FileSeam, CodesLieInTheFinderAttribute)
+{
+    if (!Has_Attributes()) GTEST_SKIP() << "no extended attributes here";
+    char const* name = "user.com.apple.FinderInfo";
+    Create("coded", TypeA, CreatorA);
+    char info[32] = {};
+    ASSERT_EQ(getxattr(environment.Path("coded").c_str(), name, info, 32), 32);
+    EXPECT_EQ(std::string(info, 8), "AAAAaaaa");
+
+    Create("plain", ZV_BLANK_CODE, ZV_BLANK_CODE);
+    EXPECT_LT(getxattr(environment.Path("plain").c_str(), name, info, 32), 0) << "blank codes leave no trace";
+
+    struct {
+        char const* why;
+        char const* file;
+        std::string attribute;
+        uint32_t type, creator;
+    } const rows[] = {
+        {"other writers' codes", "x", "MooVTVOD" + std::string(24, '\1'), ZV_FourCC("MooV"),
+         ZV_FourCC("TVOD")},
+        {"flags alone are no codes", "x.mov", std::string(32, '\0'), ZV_FourCC("MooV"), ZV_BLANK_CODE},
+        {"a cut attribute counts for nothing", "y.flm", "MooV", ZV_FourCC("Film"), ZV_BLANK_CODE},
+        {"a strange one cannot be had", "z.flm", std::string(40, 'x'), ZV_BLANK_CODE, ZV_BLANK_CODE},
+    };
+    for (auto const& row : rows) {
+        std::string const path = environment.Path(row.file);
+        Write_Native(path, "");
+        ASSERT_EQ(setxattr(path.c_str(), name, row.attribute.data(), row.attribute.size(), 0), 0);
+        uint32_t type, creator;
+        Get_FileInfo(environment.Spec(row.file).c_str(), &creator, &type);
+        EXPECT_EQ(type, row.type) << row.why;
+        EXPECT_EQ(creator, row.creator) << row.why;
+    }
+}
+
+TEST_F(FileSeam, CodesThatCannotBeHadAreBlank)
+{
+    uint32_t type = 0, creator = 0;
+    Get_FileInfo(environment.Spec("missing.pct").c_str(), &creator, &type);
+    EXPECT_EQ(type, ZV_BLANK_CODE);
+    EXPECT_EQ(creator, ZV_BLANK_CODE);
+    std::filesystem::create_directory(environment.Path("folder.pct"));
+    Get_FileInfo(environment.Spec("folder.pct").c_str(), nullptr, &type);
+    EXPECT_EQ(type, ZV_BLANK_CODE) << "a directory has no type";
+    Get_FileInfo(nullptr, &creator, nullptr);
+    EXPECT_EQ(creator, ZV_BLANK_CODE);
+}
+
+TEST_F(FileSeam, RefusalsTellWhy)
+{
+    std::filesystem::create_directory(environment.Path("folder"));
+    mkfifo(environment.Path("pipe").c_str(), 0666);
+    Write_Native(environment.Path("file"), "abc");
+    struct {
+        char const* why;
+        std::string spec;
+        unsigned long error;
+    } const rows[] = {
+        {"no such file", environment.Spec("missing"), ZV_ERR_NOT_FOUND},
+        {"no such directory", environment.Spec("missing\\file"), ZV_ERR_NOT_FOUND},
+        {"a file as directory", environment.Spec("file\\file"), ZV_ERR_NOT_FOUND},
+        {"no such volume", "Nowhere:\\file", ZV_ERR_NOT_FOUND},
+        {"a name too long for a directory", environment.Spec(std::string(300, 'x')), ZV_ERR_NOT_FOUND},
+        {"a spec too long for the buffers", "Root:\\" + std::string(1018, '\\'), ZV_ERR_NOT_FOUND},
+        {"no volume part", "file", ZV_ERR_IO},
+        {"a bar ahead of it", "|Root:\\file", ZV_ERR_IO},
+        {"a directory", environment.Spec("folder"), ZV_ERR_IO},
+        {"a pipe, which also must not block", environment.Spec("pipe"), ZV_ERR_IO},
+    };
+    for (auto const& row : rows)
+        EXPECT_EQ(Open_Error(row.spec), row.error) << row.why;
+    EXPECT_EQ(Open_Error(environment.Spec("folder"), ZVFilePermWrite), ZV_ERR_IO);
+
+    ZVFileInfo file{};
+    EXPECT_FALSE(File_Open(&file, nullptr, ZVFilePermRead, ZVFileFlagNone));
+    EXPECT_EQ(GetErrorZV(), ZV_ERR_IO);
+    EXPECT_FALSE(Create("folder", TypeA, CreatorA)) << "a directory is not replaced";
+    EXPECT_TRUE(std::filesystem::is_directory(environment.Path("folder")));
+    EXPECT_FALSE(Create("missing/file", TypeA, CreatorA));
+    EXPECT_EQ(GetErrorZV(), ZV_ERR_NOT_FOUND);
+}
+
+TEST_F(FileSeam, AFileThatMayNotBeOpenedIsLockedAndKept)
+{
+    Write_Native(environment.Path("locked"), "abc");
+    chmod(environment.Path("locked").c_str(), 0);
+    chmod(environment.Path().c_str(), 0755);
+    bool const isRoot = geteuid() == 0;
+    ASSERT_TRUE(!isRoot || seteuid(65534) == 0);
+    unsigned long const openError = Open_Error(environment.Spec("locked"));
+    bool const created = Create("locked", ZV_BLANK_CODE, ZV_BLANK_CODE) != nullptr;
+    unsigned long const createError = GetErrorZV();
+    ASSERT_TRUE(!isRoot || seteuid(0) == 0);
+    EXPECT_EQ(openError, ZV_ERR_LOCKED);
+    EXPECT_FALSE(created);
+    EXPECT_EQ(createError, ZV_ERR_LOCKED);
+    EXPECT_EQ(Native_Info(environment.Path("locked")).st_size, 3);
+}
+
+TEST_F(FileSeam, ADanglingLinkIsReplaced)
+{
+    std::filesystem::create_symlink(environment.Path("target"), environment.Path("link"));
+    ASSERT_TRUE(Create("link", TypeA, CreatorA));
+    EXPECT_FALSE(std::filesystem::is_symlink(environment.Path("link")));
+    EXPECT_FALSE(std::filesystem::exists(environment.Path("target")));
+}
+
+TEST_F(FileSeam, DescriptorsStayClearOfTheStandardOnesAndOfChildren)
+{
+    Write_Native(environment.Path("file"), "abc");
+    int const saved = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    OpenFile const file(OpenFileZV(environment.Spec("file").c_str(), ZVFilePermRead, ZVFileFlagNone));
+    dup2(saved, STDIN_FILENO);
+    close(saved);
+    ASSERT_TRUE(file);
+    EXPECT_GT(file->forkRef, 2);
+    EXPECT_EQ(fcntl(file->forkRef, F_GETFD), FD_CLOEXEC);
+    EXPECT_EQ(file->volumeRef, static_cast<int32_t>(Native_Info(environment.Path("file")).st_dev));
+}
+
+TEST_F(FileSeam, WithoutMemoryForTheBufferOpeningGoesOnAndCreatingFails)
+{
+    Write_Native(environment.Path("file"), "abc");
+    failBuffers = true;
+    OpenFile const opened(OpenFileZV(environment.Spec("file").c_str(), ZVFilePermRead, ZVFileFlagNone));
+    OpenFile const created = Create("new", ZV_BLANK_CODE, ZV_BLANK_CODE);
+    failBuffers = false;
+    EXPECT_EQ(GetErrorZV(), ZV_ERR_MEMORY);
+    EXPECT_FALSE(created);
+    EXPECT_TRUE(FileExistsZV(environment.Spec("new").c_str())) << "the file that was made stays";
+    ASSERT_TRUE(opened);
+    EXPECT_EQ(opened->buffer, nullptr);
+    char text[4] = {};
+    EXPECT_TRUE(ReadFileZV(opened.get(), text, 3));
+    EXPECT_STREQ(text, "abc");
+    EXPECT_EQ(SeekFileZV(opened.get(), 0, 1), 3);
+}
+
+TEST_F(FileSeam, ADeviceWithoutRoomIsFull)
+{
+    ZVFileInfo file{};
+    file.permission = ZVFilePermReadWrite;
+    file.forkRef = open("/dev/full", O_RDWR | O_CLOEXEC);
+    ASSERT_GT(file.forkRef, 0);
+    EXPECT_FALSE(WriteFileZV(&file, "abc", 3));
+    EXPECT_EQ(GetErrorZV(), ZV_ERR_DISK_FULL);
+    File_Close(&file);
+    EXPECT_EQ(file.forkRef, 0);
+    file.forkRef = 1 << 20;
+    char byte;
+    EXPECT_FALSE(ReadFileZV(&file, &byte, 1));
+    EXPECT_EQ(GetErrorZV(), ZV_ERR_NOT_OPEN);
+}
+
+long pollCalls;
+long stopAfter;
+
+long Count_Poll()
+{
+    return ++pollCalls > stopAfter ? 42 : 0;
+}
+
+class ChunkedRead : public FileSeam {
+protected:
+    ChunkedRead()
+    {
+        Write_Native(environment.Path("large"), bytes);
+        file.reset(OpenFileZV(environment.Spec("large").c_str(), ZVFilePermRead, ZVFileFlagLargeRead));
+        pollCalls = 0;
+        stopAfter = 1L << 40;
+    }
+
+    Bytes const bytes = Pattern(300000);
+    OpenFile file;
+    Bytes got = Bytes(400000);
+    long answer = -1;
+};
+
+TEST_F(ChunkedRead, GoesInPiecesOf128Kilobytes)
+{
+    std::vector<std::size_t> const expected = {131072, 131072, 37856};
+    for (ZVPollFunc poll : {ZVPollFunc{}, ZVPollFunc{Count_Poll}}) {
+        SeekFileZV(file.get(), 0, 0);
+        std::vector<std::size_t> sizes;
+        readSizes = &sizes;
+        EXPECT_TRUE(ReadFileZV(file.get(), got.data(), 300000, poll, &answer));
+        readSizes = nullptr;
+        EXPECT_EQ(sizes, expected);
+        EXPECT_TRUE(std::equal(bytes.begin(), bytes.end(), got.begin()));
+        EXPECT_EQ(SeekFileZV(file.get(), 0, 1), 300000);
+    }
+    EXPECT_GT(pollCalls, 0);
+    EXPECT_EQ(answer, 0);
+}
+
+TEST_F(ChunkedRead, EndsWithTheFileWithoutAnError)
+{
+    for (ZVPollFunc poll : {ZVPollFunc{}, ZVPollFunc{Count_Poll}}) {
+        SeekFileZV(file.get(), 100000, 0);
+        unsigned long count = 400000;
+        EXPECT_TRUE(File_Read(file.get(), &count, got.data(), poll, nullptr));
+        EXPECT_EQ(count, 200000U);
+        EXPECT_EQ(GetErrorZV(), 0U);
+        EXPECT_TRUE(std::equal(bytes.begin() + 100000, bytes.end(), got.begin()));
+        EXPECT_FALSE(ReadFileZV(file.get(), got.data(), 1, poll, nullptr)) << "nothing is left";
+    }
+}
+
+TEST_F(ChunkedRead, AnAbortDeliversNothingAndStaysWhereItWas)
+{
+    SeekFileZV(file.get(), 1000, 0);
+    stopAfter = 0;
+    unsigned long count = 299000;
+    EXPECT_FALSE(File_Read(file.get(), &count, got.data(), Count_Poll, &answer));
+    EXPECT_EQ(count, 0U);
+    EXPECT_EQ(answer, 42);
+    EXPECT_EQ(GetErrorZV(), 0U) << "giving up is no error";
+    EXPECT_EQ(SeekFileZV(file.get(), 0, 1), 1000);
+    stopAfter = 1L << 40;
+    EXPECT_TRUE(ReadFileZV(file.get(), got.data(), 299000, Count_Poll, &answer));
+    EXPECT_TRUE(std::equal(bytes.begin() + 1000, bytes.end(), got.begin()));
+}
+
+/// A slow disk: a pipe that is fed by hand.
+class SlowDisk : public ::testing::Test {
+protected:
+    SlowDisk()
+    {
+        EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+        file.forkRef = ends[0];
+        file.flags = ZVFileFlagLargeRead;
+        pollCalls = 0;
+        stopAfter = 1L << 40;
+    }
+    ~SlowDisk() override
+    {
+        close(ends[0]);
+        if (ends[1] >= 0) close(ends[1]);
+    }
+    void End_Of_Data()
+    {
+        close(ends[1]);
+        ends[1] = -1;
+    }
+
+    TestEnvironment environment;
+    int ends[2];
+    ZVFileInfo file{};
+    Bytes got = Bytes(100);
+    long answer = -1;
+};
+
+TEST_F(SlowDisk, ThePollFunctionRunsWhileTheDiskWorks)
+{
+    std::thread disk([this] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(60));
+        EXPECT_EQ(write(ends[1], "abc", 3), 3);
+        End_Of_Data();
+    });
+    EXPECT_TRUE(ReadFileZV(&file, got.data(), 100, Count_Poll, &answer));
+    disk.join();
+    EXPECT_GE(pollCalls, 5) << "often enough to keep an interface alive";
+    EXPECT_LE(pollCalls, 200) << "but with rests in between";
+    EXPECT_EQ(std::string(got.begin(), got.begin() + 3), "abc");
+}
+
+TEST_F(SlowDisk, AnAbortWaitsForTheReadThatWasStarted)
+{
+    stopAfter = 3;
+    std::atomic<bool> delivered{false};
+    std::thread disk([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(60));
+        delivered = true;
+        EXPECT_EQ(write(ends[1], "abc", 3), 3);
+        End_Of_Data();
+    });
+    EXPECT_FALSE(ReadFileZV(&file, got.data(), 100, Count_Poll, &answer));
+    EXPECT_TRUE(delivered);
+    EXPECT_EQ(answer, 42);
+    EXPECT_EQ(pollCalls, 4) << "nobody is asked again";
+    disk.join();
+}
+
+struct PollFailure {};
+
+long Throwing_Poll()
+{
+    throw PollFailure();
+}
+
+TEST_F(SlowDisk, APollFunctionMayThrow)
+{
+    EXPECT_EQ(write(ends[1], "abc", 3), 3);
+    End_Of_Data();
+    EXPECT_THROW(ReadFileZV(&file, got.data(), 100, Throwing_Poll, &answer), PollFailure);
+}
+
+}  // namespace

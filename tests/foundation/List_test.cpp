@@ -1,0 +1,398 @@
+// Lists: linking and looking up, wrapped walks, and sorting with its promised order of comparisons.
+#include <ZVLib.h>
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+#include <strings.h>
+#include <vector>
+
+/// The nodes from the head on, after a look at every link in both directions.
+static std::vector<Node*> Nodes(List const& list)
+{
+    EXPECT_EQ(list.tail, nullptr);
+    std::vector<Node*> forward, backward;
+    for (Node* node = list.head; node->next; node = node->next) {
+        EXPECT_EQ(node->prev->next, node);
+        EXPECT_EQ(node->next->prev, node);
+        forward.push_back(node);
+    }
+    for (Node* node = list.tailPred; node->prev; node = node->prev)
+        backward.insert(backward.begin(), node);
+    EXPECT_EQ(forward, backward);
+    EXPECT_EQ(List_Entries(&list), static_cast<long>(forward.size()));
+    EXPECT_EQ(List_Empty(&list) != 0, forward.empty());
+    return forward;
+}
+
+static std::string Names(List const& list)
+{
+    std::string names;
+    for (Node const* node : Nodes(list))
+        names += std::string(names.empty() ? "" : " ") + (node->name ? node->name : "-");
+    return names;
+}
+
+namespace {
+/// A list that frees its nodes.
+struct OwnList : List {
+    OwnList() { NewList(this); }
+    explicit OwnList(std::vector<char const*> const& names) : OwnList()
+    {
+        for (char const* name : names)
+            Add_Node(this, name);
+    }
+    OwnList(OwnList const&) = delete;
+    OwnList& operator=(OwnList const&) = delete;
+    ~OwnList() { Free_List(this); }
+};
+
+struct Parent {
+    Node node;
+    long other = 0;
+    List children;
+};
+}  // namespace
+
+TEST(List, AFreshListHoldsNothing)
+{
+    OwnList list;
+    EXPECT_TRUE(Nodes(list).empty());
+    EXPECT_EQ(List_First(&list), nullptr);
+    EXPECT_EQ(List_Entry(&list, 0), nullptr);
+    EXPECT_EQ(RemHead(&list), nullptr);
+    EXPECT_EQ(RemTail(&list), nullptr);
+    EXPECT_EQ(Find_Name(&list, "x"), nullptr);
+    EXPECT_EQ(Find_Index(&list, "x"), -1);
+    EXPECT_EQ(Find_IndexID(&list, 0), -1);
+    Node stranger;
+    EXPECT_EQ(Entry_Pos(&list, &stranger), 1);
+    EXPECT_EQ(Sort_List(&list), 0);
+    Free_List(nullptr);
+}
+
+TEST(List, RandomOperationsAgreeWithAVectorOfNodes)
+{
+    std::mt19937 random(20);
+    List list;
+    NewList(&list);
+    std::vector<Node> pool(40);
+    std::vector<Node*> linked, unlinked;
+    for (Node& node : pool)
+        unlinked.push_back(&node);
+    auto const pick = [&random](std::size_t count) { return random() % count; };
+
+    for (int step = 0; step < 5000; ++step) {
+        bool const links = linked.empty() || (!unlinked.empty() && random() % 2);
+        std::size_t const at = linked.empty() ? 0 : pick(linked.size());
+        auto const place = linked.begin() + static_cast<long>(at);
+        if (links) {
+            Node* const node = unlinked.back();
+            unlinked.pop_back();
+            std::size_t where = 0;
+            switch (linked.empty() ? pick(4) : pick(6)) {
+            case 0: AddHead(&list, node); break;
+            case 1: AddTail(&list, node), where = linked.size(); break;
+            case 2: Insert(&list, node, nullptr); break;
+            case 3: InsertBefore(&list, node, nullptr), where = linked.size(); break;
+            case 4: Insert(&list, node, *place), where = at + 1; break;
+            default: InsertBefore(&list, node, *place), where = at; break;
+            }
+            linked.insert(linked.begin() + static_cast<long>(where), node);
+        } else {
+            switch (pick(3)) {
+            case 0:
+                unlinked.push_back(RemHead(&list));
+                ASSERT_EQ(unlinked.back(), linked.front());
+                linked.erase(linked.begin());
+                break;
+            case 1:
+                unlinked.push_back(RemTail(&list));
+                ASSERT_EQ(unlinked.back(), linked.back());
+                linked.pop_back();
+                break;
+            default:
+                unlinked.push_back(*place);
+                Remove(*place);
+                ASSERT_EQ(unlinked.back()->next, nullptr);
+                ASSERT_EQ(GetList(unlinked.back()), nullptr);
+                linked.erase(place);
+                break;
+            }
+        }
+        ASSERT_EQ(Nodes(list), linked) << "step " << step;
+        if (linked.empty()) continue;
+        std::size_t const position = pick(linked.size());
+        Node* const node = linked[position];
+        EXPECT_EQ(List_Entry(&list, static_cast<long>(position)), node);
+        EXPECT_EQ(Entry_Pos(&list, node), static_cast<long>(position) + 1);
+        EXPECT_EQ(GetList(node), &list);
+        EXPECT_EQ(NextNodeWrap(node), linked[(position + 1) % linked.size()]);
+        EXPECT_EQ(PrevNodeWrap(node), linked[(position + linked.size() - 1) % linked.size()]);
+    }
+}
+
+TEST(List, BareNodesLinkLikeNamedOnes)
+{
+    List list;
+    NewList(&list);
+    MinNode a, b, c, d;
+    AddTail(&list, &b);
+    AddHead(&list, &a);
+    Insert(&list, &d, &b);
+    InsertBefore(&list, &c, &d);
+    EXPECT_EQ(a.next, &b);
+    EXPECT_EQ(b.next, &c);
+    EXPECT_EQ(c.next, &d);
+    EXPECT_EQ(d.prev, &c);
+    Remove(&b);
+    EXPECT_EQ(a.next, &c);
+    EXPECT_EQ(b.next, nullptr);
+    EXPECT_EQ(b.prev, nullptr);
+    auto* block = static_cast<MinNode*>(AllocMemZV(sizeof(MinNode), ZV_MEM_CLEAR));
+    AddTail(&list, block);
+    FreeNode(block);
+    EXPECT_EQ(List_Entries(&list), 3);
+}
+
+TEST(List, ANodeTakenFromAnEndKeepsItsLinks)
+{
+    OwnList list({"a", "b"});
+    Node* const first = RemHead(&list);
+    EXPECT_NE(first->next, nullptr);
+    EXPECT_EQ(Names(list), "b");
+    AddHead(&list, first);
+    EXPECT_EQ(Names(list), "a b");
+}
+
+TEST(List, InsertNodeClampsThePosition)
+{
+    struct Row {
+        long position;
+        char const* names;
+    };
+    for (Row const& row :
+         {Row{-5, "x a b"}, Row{0, "x a b"}, Row{1, "a x b"}, Row{2, "a b x"}, Row{9, "a b x"}}) {
+        OwnList list({"a", "b"});
+        Node* const node = Insert_Node(&list, "x", row.position);
+        EXPECT_EQ(Names(list), row.names) << row.position;
+        EXPECT_EQ(node->id, 0u);
+    }
+    OwnList empty;
+    Insert_Node(&empty, "x", 3);
+    EXPECT_EQ(Names(empty), "x");
+}
+
+TEST(List, EntriesOutsideTheListAreNull)
+{
+    OwnList list({"a", "b"});
+    EXPECT_EQ(List_Entry(&list, -1), nullptr);
+    EXPECT_EQ(List_Entry(&list, 2), nullptr);
+    EXPECT_EQ(List_Entry(&list, 1L << 40), nullptr);
+    Node stranger;
+    EXPECT_EQ(Entry_Pos(&list, &stranger), 3);
+}
+
+TEST(List, TheFirstOfSeveralMatchesIsFound)
+{
+    OwnList list({"one", "Two", "TWO", "three"});
+    list.head->id = 7;
+    list.tailPred->id = 0xFFFFFFFF;
+    Node* const two = List_Entry(&list, 1);
+    EXPECT_EQ(Find_Name(&list, "two"), two);
+    EXPECT_EQ(Find_Index(&list, "tWo"), 1);
+    EXPECT_EQ(Find_Name(&list, "tw"), nullptr);
+    EXPECT_EQ(FindNodeID(&list, 0), two);
+    EXPECT_EQ(Find_IndexID(&list, 7), 0);
+    EXPECT_EQ(Find_IndexID(&list, static_cast<unsigned long>(-1)), 3) << "-1 as a 32-bit id";
+    EXPECT_EQ(Find_IndexID(&list, 8), -1);
+}
+
+TEST(List, NamesAreOwnCopies)
+{
+    OwnList list;
+    char text[] = "first";
+    Node* const node = Add_Node(&list, text);
+    text[0] = 'x';
+    EXPECT_STREQ(node->name, "first");
+    EXPECT_STREQ(AddName(node, node->name + 1), "irst") << "a part of the old name";
+    EXPECT_EQ(AddName(node, nullptr), nullptr);
+    EXPECT_EQ(node->name, nullptr);
+    FreeNode(Add_Node(&list, nullptr));
+    EXPECT_EQ(Names(list), "-");
+    Free_List(&list);
+    EXPECT_EQ(Names(list), "");
+    Add_Node(&list, "again");
+    EXPECT_EQ(Names(list), "again");
+}
+
+TEST(List, TheWalkOverChildrenGoesRoundAndStepsOverEmptyParents)
+{
+    // Each digit is a parent with that many children.
+    for (std::string const shape : {"1", "3", "01", "10", "0203", "2000", "0001", "30102"}) {
+        List parents;
+        NewList(&parents);
+        std::vector<Parent> family(shape.size());
+        std::vector<Node> children(9);
+        std::vector<Node*> order;
+        for (std::size_t i = 0; i < shape.size(); ++i) {
+            AddTail(&parents, &family[i].node);
+            NewList(&family[i].children);
+            for (char count = shape[i]; count > '0'; --count) {
+                order.push_back(&children[order.size()]);
+                AddTail(&family[i].children, order.back());
+            }
+        }
+        long const offset =
+            reinterpret_cast<char*>(&family[0].children) - reinterpret_cast<char*>(&family[0]);
+        for (std::size_t i = 0; i < order.size(); ++i) {
+            Node* const next = order[(i + 1) % order.size()];
+            EXPECT_EQ(NextNodeListWrap(order[i], offset), next) << shape << " child " << i;
+            EXPECT_EQ(PrevNodeListWrap(next, offset), order[i]) << shape << " child " << i;
+        }
+    }
+}
+
+namespace {
+struct SortLog {
+    std::vector<std::pair<Node*, Node*>> comparisons;
+    long Compare(Node* a, Node* b)
+    {
+        comparisons.push_back({a, b});
+        return static_cast<long>(a->id) - static_cast<long>(b->id);
+    }
+};
+}  // namespace
+
+static long Compare_Logged(Node* a, Node* b, void* log)
+{
+    return static_cast<SortLog*>(log)->Compare(a, b);
+}
+
+static long Compare_IDs(Node* a, Node* b)
+{
+    return static_cast<long>(a->id) - static_cast<long>(b->id);
+}
+
+/// The promised sort, by positions of a vector.
+static bool Sort_Vector(std::vector<Node*>& nodes, long first, long last, SortLog& log)
+{
+    if (last <= first) return false;
+    auto const at = [&nodes](long position) -> Node*& { return nodes[static_cast<std::size_t>(position)]; };
+    Node* const pivot = at((first + last) / 2);
+    long i = first, j = last;
+    bool exchanged = false;
+    do {
+        while (log.Compare(at(i), pivot) < 0 && i < last)
+            ++i;
+        while (log.Compare(at(j), pivot) > 0 && j > first)
+            --j;
+        if (i <= j) {
+            std::swap(at(i), at(j));
+            exchanged = true;
+            ++i;
+            --j;
+        }
+    } while (i <= j);
+    if (j > first) exchanged |= Sort_Vector(nodes, first, j, log);
+    if (i < last) exchanged |= Sort_Vector(nodes, i, last, log);
+    return exchanged;
+}
+
+TEST(ListSort, TheOrderOfComparisonsIsThePromisedOne)
+{
+    std::mt19937 random(5);
+    for (int round = 0; round < 400; ++round) {
+        std::vector<Node> pool(random() % 40);
+        List list;
+        NewList(&list);
+        std::vector<Node*> expected;
+        unsigned const range = 1 + static_cast<unsigned>(random() % 30);
+        for (Node& node : pool) {
+            node.id = static_cast<uint32_t>(random() % range);
+            AddTail(&list, &node);
+            expected.push_back(&node);
+        }
+        long const count = static_cast<long>(pool.size());
+        long const first = round % 2 || count == 0 ? 0 : static_cast<long>(random() % pool.size());
+        long const last = round % 2 || count == 0 ? count - 1 : first + static_cast<long>(random() % 10);
+        SortLog expectedLog, log;
+        bool const inside = last < count;
+        bool const exchanged = inside && Sort_Vector(expected, first, last, expectedLog);
+        long const result = round % 2 ? SortListZV_Params(&list, Compare_Logged, &log)
+                                      : Sort_By_Func_Params(&list, first, last, Compare_Logged, &log);
+        EXPECT_EQ(Nodes(list), expected) << "round " << round;
+        EXPECT_EQ(log.comparisons, expectedLog.comparisons) << "round " << round;
+        EXPECT_EQ(result != 0, exchanged) << "round " << round;
+    }
+}
+
+TEST(ListSort, NamesSortWithoutCase)
+{
+    OwnList list({"pear", "Apple", "fig", "APPLE", "Pear"});
+    EXPECT_NE(Sort_List(&list), 0);
+    std::string names = Names(list);
+    std::transform(names.begin(), names.end(), names.begin(),
+                   [](unsigned char c) { return std::tolower(c); });
+    EXPECT_EQ(names, "apple apple fig pear pear");
+    EXPECT_EQ(CompareNameFunc(list.head, list.head->next), 0);
+}
+
+TEST(ListSort, ShortListsTellWhetherAnExchangeRan)
+{
+    OwnList one({"a"});
+    EXPECT_EQ(Sort_List(&one), 0);
+    OwnList two({"a", "b"});
+    EXPECT_NE(Sort_List(&two), 0) << "the pivot is exchanged with itself";
+    EXPECT_EQ(Names(two), "a b");
+    OwnList equal({"a", "A", "a", "A", "a"});
+    EXPECT_NE(Sort_List(&equal), 0);
+    EXPECT_EQ(Nodes(equal).size(), 5u);
+}
+
+TEST(ListSort, NothingMovesWithoutAFunctionOrOutsideTheList)
+{
+    OwnList list({"b", "a"});
+    EXPECT_EQ(SortListZV(&list, nullptr), 0);
+    EXPECT_EQ(SortListZV_Params(&list, nullptr, nullptr), 0);
+    EXPECT_EQ(Sort_By_Func(&list, 0, 1, nullptr), 0);
+    EXPECT_EQ(Sort_By_Func(&list, 0, 2, CompareNameFunc), 0);
+    EXPECT_EQ(Sort_By_Func(&list, -1, 1, CompareNameFunc), 0);
+    EXPECT_EQ(Sort_By_Func(&list, 1, 0, CompareNameFunc), 0);
+    EXPECT_EQ(Names(list), "b a");
+    List unmade;
+    EXPECT_EQ(Sort_List(&unmade), 0);
+}
+
+TEST(ListSort, AFunctionThatContradictsItselfStillEndsWithAllNodes)
+{
+    static std::mt19937 random(3);
+    std::vector<Node> pool(300);
+    List list;
+    NewList(&list);
+    for (Node& node : pool)
+        AddTail(&list, &node);
+    SortListZV(&list, [](Node*, Node*) { return static_cast<long>(random() % 3) - 1; });
+    EXPECT_EQ(Nodes(list).size(), pool.size());
+}
+
+TEST(ListSort, LongListsOfAnyOrderSortQuickly)
+{
+    std::vector<Node> pool(200000);
+    for (int order = 0; order < 3; ++order) {
+        List list;
+        NewList(&list);
+        for (std::size_t i = 0; i < pool.size(); ++i) {
+            pool[i].id = static_cast<uint32_t>(order == 0   ? i
+                                               : order == 1 ? pool.size() - i
+                                                            : i * 7919 % 1000);
+            AddTail(&list, &pool[i]);
+        }
+        SortListZV(&list, Compare_IDs);
+        bool isSorted = true;
+        for (Node const* node = list.head; node->next->next; node = node->next)
+            isSorted = isSorted && node->id <= node->next->id;
+        EXPECT_TRUE(isSorted) << order;
+    }
+}
