@@ -97,8 +97,7 @@ protected:
     }
 };
 
-// ---- layout
-// -------------------------------------------------------------------------------------------------
+// ---- layout ---------------------------------------------------------------------------------
 
 TEST_F(Filmstrip, AStripIsFramesLeadersABlankAndATrailer)
 {
@@ -219,8 +218,7 @@ TEST_F(Filmstrip, AReducedClipReadsScaledFrames)
             EXPECT_EQ(half[4 * (4 * y + x)], file.bytes[4 * (8 * 2 * y + 2 * x)]);
 }
 
-// ---- leader
-// -------------------------------------------------------------------------------------------------
+// ---- leader ---------------------------------------------------------------------------------
 
 struct LeaderCase {
     double rate;
@@ -297,8 +295,7 @@ TEST_F(Filmstrip, DropFrameTimecodeLeavesOutTwoNumbersAMinuteButTheTenth)
     }
 }
 
-// ---- damaged files
-// ------------------------------------------------------------------------------------------
+// ---- damaged files ---------------------------------------------------------------------------------
 
 struct TrailerCase {
     char const* why;
@@ -411,8 +408,7 @@ TEST_F(Filmstrip, AStripThatCannotBeFinishedSaysSoAtClose)
     EXPECT_FALSE(Open(environment.Spec("unfinished.flm")));
 }
 
-// ---- exchange
-// -----------------------------------------------------------------------------------------------
+// ---- exchange ---------------------------------------------------------------------------------
 
 TEST_F(Filmstrip, StripsOfAnotherProgramReadPixelForPixelAndOursThere)
 {
