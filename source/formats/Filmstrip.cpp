@@ -75,8 +75,8 @@ TrailerBytes Make_Trailer(FilmstripTrailer const& trailer)
     return bytes;
 }
 
-/// The 0.1 takes 23.976 and 29.97 to their nominal rates. What 16 bits cannot hold becomes the nearest they
-/// can.
+/// The 0.1 takes 23.976 and 29.97 to their nominal rates. What 16 bits cannot hold is brought to their
+/// limits.
 int16_t Stored_Rate(double rate)
 {
     if (std::isnan(rate)) return 0;

@@ -269,8 +269,7 @@ TEST_F(Filmstrip, LeadersOfNarrowFramesAreCutOffAtTheEdges)
 
 TEST_F(Filmstrip, DropFrameTimecodeLeavesOutTwoNumbersAMinuteButTheTenth)
 {
-    // Counts through all numbers that exist, for a little more than twenty minutes, and looks at some of
-    // them.
+    // Counts through all numbers that exist for a little more than twenty minutes, and looks at some.
     std::vector<long> frames;
     std::vector<std::string> timecodes;
     long minute = 0, second = 0, number = 0;
