@@ -418,8 +418,7 @@ TEST_F(EIDI, AFrameIsReadAndWrittenWithLittleMemory)
     EXPECT_EXIT(work(), testing::ExitedWithCode(0), "");
 }
 
-// ---- writing
-// ------------------------------------------------------------------------------------------------
+// ---- writing ---------------------------------------------------------------------------------
 
 struct KindCase {
     char const* why;

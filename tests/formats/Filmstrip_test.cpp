@@ -97,8 +97,7 @@ protected:
     }
 };
 
-// ---- layout
-// -------------------------------------------------------------------------------------------------
+// ---- layout ---------------------------------------------------------------------------------
 
 TEST_F(Filmstrip, AStripIsFramesLeadersABlankAndATrailer)
 {
@@ -219,8 +218,7 @@ TEST_F(Filmstrip, AReducedClipReadsScaledFrames)
             EXPECT_EQ(half[4 * (4 * y + x)], file.bytes[4 * (8 * 2 * y + 2 * x)]);
 }
 
-// ---- leader
-// -------------------------------------------------------------------------------------------------
+// ---- leader ---------------------------------------------------------------------------------
 
 struct LeaderCase {
     double rate;
@@ -271,8 +269,7 @@ TEST_F(Filmstrip, LeadersOfNarrowFramesAreCutOffAtTheEdges)
 
 TEST_F(Filmstrip, DropFrameTimecodeLeavesOutTwoNumbersAMinuteButTheTenth)
 {
-    // Counts through all numbers that exist, for a little more than twenty minutes, and looks at some of
-    // them.
+    // Counts through all numbers that exist for a little more than twenty minutes, and looks at some.
     std::vector<long> frames;
     std::vector<std::string> timecodes;
     long minute = 0, second = 0, number = 0;
@@ -297,8 +294,7 @@ TEST_F(Filmstrip, DropFrameTimecodeLeavesOutTwoNumbersAMinuteButTheTenth)
     }
 }
 
-// ---- damaged files
-// ------------------------------------------------------------------------------------------
+// ---- damaged files ---------------------------------------------------------------------------------
 
 struct TrailerCase {
     char const* why;
@@ -411,8 +407,7 @@ TEST_F(Filmstrip, AStripThatCannotBeFinishedSaysSoAtClose)
     EXPECT_FALSE(Open(environment.Spec("unfinished.flm")));
 }
 
-// ---- exchange
-// -----------------------------------------------------------------------------------------------
+// ---- exchange ---------------------------------------------------------------------------------
 
 TEST_F(Filmstrip, StripsOfAnotherProgramReadPixelForPixelAndOursThere)
 {
