@@ -275,7 +275,7 @@ TEST_F(Filmstrip, DropFrameTimecodeLeavesOutTwoNumbersAMinuteButTheTenth)
     long minute = 0, second = 0, number = 0;
     for (long frame = 0; frame < 37000; ++frame) {
         if (frame % 211 == 0 || (second == 0 && number < 4) || (second == 59 && number == 29)) {
-            char text[16];
+            char text[64];
             std::snprintf(text, sizeof(text), "00:%02ld:%02ld:%02ld", minute, second, number);
             frames.push_back(frame);
             timecodes.push_back(text);
@@ -288,7 +288,7 @@ TEST_F(Filmstrip, DropFrameTimecodeLeavesOutTwoNumbersAMinuteButTheTenth)
     }
     std::vector<Bytes> const leaders = Written_Leaders(150, 29.97, frames);
     for (std::size_t i = 0; i < frames.size(); ++i) {
-        char text[8];
+        char text[32];
         std::snprintf(text, sizeof(text), "%05ld", frames[i]);
         ASSERT_EQ(leaders[i], Drawn_Leader(150, timecodes[i], text)) << frames[i];
     }
