@@ -62,5 +62,5 @@ inline std::vector<unsigned char> Filled_Bytes(unsigned long colour, long width,
     return Bytes_Of(bitmap);
 }
 
-inline constexpr ZVBitmapType rgbaTypes[] = {ZV_BITMAP_RGBA8, ZV_BITMAP_RGBA10, ZV_BITMAP_RGBA12, ZV_BITMAP_RGBA16,
-                                             ZV_BITMAP_RGBAFLOAT};
+inline constexpr ZVBitmapType rgbaTypes[] = {ZV_BITMAP_RGBA8, ZV_BITMAP_RGBA10, ZV_BITMAP_RGBA12,
+                                             ZV_BITMAP_RGBA16, ZV_BITMAP_RGBAFLOAT};

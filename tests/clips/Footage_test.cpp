@@ -44,7 +44,8 @@ TEST_F(Footage, ASizeTellsRateAspectAndFieldOrder)
         char name[256];
         double rate, aspect;
         FieldOrder order;
-        EXPECT_EQ(FindFootagePresetsZV(row.width, row.height, &type, name, &rate, &aspect, &order), row.isFound)
+        EXPECT_EQ(FindFootagePresetsZV(row.width, row.height, &type, name, &rate, &aspect, &order),
+                  row.isFound)
             << row.width << " x " << row.height << " " << row.why;
         EXPECT_EQ(type, row.type) << row.width << " x " << row.height;
         EXPECT_EQ(rate, row.rate);

@@ -51,7 +51,8 @@ TEST_F(FrameTime, ATimeFallsIntoItsFrame)
 TEST_F(FrameTime, TimesMadeFromFramesComeBack)
 {
     std::mt19937 random(1);
-    double const rates[] = {1.0, 12.5, 23.976, 24000.0 / 1001, 24.0, 25.0, 29.97, 30000.0 / 1001, 50.0, 59.94, 120.0};
+    double const rates[] = {1.0,   12.5,           23.976, 24000.0 / 1001, 24.0, 25.0,
+                            29.97, 30000.0 / 1001, 50.0,   59.94,          120.0};
     std::uniform_real_distribution<double> inside(1e-5, 0.5 - 1e-5);
     for (int i = 0; i < 20000; ++i) {
         double const rate = rates[random() % std::size(rates)];
@@ -61,7 +62,8 @@ TEST_F(FrameTime, TimesMadeFromFramesComeBack)
         double const part = random() % 2 ? inside(random) : 0.0;
         clip->FrameRate = rate;
         clip->StartTime = {static_cast<double>(start), rate};
-        ZVTimeValue const time{static_cast<double>(start + frame) + 0.5 * static_cast<double>(half) + part, rate};
+        ZVTimeValue const time{static_cast<double>(start + frame) + 0.5 * static_cast<double>(half) + part,
+                               rate};
         ASSERT_EQ(Get_Frame(clip, &time), frame) << rate << " " << start << " " << time.Value;
         ASSERT_EQ(Get_Field(clip, &time), 2 * frame + half) << rate << " " << start << " " << time.Value;
     }

@@ -59,9 +59,15 @@ TEST(SequenceNames, AMaskIsABracketedRunOfHashes)
         char const* name;
         long isMask, digits, number;
     } const cases[] = {
-        {"shot[####].tif", 1, 4, 0}, {"a[].tif", 1, 0, 0},         {"a[x][##].tif", 1, 2, 0},
-        {"a[##.tif", 0, 0, 0},       {"a[##x].tif", 0, 0, 0},      {"a12b007.tif", 0, 0, 7},
-        {"[[#]", 1, 1, 0},           {"1234567890123", 0, 0, 567890123}, {"Root:\\a[##]\\b.tif", 0, 0, 0},
+        {"shot[####].tif", 1, 4, 0},
+        {"a[].tif", 1, 0, 0},
+        {"a[x][##].tif", 1, 2, 0},
+        {"a[##.tif", 0, 0, 0},
+        {"a[##x].tif", 0, 0, 0},
+        {"a12b007.tif", 0, 0, 7},
+        {"[[#]", 1, 1, 0},
+        {"1234567890123", 0, 0, 567890123},
+        {"Root:\\a[##]\\b.tif", 0, 0, 0},
     };
     for (auto const& row : cases) {
         EXPECT_EQ(IsSequenceZV(row.name), row.isMask) << row.name;
@@ -81,11 +87,9 @@ TEST(SequenceNames, MasksOfOneSequenceCompareEqual)
 
 TEST(SequenceNames, NumberingGoesAndMovesBehindAnUnderscore)
 {
-    Expect_Changes({{"a_[##].tif", "a.tif"},
-                    {"a[##].tif", "a.tif"},
-                    {"[##].tif", ".tif"},
-                    {"a_.tif", "0 a_.tif"}},
-                   RemoveSequenceNumberingZV);
+    Expect_Changes(
+        {{"a_[##].tif", "a.tif"}, {"a[##].tif", "a.tif"}, {"[##].tif", ".tif"}, {"a_.tif", "0 a_.tif"}},
+        RemoveSequenceNumberingZV);
     Expect_Changes({{"a[##].tif", "a_[##].tif"}, {"a_[##].tif", "a_[##].tif"}, {"a.tif", "0 a.tif"}},
                    SwitchToUnderScoreFormat);
     Expect_Changes({{"a_[##].tif", "a3_[##].tif"},
@@ -106,13 +110,20 @@ TEST(SequenceNames, ANumberIsRenderedIntoTheMask)
         long number, shrink;
         char const* result;
     } const cases[] = {
-        {"a[##].tif", 5, 0, "a05.tif"},       {"a[##].tif", 5, 1, "a5.tif"},     {"a[##].tif", 123, 0, "a123.tif"},
-        {"a[].tif", 5, 0, "a5.tif"},          {"a.tif", 5, 0, "a0005.tif"},      {"a.tif", 123456, 0, "a123456.tif"},
-        {"a", 5, 0, "a0005"},                 {"a[##.tif", 5, 0, "a[##0005.tif"}, {"a.b[#].c", 12, 0, "a.b12.c"},
+        {"a[##].tif", 5, 0, "a05.tif"},
+        {"a[##].tif", 5, 1, "a5.tif"},
+        {"a[##].tif", 123, 0, "a123.tif"},
+        {"a[].tif", 5, 0, "a5.tif"},
+        {"a.tif", 5, 0, "a0005.tif"},
+        {"a.tif", 123456, 0, "a123456.tif"},
+        {"a", 5, 0, "a0005"},
+        {"a[##.tif", 5, 0, "a[##0005.tif"},
+        {"a.b[#].c", 12, 0, "a.b12.c"},
         {"Root:\\x.y\\a", 5, 0, "Root:\\x.y\\a0005"},
     };
     for (auto const& row : cases)
-        EXPECT_EQ(Changed(row.name, [&](char* name) { return SequenceNumberToNameZV(name, row.number, row.shrink); }),
+        EXPECT_EQ(Changed(row.name,
+                          [&](char* name) { return SequenceNumberToNameZV(name, row.number, row.shrink); }),
                   row.result);
 }
 
@@ -167,7 +178,8 @@ TEST_F(SequenceFiles, ANumberFindsItsFileAtAnyWidth)
 
 TEST_F(SequenceFiles, ASequenceIsValidWhenEachNumberHasAFile)
 {
-    Write_All({"s1.tif", "S02.TIF", "s10.tif", "s010.tif", "other3.tif", "z0.tif", "z1.tif", "z2.tif", "z4.tif"});
+    Write_All(
+        {"s1.tif", "S02.TIF", "s10.tif", "s010.tif", "other3.tif", "z0.tif", "z1.tif", "z2.tif", "z4.tif"});
     std::filesystem::create_directory(environment.Path("z3.tif"));
     struct {
         char const* why;
@@ -192,7 +204,8 @@ TEST_F(SequenceFiles, ASequenceIsValidWhenEachNumberHasAFile)
     EXPECT_EQ(IsSequenceValidZV(plain.c_str(), nullptr, 0), 0);
     EXPECT_EQ(IsSequenceDataValidZV(plain.c_str(), nullptr, 0), 1);
     EXPECT_EQ(IsSequenceDataValidZV(plain.c_str(), nullptr, 4), 0);
-    EXPECT_EQ(IsSequenceValidZV(plain.c_str(), nullptr, 1L << 60), 0) << "a count beyond all files costs nothing";
+    EXPECT_EQ(IsSequenceValidZV(plain.c_str(), nullptr, 1L << 60), 0)
+        << "a count beyond all files costs nothing";
 }
 
 TEST_F(SequenceFiles, AnOutputFrameIsNamedByStartAndStep)
@@ -209,7 +222,8 @@ TEST_F(SequenceFiles, AnOutputFrameIsNamedByStartAndStep)
     FreeClipZV(clip);
 }
 
-/// What the writer puts out for each position in the cadence, counted here, must fill the output without a gap.
+/// What the writer puts out for each position in the cadence, counted here, must fill the output without a
+/// gap.
 TEST_F(SequenceFiles, OutputUnderPullDownHasNoGaps)
 {
     ZVClip* clip = NewClipZV();
@@ -223,7 +237,9 @@ TEST_F(SequenceFiles, OutputUnderPullDownHasNoGaps)
             ASSERT_TRUE(position >= 0 && position <= 3);
             bool const isSilent = isFirst && (position == 1 || (position == 0 && pullDown != 3));
             if (isSilent) continue;
-            if (next >= 0) EXPECT_EQ(number, next) << "phase " << int{pullDown} << ", frame " << frame;
+            if (next >= 0) {
+                EXPECT_EQ(number, next) << "phase " << int{pullDown} << ", frame " << frame;
+            }
             next = number + (position == 2 && !isFirst ? 2 : 1);
         }
     }

@@ -101,7 +101,8 @@ TEST_F(TimeIntegration, TheSpanIsAveragedByFramesOrFields)
                 ZVTimeValue const time{start + begin, rate}, duration{length, rate};
                 double const shortest = order == ZV_FIELDS_NONE ? 1.0 : 0.5;
                 double const from = std::max(begin, 0.0);
-                double const to = std::min(begin + std::max(length, shortest), static_cast<double>(frameCount));
+                double const to =
+                    std::min(begin + std::max(length, shortest), static_cast<double>(frameCount));
                 BitmapBlock const bitmap = Make_Bitmap(width, height, ZV_BITMAP_RGBAFLOAT);
                 bool const isThere = to - from >= 0.05;
                 ASSERT_EQ(GetFrameZV(clip, bitmap.get(), &time, &duration, nullptr), isThere);
@@ -114,8 +115,10 @@ TEST_F(TimeIntegration, TheSpanIsAveragedByFramesOrFields)
                 for (long y = 0; y < height; ++y)
                     for (long x = 0; x < width; ++x)
                         for (int channel = 0; channel < 4; ++channel)
-                            ASSERT_NEAR(pixels.GetIterator(x, y)->Get(channel), Expected(weights, x, y, channel), 2e-6)
-                                << "order " << int{order} << ", " << begin << " for " << length << ", row " << y;
+                            ASSERT_NEAR(pixels.GetIterator(x, y)->Get(channel),
+                                        Expected(weights, x, y, channel), 2e-6)
+                                << "order " << int{order} << ", " << begin << " for " << length << ", row "
+                                << y;
             }
         }
     }
@@ -130,7 +133,9 @@ TEST_F(TimeIntegration, OneWholeFrameIsItself)
         BitmapBlock const bitmap = Make_Bitmap(width, 6);
         ZVTimeValue const time = Frame_Time(3);
         ASSERT_TRUE(GetFrameZV(clip, bitmap.get(), &time, nullptr, nullptr));
-        if (order == ZV_FIELDS_NONE) EXPECT_EQ(Bytes_Of(bitmap), Picture_Bytes(3, width, 6));
+        if (order == ZV_FIELDS_NONE) {
+            EXPECT_EQ(Bytes_Of(bitmap), Picture_Bytes(3, width, 6));
+        }
         EXPECT_EQ(format.Count("GetFrame"), order == ZV_FIELDS_NONE ? 1 : 2);
         EXPECT_EQ(clip->LastFrame, 77) << "which frame was asked for last is not known here";
     }
@@ -142,7 +147,8 @@ TEST_F(TimeIntegration, IntegerProductsAreTruncatedOneByOne)
     BitmapBlock const bitmap = Make_Bitmap(width, 6);
     ZVTimeValue const time = Frame_Time(2), duration = Frame_Time(2);
     ASSERT_TRUE(GetFrameZV(clip, bitmap.get(), &time, &duration, nullptr));
-    auto const first = Picture_Bytes(2, width, 6), second = Picture_Bytes(3, width, 6), result = Bytes_Of(bitmap);
+    auto const first = Picture_Bytes(2, width, 6), second = Picture_Bytes(3, width, 6),
+               result = Bytes_Of(bitmap);
     for (std::size_t i = 0; i < result.size(); ++i)
         ASSERT_EQ(result[i], first[i] / 2 + second[i] / 2);
 }
