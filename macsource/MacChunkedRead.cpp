@@ -6,9 +6,9 @@
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
+#include <exception>
 #include <mutex>
 #include <stop_token>
-#include <system_error>
 #include <thread>
 #include <unistd.h>
 
@@ -86,7 +86,7 @@ bool Run_Polled(ChunkChain& chain, ZVPollFunc poll, long* pollResult)
     std::jthread worker;
     try {
         worker = std::jthread([&chain](std::stop_token stop) { Run_Chain(stop, chain); });
-    } catch (std::system_error const&) {
+    } catch (std::exception const&) {
         return Poll_Between_Chunks(chain, poll, pollResult);
     }
     bool const aborted = Poll_Until_Done(chain, poll, pollResult);

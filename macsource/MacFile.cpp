@@ -35,11 +35,11 @@ template <typename Call> auto Retry_Interrupted(Call call)
 /// Opens a file for this process alone, at a descriptor above the standard ones: 0 stands for no file, and a
 /// program that closed its standard streams must not find its messages in a picture.
 /// @return  the descriptor, or -1 with errno set
-int Open_Descriptor(std::string const& path, int flags)
+int Open_Descriptor(char const* path, int flags)
 {
     // Not blocking, or opening a pipe by mistake would wait for its other end.
     int const always = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-    int const descriptor = Retry_Interrupted([&] { return open(path.c_str(), flags | always, 0666); });
+    int const descriptor = Retry_Interrupted([&] { return open(path, flags | always, 0666); });
     if (descriptor < 0 || descriptor > STDERR_FILENO) return descriptor;
 
     int const moved = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
@@ -65,34 +65,34 @@ int Adopt_Descriptor(ZVFileInfo& file, int descriptor)
     return 0;
 }
 
-int Open_Existing(ZVFileInfo& file, std::string const& path, int flags)
+int Open_Existing(ZVFileInfo& file, char const* path, int flags)
 {
     int const descriptor = Open_Descriptor(path, flags);
     return descriptor < 0 ? errno : Adopt_Descriptor(file, descriptor);
 }
 
-int Create_New(ZVFileInfo& file, std::string const& path, ZVFilePermission permission, ZVCreatorPair codes)
+int Create_New(ZVFileInfo& file, char const* path, ZVFilePermission permission, ZVCreatorPair codes)
 {
     int const descriptor = Open_Descriptor(path, Access_Mode(permission) | O_CREAT | O_EXCL);
     if (descriptor < 0) return errno;
     if (int const error = Adopt_Descriptor(file, descriptor)) {
-        unlink(path.c_str());
+        unlink(path);
         return error;
     }
     Mac_Write_Codes(descriptor, codes);
     return 0;
 }
 
-int Create_File(ZVFileInfo& file, std::string const& path, ZVFilePermission permission, ZVCreatorPair codes)
+int Create_File(ZVFileInfo& file, char const* path, ZVFilePermission permission, ZVCreatorPair codes)
 {
     struct stat info;
-    bool const exists = lstat(path.c_str(), &info) == 0;
+    bool const exists = lstat(path, &info) == 0;
     if (!exists && errno != ENOENT) return errno;
     if (exists && Mac_Has_Codes(path, codes)) {
         // Emptied in opening: a file that cannot be opened keeps its contents, and is not ours to delete.
         return Open_Existing(file, path, Access_Mode(permission) | O_TRUNC);
     }
-    if (exists && unlink(path.c_str()) != 0) return errno;
+    if (exists && unlink(path) != 0) return errno;
     return Create_New(file, path, permission, codes);
 }
 
@@ -127,6 +127,7 @@ void Mac_Set_File_Error(int error)
 {
     switch (error) {
     case 0: SetError(ZV_ERR_NONE); break;
+    case ENOMEM: SetError(ZV_ERR_MEMORY); break;
     case ENOSPC:
     case EDQUOT:
     case EFBIG:
@@ -150,16 +151,16 @@ void Mac_Set_File_Error(int error)
 long File_Create(ZVFileInfo* file, char const* spec, ZVFilePermission permission, uint32_t type,
                  uint32_t creator, ZVFileFlags)
 {
-    std::string path;
-    if (int const error = Mac_Native_Path(spec, path)) return Report(error);
-    return Report(Create_File(*file, path, permission, {type, creator}));
+    MacPath path;
+    if (int const error = path.Set(spec)) return Report(error);
+    return Report(Create_File(*file, path.Text(), permission, {type, creator}));
 }
 
 long File_Open(ZVFileInfo* file, char const* spec, ZVFilePermission permission, ZVFileFlags)
 {
-    std::string path;
-    if (int const error = Mac_Native_Path(spec, path)) return Report(error);
-    return Report(Open_Existing(*file, path, Access_Mode(permission)));
+    MacPath path;
+    if (int const error = path.Set(spec)) return Report(error);
+    return Report(Open_Existing(*file, path.Text(), Access_Mode(permission)));
 }
 
 long File_Read(ZVFileInfo* file, unsigned long* count, void* destination, ZVPollFunc poll, long* pollResult)

@@ -84,6 +84,16 @@ int Copy_File(int from, int to, struct stat const& info)
     return fsync(to) == 0 ? 0 : errno;
 }
 
+/// A name that is given up unless the file under it has taken its final one.
+struct TemporaryName {
+    std::string path;
+    bool isTaken = false;
+    ~TemporaryName()
+    {
+        if (isTaken) unlink(path.c_str());
+    }
+};
+
 std::string Directory(std::string const& path)
 {
     std::size_t const slash = path.rfind('/');
@@ -103,14 +113,12 @@ int Mac_Move_Across(std::string const& from, std::string const& to)
     // Better to find out now than with a second copy in place that the first cannot be deleted.
     if (access(Directory(from).c_str(), W_OK) != 0) return errno;
 
-    std::string temporary = Directory(to) + ".zvmove-XXXXXX";
-    Descriptor target(mkostemp(temporary.data(), O_CLOEXEC));
+    TemporaryName temporary{Directory(to) + ".zvmove-XXXXXX"};
+    Descriptor target(mkostemp(temporary.path.data(), O_CLOEXEC));
     if (target.number < 0) return errno;
-    int error = Copy_File(source.number, target.number, info);
-    if (error == 0 && rename(temporary.c_str(), to.c_str()) != 0) error = errno;
-    if (error) {
-        unlink(temporary.c_str());
-        return error;
-    }
+    temporary.isTaken = true;
+    if (int const error = Copy_File(source.number, target.number, info)) return error;
+    if (rename(temporary.path.c_str(), to.c_str()) != 0) return errno;
+    temporary.isTaken = false;
     return unlink(from.c_str()) == 0 ? 0 : errno;
 }

@@ -56,19 +56,19 @@ bool Same(ZVCreatorPair a, ZVCreatorPair b)
 }
 
 /// The codes that a file without stored ones has: its creator is unknown.
-ZVCreatorPair Codes_Of_Extension(std::string const& path)
+ZVCreatorPair Codes_Of_Extension(char const* path)
 {
-    std::size_t const dot = path.find_last_of("./");
-    if (dot == std::string::npos || path[dot] == '/') return BlankCodes;
+    char const* dot = std::strrchr(path, '.');
+    if (!dot || std::strchr(dot, '/')) return BlankCodes;
     for (ExtensionType const& entry : ExtensionTypes)
-        if (strcasecmp(entry.extension, path.c_str() + dot + 1) == 0) return {entry.type, ZV_BLANK_CODE};
+        if (strcasecmp(entry.extension, dot + 1) == 0) return {entry.type, ZV_BLANK_CODE};
     return BlankCodes;
 }
 
-Lookup Read_Stored_Codes(std::string const& path, ZVCreatorPair& codes)
+Lookup Read_Stored_Codes(char const* path, ZVCreatorPair& codes)
 {
     FinderInfo info;
-    ssize_t const size = getxattr(path.c_str(), AttributeName, info.data(), info.size());
+    ssize_t const size = getxattr(path, AttributeName, info.data(), info.size());
     if (size < 0) return errno == ENODATA || errno == ENOTSUP ? Lookup::Absent : Lookup::Failed;
     if (size < 8) return Lookup::Absent;
     codes = {Load_Code(&info[0]), Load_Code(&info[4])};
@@ -77,10 +77,10 @@ Lookup Read_Stored_Codes(std::string const& path, ZVCreatorPair& codes)
     return Lookup::Found;
 }
 
-bool Is_Regular(std::string const& path)
+bool Is_Regular(char const* path)
 {
     struct stat info;
-    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+    return stat(path, &info) == 0 && S_ISREG(info.st_mode);
 }
 
 }  // namespace
@@ -95,7 +95,7 @@ void Mac_Write_Codes(int descriptor, ZVCreatorPair codes)
     fsetxattr(descriptor, AttributeName, info.data(), info.size(), 0);
 }
 
-bool Mac_Has_Codes(std::string const& path, ZVCreatorPair codes)
+bool Mac_Has_Codes(char const* path, ZVCreatorPair codes)
 {
     if (!Is_Regular(path)) return false;
     ZVCreatorPair stored;
@@ -109,10 +109,10 @@ bool Mac_Has_Codes(std::string const& path, ZVCreatorPair codes)
 void Get_FileInfo(char const* spec, uint32_t* creator, uint32_t* type)
 {
     ZVCreatorPair codes = BlankCodes;
-    std::string path;
-    if (Mac_Native_Path(spec, path) == 0 && Is_Regular(path) &&
-        Read_Stored_Codes(path, codes) == Lookup::Absent) {
-        codes = Codes_Of_Extension(path);
+    MacPath path;
+    if (path.Set(spec) == 0 && Is_Regular(path.Text()) &&
+        Read_Stored_Codes(path.Text(), codes) == Lookup::Absent) {
+        codes = Codes_Of_Extension(path.Text());
     }
     if (creator) *creator = codes.creator;
     if (type) *type = codes.type;

@@ -3,11 +3,9 @@
 
 #include "ZVFileSpec.h"
 
-#include <string>
-
 /// Stores the codes with an open file, as far as its file system can hold them. Blank codes are not stored.
 void Mac_Write_Codes(int descriptor, ZVCreatorPair codes);
 
 /// Whether a file has just these codes. One without stored codes has those of its extension, and blank ones
 /// too.
-bool Mac_Has_Codes(std::string const& path, ZVCreatorPair codes);
+bool Mac_Has_Codes(char const* path, ZVCreatorPair codes);

@@ -12,8 +12,9 @@
 #include <cstdio>
 #include <cstring>
 #include <dirent.h>
-#include <filesystem>
+#include <ftw.h>
 #include <memory>
+#include <new>
 #include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -21,58 +22,66 @@
 
 namespace {
 
+constexpr int DescriptorsOfWalk = 32;
+
 struct Entry {
     std::string name;  ///< as in a spec
     bool isDirectory;
 };
 
 /// The root of a file system can be emptied but not deleted, so nothing of it may go.
-bool Is_Mount_Point(std::string const& path, struct stat const& info)
+bool Is_Mount_Point(char const* path, struct stat const& info)
 {
     struct stat parent;
-    if (stat((path + "/..").c_str(), &parent) != 0) return false;
+    if (stat((std::string(path) + "/..").c_str(), &parent) != 0) return false;
     return parent.st_dev != info.st_dev || parent.st_ino == info.st_ino;
 }
 
-int Delete_Directory(std::string path)
+/// @return  an errno value, which ends the walk unless it is 0
+int Delete_Entry(char const* path, struct stat const*, int, FTW*)
 {
-    Mac_Strip_Closing_Slashes(path);
+    return remove(path) == 0 ? 0 : errno;
+}
+
+/// Leaves alone what a link in the directory leads to, and what is mounted in it.
+int Delete_Directory(MacPath& path)
+{
+    path.Strip_Closing_Slashes();
     struct stat info;
-    if (lstat(path.c_str(), &info) != 0) return errno;
+    if (lstat(path.Text(), &info) != 0) return errno;
     if (!S_ISDIR(info.st_mode)) return ENOTDIR;
-    if (Is_Mount_Point(path, info)) return EBUSY;
-    std::error_code error;
-    std::filesystem::remove_all(path, error);
-    return error.value();
+    if (Is_Mount_Point(path.Text(), info)) return EBUSY;
+    int const result = nftw(path.Text(), Delete_Entry, DescriptorsOfWalk, FTW_DEPTH | FTW_PHYS | FTW_MOUNT);
+    return result < 0 ? errno : result;
 }
 
-int Make_Directory(std::string const& path)
+int Make_Directory(MacPath const& path)
 {
-    if (mkdir(path.c_str(), 0777) == 0) return 0;
+    if (mkdir(path.Text(), 0777) == 0) return 0;
     int const error = errno;
-    return error == EEXIST && Mac_Is_Directory(path) ? 0 : error;
+    return error == EEXIST && Mac_Is_Directory(path.Text()) ? 0 : error;
 }
 
-int Move_File(std::string from, std::string to)
+int Move_File(MacPath& from, MacPath& to)
 {
-    Mac_Strip_Closing_Slashes(from);
-    Mac_Strip_Closing_Slashes(to);
-    if (rename(from.c_str(), to.c_str()) == 0) return 0;
-    return errno == EXDEV ? Mac_Move_Across(from, to) : errno;
+    from.Strip_Closing_Slashes();
+    to.Strip_Closing_Slashes();
+    if (rename(from.Text(), to.Text()) == 0) return 0;
+    return errno == EXDEV ? Mac_Move_Across(from.Text(), to.Text()) : errno;
 }
 
-bool Is_Directory_Entry(std::string const& directory, dirent const& entry)
+bool Is_Directory_Entry(char const* directory, dirent const& entry)
 {
     if (entry.d_type == DT_DIR) return true;
     if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return false;
-    return Mac_Is_Directory(directory + '/' + entry.d_name);
+    return Mac_Is_Directory((std::string(directory) + '/' + entry.d_name).c_str());
 }
 
 /// All entries, in the order that people expect to see them. Read in one go, so that the visitor may change
 /// the directory and a walk into the depth keeps no descriptors open.
-int Read_Directory(std::string const& path, std::vector<Entry>& entries)
+int Read_Directory(char const* path, std::vector<Entry>& entries)
 {
-    std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), &closedir);
+    std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path), &closedir);
     if (!directory) return errno;
     errno = 0;
     while (dirent const* entry = readdir(directory.get())) {
@@ -91,9 +100,13 @@ int Read_Directory(std::string const& path, std::vector<Entry>& entries)
 /// Runs an operation on the native path of a spec and stores the error number.
 template <typename Operation> long On_Path(char const* spec, Operation operation)
 {
-    std::string path;
-    int error = Mac_Native_Path(spec, path);
-    if (error == 0) error = operation(path);
+    MacPath path;
+    int error = path.Set(spec);
+    try {
+        if (error == 0) error = operation(path);
+    } catch (std::bad_alloc const&) {
+        error = ENOMEM;
+    }
     Mac_Set_File_Error(error);
     return error == 0;
 }
@@ -102,22 +115,22 @@ template <typename Operation> long On_Path(char const* spec, Operation operation
 
 long FileExistsZV(char const* spec)
 {
-    std::string path;
-    if (Mac_Native_Path(spec, path) != 0) return 0;
+    MacPath path;
+    if (path.Set(spec) != 0) return 0;
     struct stat info;
-    return stat(path.c_str(), &info) == 0;
+    return stat(path.Text(), &info) == 0;
 }
 
 long DeleteFileZV(char const* spec)
 {
-    return On_Path(spec, [](std::string const& path) { return unlink(path.c_str()) == 0 ? 0 : errno; });
+    return On_Path(spec, [](MacPath const& path) { return unlink(path.Text()) == 0 ? 0 : errno; });
 }
 
 long RenameFileZV(char const* oldSpec, char const* newSpec)
 {
-    return On_Path(oldSpec, [&](std::string const& from) {
-        std::string to;
-        int const error = Mac_Native_Path(newSpec, to);
+    return On_Path(oldSpec, [&](MacPath& from) {
+        MacPath to;
+        int const error = to.Set(newSpec);
         return error ? error : Move_File(from, to);
     });
 }
@@ -136,7 +149,8 @@ bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool is
                        void* data)
 {
     std::vector<Entry> entries;
-    long const read = On_Path(spec, [&](std::string const& path) { return Read_Directory(path, entries); });
+    long const read =
+        On_Path(spec, [&](MacPath const& path) { return Read_Directory(path.Text(), entries); });
     if (!read) return false;
     for (Entry const& entry : entries)
         if (!visit(entry.name.c_str(), entry.isDirectory, data)) break;

@@ -10,11 +10,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <memory>
+#include <new>
 #include <sys/stat.h>
 
 namespace {
@@ -27,42 +25,74 @@ constexpr long ResultNoDirectory = -120;
 constexpr long ResultNoVolume = -35;
 constexpr long ResultBad = -1;
 
-bool Exists(std::string const& path)
+bool Exists(char const* path)
 {
     struct stat info;
-    return stat(path.c_str(), &info) == 0;
+    return stat(path, &info) == 0;
+}
+
+/// Takes the next character of a native name off the text of a spec.
+std::string_view Take_Character(std::string_view& text)
+{
+    std::string_view native = text.substr(0, 1);
+    std::size_t taken = 1;
+    if (text.starts_with(SpecColon)) {
+        native = ":";
+        taken = SpecColon.size();
+    } else if (text.starts_with(SpecBackslash)) {
+        native = "\\";
+        taken = SpecBackslash.size();
+    }
+    text.remove_prefix(taken);
+    return native;
 }
 
 /// The directory that holds the object at an absolute path without closing slashes.
-std::string Parent(std::string const& path)
+std::string Parent(std::string_view path)
 {
     std::size_t const slash = path.rfind('/');
-    return slash == 0 ? "/" : path.substr(0, slash);
+    return std::string(slash == 0 ? "/" : path.substr(0, slash));
+}
+
+/// Goes from a resolved directory down, or up, by the components of a path that does not exist.
+void Append_As_Text(std::string& directory, std::string_view rest)
+{
+    while (!rest.empty()) {
+        std::string_view const component = rest.substr(0, rest.find('/'));
+        rest.remove_prefix(std::min(rest.size(), component.size() + 1));
+        if (component.empty() || component == ".") continue;
+        if (component == "..") {
+            directory = Parent(directory);
+            continue;
+        }
+        if (directory.back() != '/') directory += '/';
+        directory += component;
+    }
 }
 
 /// The directory without links, dots and doubled slashes. What does not exist of it is tidied as text.
 std::string Resolve_Directory(std::string const& path)
 {
-    std::unique_ptr<char, decltype(&std::free)> resolved(realpath(path.c_str(), nullptr), &std::free);
-    if (resolved) return resolved.get();
-    std::error_code error;
-    std::filesystem::path tidied = std::filesystem::weakly_canonical(path, error);
-    if (error) tidied = std::filesystem::path(path).lexically_normal();
-    std::string text = tidied.string();
-    Mac_Strip_Closing_Slashes(text);
-    return text;
+    char resolved[PATH_MAX] = "/";
+    std::string existing = path;
+    while (existing.size() > 1 && !realpath(existing.c_str(), resolved))
+        existing = Parent(existing);
+    std::string directory = existing.size() > 1 ? resolved : "/";
+    Append_As_Text(directory, std::string_view(path).substr(existing.size()));
+    return directory;
 }
 
 /// The one spelling of an absolute path: its directory resolved, its own name kept, so that a link stays
 /// itself.
-std::string Resolve_Place(std::string path)
+std::string Resolve_Place(std::string_view path)
 {
-    Mac_Strip_Closing_Slashes(path);
-    std::string const leaf = path.substr(path.rfind('/') + 1);
-    if (leaf.empty() || leaf == "." || leaf == "..") return Resolve_Directory(path);
+    while (path.size() > 1 && path.back() == '/')
+        path.remove_suffix(1);
+    std::string_view const leaf = path.substr(path.rfind('/') + 1);
+    if (leaf.empty() || leaf == "." || leaf == "..") return Resolve_Directory(std::string(path));
     std::string place = Resolve_Directory(Parent(path));
     if (place.back() != '/') place += '/';
-    return place + leaf;
+    return place.append(leaf);
 }
 
 /// The spec of a resolved path.
@@ -73,32 +103,100 @@ std::string Spec_Of_Path(std::string const& path)
     spec += ":\\";
     std::string rest = Mac_Name_To_Spec(std::string_view(path).substr(volume.root.size()));
     std::replace(rest.begin(), rest.end(), '/', '\\');
-    spec.append(rest, rest.starts_with('\\') ? 1 : 0);
-    return spec;
+    return spec.append(rest, rest.starts_with('\\') ? 1 : 0);
 }
 
-bool Copy_Place(std::string const& path, FSSpec* place)
+long Write_Spec_Of_Place(char* buffer, std::string_view path)
 {
-    if (path.size() >= sizeof place->path) return false;
-    std::memcpy(place->path, path.c_str(), path.size() + 1);
-    return true;
+    std::string const resolved = Resolve_Place(path);
+    std::string spec = Spec_Of_Path(resolved);
+    // A directory that does not exist yet is known by the slash it was given with.
+    bool const isDirectory = path.ends_with('/') || Mac_Is_Directory(resolved.c_str());
+    if (isDirectory && !spec.ends_with('\\')) spec += '\\';
+    if (spec.size() >= static_cast<std::size_t>(ZV_SPEC_SIZE)) {
+        SetError(ZV_ERR_NOT_FOUND);
+        return ResultBad;
+    }
+    std::memcpy(buffer, spec.c_str(), spec.size() + 1);
+    return 0;
+}
+
+bool Has_Directory(std::string_view path)
+{
+    char parent[PATH_MAX];
+    std::size_t const length = std::max<std::size_t>(path.rfind('/'), 1);
+    std::memcpy(parent, path.data(), length);
+    parent[length] = 0;
+    return Mac_Is_Directory(parent);
 }
 
 long Find_Place(char const* spec, FSSpec* out)
 {
-    std::string path;
-    switch (Mac_Native_Path(spec, path)) {
+    MacPath path;
+    switch (path.Set(spec)) {
     case 0: break;
     case ENAMETOOLONG: return ResultNoDirectory;
     default: return ResultNoVolume;
     }
-    Mac_Strip_Closing_Slashes(path);
-    if (!Copy_Place(path, out)) return ResultNoDirectory;
-    if (Exists(path)) return 0;
-    return Mac_Is_Directory(Parent(path)) ? ResultMissing : ResultNoDirectory;
+    path.Strip_Closing_Slashes();
+    static_assert(sizeof out->path >= PATH_MAX);
+    std::memcpy(out->path, path.Text(), path.View().size() + 1);
+    if (Exists(path.Text())) return 0;
+    return Has_Directory(path.View()) ? ResultMissing : ResultNoDirectory;
 }
 
 }  // namespace
+
+bool MacPath::Append(std::string_view native)
+{
+    if (native.size() >= sizeof text_ - length_) return false;
+    std::memcpy(text_ + length_, native.data(), native.size());
+    length_ += native.size();
+    text_[length_] = 0;
+    return true;
+}
+
+bool MacPath::Append_Spec(std::string_view rest)
+{
+    while (!rest.empty()) {
+        bool const isSeparator = rest.front() == '\\';
+        std::string_view const native = Take_Character(rest);
+        if (!Append(isSeparator ? "/" : native)) return false;
+    }
+    return true;
+}
+
+int MacPath::Set(char const* spec)
+{
+    if (!spec) return EINVAL;
+    std::size_t const length = std::strlen(spec);
+    if (length >= static_cast<std::size_t>(ZV_SPEC_SIZE)) return ENAMETOOLONG;
+
+    // A classic path becomes a spec, which is one character longer.
+    char text[ZV_SPEC_SIZE + 1];
+    std::memcpy(text, spec, length + 1);
+    if (!std::strstr(text, ":\\")) ConvertPathtoDOSZV(text);
+    char const* colon = std::strpbrk(text, ":|");
+    if (!colon || *colon == '|') return EINVAL;
+
+    try {
+        MacVolume volume;
+        if (!Mac_Find_Volume({text, static_cast<std::size_t>(colon - text)}, volume)) return ENODEV;
+        length_ = 0;
+        if (!Append(volume.root)) return ENAMETOOLONG;
+    } catch (std::bad_alloc const&) {
+        return ENOMEM;
+    }
+    char const* rest = colon[1] == '\\' ? colon + 2 : colon + 1;
+    return Append("/") && Append_Spec(rest) ? 0 : ENAMETOOLONG;
+}
+
+void MacPath::Strip_Closing_Slashes()
+{
+    while (length_ > 1 && text_[length_ - 1] == '/')
+        --length_;
+    text_[length_] = 0;
+}
 
 std::string Mac_Name_To_Spec(std::string_view name)
 {
@@ -119,78 +217,35 @@ std::string Mac_Name_From_Spec(std::string_view name)
 {
     std::string text;
     text.reserve(name.size());
-    while (!name.empty()) {
-        if (name.starts_with(SpecColon)) {
-            text += ':';
-            name.remove_prefix(SpecColon.size());
-        } else if (name.starts_with(SpecBackslash)) {
-            text += '\\';
-            name.remove_prefix(SpecBackslash.size());
-        } else {
-            text += name.front();
-            name.remove_prefix(1);
-        }
-    }
+    while (!name.empty())
+        text += Take_Character(name);
     return text;
 }
 
-bool Mac_Is_Directory(std::string const& path)
+bool Mac_Is_Directory(char const* path)
 {
     struct stat info;
-    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
-void Mac_Strip_Closing_Slashes(std::string& path)
-{
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-}
-
-int Mac_Native_Path(char const* spec, std::string& path)
-{
-    if (!spec) return EINVAL;
-    std::size_t const length = std::strlen(spec);
-    if (length >= static_cast<std::size_t>(ZV_SPEC_SIZE)) return ENAMETOOLONG;
-
-    // A classic path becomes a spec, which is one character longer.
-    char text[ZV_SPEC_SIZE + 1];
-    std::memcpy(text, spec, length + 1);
-    if (!std::strstr(text, ":\\")) ConvertPathtoDOSZV(text);
-    char const* colon = std::strpbrk(text, ":|");
-    if (!colon || *colon == '|') return EINVAL;
-
-    MacVolume volume;
-    if (!Mac_Find_Volume(std::string_view(text, static_cast<std::size_t>(colon - text)), volume))
-        return ENODEV;
-    std::string rest = colon[1] == '\\' ? colon + 2 : colon + 1;
-    std::replace(rest.begin(), rest.end(), '\\', '/');
-    path = volume.root + '/' + Mac_Name_From_Spec(rest);
-    return path.size() < PATH_MAX ? 0 : ENAMETOOLONG;
+    return stat(path, &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 bool OS_Native_Path(char const* spec, char* path, unsigned long size)
 {
-    std::string native;
-    if (Mac_Native_Path(spec, native) != 0 || native.size() >= size) return false;
-    std::memcpy(path, native.c_str(), native.size() + 1);
+    MacPath native;
+    if (native.Set(spec) != 0 || native.View().size() >= size) return false;
+    std::memcpy(path, native.Text(), native.View().size() + 1);
     return true;
 }
 
 long GetDOSPathZV(char* buffer, FSSpec const* place)
 {
     if (!buffer || !place || place->path[0] != '/') return ResultBad;
-    std::string const path(place->path, strnlen(place->path, sizeof place->path));
-    std::string const resolved = Resolve_Place(path);
-    std::string spec = Spec_Of_Path(resolved);
-    // A directory that does not exist yet is known by the slash it was given with.
-    bool const isDirectory = path.ends_with('/') || Mac_Is_Directory(resolved);
-    if (isDirectory && !spec.ends_with('\\')) spec += '\\';
-    if (spec.size() >= static_cast<std::size_t>(ZV_SPEC_SIZE)) {
-        SetError(ZV_ERR_NOT_FOUND);
+    std::string_view const path(place->path, strnlen(place->path, sizeof place->path));
+    try {
+        return Write_Spec_Of_Place(buffer, path);
+    } catch (std::bad_alloc const&) {
+        SetError(ZV_ERR_MEMORY);
         return ResultBad;
     }
-    std::memcpy(buffer, spec.c_str(), spec.size() + 1);
-    return 0;
 }
 
 long GetFSSpecZV(char const* spec, FSSpec* out)

@@ -1,9 +1,11 @@
 // Lines of text in files: read with any of the usual ends, written with a CR.
 
-#include "ZVFile.h"
-#include "ZVMemory.h"
+#include "ZVFileSpec.h"
 
-#include <string>
+#include "foundation/HeapBlock.h"
+
+#include <array>
+#include <cstring>
 
 namespace {
 
@@ -49,7 +51,16 @@ char* FGetStringZV(ZVFileInfo* file, char* buffer, long size)
 long FPutStringZV(ZVFileInfo* file, char const* text)
 {
     if (!file || !text) return 0;
-    std::string line(text);
-    line += '\r';
-    return WriteFileZV(file, line.data(), line.size());
+    // In one piece, so that a file in memory takes all of it or nothing.
+    std::size_t const length = std::strlen(text);
+    std::array<char, ZV_SPEC_SIZE> shortLine;
+    HeapBlock<char> longLine;
+    char* line = shortLine.data();
+    if (length >= shortLine.size()) {
+        longLine.reset(static_cast<char*>(AllocMemZV(length + 1, 0)));
+        line = longLine.get();
+    }
+    std::memcpy(line, text, length);
+    line[length] = '\r';
+    return WriteFileZV(file, line, length + 1);
 }

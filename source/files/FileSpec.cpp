@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string>
 #include <strings.h>
 
 namespace {
@@ -175,8 +174,9 @@ long GetPondGatePath(char* const& spec, char* buffer)
         buffer[0] = 0;
         return 0;
     }
-    std::string path(text.substr(0, first));
-    path += text.substr(first + 1, lastButOne - first);
-    std::replace(path.begin(), path.end(), '/', '\\');
-    return Copy_Spec_Text(buffer, path);
+    std::string_view const kept = text.substr(first + 1, lastButOne - first);
+    if (!Copy_Spec_Text(buffer, text.substr(0, first + kept.size() + 1))) return 0;
+    std::memmove(buffer + first, buffer + first + 1, kept.size() + 1);
+    std::replace(buffer, buffer + first + kept.size(), '/', '\\');
+    return 1;
 }

@@ -4,10 +4,13 @@
 #include "FileSpecSearch.h"
 
 #include "FileSpecText.h"
+#include "SpecText.h"
 
 #include "ZVLibInternal.h"
 #include "ZVMessage.h"
 #include "ZVSequence.h"
+
+#include "foundation/HeapBlock.h"
 
 #include <algorithm>
 #include <climits>
@@ -35,42 +38,43 @@ void Answer(long* result, bool value)
     if (result) *result = value;
 }
 
-std::string Directory_Of(char const* spec)
+SpecText Directory_Of(char const* spec)
 {
     char directory[ZV_SPEC_SIZE];
-    return GetPathZV(spec, directory) ? directory : "";
+    return GetPathZV(spec, directory) ? SpecText(directory) : SpecText();
 }
 
 /// The file that must be there for a directory to be looked into any further.
-std::string Wanted_Name(SpecSearch const& search)
+SpecText Wanted_Name(SpecSearch const& search)
 {
-    if (!search.isSequence) return search.name;
-    long number = 0;
-    if (search.frameCount > 0)
-        number = search.frames ? search.frames[search.frameCount - 1] : search.frameCount - 1;
     char name[ZV_SPEC_SIZE];
     if (!Copy_Spec_Text(name, search.name)) return {};
-    SequenceNumberToNameZV(name, number, 0);
-    return name;
+    if (search.isSequence) {
+        long number = 0;
+        if (search.frameCount > 0)
+            number = search.frames ? search.frames[search.frameCount - 1] : search.frameCount - 1;
+        SequenceNumberToNameZV(name, number, 0);
+    }
+    return SpecText(name);
 }
 
 /// The spec of the file, or of the sequence when all frames wanted of it are in the directory.
-char* Accept(SpecSearch const& search, std::string const& directory, std::string const& file)
+char* Accept(SpecSearch const& search, std::string_view directory, char const* file)
 {
-    if (!search.isSequence) return MakeFileSpecZV((directory + file).c_str());
-    std::string const mask = directory + search.name;
-    bool const isWhole =
-        search.frameCount < 1 || IsSequenceDataValidZV(mask.c_str(), search.frames, search.frameCount);
-    return isWhole ? MakeFileSpecZV(mask.c_str()) : nullptr;
+    SpecText const spec(directory, search.isSequence ? search.name : file);
+    if (!spec.Fits()) return nullptr;
+    bool const isWhole = !search.isSequence || search.frameCount < 1 ||
+                         IsSequenceDataValidZV(spec.Text(), search.frames, search.frameCount);
+    return isWhole ? MakeFileSpecZV(spec.Text()) : nullptr;
 }
 
 char* Search_Directories(SpecSearch const& search)
 {
-    std::string const wanted = Wanted_Name(search);
+    SpecText const wanted = Wanted_Name(search);
     for (char** entry = search.searchPaths; *entry; ++entry) {
-        std::string const directory = Directory_Of(*entry);
-        if (!FileExistsZV((directory + wanted).c_str())) continue;
-        if (char* spec = Accept(search, directory, wanted)) return spec;
+        SpecText const directory = Directory_Of(*entry);
+        if (!FileExistsZV(SpecText(directory.View(), wanted.View()).Text())) continue;
+        if (char* spec = Accept(search, directory.View(), wanted.Text())) return spec;
     }
     return nullptr;
 }
@@ -78,8 +82,8 @@ char* Search_Directories(SpecSearch const& search)
 /// A walk through directory trees; stops at the first acceptable file or when it has seen enough directories.
 struct TreeWalk {
     SpecSearch const& search;
-    std::string wanted;
-    std::string directory;  ///< the one being walked, with a closing separator
+    SpecText const wanted;
+    std::string_view directory = {};  ///< the one being walked, with a closing separator
     long visited = 0;
     long depth = 0;
     bool stop = false;
@@ -91,21 +95,22 @@ bool Is_Hidden(char const* name)
     return name[0] == '.' || name[0] == '\xC2';
 }
 
-void Walk_Tree(TreeWalk& walk, std::string const& directory);
+void Walk_Tree(TreeWalk& walk, SpecText const& directory);
 
 bool Visit_Entry(char const* name, bool isDirectory, void* data)
 {
     auto& walk = *static_cast<TreeWalk*>(data);
+    if (Is_Hidden(name)) return true;
     if (isDirectory) {
-        if (!Is_Hidden(name)) Walk_Tree(walk, walk.directory + name + '\\');
-    } else if (!Is_Hidden(name) && strcasecmp(name, walk.wanted.c_str()) == 0) {
+        Walk_Tree(walk, SpecText(walk.directory, name).Append("\\"));
+    } else if (strcasecmp(name, walk.wanted.Text()) == 0) {
         walk.found = Accept(walk.search, walk.directory, name);
         if (walk.found) walk.stop = true;
     }
     return !walk.stop;
 }
 
-void Walk_Tree(TreeWalk& walk, std::string const& directory)
+void Walk_Tree(TreeWalk& walk, SpecText const& directory)
 {
     if (++walk.visited > TreeDirectoryLimit) {
         walk.stop = true;
@@ -113,21 +118,21 @@ void Walk_Tree(TreeWalk& walk, std::string const& directory)
     }
     if (walk.depth + 1 >= TreeDepthLimit) return;
     ++walk.depth;
-    std::string const outer = std::exchange(walk.directory, directory);
-    OS_Walk_Directory(directory.c_str(), Visit_Entry, &walk);
+    std::string_view const outer = std::exchange(walk.directory, directory.View());
+    OS_Walk_Directory(directory.Text(), Visit_Entry, &walk);
     walk.directory = outer;
     --walk.depth;
 }
 
 char* Search_Trees(SpecSearch const& search)
 {
-    TreeWalk walk{.search = search, .wanted = Wanted_Name(search), .directory = {}};
+    TreeWalk walk{.search = search, .wanted = Wanted_Name(search)};
     for (char** entry = search.searchPaths; *entry && !walk.stop; ++entry) {
-        std::string directory = *entry;
-        while (directory.ends_with('\\') && !directory.ends_with(":\\"))
-            directory.pop_back();
-        if (Is_Hidden(File_Name(directory.c_str())) || !FileExistsZV(directory.c_str())) continue;
-        if (!directory.ends_with('\\')) directory += '\\';
+        SpecText directory(*entry);
+        while (directory.View().ends_with('\\') && !directory.View().ends_with(":\\"))
+            directory.Cut(directory.Length() - 1);
+        if (Is_Hidden(File_Name(directory.Text())) || !FileExistsZV(directory.Text())) continue;
+        if (!directory.View().ends_with('\\')) directory.Append("\\");
         Walk_Tree(walk, directory);
     }
     return walk.found;
@@ -153,14 +158,14 @@ char* Ask_User(SpecSearch& search)
 
 /// The frames of a sequence as they lie in its directory, of which the first one is wanted.
 struct FirstFrame {
-    std::string directory;
-    std::string prefix;  ///< of the file names, ahead of the number
-    std::string suffix;
-    long digits = 0;  ///< greatest width of the number
+    SpecText directory;
+    std::string_view prefix;  ///< of the file names, ahead of the number
+    std::string_view suffix;
+    std::size_t digits = 0;  ///< greatest width of the number
     long start = 0;
     long limit = 0;  ///< first number that does not count
     long number = -1;
-    std::string name;
+    SpecText name;
 };
 
 /// The number that a name of the sequence holds, or -1 for any other name.
@@ -169,7 +174,7 @@ long Frame_Number(FirstFrame const& frame, std::string_view name)
     std::size_t const around = frame.prefix.size() + frame.suffix.size();
     if (name.size() <= around || !name.starts_with(frame.prefix) || !name.ends_with(frame.suffix)) return -1;
     std::string_view const number = name.substr(frame.prefix.size(), name.size() - around);
-    if (static_cast<long>(number.size()) > frame.digits) return -1;
+    if (number.size() > frame.digits) return -1;
     long value = 0;
     for (char c : number) {
         if (c < '0' || c > '9') return -1;
@@ -186,50 +191,57 @@ bool Visit_Frame(char const* name, bool, void* data)
     if (number < frame.start || number >= frame.limit) return true;
     // Of two renderings of one number the wider one counts.
     bool const isBetter = frame.number < 0 || number < frame.number ||
-                          (number == frame.number && std::strlen(name) > frame.name.size());
-    if (isBetter && FileExistsZV((frame.directory + name).c_str())) {
+                          (number == frame.number && std::strlen(name) > frame.name.Length());
+    if (isBetter && FileExistsZV(SpecText(frame.directory.View(), name).Text())) {
         frame.number = number;
-        frame.name = name;
+        frame.name = SpecText(name);
     }
     return true;
 }
 
 /// One less than the power of ten: the highest number of a mask is never looked at.
-long Frame_Limit(long digits)
+long Frame_Limit(std::size_t digits)
 {
     long power = 1;
-    for (long i = 0; i < digits; ++i)
+    for (std::size_t i = 0; i < digits; ++i)
         if (__builtin_mul_overflow(power, 10L, &power)) return LONG_MAX;
     return power - 1;
 }
 
+/// Splits the name of a sequence around its mask, the first bracketed run of hashes.
+bool Split_Mask(std::string_view name, FirstFrame& frame)
+{
+    for (std::size_t open = name.find('['); open != std::string_view::npos; open = name.find('[', open + 1)) {
+        std::size_t const close = name.find_first_not_of('#', open + 1);
+        if (close == std::string_view::npos || name[close] != ']') continue;
+        frame.prefix = name.substr(0, open);
+        frame.digits = close - open - 1;
+        frame.suffix = name.substr(close + 1);
+        return true;
+    }
+    return false;
+}
+
 /// The spec of the first frame that is there, in place of that of the sequence. Reads the directory once:
 /// asking for one number after the other takes for ever when a wide mask has no file.
-char* Take_First_Frame(SpecSearch const& search, char* spec)
+char* Take_First_Frame(SpecSearch const& search, char* sequence)
 {
+    HeapBlock<char> const spec(sequence);
     FirstFrame frame;
-    frame.directory = Directory_Of(spec);
-    std::string const mask = File_Name(spec);
-    FreeFileSpecZV(spec);
-
-    frame.digits = SequenceDigitsZV(mask.c_str());
+    if (!Split_Mask(File_Name(sequence), frame)) return nullptr;
+    frame.directory = Directory_Of(sequence);
     frame.limit = Frame_Limit(frame.digits);
     if (search.frames && search.frameCount > 0) frame.start = std::max(search.frames[0], 0L);
-    std::string const group =
-        '[' + std::string(static_cast<std::size_t>(std::max(frame.digits, 0L)), '#') + ']';
-    std::size_t const at = mask.find(group);
-    if (at == std::string::npos) return nullptr;
-    frame.prefix = mask.substr(0, at);
-    frame.suffix = mask.substr(at + group.size());
-
-    OS_Walk_Directory(frame.directory.c_str(), Visit_Frame, &frame);
-    return frame.number < 0 ? nullptr : MakeFileSpecZV((frame.directory + frame.name).c_str());
+    OS_Walk_Directory(frame.directory.Text(), Visit_Frame, &frame);
+    if (frame.number < 0) return nullptr;
+    return MakeFileSpecZV(SpecText(frame.directory.View(), frame.name.View()).Text());
 }
 
 }  // namespace
 
 SpecSearch Read_Search_Tags(TagItem* tags)
 {
+    SetError(ZV_ERR_NONE);
     SpecSearch search;
     while (TagItem* item = NextTagItem(&tags)) {
         switch (item->tag) {
@@ -257,13 +269,13 @@ void Name_Search(SpecSearch& search, char const* text)
 {
     search.text = text;
     search.name = File_Name(text);
-    search.isSequence = IsSequenceZV(search.name.c_str());
+    search.isSequence = IsSequenceZV(search.name);
     Answer(search.isSequenceResult, search.isSequence);
 }
 
 char* Make_Tested_Spec(SpecSearch const& search)
 {
-    char* spec = MakeFileSpecZV(search.text.c_str());
+    char* spec = MakeFileSpecZV(search.text);
     if (!spec) return nullptr;
     bool isThere = true;
     if (!search.isSequence)
@@ -281,7 +293,7 @@ char* Finish_Search(SpecSearch& search, char* spec)
         spec = search.searchTree ? Search_Trees(search) : Search_Directories(search);
     if (!spec && search.askUser) spec = Ask_User(search);
     if (spec && search.isSequence) spec = Take_First_Frame(search, spec);
-    if (!spec) SetError(ZV_ERR_NOT_FOUND);
+    if (!spec && GetErrorZV() != ZV_ERR_MEMORY) SetError(ZV_ERR_NOT_FOUND);
     Answer(search.isSequenceResult, search.isSequence);
     // Whatever spec got here has all frames that were asked for.
     Answer(search.dataValidResult, spec && search.isSequence && search.frameCount > 0);

@@ -3,12 +3,10 @@
 
 #include "ZVFileSpec.h"
 
-#include <string>
-
 /// A name that is looked for, and what the tags want to know of it.
 struct SpecSearch {
-    std::string text;  ///< spec or path as it was given
-    std::string name;  ///< its file name: a mask for a sequence
+    char const* text = "";  ///< spec or path as it was given
+    char const* name = "";  ///< its file name, in `text`: a mask for a sequence
     bool isSequence = false;
     bool askUser = false;
     bool searchTree = false;
@@ -25,7 +23,7 @@ struct SpecSearch {
 /// Reads the tags and clears what they want answered.
 SpecSearch Read_Search_Tags(TagItem* tags);
 
-/// Says what is looked for, and answers whether it is a sequence.
+/// Says what is looked for, in a text that outlives the search, and answers whether it is a sequence.
 void Name_Search(SpecSearch& search, char const* text);
 
 /// The spec of the text as it stands, when the file, or all frames of the sequence, are there; otherwise

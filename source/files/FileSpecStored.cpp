@@ -18,6 +18,7 @@
 namespace {
 
 constexpr std::size_t LongestPath = 509;
+using StoredPath = std::array<char, LongestPath + 1>;
 
 /// Enough of a record to hold the longest path, even behind some stray line ends.
 constexpr int64_t HeadSize = 1024;
@@ -29,23 +30,25 @@ bool Is_Terminator(uint8_t byte)
 
 /// Takes the path as FGetStringZV would, but never beyond the record.
 /// @return  bytes taken, with the terminator
-std::size_t Parse_Path(std::span<uint8_t const> record, std::string& path)
+std::size_t Parse_Path(std::span<uint8_t const> record, StoredPath& path)
 {
     std::size_t taken = 0;
-    while (taken < record.size() && path.size() < LongestPath) {
+    std::size_t length = 0;
+    while (taken < record.size() && length < LongestPath) {
         uint8_t const byte = record[taken++];
         if (!Is_Terminator(byte))
-            path += static_cast<char>(byte);
-        else if (!path.empty())
+            path[length++] = static_cast<char>(byte);
+        else if (length > 0)
             break;
     }
+    path[length] = 0;
     return taken;
 }
 
 /// Reads a record's path and leaves the file behind the record. A length that the file does not hold ends at
 /// the end of the file.
 /// @return  false for a damaged record
-bool Read_Record(ZVFileInfo* file, std::string& path, bool& hasAlias)
+bool Read_Record(ZVFileInfo* file, StoredPath& path, bool& hasAlias)
 {
     int32_t length;
     if (!GetLongZV(file, &length)) return false;
@@ -97,16 +100,16 @@ char* ReadFileSpecZV(ZVFileInfo* file, TagItem* tags)
 {
     SpecSearch search = Read_Search_Tags(tags);
     if (!file) return nullptr;
-    std::string path;
+    StoredPath path;
     bool hasAlias = false;
     if (!Read_Record(file, path, hasAlias)) return nullptr;
 
-    Name_Search(search, path.c_str());
-    if (search.storedPathResult) std::memcpy(search.storedPathResult, path.c_str(), path.size() + 1);
-    if (path.empty()) {
+    Name_Search(search, path.data());
+    if (search.storedPathResult) std::strcpy(search.storedPathResult, path.data());
+    if (!path[0]) {
         SetError(ZV_ERR_NOT_FOUND);
         return nullptr;
     }
-    if (search.noCheck) return hasAlias ? nullptr : MakeFileSpecZV(path.c_str());
+    if (search.noCheck) return hasAlias ? nullptr : MakeFileSpecZV(path.data());
     return Finish_Search(search, hasAlias ? nullptr : Make_Tested_Spec(search));
 }

@@ -1,20 +1,23 @@
 // Gives a spec the extension that a file type or a format module asks for.
 
 #include "FileSpecText.h"
+#include "SpecText.h"
 
 #include "ZVFormat.h"
+#include "ZVMemory.h"
 #include "ZVSequence.h"
 
-#include <algorithm>
 #include <cstring>
-#include <string>
 #include <strings.h>
 
 namespace {
 
-char* With_Extension(std::string const& spec, std::string const& extension)
+char* With_Extension(std::string_view spec, std::string_view extension)
 {
-    return MakeFileSpecZV((spec + '.' + extension).c_str());
+    SpecText text(spec, ".");
+    if (text.Append(extension).Fits()) return MakeFileSpecZV(text.Text());
+    SetError(ZV_ERR_NOT_FOUND);
+    return nullptr;
 }
 
 char* Append_Extension(char const* spec, ZVExtension const* wanted)
@@ -25,16 +28,17 @@ char* Append_Extension(char const* spec, ZVExtension const* wanted)
     return With_Extension(spec, wanted->extension);
 }
 
-/// The first extension of a format, empty when it has none.
-std::string Format_Extension(ZVFormatDesc const& format)
+/// Writes the first extension of a format; an empty text when it has none.
+void Format_Extension(ZVFormatDesc const& format, char (&extension)[5])
 {
-    std::string extension;
-    if (format.ReadExtensionCount < 1 || !format.ReadExtensions) return extension;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        char const c = static_cast<char>(format.ReadExtensions[0] >> shift);
-        if (c != ' ' && c != 0) extension += c;
+    char* next = extension;
+    if (format.ReadExtensionCount > 0 && format.ReadExtensions) {
+        for (int shift = 24; shift >= 0; shift -= 8) {
+            char const c = static_cast<char>(format.ReadExtensions[0] >> shift);
+            if (c != ' ' && c != 0) *next++ = c;
+        }
     }
-    return extension;
+    *next = 0;
 }
 
 char* Replace_Extension(char const* spec, ZVFormatDesc* format, bool stripSequence)
@@ -46,8 +50,9 @@ char* Replace_Extension(char const* spec, ZVFormatDesc* format, bool stripSequen
     if (stripSequence && (GetImportPropertiesZV(format) & ZV_FORMAT_MULTIFRAME))
         RemoveSequenceNumberingZV(fileName);
 
-    std::string const extension = Format_Extension(*format);
-    if (format == present || extension.empty()) return CopyFileSpecZV(name);
+    char extension[5];
+    Format_Extension(*format, extension);
+    if (format == present || !*extension) return CopyFileSpecZV(name);
     if (char* dot = std::strrchr(fileName, '.'); dot && present) *dot = 0;
     return With_Extension(name, extension);
 }

@@ -75,8 +75,8 @@ TrailerBytes Make_Trailer(FilmstripTrailer const& trailer)
     return bytes;
 }
 
-/// The 0.1 takes 23.976 and 29.97 to their nominal rates. A rate that 16 bits cannot hold becomes the nearest
-/// one.
+/// The 0.1 takes 23.976 and 29.97 to their nominal rates. What 16 bits cannot hold is brought to their
+/// limits.
 int16_t Stored_Rate(double rate)
 {
     if (std::isnan(rate)) return 0;
@@ -158,8 +158,7 @@ void Filmstrip_Close(ZVClip* clip)
     Release(clip);
 }
 
-/// The file holds 8 bits a channel, so the clip becomes an 8-bit one and frames are converted on their way
-/// here.
+/// The file holds 8 bits a channel, so the clip becomes one of 8 bits and frames arrive converted.
 long Filmstrip_Create(ZVClip* clip, unsigned long)
 {
     Release(clip);
@@ -183,8 +182,7 @@ long Filmstrip_EndIO(ZVClip*, long)
     return 1;
 }
 
-/// 0 for a frame that is not whole in the file, so that the caller's stand-in is shown rather than stray
-/// memory.
+/// A frame that is not whole in the file answers 0: the caller's stand-in is shown rather than stray memory.
 long Filmstrip_GetFrame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long>*, long, long, long, void*,
                         long)
 {

@@ -33,6 +33,7 @@ long Drop_Frame_Number(long frame)
 {
     constexpr long minute = 1798;  // frames in a minute that drops two numbers
     constexpr long tenMinutes = 10 * minute + 2;
+    frame %= 360 * tenMinutes;  // hours are shown up to 59, and no number overflows
     long const rest = frame % tenMinutes;
     return frame + 18 * (frame / tenMinutes) + (rest > 1 ? 2 * ((rest - 2) / minute) : 0);
 }

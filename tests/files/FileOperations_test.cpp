@@ -167,12 +167,15 @@ TEST_F(FileOperations, DeletingADirectoryStaysInsideIt)
 
 TEST(FileOperationsOnVolumes, ARootIsRefusedUntouched)
 {
-    With_Mounts({"/mnt/CARD"}, [] {
+    With_Mounts({"/mnt/CARD", "/mnt/tree/inner"}, [] {
         Write_Native("/mnt/CARD/file", "abc");
         fs::create_symlink("/mnt/CARD/..", "/mnt/CARD/link");
         EXPECT_FALSE(DeleteDirZV("CARD:\\"));
         EXPECT_FALSE(DeleteDirZV("Root:\\mnt\\CARD"));
         EXPECT_TRUE(fs::exists("/mnt/CARD/file"));
+        Write_Native("/mnt/tree/inner/file", "abc");
+        EXPECT_FALSE(DeleteDirZV("Root:\\mnt\\tree")) << "another file system is in it";
+        EXPECT_TRUE(fs::exists("/mnt/tree/inner/file"));
         EXPECT_TRUE(CreateDirZV("CARD:\\dir"));
         EXPECT_TRUE(RenameFileZV("CARD:\\file", "CARD:\\dir\\file"));
         EXPECT_TRUE(RenameFileZV("CARD:\\dir\\file", "Root:\\mnt\\out")) << "to another file system";

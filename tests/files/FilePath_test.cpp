@@ -141,7 +141,7 @@ TEST_F(FilePathOnDisk, EveryNameSurvivesTheRoundTrip)
         std::string path;
         for (unsigned part = 0; part <= random() % 3; ++part) {
             path += "/";
-            for (unsigned length = 1 + random() % 9; length > 0; --length)
+            for (auto length = 1 + random() % 9; length > 0; --length)
                 path += alphabet[random() % alphabet.size()];
             path += "_";  // neither "." nor ".."
         }

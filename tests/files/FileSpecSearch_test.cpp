@@ -139,25 +139,26 @@ TEST_F(FileSpecSearch, ASequenceIsFoundWhereAllItsFramesAre)
     long const frames[] = {0, 2};
     EXPECT_EQ(Find(mask, ZVFSV_SearchPaths, paths, ZVFSV_Frames, frames, ZVFSV_FrameCount, 2),
               Spec("b\\s00.x"));
-    EXPECT_EQ(Find(mask, ZVFSV_SearchPaths, paths), Spec("b\\s00.x"))
-        << "any one frame, and that is number 0";
+    EXPECT_EQ(Find(mask, ZVFSV_SearchPaths, paths), "(null)") << "of unknown length it is taken as it stands";
     EXPECT_EQ(dataValid, 0);
     EXPECT_EQ(Find(mask, ZVFSV_SearchPaths, paths, ZVFSV_FrameCount, 4), "(null)");
     EXPECT_EQ(isSequence, 1);
 }
 
-TEST_F(FileSpecSearch, AStoredSpecGoesOnToTheSearch)
+TEST_F(FileSpecSearch, AStoredSpecWithAnAliasGoesOnToTheSearch)
 {
     environment.Write("new/file", "");
-    std::string stored = std::string("\0\0\0\12", 4) + "Old:\\file";
-    stored += '\0';
-    stored += "alias";
-    stored[3] = static_cast<char>(stored.size() - 4);
-    OpenFile const memory(OpenFileinMemoryZV(stored.data(), stored.size(), ZVFilePermRead));
-    std::string directory = Spec("new\\");
-    char* paths[] = {directory.data(), nullptr};
-    EXPECT_EQ(Text(ReadFileSpecZV(memory.get(), ZVFSV_SearchPaths, paths)), Spec("new\\file"));
-    EXPECT_EQ(SeekFileZV(memory.get(), 0, 1), static_cast<long>(stored.size()));
+    Make_Frames("b", {"s00.x", "s02.x"});
+    std::string directory = Spec("new\\"), frames = Spec("b\\");
+    char* paths[] = {directory.data(), frames.data(), nullptr};
+    for (auto const& [path, found] :
+         {std::pair("Old:\\file", "new\\file"), std::pair("Old:\\s[##].x", "b\\s00.x")}) {
+        std::string stored = std::string(4, '\0') + path + '\0' + "alias";
+        stored[3] = static_cast<char>(stored.size() - 4);
+        OpenFile const memory(OpenFileinMemoryZV(stored.data(), stored.size(), ZVFilePermRead));
+        EXPECT_EQ(Text(ReadFileSpecZV(memory.get(), ZVFSV_SearchPaths, paths)), Spec(found));
+        EXPECT_EQ(SeekFileZV(memory.get(), 0, 1), static_cast<long>(stored.size()));
+    }
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ protected:
         for (ZVFilePermission permission : {ZVFilePermRead, ZVFilePermReadWrite}) {
             OpenFile const disk(OpenFileZV(environment.Spec("record").c_str(), permission, ZVFileFlagNone));
             EXPECT_EQ(Text(ReadFileSpecZV(disk.get(), tag, 1)), spec) << "from disk as from memory";
-            EXPECT_EQ(SeekFileZV(disk.get(), 0, 1), end);
+            EXPECT_TRUE(bytes.size() < 4 || SeekFileZV(disk.get(), 0, 1) == end);
         }
         return {spec, end};
     }
@@ -142,11 +142,12 @@ TEST_F(FileSpecStored, DamagedRecordsEndAtTheEndOfTheFile)
         auto const [spec, end] = Read(record.substr(0, length));
         EXPECT_EQ(spec, "(null)") << length;
         EXPECT_EQ(stored, ""s) << length;
-        if (length >= 4) EXPECT_EQ(end, static_cast<long>(length)) << length;
-        if (length >= 4) EXPECT_NE(GetErrorZV(), 0U) << length;
+        if (length < 4) continue;
+        EXPECT_EQ(end, static_cast<long>(length)) << length;
+        EXPECT_EQ(GetErrorZV(), ZV_ERR_IO) << length;
     }
-    EXPECT_EQ(Read("\x7F\xFF\xFF\xFFabc"), std::pair("(null)"s, 7L)) << "a length beyond the file";
-    EXPECT_EQ(Read("\xFF\xFF\xFF\xFF"
+    EXPECT_EQ(Read("\x7F\xFF\xFF\xFFxyz"), std::pair("(null)"s, 7L)) << "a length beyond the file";
+    EXPECT_EQ(Read("\xFF\xFF\xFF\xFFxyzxyz"
                    "abcdef"),
               std::pair("(null)"s, 4L))
         << "a negative length";

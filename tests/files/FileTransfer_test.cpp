@@ -100,7 +100,7 @@ TEST_P(FileModel, BehavesAsAnArrayWithOnePosition)
 
     Bytes expected;
     for (int step = 0; step < 8000; ++step) {
-        unsigned const action = random() % 10;
+        auto const action = random() % 10;
         if (action < 4) {
             Bytes got(Random_Count(random));
             bool const read = model.Read(got.size(), expected);

@@ -49,7 +49,7 @@ protected:
 
 TEST_F(FormatExtension, IsThatOfTheFormat)
 {
-    uint32_t const one = ZV_FourCC("one "), two = ZV_FourCC("two ");
+    uint32_t const one = ZV_FourCC("one\0"), two = ZV_FourCC("two\0");
     ZVFormatDesc* const first = Add("First", &one);
     ZVFormatDesc* const second = Add("Second", &two);
     ZVFormatDesc* const bare = Add("Bare", nullptr);

@@ -1,5 +1,5 @@
-// The run-length packets: which packets a row becomes, and that any stream of packets comes apart into its units,
-// however it is cut.
+// The run-length packets: which packets a row becomes, and that any stream of packets comes apart into its
+// units, however it is cut.
 #include "formats/EIDIPackets.h"
 
 #include <algorithm>
@@ -13,8 +13,8 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-/// Bytes with the slack that the packer and the unpacker ask for. Under the address sanitizer, one byte more is an
-/// error.
+/// Bytes with the slack that the packer and the unpacker ask for. Under the address sanitizer, one byte more
+/// is an error.
 Bytes With_Slack(Bytes bytes)
 {
     bytes.resize(bytes.size() + EIDISlack, 0xCC);
@@ -88,7 +88,9 @@ TEST(EIDIPackets, RowsBecomeTheseVeryPackets)
         {"a lone pixel is a literal", 4, "a", {{0x80, "a"}}},
         {"runs follow one another", 3, "aabbb", {{0x01, "a"}, {0x02, "b"}}},
         {"a literal ends at 128 pixels", 3, Alternating(129), {{0xFF, Alternating(128)}, {0x80, "a"}}},
-        {"a run behind a full literal is a run", 4, Alternating(128) + "cc",
+        {"a run behind a full literal is a run",
+         4,
+         Alternating(128) + "cc",
          {{0xFF, Alternating(128)}, {0x01, "c"}}},
         {"three equal bytes are literals", 1, "aaabcdef", {{0x87, "aaabcdef"}}},
         {"four equal bytes are a run", 1, "aaaabcdef", {{0x03, "a"}, {0x84, "bcdef"}}},
@@ -122,13 +124,13 @@ TEST(EIDIPackets, PixelsThatDifferInOneByteAloneAreNoRun)
 /// A row with runs and noise mixed; `colours` small makes neighbours equal by chance.
 Bytes Random_Row(std::mt19937& random, long width, long unitBytes)
 {
-    unsigned const colours = 1 + random() % 5;
+    unsigned long const colours = 1 + random() % 5;
     Bytes row;
     while (static_cast<long>(row.size()) < width * unitBytes) {
         Bytes unit(static_cast<std::size_t>(unitBytes));
         for (uint8_t& byte : unit)
             byte = static_cast<uint8_t>(random() % colours);
-        for (unsigned repeat = random() % 3 ? 1 : 1 + random() % 300; repeat > 0; --repeat)
+        for (unsigned long repeat = random() % 3 ? 1 : 1 + random() % 300; repeat > 0; --repeat)
             row.insert(row.end(), unit.begin(), unit.end());
     }
     row.resize(static_cast<std::size_t>(width * unitBytes));
@@ -144,7 +146,8 @@ TEST(EIDIPackets, PackedRowsUnpackToThemselvesWithinTheirBound)
         Bytes const row = Random_Row(random, width, unitBytes);
         Bytes const packed = Pack(row, unitBytes);
         ASSERT_EQ(Simple_Unpack(packed, unitBytes), row) << "turn " << turn;
-        ASSERT_LE(static_cast<int64_t>(packed.size()), EIDI_Packed_Bound(width, unitBytes)) << "turn " << turn;
+        ASSERT_LE(static_cast<int64_t>(packed.size()), EIDI_Packed_Bound(width, unitBytes))
+            << "turn " << turn;
     }
 }
 
@@ -180,15 +183,16 @@ TEST(EIDIPackets, AnyStreamUnpacksWhereverItIsCut)
         long const unitBytes = 1 + static_cast<long>(random() % 4);
         unsigned const longest = turn % 4 ? 128 : 1;  // every fourth stream has single-unit packets only
         Bytes packets;
-        for (unsigned count = 1 + random() % 12; count > 0; --count) {
-            unsigned const length = 1 + random() % longest;
+        for (unsigned long count = 1 + random() % 12; count > 0; --count) {
+            unsigned long const length = 1 + random() % longest;
             bool const isRun = random() % 2;
             packets.push_back(static_cast<uint8_t>(isRun ? length - 1 : length + 127));
             for (long bytes = unitBytes * static_cast<long>(isRun ? 1 : length); bytes > 0; --bytes)
                 packets.push_back(static_cast<uint8_t>(random()));
         }
         long const longestPiece = turn % 2 ? 5 : 200;
-        ASSERT_EQ(Unpack_In_Pieces(packets, unitBytes, random, longestPiece), Simple_Unpack(packets, unitBytes))
+        ASSERT_EQ(Unpack_In_Pieces(packets, unitBytes, random, longestPiece),
+                  Simple_Unpack(packets, unitBytes))
             << "turn " << turn;
     }
 }

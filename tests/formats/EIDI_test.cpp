@@ -5,7 +5,9 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <malloc.h>
 #include <random>
+#include <unistd.h>
 
 namespace {
 
@@ -47,8 +49,8 @@ Bytes Random_Bytes(std::mt19937& random, std::size_t count)
     return bytes;
 }
 
-/// Cuts units into packets at random, single-unit packets and packets across rows included. Repetitions become runs
-/// or not, as it happens.
+/// Cuts units into packets at random, single-unit packets and packets across rows included. Repetitions
+/// become runs or not, as it happens.
 Bytes Random_Packets(std::mt19937& random, Bytes const& units, long unitBytes, unsigned longest)
 {
     Bytes packets;
@@ -125,7 +127,8 @@ TEST_F(EIDI, EveryDepthReadsPlainAndPacked)
             Bytes units = Random_Bytes(random, rowBytes * 37);
             std::fill(units.begin(), units.begin() + static_cast<long>(units.size() / 2), uint8_t{0x5A});
             frame.isCompressed = longestPacket > 0;
-            frame.data = longestPacket ? Random_Packets(random, units, std::max(bits / 8, 1L), longestPacket) : units;
+            frame.data =
+                longestPacket ? Random_Packets(random, units, std::max(bits / 8, 1L), longestPacket) : units;
 
             ClipPtr const clip = Open_Bytes(File_Of({frame}));
             ASSERT_TRUE(clip) << bits << " bits";
@@ -139,7 +142,8 @@ TEST_F(EIDI, EveryDepthReadsPlainAndPacked)
                     expected.insert(expected.end(), pixel.begin(), pixel.end());
                 }
             }
-            EXPECT_EQ(Clip_Frame(clip.get(), 0), expected) << bits << " bits, packets of up to " << longestPacket;
+            EXPECT_EQ(Clip_Frame(clip.get(), 0), expected)
+                << bits << " bits, packets of up to " << longestPacket;
         }
     }
 }
@@ -232,7 +236,9 @@ TEST_F(EIDI, TheRateFollowsFromTheLastTwoTimes)
         {"a time without end", {0.0f, infinite}, -1.0},
         {"two times without end", {infinite, infinite}, -1.0},
         {"no number counts as no end", {0.0f, std::nanf("")}, -1.0},
-        {"the smallest of times", {0.0f, std::numeric_limits<float>::denorm_min()}, 1.0 / 1.401298464324817e-45},
+        {"the smallest of times",
+         {0.0f, std::numeric_limits<float>::denorm_min()},
+         1.0 / 1.401298464324817e-45},
     };
     for (RateCase const& row : cases) {
         std::vector<FrameSpec> frames;
@@ -299,7 +305,8 @@ TEST_F(EIDI, AFileCutShortAnywhereFailsOrReadsItsWholeFrames)
     ASSERT_FALSE(Module_Frame(good.get(), 1).empty());
 
     for (std::size_t length = 0; length < whole.size(); ++length) {
-        ClipPtr const clip = Open(Write("cut.ei", Bytes(whole.begin(), whole.begin() + static_cast<long>(length))));
+        ClipPtr const clip =
+            Open(Write("cut.ei", Bytes(whole.begin(), whole.begin() + static_cast<long>(length))));
         if (length < 6 + 35) {
             EXPECT_FALSE(clip) << length;
             continue;
@@ -369,7 +376,49 @@ TEST_F(EIDI, AFrameOfAnotherSizeIsScaledToTheClip)
     EXPECT_EQ(Clip_Frame(clip.get(), 0).size(), 4u * 8 * 1);
 }
 
-// ---- writing ------------------------------------------------------------------------------------------------
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool memoryCanBeLimited = false;
+#elif defined(__has_feature)
+constexpr bool memoryCanBeLimited = !__has_feature(address_sanitizer);
+#else
+constexpr bool memoryCanBeLimited = true;
+#endif
+
+/// Bytes of address space that this process uses.
+rlim_t Address_Space()
+{
+    std::ifstream statm("/proc/self/statm");
+    rlim_t pages = 0;
+    statm >> pages;
+    return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+}
+
+TEST_F(EIDI, AFrameIsReadAndWrittenWithLittleMemory)
+{
+    if (!memoryCanBeLimited) GTEST_SKIP() << "the address sanitizer needs all address space";
+    long const width = 4000, height = 3000;
+    Bytes const pixels = Random_Pixels(width, height, 1);
+    ClipPtr const clip = Create(format, "little.ei", width, height, 25.0);
+    ASSERT_TRUE(Add_Frame_At(clip.get(), 0, pixels));
+    BitmapPtr const bitmap = Make_Bitmap(width, height, pixels);
+    BitmapPtr const read = Make_Bitmap(width, height);
+    Make_Bitmap(width, height);  // freed at once, and kept for the picture that writing makes
+    auto const work = [&] {
+        malloc_trim(0);
+        rlim_t const limit = Address_Space() + (1 << 20);
+        rlimit const space{limit, limit};
+        setrlimit(RLIMIT_AS, &space);
+        bool const isTight = !Alloc_Aligned(4 << 20, 64);
+        bool const isAdded = format->AddFrame(clip.get(), bitmap.get(), 1, nullptr);
+        bool const isRead =
+            format->GetFrame(clip.get(), read.get(), 1, nullptr, width, height, 0, nullptr, 0);
+        bool const isSame = std::memcmp(read->Pixels, pixels.data(), pixels.size()) == 0;
+        std::_Exit(!isTight ? 10 : !isAdded ? 11 : !isRead ? 12 : !isSame ? 13 : 0);
+    };
+    EXPECT_EXIT(work(), testing::ExitedWithCode(0), "");
+}
+
+// ---- writing ---------------------------------------------------------------------------------
 
 struct KindCase {
     char const* why;
@@ -382,8 +431,14 @@ TEST_F(EIDI, WrittenKindsReadBack)
 {
     KindCase const cases[] = {
         {"with alpha", ZV_ALPHA_CHANNEL, 24, 8, 1, [](Pixel p) { return p; }},
-        {"without alpha", ZV_ALPHA_NONE, 24, 0, 1, [](Pixel p) { return Pixel{p[0], p[1], p[2], 255}; }},
-        {"alpha as grey", ZV_ALPHA_LUMINANCE, 8, 0, 256, [](Pixel p) { return Pixel{p[3], p[3], p[3], 255}; }},
+        {"without alpha", ZV_ALPHA_NONE, 24, 0, 1,
+         [](Pixel p) {
+             return Pixel{p[0], p[1], p[2], 255};
+         }},
+        {"alpha as grey", ZV_ALPHA_LUMINANCE, 8, 0, 256,
+         [](Pixel p) {
+             return Pixel{p[3], p[3], p[3], 255};
+         }},
     };
     for (KindCase const& row : cases) {
         for (int32_t compress : {1, 0}) {
@@ -410,7 +465,7 @@ TEST_F(EIDI, WrittenKindsReadBack)
             head.Put8(compress).Put8(row.alphaDepth);
             EXPECT_EQ(Bytes(file.begin(), file.begin() + 6 + 24), head.bytes) << row.why;
             EXPECT_EQ(file[6 + 28] << 8 | file[6 + 29], row.paletteSize);
-            EXPECT_EQ(file[6 + 32 + paletteBytes - 1], row.paletteSize - 1) << "palette of greys";
+            EXPECT_EQ(*(file.begin() + 6 + 32 + paletteBytes - 1), row.paletteSize - 1) << "palette of greys";
 
             long const unitBytes = (row.depth + row.alphaDepth) / 8;
             long const dataSize = file[6 + 24] << 24 | file[6 + 25] << 16 | file[6 + 26] << 8 | file[6 + 27];
@@ -466,7 +521,8 @@ TEST_F(EIDI, FramesOfOtherPixelTypesAreConverted)
     {
         ClipPtr const clip = Create(format, "deep.ei", 16, 3, 25.0);
         ASSERT_TRUE(Add_Frame_At(clip.get(), 0, deep.get()));
-        EXPECT_FALSE(format->AddFrame(clip.get(), deep.get(), 1, nullptr)) << "the module itself takes 8 bits";
+        EXPECT_FALSE(format->AddFrame(clip.get(), deep.get(), 1, nullptr))
+            << "the module itself takes 8 bits";
         Close(clip);
     }
     EXPECT_EQ(Clip_Frame(Open(environment.Spec("deep.ei")).get(), 0), pixels);
@@ -505,8 +561,10 @@ TEST_F(EIDI, AFrameThatDoesNotFitTheDiskIsNotCountedAndTheNextOneTakesItsPlace)
         EXPECT_EQ(clip->RawFrames, 1);
 
         Bytes const file = Read("full.ei");
-        std::size_t const frame = 6 + 35 + static_cast<std::size_t>(file[6 + 25] << 16 | file[6 + 26] << 8 | file[6 + 27]);
-        std::size_t const stored = static_cast<std::size_t>(file[frame + 25] << 16 | file[frame + 26] << 8 | file[frame + 27]);
+        std::size_t const frame =
+            6 + 35 + static_cast<std::size_t>(file[6 + 25] << 16 | file[6 + 26] << 8 | file[6 + 27]);
+        std::size_t const stored =
+            static_cast<std::size_t>(file[frame + 25] << 16 | file[frame + 26] << 8 | file[frame + 27]);
         EXPECT_LE(frame + 35 + stored, file.size()) << "the data size tells of no more than was written";
     }
     Bytes const next = Random_Pixels(width, height, 2);

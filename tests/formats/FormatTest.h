@@ -1,5 +1,5 @@
-// What the tests of the format modules share: clips and bitmaps that free themselves, files made byte by byte, and
-// the entries of a module called directly.
+// What the tests of the format modules share: clips and bitmaps that free themselves, files made byte by
+// byte, and the entries of a module called directly.
 #pragma once
 
 #include "TestEnvironment.h"
@@ -148,7 +148,8 @@ protected:
     {
         BitmapPtr const bitmap = Make_Bitmap(width, height);
         ZVRectT<long> rect;
-        if (!clip->Format->GetFrame(clip, bitmap.get(), frame, &rect, width, height, 0, nullptr, 0)) return {};
+        if (!clip->Format->GetFrame(clip, bitmap.get(), frame, &rect, width, height, 0, nullptr, 0))
+            return {};
         return Pixels_Of(*bitmap);
     }
     static Bytes Module_Frame(ZVClip* clip, long frame)
