@@ -153,7 +153,7 @@ private:
 /// A clip that is written or read over and over again, in turn of its frames, and the same done plainly.
 class FileWork {
 public:
-    FileWork(std::string const& module, uint8_t alphaType) : module_(module), alphaType_(alphaType)
+    FileWork(std::string const& name, uint8_t alphaType) : name_(name), alphaType_(alphaType)
     {
         bitmap_ = AllocBitmapZV(width, height, ZV_BITMAP_RGBA8, nullptr);
         Bytes const picture = Rendered_Picture();
@@ -185,7 +185,7 @@ public:
     void Read()
     {
         if (!clip_) {
-            clip_ = OpenClipZV(Spec().c_str(), ZV_OPEN_NO_ALPHA_GUESS, 1, 0);
+            clip_ = OpenClipZV(session_.Spec(name_).c_str(), ZV_OPEN_NO_ALPHA_GUESS, 1, 0);
             Check(clip_ != nullptr);
         }
         ZVRectT<long> rect;
@@ -210,13 +210,10 @@ private:
         if (!isDone) throw std::runtime_error("a frame could not be read or written");
     }
 
-    std::string Spec() const { return session_.Spec(module_ == "EIDI" ? "clip.ei" : "clip.flm"); }
-
     void Create()
     {
         clip_ = NewClipZV();
-        clip_->Format = reinterpret_cast<ZVFormatDesc*>(Find_Name(&ZVEnv->formats, module_.c_str()));
-        clip_->FileName = CopyFileSpecZV(Spec().c_str());
+        clip_->FileName = CopyFileSpecZV(session_.Spec(name_).c_str());
         clip_->Width = width;
         clip_->Height = height;
         clip_->Media = ZV_MEDIA_VIDEO;
@@ -228,7 +225,7 @@ private:
     void Leave() { FreeClipZV(std::exchange(clip_, nullptr)); }
 
     Session session_;
-    std::string module_;
+    std::string name_;
     uint8_t alphaType_;
     ZVBitmap* bitmap_;
     ZVClip* clip_ = nullptr;
@@ -236,15 +233,16 @@ private:
     int plain_;
 };
 
-void Register_File(std::string const& name, std::string const& module, uint8_t alphaType, double readLimit,
+/// @param fileName  its extension selects the module
+void Register_File(std::string const& name, std::string const& fileName, uint8_t alphaType, double readLimit,
                    double writeLimit)
 {
     Bench::Register(name + "_read", readLimit, [=] {
-        auto const file = std::make_shared<FileWork>(module, alphaType);
+        auto const file = std::make_shared<FileWork>(fileName, alphaType);
         return std::pair([=] { file->Read(); }, [=] { file->Read_Plain(); });
     });
     Bench::Register(name + "_write", writeLimit, [=] {
-        auto const file = std::make_shared<FileWork>(module, alphaType);
+        auto const file = std::make_shared<FileWork>(fileName, alphaType);
         return std::pair([=] { file->Write(); }, [=] { file->Write_Plain(); });
     });
 }
@@ -252,9 +250,9 @@ void Register_File(std::string const& name, std::string const& module, uint8_t a
 [[maybe_unused]] bool const isRegistered = [] {
     Register_Codec("24", 3, 4.0, 6.0);
     Register_Codec("32", 4, 3.0, 5.0);
-    Register_File("filmstrip/frame", "Filmstrip", ZV_ALPHA_CHANNEL, 1.2, 2.0);
-    Register_File("eidi/frame_24", "EIDI", ZV_ALPHA_NONE, 0, 0);
-    Register_File("eidi/frame_32", "EIDI", ZV_ALPHA_CHANNEL, 0, 0);
+    Register_File("filmstrip/frame", "clip.flm", ZV_ALPHA_CHANNEL, 1.2, 2.0);
+    Register_File("eidi/frame_24", "clip.ei", ZV_ALPHA_NONE, 0, 0);
+    Register_File("eidi/frame_32", "clip.ei", ZV_ALPHA_CHANNEL, 0, 0);
     return true;
 }();
 

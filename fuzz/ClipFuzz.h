@@ -30,15 +30,19 @@ private:
     int descriptor_;
 };
 
-/// The module with this display name, in a library that is brought up with the first call.
-inline ZVFormatDesc* Fuzz_Module(char const* name)
+/// The module that gives its files this type, in a library that is brought up with the first call.
+inline ZVFormatDesc* Fuzz_Module(uint32_t fileType)
 {
     if (!ZVEnv) {
         setenv("KL_APP_DATA_DIR", "/nonexistent", 1);  // nothing is to be written
         if (!InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 1, 0)) std::abort();
         InitFormatModulesZV(nullptr);
     }
-    return reinterpret_cast<ZVFormatDesc*>(Find_Name(&ZVEnv->formats, name));
+    for (Node* node = List_First(&ZVEnv->formats); node; node = List_Next(node)) {
+        auto* desc = reinterpret_cast<ZVFormatDesc*>(node);
+        if (desc->FileType == fileType) return desc;
+    }
+    std::abort();
 }
 
 inline void Fuzz_Frame(ZVClip* clip, long frame, long width, long height)
@@ -52,10 +56,10 @@ inline void Fuzz_Frame(ZVClip* clip, long frame, long width, long height)
 /// Opens the bytes and reads frames of every kind: the first ones, the last, ones that are not there, and the
 /// first one scaled.
 /// @param largestExpansion  bytes of a picture that a byte of a file may stand for
-inline void Fuzz_Clip(char const* moduleName, uint8_t const* data, std::size_t size, long largestExpansion)
+inline void Fuzz_Clip(uint32_t fileType, uint8_t const* data, std::size_t size, long largestExpansion)
 {
     constexpr long largestPicture = 1 << 16;  // pixels; larger ones cost time and show nothing new
-    static ZVFormatDesc* const module = Fuzz_Module(moduleName);
+    static ZVFormatDesc* const module = Fuzz_Module(fileType);
     static FuzzFile const file;
     file.Set(data, size);
     std::unique_ptr<ZVClip, decltype([](ZVClip* clip) { FreeClipZV(clip); })> const owner{NewClipZV()};

@@ -57,7 +57,7 @@ static void Fuzz_Packets(uint8_t const* data, std::size_t size, long unitBytes)
 extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(uint8_t const* data,
                                                                              std::size_t size)
 {
-    Fuzz_Clip("EIDI", data, size, 2048);
+    Fuzz_Clip(ZV_FourCC("EIDI"), data, size, 2048);
     for (long unitBytes : {1L, 2L, 3L, 4L})
         Fuzz_Packets(data, std::min<std::size_t>(size, 512), unitBytes);
     return 0;

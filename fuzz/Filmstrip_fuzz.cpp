@@ -4,6 +4,6 @@
 extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(uint8_t const* data,
                                                                              std::size_t size)
 {
-    Fuzz_Clip("Filmstrip", data, size, 1);
+    Fuzz_Clip(ZV_FourCC("Film"), data, size, 1);
     return 0;
 }

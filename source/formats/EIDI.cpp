@@ -7,6 +7,7 @@
 #include "EIDIPackets.h"
 #include "EIDIRows.h"
 #include "FormatModule.h"
+#include "Locale/ZVLibStr.h"
 #include "foundation/HeapBlock.h"
 
 #include <algorithm>
@@ -23,7 +24,6 @@ constexpr long Properties =
     0x10000 | ZV_FORMAT_WRITE | ZV_FORMAT_READ | ZV_FORMAT_MULTIFRAME | ZV_FORMAT_ALPHA;
 constexpr uint32_t FileType = ZV_FourCC("EIDI");
 constexpr uint32_t Creator = ZV_FourCC("EIAD");
-constexpr long NameString = 145;
 constexpr uint32_t FileVersion = 5;
 constexpr long DataSizeOffset = 24;  // in a frame header
 constexpr long LargestSide = 32767;
@@ -453,7 +453,7 @@ long Add_EIDI_Format(ZVScanDesc*)
     constexpr ZVTypePair readTypes[] = {{FileType, ZV_BLANK_CODE}};
     constexpr uint32_t readExtensions[] = {ZV_FourCC("ei\0\0")};
     ZVFormatDesc* desc = Make_Format_Desc(
-        {Format_Name(NameString, "EIDI"), FileType, Creator, readTypes, 1, readExtensions, 1});
+        {Format_Name(ZVSTR_FORMAT_EIDI, "EIDI"), FileType, Creator, readTypes, 1, readExtensions, 1});
     if (!desc) return 0;
     desc->Open = EIDI_Open;
     desc->Close = EIDI_Close;

@@ -5,6 +5,7 @@
 #include "BigEndian.h"
 #include "FilmstripLeader.h"
 #include "FormatModule.h"
+#include "Locale/ZVLibStr.h"
 
 #include <algorithm>
 #include <array>
@@ -17,7 +18,6 @@ constexpr long Properties =
     0x10000 | ZV_FORMAT_WRITE | ZV_FORMAT_READ | ZV_FORMAT_MULTIFRAME | ZV_FORMAT_ALPHA;
 constexpr uint32_t FileType = ZV_FourCC("Film");
 constexpr uint32_t Creator = ZV_FourCC("PrMr");
-constexpr long NameString = 146;
 constexpr long LargestSide = 32767;
 constexpr long PixelBytes = 4;
 
@@ -264,8 +264,8 @@ long Add_Filmstrip_Format(ZVScanDesc*)
 {
     constexpr ZVTypePair readTypes[] = {{FileType, ZV_BLANK_CODE}};
     constexpr uint32_t readExtensions[] = {ZV_FourCC("flm\0")};
-    ZVFormatDesc* desc = Make_Format_Desc(
-        {Format_Name(NameString, "Filmstrip"), FileType, ZV_BLANK_CODE, readTypes, 1, readExtensions, 1});
+    ZVFormatDesc* desc = Make_Format_Desc({Format_Name(ZVSTR_FORMAT_FILMSTRIP, "Filmstrip"), FileType,
+                                           ZV_BLANK_CODE, readTypes, 1, readExtensions, 1});
     if (!desc) return 0;
     desc->Open = Filmstrip_Open;
     desc->Close = Filmstrip_Close;

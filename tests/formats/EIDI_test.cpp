@@ -95,7 +95,7 @@ Pixel Expected_Pixel(Bytes const& row, long bits, Bytes const& palette, long x)
 
 class EIDI : public FormatTest {
 protected:
-    ZVFormatDesc* const format = Module("EIDI");
+    ZVFormatDesc* const format = Module(ZV_FourCC("EIDI"));
 
     ClipPtr Open_Bytes(Bytes const& bytes) const { return Open(Write("read.ei", bytes)); }
 

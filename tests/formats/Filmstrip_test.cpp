@@ -73,7 +73,7 @@ Bytes Random_Pixels(long width, long height, unsigned seed)
 
 class Filmstrip : public FormatTest {
 protected:
-    ZVFormatDesc* const format = Module("Filmstrip");
+    ZVFormatDesc* const format = Module(ZV_FourCC("Film"));
 
     /// The 16 leader lines of each of these frames.
     std::vector<Bytes> Written_Leaders(long width, double rate, std::vector<long> const& frames) const
