@@ -121,17 +121,27 @@ template <int BITS> uint16_t To_Rounded(float value, bool isAlpha)
 
 #if ZV_HAS_VECTORS
 
-// Vectors of one pixel. Max takes its second operand, or leaves the NaN, when the first is one; either
-// converts to 0.
+// Vectors of one pixel. Where Min or Max meets a NaN it gives the second operand or the NaN, and NaN converts
+// to 0 or to a number so low that it saturates to 0.
 
 using FloatTag = hn::FixedTag<float, 4>;
 using IntTag = hn::RebindToSigned<FloatTag>;
 
-inline hn::VFromD<IntTag> Scaled_To_Byte(float const* rgba)
+/// Truncates what is below 2^31. ConvertTo would spend as much again on larger values.
+inline hn::VFromD<IntTag> Truncate_Small(hn::VFromD<FloatTag> value)
+{
+#if HWY_ARCH_X86
+    return hn::VFromD<IntTag>{_mm_cvttps_epi32(value.raw)};
+#else
+    return hn::ConvertTo(IntTag(), value);
+#endif
+}
+
+inline hn::VFromD<IntTag> Scaled_Pixel(float const* rgba)
 {
     FloatTag const df;
     auto const scaled = hn::Mul(hn::LoadU(df, rgba), hn::Set(df, 255.0F));
-    return hn::ConvertTo(IntTag(), hn::Min(hn::Max(scaled, hn::Zero(df)), hn::Set(df, 255.0F)));
+    return Truncate_Small(hn::Min(hn::Set(df, 255.0F), scaled));
 }
 
 inline long To_Byte_Vectors(float const* source, uint8_t* target, long count)
@@ -140,36 +150,55 @@ inline long To_Byte_Vectors(float const* source, uint8_t* target, long count)
     hn::FixedTag<uint8_t, 8> const d8;
     long done = 0;
     for (; count - done >= 8; done += 8) {
-        // In order, as vectors of one block are.
+        // In order, as vectors of one block are; negative numbers saturate to 0.
         auto const both =
-            hn::ReorderDemote2To(d16, Scaled_To_Byte(source + done), Scaled_To_Byte(source + done + 4));
+            hn::ReorderDemote2To(d16, Scaled_Pixel(source + done), Scaled_Pixel(source + done + 4));
         hn::StoreU(hn::DemoteTo(d8, both), d8, target + done);
     }
     return done;
 }
 
-template <int BITS> long To_Rounded_Vectors(float const* source, uint16_t* target, long count)
+using PixelTag = hn::Rebind<uint16_t, FloatTag>;
+
+template <int BITS> hn::VFromD<PixelTag> Low_Bits(hn::VFromD<hn::RebindToUnsigned<FloatTag>> words)
+{
+    auto const inRange = hn::And(words, hn::Set(hn::RebindToUnsigned<FloatTag>(), maximum<BITS>));
+    return hn::DemoteTo(PixelTag(), hn::BitCast(IntTag(), inRange));
+}
+
+template <int BITS> hn::VFromD<PixelTag> Rounded_Pixel(float const* rgba)
 {
     constexpr float infinity = std::numeric_limits<float>::infinity();
     alignas(16) static constexpr float lowest[] = {0.0F, 0.0F, 0.0F, -infinity};
     alignas(16) static constexpr float highest[] = {1.0F, 1.0F, 1.0F, infinity};
     FloatTag const df;
     hn::RebindToUnsigned<FloatTag> const du;
-    hn::Rebind<uint16_t, FloatTag> const d16;
     hn::Repartition<double, FloatTag> const dd;
     hn::Half<FloatTag> const dHalf;
-    auto const low = hn::Load(df, lowest), high = hn::Load(df, highest);
     auto const factor = hn::Set(dd, static_cast<double>(maximum<BITS>)),
                magic = hn::Set(dd, ZV_ROUNDING_MAGIC);
-    auto const mask = hn::Set(du, maximum<BITS>);
-    for (long done = 0; done < count; done += 4) {
-        auto const rgba = hn::Min(hn::Max(hn::LoadU(df, source + done), low), high);
-        // The product is exact, so fusing it with the sum changes nothing.
-        auto const rg = hn::MulAdd(hn::PromoteTo(dd, hn::LowerHalf(dHalf, rgba)), factor, magic);
-        auto const ba = hn::MulAdd(hn::PromoteTo(dd, hn::UpperHalf(dHalf, rgba)), factor, magic);
-        auto const rounded = hn::And(hn::ConcatEven(du, hn::BitCast(du, ba), hn::BitCast(du, rg)), mask);
-        hn::StoreU(hn::DemoteTo(d16, hn::BitCast(IntTag(), rounded)), d16, target + done);
+    auto const clamped = hn::Min(hn::Max(hn::LoadU(df, rgba), hn::Load(df, lowest)), hn::Load(df, highest));
+#if HWY_NATIVE_FMA
+    // 1.5 * 2^23 does in single precision what the constant of f_round does in double: the exact product is
+    // rounded once, at the place of the integer. An alpha that leaves 22 bits, or is a NaN, goes the long
+    // way.
+    if (hn::AllTrue(df, hn::Lt(hn::Abs(clamped), hn::Set(df, 64.0F)))) {
+        auto const sum =
+            hn::MulAdd(clamped, hn::Set(df, static_cast<float>(maximum<BITS>)), hn::Set(df, 12582912.0F));
+        return Low_Bits<BITS>(hn::BitCast(du, sum));
     }
+#endif
+    // The product is exact, so fusing it with the sum changes nothing.
+    auto const rg = hn::MulAdd(hn::PromoteTo(dd, hn::LowerHalf(dHalf, clamped)), factor, magic);
+    auto const ba = hn::MulAdd(hn::PromoteTo(dd, hn::UpperHalf(dHalf, clamped)), factor, magic);
+    auto const rounded = hn::ConcatEven(du, hn::BitCast(du, ba), hn::BitCast(du, rg));
+    return Low_Bits<BITS>(rounded);
+}
+
+template <int BITS> long To_Rounded_Vectors(float const* source, uint16_t* target, long count)
+{
+    for (long done = 0; done < count; done += 4)
+        hn::StoreU(Rounded_Pixel<BITS>(source + done), PixelTag(), target + done);
     return count;
 }
 
@@ -186,6 +215,46 @@ template <typename From, typename To> typename To::Channel Convert_Integer(typen
     else
         return Widen<From::bits, To::bits>(value);
 }
+
+#if ZV_HAS_VECTORS
+
+template <int FROM, int TO> Pair Widen_Pair(Pair values)
+{
+    PairTag const d;
+    auto const whole = hn::Mul(values, hn::Set(d, static_cast<uint16_t>(maximum<TO> / maximum<FROM>)));
+    if constexpr (maximum<TO> % maximum<FROM> == 0) {
+        return whole;
+    } else {
+        constexpr WideningRest rest = Find_Widening_Rest<FROM, TO>();
+        return hn::Add(whole, hn::MulHigh(hn::Add(values, hn::Set(d, rest.offset)), hn::Set(d, rest.factor)));
+    }
+}
+
+template <typename From, typename To> Pair Convert_Pair(uint8_t const* pixels)
+{
+    if constexpr (From::bits == 32) {
+        auto const* const rgba = reinterpret_cast<float const*>(pixels);
+        return hn::Combine(PairTag(), Rounded_Pixel<To::bits>(rgba + 4), Rounded_Pixel<To::bits>(rgba));
+    } else if constexpr (To::bits < From::bits) {
+        return hn::ShiftRight<From::bits - To::bits>(From::Load_Pair(pixels));
+    } else {
+        return Widen_Pair<From::bits, To::bits>(From::Load_Pair(pixels));
+    }
+}
+
+/// Converts between RGBA types, one of them packed, to integers without a step between: two pixels at
+/// a time, as long as both can be loaded and stored. Tells how many.
+template <typename From, typename To> long Convert_Pairs(uint8_t const* source, uint8_t* target, long count)
+{
+    long done = 0;
+    for (;
+         (count - done) * From::packSize >= From::pairBytes && (count - done) * To::packSize >= To::pairBytes;
+         done += 2)
+        To::Store_Pair(Convert_Pair<From, To>(source + done * From::packSize), target + done * To::packSize);
+    return done;
+}
+
+#endif
 
 template <int BITS, typename Channel>
 void From_Float_Channels(AnyPlace<float> const* HWY_RESTRICT source, AnyPlace<Channel>* HWY_RESTRICT target,

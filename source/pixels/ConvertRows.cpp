@@ -54,7 +54,12 @@ template <typename From, typename To> void Convert_Row(void const* source, void*
     } else {
         auto const* const from = static_cast<unsigned char const*>(source);
         auto* const to = static_cast<unsigned char*>(target);
-        for (long done = 0; done < count; done += stagePixels)
+        long done = 0;
+#if ZV_HAS_VECTORS
+        if constexpr (!From::isNative && !To::isNative && To::bits < 32)
+            done = Convert_Pairs<From, To>(from, to, count);
+#endif
+        for (; done < count; done += stagePixels)
             Convert_Stage<From, To>(from + done * From::packSize, to + done * To::packSize,
                                     std::min(stagePixels, count - done));
     }

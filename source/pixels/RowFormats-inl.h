@@ -26,12 +26,41 @@ template <typename T> struct [[gnu::packed, gnu::may_alias]] AnyPlace
     T value;
 };
 
+#if ZV_HAS_VECTORS
+// Integer formats load and store two pixels as the eight lanes of a vector.
+using PairTag = hn::FixedTag<uint16_t, 8>;
+using Pair = hn::VFromD<PairTag>;
+#endif
+
 template <typename T, int BITS> struct FlatFormat {
     using Channel = T;
     static constexpr int bits = BITS;
     static constexpr long packSize = 4 * sizeof(T);
     static constexpr bool isPacked = false;
     static constexpr bool isNative = false;
+
+#if ZV_HAS_VECTORS
+    static constexpr long pairBytes = 2 * packSize;  // what a load reads and a store writes
+
+    static Pair Load_Pair(uint8_t const* pixels)
+    {
+        if constexpr (BITS == 8)
+            return hn::PromoteTo(PairTag(), hn::LoadU(hn::FixedTag<uint8_t, 8>(), pixels));
+        else
+            return hn::BitCast(PairTag(), hn::LoadU(hn::FixedTag<uint8_t, 16>(), pixels));
+    }
+
+    static void Store_Pair(Pair channels, uint8_t* pixels)
+    {
+        if constexpr (BITS == 8) {
+            auto const values = hn::BitCast(hn::RebindToSigned<PairTag>(), channels);
+            hn::StoreU(hn::DemoteTo(hn::FixedTag<uint8_t, 8>(), values), hn::FixedTag<uint8_t, 8>(), pixels);
+        } else {
+            hn::FixedTag<uint8_t, 16> const d8;
+            hn::StoreU(hn::BitCast(d8, channels), d8, pixels);
+        }
+    }
+#endif
 };
 using FormatRGBA8 = FlatFormat<uint8_t, 8>;
 using FormatRGBA16 = FlatFormat<uint16_t, 16>;
@@ -41,7 +70,8 @@ using FormatRGBAFloat = FlatFormat<float, 32>;
 
 #if ZV_HAS_VECTORS
 
-/// Where the eight channels of two packed pixels lie: each within two bytes, highest first.
+/// Where the eight channels of two packed pixels lie: each within two bytes, highest first. Of the 16 bytes
+/// that are loaded or stored the first ones count.
 template <int BITS> struct PackedTables {
     // A shuffle by `pairs` brings the two bytes into a lane; times `raise` the channel stands at the lane's
     // top.
@@ -68,43 +98,6 @@ template <int BITS> struct PackedTables {
     }
 };
 
-/// Unpacks pixels two at a time, as long as 16 bytes can be read, and tells how many.
-template <int BITS> long Unpack_Vectors(uint8_t const* source, uint16_t* channels, long count)
-{
-    static constexpr PackedTables<BITS> tables;
-    constexpr long packSize = BITS / 2;
-    hn::FixedTag<uint8_t, 16> const d8;
-    hn::FixedTag<uint16_t, 8> const d16;
-    auto const pairs = hn::Load(d8, tables.pairs);
-    auto const raise = hn::Load(d16, tables.raise);
-    long done = 0;
-    for (; (count - done) * packSize >= 16; done += 2) {
-        auto const lanes = hn::TableLookupBytes(hn::LoadU(d8, source + done * packSize), pairs);
-        auto const raised = hn::Mul(hn::BitCast(d16, lanes), raise);
-        hn::StoreU(hn::ShiftRight<16 - BITS>(raised), d16, channels + done * 4);
-    }
-    return done;
-}
-
-/// Packs pixels two at a time, as long as 16 bytes can be written, and tells how many.
-template <int BITS> long Pack_Vectors(uint16_t const* channels, uint8_t* target, long count)
-{
-    static constexpr PackedTables<BITS> tables;
-    constexpr long packSize = BITS / 2;
-    hn::FixedTag<uint8_t, 16> const d8;
-    hn::FixedTag<uint16_t, 8> const d16;
-    auto const place = hn::Load(d16, tables.place);
-    auto const highs = hn::Load(d8, tables.highs), lows = hn::Load(d8, tables.lows);
-    long done = 0;
-    for (; (count - done) * packSize >= 16; done += 2) {
-        auto const placed = hn::BitCast(d8, hn::Mul(hn::LoadU(d16, channels + done * 4), place));
-        auto const pixels =
-            hn::Or(hn::TableLookupBytesOr0(placed, highs), hn::TableLookupBytesOr0(placed, lows));
-        hn::StoreU(pixels, d8, target + done * packSize);
-    }
-    return done;
-}
-
 #endif
 
 template <typename Pixel> struct PackedFormat {
@@ -114,13 +107,37 @@ template <typename Pixel> struct PackedFormat {
     static constexpr bool isPacked = true;
     static constexpr bool isNative = false;
 
+#if ZV_HAS_VECTORS
+    static constexpr long pairBytes = 16;
+
+    static Pair Load_Pair(uint8_t const* pixels)
+    {
+        hn::FixedTag<uint8_t, 16> const d8;
+        auto const lanes = hn::TableLookupBytes(hn::LoadU(d8, pixels), hn::Load(d8, tables.pairs));
+        return hn::ShiftRight<16 - bits>(
+            hn::Mul(hn::BitCast(PairTag(), lanes), hn::Load(PairTag(), tables.raise)));
+    }
+
+    static void Store_Pair(Pair channels, uint8_t* pixels)
+    {
+        hn::FixedTag<uint8_t, 16> const d8;
+        auto const placed = hn::BitCast(d8, hn::Mul(channels, hn::Load(PairTag(), tables.place)));
+        hn::StoreU(hn::Or(hn::TableLookupBytesOr0(placed, hn::Load(d8, tables.highs)),
+                          hn::TableLookupBytesOr0(placed, hn::Load(d8, tables.lows))),
+                   d8, pixels);
+    }
+
+    static constexpr PackedTables<bits> tables{};
+#endif
+
     static void Unpack(void const* source, void* target, long count)
     {
         auto const* const bytes = static_cast<uint8_t const*>(source);
         auto* const channels = static_cast<uint16_t*>(target);
         long done = 0;
 #if ZV_HAS_VECTORS
-        done = Unpack_Vectors<bits>(bytes, channels, count);
+        for (; (count - done) * packSize >= pairBytes; done += 2)
+            hn::StoreU(Load_Pair(bytes + done * packSize), PairTag(), channels + done * 4);
 #endif
         for (; done < count; ++done) {
             uint16_t* const rgba = channels + done * 4;
@@ -135,7 +152,8 @@ template <typename Pixel> struct PackedFormat {
         auto* const bytes = static_cast<uint8_t*>(target);
         long done = 0;
 #if ZV_HAS_VECTORS
-        done = Pack_Vectors<bits>(channels, bytes, count);
+        for (; (count - done) * packSize >= pairBytes; done += 2)
+            Store_Pair(hn::LoadU(PairTag(), channels + done * 4), bytes + done * packSize);
 #endif
         for (; done < count; ++done) {
             uint16_t const* const rgba = channels + done * 4;

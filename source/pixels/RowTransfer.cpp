@@ -72,8 +72,10 @@ void Convert_Rows(ZVSourceRows source, ZVRowFormat from, ZVTargetRows target, ZV
         width *= height;
         height = 1;
     }
-    // A target that keeps its pad bytes is read as well, so there is nothing to gain.
-    bool const isStream = to != ROW_NATIVE32 && Is_Beyond_Cache((fromPack + toPack) * width * height);
+    // The pass through the buffer pays where reading the target's lines first would be most of the traffic. A
+    // target that keeps its pad bytes is read in any case.
+    bool const isStream =
+        to != ROW_NATIVE32 && toPack >= 2 * fromPack && Is_Beyond_Cache((fromPack + toPack) * width * height);
     for (long y = 0; y < height; ++y) {
         unsigned char const* const fromRow = source.first + y * source.rowBytes;
         unsigned char* const toRow = target.first + y * target.rowBytes;
