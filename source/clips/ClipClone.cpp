@@ -72,8 +72,8 @@ bool Copy_Layers(List const& source, List& out)
         if (!layer) return false;
         *layer = *reinterpret_cast<ZVClipLayer*>(node);
         layer->Node = {};
-        AddName(&layer->Node, node->name);
         AddTail(&out, &layer->Node);
+        if (node->name && !AddName(&layer->Node, node->name)) return false;
     }
     return true;
 }

@@ -7,6 +7,7 @@
 #include "EIDIPackets.h"
 #include "EIDIRows.h"
 #include "FormatModule.h"
+#include "Locale/ZVLibStr.h"
 #include "foundation/HeapBlock.h"
 
 #include <algorithm>
@@ -23,14 +24,12 @@ constexpr long Properties =
     0x10000 | ZV_FORMAT_WRITE | ZV_FORMAT_READ | ZV_FORMAT_MULTIFRAME | ZV_FORMAT_ALPHA;
 constexpr uint32_t FileType = ZV_FourCC("EIDI");
 constexpr uint32_t Creator = ZV_FourCC("EIAD");
-constexpr long NameString = 145;
 constexpr uint32_t FileVersion = 5;
 constexpr long DataSizeOffset = 24;  // in a frame header
 constexpr long LargestSide = 32767;
 constexpr double UnknownRate = -1.0;
 
-/// Bytes of an RGBA8 picture that a byte of a file can stand for at most: two bytes make 128 units of eight
-/// pixels.
+/// Bytes of a picture that one byte of a file may stand for: two make at most 128 units of eight pixels.
 constexpr int64_t LargestExpansion = 2048;
 
 /// ModuleData of an EIDI clip.
@@ -67,9 +66,8 @@ void Release(ZVClip* clip)
 }
 
 /// @param length  that of the file
-/// @return  false for a header that breaks the rules, is cut off, or tells of a picture larger than any file
-/// of
-///          this length can hold
+/// @return  false for a header that breaks the rules, is cut off, or tells of a picture larger than a
+///          file of this length can hold
 bool Read_Head(ZVFileInfo* file, int64_t length, int64_t offset, FrameHead& head)
 {
     int64_t const size = std::min<int64_t>(EIDILargestHead, length - offset);
@@ -93,8 +91,7 @@ bool Note_Frame(EIDIClip& eidi, int64_t offset)
     }
 }
 
-// ---- opening
-// ------------------------------------------------------------------------------------------------
+// ---- opening ---------------------------------------------------------------------------------------------
 
 double Frame_Rate(double duration)
 {
@@ -102,8 +99,8 @@ double Frame_Rate(double duration)
     return duration > 0.0 && std::isfinite(duration) && std::isfinite(rate) ? rate : UnknownRate;
 }
 
-/// Notes where frames begin, up to `count` of them or to the first bad header, and the time between the last
-/// two.
+/// Notes where frames begin, up to `count` of them or to the first bad header, and works out the time between
+/// the last two.
 /// @return  false when memory runs out
 bool Walk_Frames(EIDIClip& eidi, int64_t length, uint32_t count, double& duration)
 {
@@ -120,8 +117,7 @@ bool Walk_Frames(EIDIClip& eidi, int64_t length, uint32_t count, double& duratio
     return true;
 }
 
-/// The clip has as many frames as the file tells of; those behind the first bad header fail when they are
-/// read.
+/// The clip has as many frames as the file tells of. Those behind the first bad header cannot be read.
 long EIDI_Open(ZVClip* clip, TagItem*)
 {
     if (clip->ModuleData) return 1;
@@ -155,8 +151,7 @@ long EIDI_Open(ZVClip* clip, TagItem*)
     return 1;
 }
 
-// ---- reading
-// ------------------------------------------------------------------------------------------------
+// ---- reading ---------------------------------------------------------------------------------------------
 
 /// Memory for `rows` rows, or for as many as can be had, down to one. Null without even that.
 /// @param sizeOf  bytes for a number of rows
@@ -238,8 +233,7 @@ bool Decode_Frame(ZVFileInfo* file, int64_t length, FrameHead const& head, unsig
 {
     EIDIFrameHeader const& header = head.header;
     int64_t const start = head.Data_Offset();
-    // A writer that died inside a frame has left a size of 0; the pixels that it wrote are there all the
-    // same.
+    // A writer that died inside a frame has left a size of 0, and all the same the pixels that it got to.
     int64_t const end = header.dataSize ? std::min(length, start + header.dataSize) : length;
     int64_t const rowBytes = header.Row_Bytes();
     int64_t const rowSpace = rowBytes + EIDISlack;
@@ -260,8 +254,7 @@ bool Decode_Frame(ZVFileInfo* file, int64_t length, FrameHead const& head, unsig
     return Decode_Rows(window, head, block.get(), picture);
 }
 
-/// 0 for a frame that is not whole in the file, so that the caller's stand-in is shown rather than stray
-/// memory.
+/// A frame that is not whole in the file answers 0: the caller's stand-in is shown rather than stray memory.
 long EIDI_GetFrame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long>*, long, long, long, void*, long)
 {
     EIDIClip const* eidi = State_Of(clip);
@@ -275,8 +268,7 @@ long EIDI_GetFrame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long>*, l
     });
 }
 
-// ---- writing
-// ------------------------------------------------------------------------------------------------
+// ---- writing ---------------------------------------------------------------------------------------------
 
 /// One 32-bit number: 1 to compress, 0 not to.
 ZVFormatParams* Default_Params()
@@ -307,8 +299,7 @@ bool Write_File_Header(EIDIClip const& eidi, long frames)
     return Write_At(eidi.file.get(), 0, bytes.data(), bytes.size());
 }
 
-/// The file holds 8 bits a channel, so the clip becomes an 8-bit one and frames are converted on their way
-/// here.
+/// The file holds 8 bits a channel, so the clip becomes one of 8 bits and frames arrive converted.
 long EIDI_Create(ZVClip* clip, unsigned long)
 {
     Release(clip);
@@ -385,8 +376,7 @@ bool Write_Rows(ZVFileInfo* file, int64_t offset, EIDIFrameHeader const& header,
     return true;
 }
 
-/// Stores how many bytes of pixels got written, be they all or not, and leaves the error number of a failed
-/// write.
+/// Stores how many bytes of pixels got written, be they all or not. Keeps the error number of a failed write.
 bool Patch_Data_Size(EIDIClip const& eidi, int64_t dataOffset)
 {
     unsigned long const failure = GetErrorZV();
@@ -463,7 +453,7 @@ long Add_EIDI_Format(ZVScanDesc*)
     constexpr ZVTypePair readTypes[] = {{FileType, ZV_BLANK_CODE}};
     constexpr uint32_t readExtensions[] = {ZV_FourCC("ei\0\0")};
     ZVFormatDesc* desc = Make_Format_Desc(
-        {Format_Name(NameString, "EIDI"), FileType, Creator, readTypes, 1, readExtensions, 1});
+        {Format_Name(ZVSTR_FORMAT_EIDI, "EIDI"), FileType, Creator, readTypes, 1, readExtensions, 1});
     if (!desc) return 0;
     desc->Open = EIDI_Open;
     desc->Close = EIDI_Close;

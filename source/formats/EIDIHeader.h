@@ -36,8 +36,8 @@ struct EIDIFrameHeader {
     int64_t Head_Size() const { return EIDIFrameHeaderSize + paletteSize * EIDIPaletteEntrySize; }
 };
 
-/// @return  false when a field breaks the rules of the format or the picture is empty; `header` is then as it
-/// was
+/// @return  false, with `header` as it was, when a field breaks the rules of the format or the picture is
+/// empty
 ZV_API bool Parse_EIDI_Frame(std::span<uint8_t const, EIDIFrameHeaderSize> bytes, EIDIFrameHeader& header);
 ZV_API void Store_EIDI_Frame(EIDIFrameHeader const& header, std::span<uint8_t, EIDIFrameHeaderSize> bytes);
 

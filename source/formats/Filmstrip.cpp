@@ -5,6 +5,7 @@
 #include "BigEndian.h"
 #include "FilmstripLeader.h"
 #include "FormatModule.h"
+#include "Locale/ZVLibStr.h"
 
 #include <algorithm>
 #include <array>
@@ -17,7 +18,6 @@ constexpr long Properties =
     0x10000 | ZV_FORMAT_WRITE | ZV_FORMAT_READ | ZV_FORMAT_MULTIFRAME | ZV_FORMAT_ALPHA;
 constexpr uint32_t FileType = ZV_FourCC("Film");
 constexpr uint32_t Creator = ZV_FourCC("PrMr");
-constexpr long NameString = 146;
 constexpr long LargestSide = 32767;
 constexpr long PixelBytes = 4;
 
@@ -75,8 +75,8 @@ TrailerBytes Make_Trailer(FilmstripTrailer const& trailer)
     return bytes;
 }
 
-/// The 0.1 takes 23.976 and 29.97 to their nominal rates. A rate that 16 bits cannot hold becomes the nearest
-/// one.
+/// The 0.1 takes 23.976 and 29.97 to their nominal rates. What 16 bits cannot hold is brought to their
+/// limits.
 int16_t Stored_Rate(double rate)
 {
     if (std::isnan(rate)) return 0;
@@ -158,8 +158,7 @@ void Filmstrip_Close(ZVClip* clip)
     Release(clip);
 }
 
-/// The file holds 8 bits a channel, so the clip becomes an 8-bit one and frames are converted on their way
-/// here.
+/// The file holds 8 bits a channel, so the clip becomes one of 8 bits and frames arrive converted.
 long Filmstrip_Create(ZVClip* clip, unsigned long)
 {
     Release(clip);
@@ -183,8 +182,7 @@ long Filmstrip_EndIO(ZVClip*, long)
     return 1;
 }
 
-/// 0 for a frame that is not whole in the file, so that the caller's stand-in is shown rather than stray
-/// memory.
+/// A frame that is not whole in the file answers 0: the caller's stand-in is shown rather than stray memory.
 long Filmstrip_GetFrame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long>*, long, long, long, void*,
                         long)
 {
@@ -266,8 +264,8 @@ long Add_Filmstrip_Format(ZVScanDesc*)
 {
     constexpr ZVTypePair readTypes[] = {{FileType, ZV_BLANK_CODE}};
     constexpr uint32_t readExtensions[] = {ZV_FourCC("flm\0")};
-    ZVFormatDesc* desc = Make_Format_Desc(
-        {Format_Name(NameString, "Filmstrip"), FileType, ZV_BLANK_CODE, readTypes, 1, readExtensions, 1});
+    ZVFormatDesc* desc = Make_Format_Desc({Format_Name(ZVSTR_FORMAT_FILMSTRIP, "Filmstrip"), FileType,
+                                           ZV_BLANK_CODE, readTypes, 1, readExtensions, 1});
     if (!desc) return 0;
     desc->Open = Filmstrip_Open;
     desc->Close = Filmstrip_Close;

@@ -27,8 +27,7 @@ bool Read_At(ZVFileInfo* file, int64_t end, int64_t offset, void* destination, i
 /// Writes at `offset`, wherever the position is. False with the error number of the file layer.
 bool Write_At(ZVFileInfo* file, int64_t offset, void const* source, int64_t size);
 
-/// The frame as it is to be stored: a bitmap of the same size and type in the clip's alpha convention, or
-/// null.
+/// The frame as it is to be stored, a bitmap like it in the clip's alpha convention; null without memory.
 BitmapPtr Stored_Frame(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const* region);
 
 /// Lets `read` fill an RGBA8 bitmap of the stored size: the caller's own bitmap where that is one, else a

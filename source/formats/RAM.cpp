@@ -73,8 +73,7 @@ long RAM_GetFrame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long>*, lo
     List const* frames = Frames_Of(clip);
     ZVNativeBitmap const* native = frames ? Bitmap_Of(List_Entry(frames, frame)) : nullptr;
     if (!native) return 0;
-    // Frames may have been added in several sizes; what this one does not cover must not stay as it was
-    // allocated.
+    // Frames may have been added in several sizes; what this one leaves open must not stay as allocated.
     if (native->Width < bitmap->Width || native->Height < bitmap->Height)
         FillBitmapZV(bitmap, clip->Background);
     CopyBitmapZV(native, bitmap, 0, 0, native->Width, native->Height, 0, 0);

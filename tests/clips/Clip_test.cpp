@@ -1,4 +1,5 @@
 // Life of a clip: defaults, creating, closing and freeing, I/O, cloning, default names and scratch files.
+#include "FailingHeap.h"
 #include "clips/ClipFixture.h"
 
 #include <cstring>
@@ -221,6 +222,35 @@ TEST_F(Clip, ATargetKeepsItsOwnIdentity)
     EXPECT_EQ(CloneClipZV(clip, clip), clip);
     EXPECT_STREQ(clip->FileName, take.c_str());
     FreeClipZV(target);
+}
+
+TEST_F(Clip, ACloneThatCannotBeMadeLeavesTheTargetAsItWas)
+{
+    if (!FailingHeap::Is_Available()) GTEST_SKIP();
+    Open();
+    clip->SequenceNumbers = static_cast<long*>(AllocMemZV(10 * sizeof(long), ZV_MEM_CLEAR));
+    ZVTimeValue const time{};
+    ASSERT_TRUE(DeleteFrameZV(clip, &time));
+    ZVClip* const target = NewClipZV();
+    target->FileName = CopyFileSpecZV("Root:\\old");
+    long after = 0;
+    for (bool isDone = false; !isDone; ++after) {
+        FailingHeap heap(after);
+        isDone = CloneClipZV(clip, target) != nullptr;
+        FailingHeap::Recover();
+        if (isDone) break;
+        EXPECT_EQ(GetErrorZV(), ZV_ERR_MEMORY);
+        EXPECT_STREQ(target->FileName, "Root:\\old");
+        EXPECT_FALSE(target->FrameMap || target->SequenceNumbers || target->Frames);
+    }
+    EXPECT_EQ(after, 3) << "name, map and numbers";
+    FreeClipZV(target);
+
+    FailingHeap heap(0);
+    ZVClip* const none = NewClipZV();
+    FailingHeap::Recover();
+    EXPECT_FALSE(none);
+    EXPECT_EQ(GetErrorZV(), ZV_ERR_MEMORY);
 }
 
 TEST_F(Clip, ACloneOfAnOpenClipReadsThroughItsOwnModule)

@@ -1,17 +1,17 @@
 // Writing frames: numbers, names, pixel types, and when the caller's bitmap is free again.
-#include "TestEnvironment.h"
-#include "clips/TestFormat.h"
-
-#include <gtest/gtest.h>
+#include "clips/ClipFixture.h"
 
 #include <atomic>
 #include <cstring>
+#include <numeric>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
 namespace {
+
+using Pixels = std::vector<unsigned char>;
 
 /// A clip under way to a directory of the test's own.
 class FrameWrite : public ::testing::Test {
@@ -28,28 +28,23 @@ protected:
         clip->FrameRate = clip->FileFrameRate = 25.0;
         clip->Frames = 100;
         EXPECT_TRUE(CreateClipZV(clip, 0));
-        bitmap = New_Bitmap(ZV_BITMAP_RGBA8);
     }
-    ~FrameWrite() override
-    {
-        FreeBitmapZV(bitmap);
-        FreeClipZV(clip);
-    }
+    ~FrameWrite() override { FreeClipZV(clip); }
 
     std::string Spec(std::string const& name) const { return environment.Spec(name); }
 
-    static ZVBitmap* New_Bitmap(ZVBitmapType type, long picture = 0)
+    static BitmapBlock New_Bitmap(ZVBitmapType type, long picture = 0)
     {
-        ZVBitmap* made = AllocBitmapZV(8, 6, type, "test");
-        Draw_Test_Picture(made, picture);
+        BitmapBlock made = Make_Bitmap(8, 6, type);
+        Draw_Test_Picture(made.get(), picture);
         return made;
     }
 
     long Add(long frame) { return Add(frame, ZV_TAG_END); }
     template <typename... Tags> long Add(long frame, Tags... tags)
     {
-        ZVTimeValue const time{static_cast<double>(frame), 25.0};
-        return AddFrameZV(clip, bitmap, &time, nullptr, tags...);
+        ZVTimeValue const time = Frame_Time(static_cast<double>(frame));
+        return AddFrameZV(clip, bitmap.get(), &time, nullptr, tags...);
     }
 
     std::string Written_Name() const { return format.Last("AddFrame").fileName; }
@@ -57,7 +52,7 @@ protected:
     TestEnvironment environment;
     TestFormat format{"tst", ZV_FORMAT_READ | ZV_FORMAT_WRITE};
     ZVClip* clip;
-    ZVBitmap* bitmap;
+    BitmapBlock bitmap = New_Bitmap(ZV_BITMAP_RGBA8);
 };
 
 /// Counts its calls, and how many frames the module had seen at the last one.
@@ -103,18 +98,18 @@ TEST_F(FrameWrite, TheTimeNamesTheFrame)
     for (NumberCase row : rows) {
         clip->StartTime = row.start;
         row.tags.push_back({});
-        EXPECT_TRUE(AddFrameZV(clip, bitmap, &row.time, nullptr, row.tags.data())) << row.why;
+        EXPECT_TRUE(AddFrameZV(clip, bitmap.get(), &row.time, nullptr, row.tags.data())) << row.why;
         EXPECT_EQ(format.Last("AddFrame").frame, row.frame) << row.why;
     }
 }
 
 TEST_F(FrameWrite, WhatCannotBeWrittenIsRefused)
 {
-    EXPECT_FALSE(AddFrameZV(nullptr, bitmap, nullptr, nullptr, nullptr));
+    EXPECT_FALSE(AddFrameZV(nullptr, bitmap.get(), nullptr, nullptr, nullptr));
     EXPECT_FALSE(AddFrameZV(clip, nullptr, nullptr, nullptr, nullptr));
     EXPECT_FALSE(Add(0, ZV_ADD_TO_BITMAP, nullptr)) << "neither a target nor a writer";
     ZVTimeValue const never{1e300, 1.0};
-    EXPECT_FALSE(AddFrameZV(clip, bitmap, &never, nullptr, ZV_ADD_FRAME_DIVISOR, -1));
+    EXPECT_FALSE(AddFrameZV(clip, bitmap.get(), &never, nullptr, ZV_ADD_FRAME_DIVISOR, -1));
 
     format.properties = ZV_FORMAT_READ;
     EXPECT_FALSE(Add(0)) << "a module that only reads";
@@ -194,36 +189,35 @@ TEST_F(FrameWrite, TheRegionIsTheWholeBitmapOrTheCallers)
 
 TEST_F(FrameWrite, FramesAreConvertedToTheClipsType)
 {
-    FreeBitmapZV(std::exchange(bitmap, New_Bitmap(ZV_BITMAP_RGBA16, 5)));
-    ZVBitmap* expected = AllocBitmapZV(8, 6, ZV_BITMAP_RGBA8, "test");
-    CopyBitmapZV(bitmap, expected, 0, 0, 8, 6, 0, 0);
+    bitmap = New_Bitmap(ZV_BITMAP_RGBA16, 5);
+    BitmapBlock const expected = Make_Bitmap(8, 6);
+    CopyBitmapZV(bitmap.get(), expected.get(), 0, 0, 8, 6, 0, 0);
 
     Completion done{&format};
     EXPECT_TRUE(Add(0, ZV_ADD_COMPLETION, Completion::Run, ZV_ADD_COMPLETION_DATA, &done));
     EXPECT_EQ(format.Last("AddFrame").type, ZV_BITMAP_RGBA8);
-    EXPECT_EQ(std::memcmp(format.Last("AddFrame").data.data(), expected->Pixels, 8 * 6 * 4), 0);
+    EXPECT_EQ(format.Last("AddFrame").data, Bytes_Of(expected));
     EXPECT_EQ(done.count, 1);
     EXPECT_EQ(done.framesBefore, 0) << "the caller's bitmap is free as soon as it was copied";
 
     format.properties |= ZV_FORMAT_ANY_TYPE;
     EXPECT_TRUE(Add(0, ZV_ADD_COMPLETION, Completion::Run, ZV_ADD_COMPLETION_DATA, &done));
-    EXPECT_EQ(format.Last("AddFrame").bitmap, bitmap);
+    EXPECT_EQ(format.Last("AddFrame").bitmap, bitmap.get());
     EXPECT_EQ(done.count, 2);
     EXPECT_EQ(done.framesBefore, 2) << "without a copy it is free when the module has done with it";
 
     format.properties &= ~ZV_FORMAT_ANY_TYPE;
-    FreeBitmapZV(std::exchange(bitmap, AllocBitmapZV(8, 6, ZV_BITMAP_MONO8, "test")));
+    bitmap = Make_Bitmap(8, 6, ZV_BITMAP_MONO8);
     EXPECT_FALSE(Add(0)) << "there is no conversion from mono";
-    FreeBitmapZV(expected);
 }
 
 TEST_F(FrameWrite, FramesGoToABitmapOrAFunctionInstead)
 {
-    ZVBitmap* target = New_Bitmap(ZV_BITMAP_RGBA8, 1);
+    BitmapBlock const target = New_Bitmap(ZV_BITMAP_RGBA8, 1);
     Completion done{&format};
-    EXPECT_TRUE(
-        Add(3, ZV_ADD_TO_BITMAP, target, ZV_ADD_COMPLETION, Completion::Run, ZV_ADD_COMPLETION_DATA, &done));
-    EXPECT_EQ(std::memcmp(target->Pixels, bitmap->Pixels, static_cast<std::size_t>(bitmap->Size)), 0);
+    EXPECT_TRUE(Add(3, ZV_ADD_TO_BITMAP, target.get(), ZV_ADD_COMPLETION, Completion::Run,
+                    ZV_ADD_COMPLETION_DATA, &done));
+    EXPECT_EQ(Bytes_Of(target), Bytes_Of(bitmap));
     EXPECT_EQ(done.count, 1);
 
     ZVFrameWriter const writer = [](ZVClip*, ZVBitmap*, long frame, ZVRectT<long>* region, long noOverwrite,
@@ -232,13 +226,12 @@ TEST_F(FrameWrite, FramesGoToABitmapOrAFunctionInstead)
         completion(data, argument);
         return frame * 1000 + region->width * 10 + noOverwrite;
     };
-    EXPECT_EQ(Add(3, ZV_ADD_TO_BITMAP, target, ZV_ADD_FUNCTION, writer, ZV_ADD_NO_OVERWRITE, 2,
+    EXPECT_EQ(Add(3, ZV_ADD_TO_BITMAP, target.get(), ZV_ADD_FUNCTION, writer, ZV_ADD_NO_OVERWRITE, 2,
                   ZV_ADD_COMPLETION, Completion::Run, ZV_ADD_COMPLETION_DATA, &done,
                   ZV_ADD_COMPLETION_ARGUMENT, 77),
               3082);
     EXPECT_EQ(done.argument, 77u);
     EXPECT_EQ(format.Count("AddFrame"), 0);
-    FreeBitmapZV(target);
 }
 
 // ---- modules that finish a frame later --------------------------------------------------------------------
@@ -250,7 +243,7 @@ TEST_F(FrameWrite, AnAsynchronousFrameCompletesWhenTheModuleSaysSo)
     Completion done{&format};
     EXPECT_TRUE(Add(4, ZV_ADD_COMPLETION, Completion::Run, ZV_ADD_COMPLETION_DATA, &done,
                     ZV_ADD_COMPLETION_ARGUMENT, 9));
-    EXPECT_EQ(format.Last("AddFrameAsync").bitmap, bitmap)
+    EXPECT_EQ(format.Last("AddFrameAsync").bitmap, bitmap.get())
         << "no copy: the caller keeps the bitmap until then";
     EXPECT_EQ(format.Last("AddFrameAsync").fileName, Spec("shot004.tst"));
     EXPECT_EQ(clip->FileName, Spec("shot[###].tst"));
@@ -265,14 +258,14 @@ TEST_F(FrameWrite, AConvertedFrameOutlivesTheCallersBitmap)
     format.desc->AddFrameAsync = TestFormat::AddFrameAsync;
     format.completesAtOnce = false;
     for (bool withCompletion : {false, true}) {
-        FreeBitmapZV(std::exchange(bitmap, New_Bitmap(ZV_BITMAP_RGBA16)));
+        bitmap = New_Bitmap(ZV_BITMAP_RGBA16);
         Completion done{&format};
         EXPECT_TRUE(withCompletion ? Add(0, ZV_ADD_COMPLETION, Completion::Run, ZV_ADD_COMPLETION_DATA, &done)
                                    : Add(0));
         EXPECT_EQ(done.count, withCompletion);
-        FreeBitmapZV(std::exchange(bitmap, nullptr));
+        bitmap.reset();
         ZVBitmap const* copy = format.pending.at(0).params->Bitmap;
-        std::vector<unsigned char> const pixels(copy->Pixels, copy->Pixels + copy->Size);
+        Pixels const pixels(copy->Pixels, copy->Pixels + copy->Size);
         EXPECT_EQ(pixels, format.Last("AddFrameAsync").data);
         format.Complete_Pending();
         EXPECT_EQ(done.count, withCompletion) << "it ran already";
@@ -317,23 +310,20 @@ TEST_F(FrameWrite, FramesCompleteOnOtherThreads)
     std::vector<unsigned long> sums;
     for (long i = 0; i < frameCount; ++i) {
         // In turn: waited for, converted first, and completed by the caller's function.
-        ZVBitmapType const type = i % 3 == 1 ? ZV_BITMAP_RGBA16 : ZV_BITMAP_RGBA8;
-        FreeBitmapZV(std::exchange(bitmap, New_Bitmap(type, i)));
-        ZVBitmap* frame = New_Bitmap(ZV_BITMAP_RGBA8, i);
-        CopyBitmapZV(bitmap, frame, 0, 0, 8, 6, 0, 0);
-        unsigned long sum = 0;
-        for (long byte = 0; byte < frame->Size; ++byte)
-            sum += frame->Pixels[byte];
-        sums.push_back(sum);
-        if (i % 3 != 2) FreeBitmapZV(std::exchange(frame, nullptr));
-
-        ZVTimeValue const time{static_cast<double>(i), 25.0};
-        if (frame)
-            EXPECT_TRUE(AddFrameZV(clip, frame, &time, nullptr, ZV_ADD_COMPLETION, +complete,
-                                   ZV_ADD_COMPLETION_DATA, frame));
-        else
+        bitmap = New_Bitmap(i % 3 == 1 ? ZV_BITMAP_RGBA16 : ZV_BITMAP_RGBA8, i);
+        BitmapBlock frame = Make_Bitmap(8, 6);
+        CopyBitmapZV(bitmap.get(), frame.get(), 0, 0, 8, 6, 0, 0);
+        Pixels const pixels = Bytes_Of(frame);
+        sums.push_back(std::accumulate(pixels.begin(), pixels.end(), 0ul));
+        if (i % 3 == 2) {
+            ZVTimeValue const time = Frame_Time(static_cast<double>(i));
+            EXPECT_TRUE(AddFrameZV(clip, frame.get(), &time, nullptr, ZV_ADD_COMPLETION, +complete,
+                                   ZV_ADD_COMPLETION_DATA, frame.get()));
+            frame.release();
+        } else {
             EXPECT_TRUE(Add(i));
-        if (i % 3 != 2) std::memset(bitmap->Pixels, 0, static_cast<std::size_t>(bitmap->Size));
+            std::memset(bitmap->Pixels, 0, static_cast<std::size_t>(bitmap->Size));
+        }
     }
     for (std::size_t i = 0; i < workers.size(); ++i) {
         workers[i].thread.join();

@@ -1,11 +1,9 @@
 // Writing under pull-down: which fields of which film frames the video frames show, and that reading takes
 // them apart again.
-#include "TestEnvironment.h"
-#include "clips/TestFormat.h"
-
-#include <gtest/gtest.h>
+#include "clips/ClipFixture.h"
 
 #include <cstring>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -30,23 +28,14 @@ void PrintTo(VideoFrame const& frame, std::ostream* out)
 
 using Pixels = std::vector<unsigned char>;
 
-Pixels Pixels_Of(ZVBitmap const& bitmap)
-{
-    return {bitmap.Pixels, bitmap.Pixels + bitmap.Size};
-}
-
 class PullDownWrite : public ::testing::Test {
 protected:
-    PullDownWrite() : bitmap(AllocBitmapZV(width, height, ZV_BITMAP_RGBA8, "test"))
+    PullDownWrite()
     {
-        for (long i = 0; i < filmFrames; ++i) {
-            Draw_Test_Picture(bitmap, i);
-            pictures.push_back(Pixels_Of(*bitmap));
-        }
-        FillBitmapZV(bitmap, background);
-        pictures.push_back(Pixels_Of(*bitmap));
+        for (long i = 0; i < filmFrames; ++i)
+            pictures.push_back(Picture_Bytes(i, width, height));
+        pictures.push_back(Filled_Bytes(background, width, height));
     }
-    ~PullDownWrite() override { FreeBitmapZV(bitmap); }
 
     ZVClip* Begin(long phase, uint8_t fieldOrder)
     {
@@ -71,10 +60,10 @@ protected:
     template <typename... Tags> long Add(ZVClip* clip, long frame, Tags... tags)
     {
         ZVTimeValue const time{static_cast<double>(frame), 24.0};
-        Draw_Test_Picture(bitmap, frame);
+        Draw_Test_Picture(bitmap.get(), frame);
         long const answer =
-            AddFrameZV(clip, bitmap, &time, nullptr, tags..., static_cast<unsigned long>(ZV_TAG_END));
-        EXPECT_EQ(Pixels_Of(*bitmap), pictures.at(static_cast<std::size_t>(frame))) << "the caller's pixels";
+            AddFrameZV(clip, bitmap.get(), &time, nullptr, tags..., static_cast<unsigned long>(ZV_TAG_END));
+        EXPECT_EQ(Bytes_Of(bitmap), pictures.at(static_cast<std::size_t>(frame))) << "the caller's pixels";
         return answer;
     }
 
@@ -105,7 +94,7 @@ protected:
 
     TestEnvironment environment;
     TestFormat format;
-    ZVBitmap* bitmap;
+    BitmapBlock bitmap = Make_Bitmap(width, height);
     std::vector<Pixels> pictures;  ///< of the film frames, then Background
 };
 
@@ -185,15 +174,50 @@ TEST_F(PullDownWrite, AFailureLeavesTheCallersPixels)
     EXPECT_FALSE(Add(clip, 4));
     EXPECT_EQ(format.Count("AddFrame"), 5) << "without its mixed frame the whole one is not tried";
 
-    ZVBitmap* other = AllocBitmapZV(width, height, ZV_BITMAP_RGBA16, "test");
-    EXPECT_FALSE(AddFrameZV(clip, other, nullptr, nullptr, ZV_ADD_FIRST_FRAME, 1)) << "type changed in a run";
+    BitmapBlock other = Make_Bitmap(width, height, ZV_BITMAP_RGBA16);
+    EXPECT_FALSE(AddFrameZV(clip, other.get(), nullptr, nullptr, ZV_ADD_FIRST_FRAME, 1))
+        << "type changed in a run";
     EXPECT_TRUE(clip->FieldBitmap && clip->FieldBitmap->Type == ZV_BITMAP_RGBA8);
     format.failing.clear();
-    EXPECT_TRUE(AddFrameZV(clip, other, nullptr, nullptr, nullptr)) << "a new run may have another";
-    FreeBitmapZV(other);
-    other = AllocBitmapZV(width + 1, height, ZV_BITMAP_RGBA8, "test");
-    EXPECT_FALSE(AddFrameZV(clip, other, nullptr, nullptr, nullptr)) << "not the clip's size";
-    FreeBitmapZV(other);
+    EXPECT_TRUE(AddFrameZV(clip, other.get(), nullptr, nullptr, nullptr)) << "a new run may have another";
+    other = Make_Bitmap(width + 1, height);
+    EXPECT_FALSE(AddFrameZV(clip, other.get(), nullptr, nullptr, nullptr)) << "not the clip's size";
+    FreeClipZV(clip);
+}
+
+/// Takes its time, and looks at the frame only then.
+struct SlowWriter {
+    static inline std::vector<std::thread> threads;
+    static inline std::vector<Pixels> frames;
+
+    static long Add(ZVClip*, ZVBitmap* frame, long number, ZVRectT<long>*, ZVFrameCompletion completion,
+                    ZVCompletionParams* params, long)
+    {
+        threads.emplace_back([=] {
+            Delay(1);
+            Pixels& seen = frames.at(static_cast<std::size_t>(number));
+            seen.assign(frame->Pixels, frame->Pixels + frame->Size);
+            completion(params, 1);
+        });
+        return 1;
+    }
+};
+
+TEST_F(PullDownWrite, AModuleThatFinishesLaterSeesTheMixedFrame)
+{
+    SlowWriter::frames.assign(8, {});
+    format.desc->AddFrameAsync = SlowWriter::Add;
+    ZVClip* clip = Begin(1, ZV_FIELDS_UPPER_FIRST);
+    for (long frame = 0; frame < 7; ++frame)
+        EXPECT_TRUE(Add(clip, frame));
+    for (std::thread& thread : SlowWriter::threads)
+        thread.join();
+    SlowWriter::threads.clear();
+    for (VideoFrame const& expected : cadences[0].video) {
+        Pixels const& seen = SlowWriter::frames[static_cast<std::size_t>(expected.number)];
+        EXPECT_EQ(Picture_In_Field(seen, 0), expected.carried) << expected.number;
+        EXPECT_EQ(Picture_In_Field(seen, 1), expected.other) << expected.number;
+    }
     FreeClipZV(clip);
 }
 
@@ -233,9 +257,9 @@ TEST_F(PullDownWrite, ReadingGivesTheFilmBack)
             long const shift = phase >= 4;
             for (long film = 0; film + shift < filmFrames - 1; ++film) {
                 ZVTimeValue const time{static_cast<double>(film), 24.0};
-                ASSERT_TRUE(GetFrameZV(clip, bitmap, &time, nullptr, nullptr));
-                EXPECT_EQ(Picture_In_Field(Pixels_Of(*bitmap), 0), film + shift);
-                EXPECT_EQ(Picture_In_Field(Pixels_Of(*bitmap), 1), film + shift);
+                ASSERT_TRUE(GetFrameZV(clip, bitmap.get(), &time, nullptr, nullptr));
+                EXPECT_EQ(Picture_In_Field(Bytes_Of(bitmap), 0), film + shift);
+                EXPECT_EQ(Picture_In_Field(Bytes_Of(bitmap), 1), film + shift);
             }
             FreeClipZV(clip);
         }

@@ -124,13 +124,13 @@ TEST(EIDIPackets, PixelsThatDifferInOneByteAloneAreNoRun)
 /// A row with runs and noise mixed; `colours` small makes neighbours equal by chance.
 Bytes Random_Row(std::mt19937& random, long width, long unitBytes)
 {
-    unsigned const colours = 1 + random() % 5;
+    unsigned long const colours = 1 + random() % 5;
     Bytes row;
     while (static_cast<long>(row.size()) < width * unitBytes) {
         Bytes unit(static_cast<std::size_t>(unitBytes));
         for (uint8_t& byte : unit)
             byte = static_cast<uint8_t>(random() % colours);
-        for (unsigned repeat = random() % 3 ? 1 : 1 + random() % 300; repeat > 0; --repeat)
+        for (unsigned long repeat = random() % 3 ? 1 : 1 + random() % 300; repeat > 0; --repeat)
             row.insert(row.end(), unit.begin(), unit.end());
     }
     row.resize(static_cast<std::size_t>(width * unitBytes));
@@ -183,8 +183,8 @@ TEST(EIDIPackets, AnyStreamUnpacksWhereverItIsCut)
         long const unitBytes = 1 + static_cast<long>(random() % 4);
         unsigned const longest = turn % 4 ? 128 : 1;  // every fourth stream has single-unit packets only
         Bytes packets;
-        for (unsigned count = 1 + random() % 12; count > 0; --count) {
-            unsigned const length = 1 + random() % longest;
+        for (unsigned long count = 1 + random() % 12; count > 0; --count) {
+            unsigned long const length = 1 + random() % longest;
             bool const isRun = random() % 2;
             packets.push_back(static_cast<uint8_t>(isRun ? length - 1 : length + 127));
             for (long bytes = unitBytes * static_cast<long>(isRun ? 1 : length); bytes > 0; --bytes)

@@ -95,7 +95,7 @@ Pixel Expected_Pixel(Bytes const& row, long bits, Bytes const& palette, long x)
 
 class EIDI : public FormatTest {
 protected:
-    ZVFormatDesc* const format = Module("EIDI");
+    ZVFormatDesc* const format = Module(ZV_FourCC("EIDI"));
 
     ClipPtr Open_Bytes(Bytes const& bytes) const { return Open(Write("read.ei", bytes)); }
 
@@ -418,8 +418,7 @@ TEST_F(EIDI, AFrameIsReadAndWrittenWithLittleMemory)
     EXPECT_EXIT(work(), testing::ExitedWithCode(0), "");
 }
 
-// ---- writing
-// ------------------------------------------------------------------------------------------------
+// ---- writing ---------------------------------------------------------------------------------
 
 struct KindCase {
     char const* why;
@@ -466,7 +465,7 @@ TEST_F(EIDI, WrittenKindsReadBack)
             head.Put8(compress).Put8(row.alphaDepth);
             EXPECT_EQ(Bytes(file.begin(), file.begin() + 6 + 24), head.bytes) << row.why;
             EXPECT_EQ(file[6 + 28] << 8 | file[6 + 29], row.paletteSize);
-            EXPECT_EQ(file[6 + 32 + paletteBytes - 1], row.paletteSize - 1) << "palette of greys";
+            EXPECT_EQ(*(file.begin() + 6 + 32 + paletteBytes - 1), row.paletteSize - 1) << "palette of greys";
 
             long const unitBytes = (row.depth + row.alphaDepth) / 8;
             long const dataSize = file[6 + 24] << 24 | file[6 + 25] << 16 | file[6 + 26] << 8 | file[6 + 27];

@@ -73,7 +73,7 @@ Bytes Random_Pixels(long width, long height, unsigned seed)
 
 class Filmstrip : public FormatTest {
 protected:
-    ZVFormatDesc* const format = Module("Filmstrip");
+    ZVFormatDesc* const format = Module(ZV_FourCC("Film"));
 
     /// The 16 leader lines of each of these frames.
     std::vector<Bytes> Written_Leaders(long width, double rate, std::vector<long> const& frames) const
@@ -97,8 +97,7 @@ protected:
     }
 };
 
-// ---- layout
-// -------------------------------------------------------------------------------------------------
+// ---- layout ---------------------------------------------------------------------------------
 
 TEST_F(Filmstrip, AStripIsFramesLeadersABlankAndATrailer)
 {
@@ -219,8 +218,7 @@ TEST_F(Filmstrip, AReducedClipReadsScaledFrames)
             EXPECT_EQ(half[4 * (4 * y + x)], file.bytes[4 * (8 * 2 * y + 2 * x)]);
 }
 
-// ---- leader
-// -------------------------------------------------------------------------------------------------
+// ---- leader ---------------------------------------------------------------------------------
 
 struct LeaderCase {
     double rate;
@@ -271,14 +269,13 @@ TEST_F(Filmstrip, LeadersOfNarrowFramesAreCutOffAtTheEdges)
 
 TEST_F(Filmstrip, DropFrameTimecodeLeavesOutTwoNumbersAMinuteButTheTenth)
 {
-    // Counts through all numbers that exist, for a little more than twenty minutes, and looks at some of
-    // them.
+    // Counts through all numbers that exist for a little more than twenty minutes, and looks at some.
     std::vector<long> frames;
     std::vector<std::string> timecodes;
     long minute = 0, second = 0, number = 0;
     for (long frame = 0; frame < 37000; ++frame) {
         if (frame % 211 == 0 || (second == 0 && number < 4) || (second == 59 && number == 29)) {
-            char text[16];
+            char text[64];
             std::snprintf(text, sizeof(text), "00:%02ld:%02ld:%02ld", minute, second, number);
             frames.push_back(frame);
             timecodes.push_back(text);
@@ -291,14 +288,13 @@ TEST_F(Filmstrip, DropFrameTimecodeLeavesOutTwoNumbersAMinuteButTheTenth)
     }
     std::vector<Bytes> const leaders = Written_Leaders(150, 29.97, frames);
     for (std::size_t i = 0; i < frames.size(); ++i) {
-        char text[8];
+        char text[32];
         std::snprintf(text, sizeof(text), "%05ld", frames[i]);
         ASSERT_EQ(leaders[i], Drawn_Leader(150, timecodes[i], text)) << frames[i];
     }
 }
 
-// ---- damaged files
-// ------------------------------------------------------------------------------------------
+// ---- damaged files ---------------------------------------------------------------------------------
 
 struct TrailerCase {
     char const* why;
@@ -411,8 +407,7 @@ TEST_F(Filmstrip, AStripThatCannotBeFinishedSaysSoAtClose)
     EXPECT_FALSE(Open(environment.Spec("unfinished.flm")));
 }
 
-// ---- exchange
-// -----------------------------------------------------------------------------------------------
+// ---- exchange ---------------------------------------------------------------------------------
 
 TEST_F(Filmstrip, StripsOfAnotherProgramReadPixelForPixelAndOursThere)
 {

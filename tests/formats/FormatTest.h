@@ -79,10 +79,14 @@ class FormatTest : public EnvironmentTest {
 protected:
     FormatTest() { InitFormatModulesZV(nullptr); }
 
-    /// The registered module with this display name.
-    static ZVFormatDesc* Module(char const* name)
+    /// The registered module that gives its files this type.
+    static ZVFormatDesc* Module(uint32_t fileType)
     {
-        return reinterpret_cast<ZVFormatDesc*>(Find_Name(&ZVEnv->formats, name));
+        for (Node* node = List_First(&ZVEnv->formats); node; node = List_Next(node)) {
+            auto* desc = reinterpret_cast<ZVFormatDesc*>(node);
+            if (desc->FileType == fileType) return desc;
+        }
+        return nullptr;
     }
 
     std::string Write(std::string const& name, Bytes const& bytes) const
