@@ -9,6 +9,7 @@
 #include <exception>
 #include <mutex>
 #include <stop_token>
+#include <sys/uio.h>
 #include <thread>
 #include <unistd.h>
 
@@ -32,6 +33,13 @@ struct ChunkChain {
     bool done = false;
 };
 
+void Count_Chunk(ChunkChain& chain, unsigned long got)
+{
+    chain.next += got;
+    chain.remaining -= got;
+    chain.total += got;
+}
+
 /// Reads the next chunk.
 /// @return  whether another one follows
 bool Read_Next_Chunk(ChunkChain& chain)
@@ -39,9 +47,7 @@ bool Read_Next_Chunk(ChunkChain& chain)
     unsigned long const wanted = std::min(chain.remaining, ChunkSize);
     unsigned long got = wanted;
     chain.error = Mac_Read_Plain(chain.descriptor, &got, chain.next);
-    chain.next += got;
-    chain.remaining -= got;
-    chain.total += got;
+    Count_Chunk(chain, got);
     return chain.error == 0 && got == wanted && chain.remaining > 0;
 }
 
@@ -60,6 +66,25 @@ bool Poll_Says_Stop(ZVPollFunc poll, long* pollResult)
     long const answer = poll();
     if (pollResult) *pollResult = answer;
     return answer != 0;
+}
+
+/// Takes chunks from the page cache while they lie there whole, with a poll now and then: a second thread
+/// would cost more than such a read takes. Failures and the end of the file are left to the plain read.
+/// @return  true when the poll function gave up
+bool Read_Cached_Chunks(ChunkChain& chain, ZVPollFunc poll, long* pollResult)
+{
+    auto polled = std::chrono::steady_clock::now();
+    for (;;) {
+        iovec const chunk = {chain.next, std::min(chain.remaining, ChunkSize)};
+        ssize_t const got = preadv2(chain.descriptor, &chunk, 1, -1, RWF_NOWAIT);
+        if (got <= 0) return false;
+        Count_Chunk(chain, static_cast<unsigned long>(got));
+        if (chain.remaining == 0 || static_cast<std::size_t>(got) < chunk.iov_len) return false;
+        auto const now = std::chrono::steady_clock::now();
+        if (now - polled < PollPause) continue;
+        if (Poll_Says_Stop(poll, pollResult)) return true;
+        polled = now;
+    }
 }
 
 /// Polls until the worker is done; true when the poll function gave up before.
@@ -83,6 +108,8 @@ bool Poll_Between_Chunks(ChunkChain& chain, ZVPollFunc poll, long* pollResult)
 
 bool Run_Polled(ChunkChain& chain, ZVPollFunc poll, long* pollResult)
 {
+    if (Poll_Says_Stop(poll, pollResult) || Read_Cached_Chunks(chain, poll, pollResult)) return true;
+    if (chain.remaining == 0) return false;
     std::jthread worker;
     try {
         worker = std::jthread([&chain](std::stop_token stop) { Run_Chain(stop, chain); });

@@ -4,8 +4,9 @@
 #include "ZVFile.h"
 
 /// Reads one chunk after another, at most 128 KiB each, from the present position of an open file. With a
-/// poll function a worker reads while the calling thread polls; a poll that answers non-zero ends the read,
-/// which returns when the last started chunk is there and puts the position back.
+/// poll function a worker reads what must come from the disk while the calling thread polls; a poll that
+/// answers non-zero ends the read, which returns when the last started chunk is there and puts the position
+/// back.
 /// @param count  bytes wanted; receives the bytes got, 0 after an abort
 /// @return  0 or the errno value of the failure; ECANCELED after an abort
 int Mac_Read_Chunked(int descriptor, unsigned long* count, void* destination, ZVPollFunc poll,

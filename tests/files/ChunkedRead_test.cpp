@@ -5,21 +5,38 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <fcntl.h>
 #include <sys/syscall.h>
+#include <sys/uio.h>
 #include <thread>
 #include <unistd.h>
 
 static std::vector<std::size_t>* readSizes = nullptr;
+static bool isCacheCold = false;
 
 // The library's reads come by here.
-extern "C" __attribute__((visibility("default"))) ssize_t read(int descriptor, void* destination,
-                                                               size_t count)
+#pragma GCC visibility push(default)
+extern "C" {
+ssize_t read(int descriptor, void* destination, size_t count)
 {
     if (readSizes) readSizes->push_back(count);
     return syscall(SYS_read, descriptor, destination, count);
 }
+
+ssize_t preadv2(int descriptor, iovec const* pieces, int count, off_t offset, int flags)
+{
+    if (isCacheCold) {
+        errno = EAGAIN;
+        return -1;
+    }
+    if (readSizes) readSizes->push_back(pieces->iov_len);
+    // The system takes the offset in two words, of which the second does not count here.
+    return syscall(SYS_preadv2, descriptor, pieces, count, offset, 0, flags);
+}
+}
+#pragma GCC visibility pop
 
 namespace {
 
@@ -38,6 +55,7 @@ protected:
         Write_Native(environment.Path("large"), bytes);
         file.reset(OpenFileZV(environment.Spec("large").c_str(), ZVFilePermRead, ZVFileFlagLargeRead));
         pollCalls = 0;
+        isCacheCold = false;
         stopAfter = 1L << 40;
     }
 
@@ -46,12 +64,17 @@ protected:
     OpenFile file;
     Bytes got = Bytes(400000);
     long answer = -1;
+
+    /// Without polls, from the disk, and from the page cache.
+    std::pair<ZVPollFunc, bool> const readings[3] = {
+        {nullptr, true}, {Count_Poll, true}, {Count_Poll, false}};
 };
 
 TEST_F(ChunkedRead, GoesInPiecesOf128Kilobytes)
 {
     std::vector<std::size_t> const expected = {131072, 131072, 37856};
-    for (ZVPollFunc poll : {ZVPollFunc{}, ZVPollFunc{Count_Poll}}) {
+    for (auto const& [poll, isCold] : readings) {
+        isCacheCold = isCold;
         SeekFileZV(file.get(), 0, 0);
         std::vector<std::size_t> sizes;
         readSizes = &sizes;
@@ -67,7 +90,8 @@ TEST_F(ChunkedRead, GoesInPiecesOf128Kilobytes)
 
 TEST_F(ChunkedRead, EndsWithTheFileWithoutAnError)
 {
-    for (ZVPollFunc poll : {ZVPollFunc{}, ZVPollFunc{Count_Poll}}) {
+    for (auto const& [poll, isCold] : readings) {
+        isCacheCold = isCold;
         SeekFileZV(file.get(), 100000, 0);
         unsigned long count = 400000;
         EXPECT_TRUE(File_Read(file.get(), &count, got.data(), poll, nullptr));
@@ -75,6 +99,21 @@ TEST_F(ChunkedRead, EndsWithTheFileWithoutAnError)
         EXPECT_EQ(GetErrorZV(), 0U);
         EXPECT_TRUE(std::equal(bytes.begin() + 100000, bytes.end(), got.begin()));
         EXPECT_FALSE(ReadFileZV(file.get(), got.data(), 1, poll, nullptr)) << "nothing is left";
+    }
+}
+
+TEST_F(ChunkedRead, AnAbortInTheMiddleGoesBackToTheStart)
+{
+    for (bool isCold : {true, false}) {
+        isCacheCold = isCold;
+        for (long polls = 1; polls < 4; ++polls) {
+            stopAfter = polls;
+            pollCalls = 0;
+            SeekFileZV(file.get(), 1000, 0);
+            bool const isWhole = ReadFileZV(file.get(), got.data(), 299000, Count_Poll, &answer);
+            EXPECT_EQ(isWhole, answer == 0);
+            EXPECT_EQ(SeekFileZV(file.get(), 0, 1), isWhole ? 300000 : 1000);
+        }
     }
 }
 
