@@ -299,6 +299,7 @@ TEST_F(FrameEdit, AScratchFileOfAnotherClipIsNotTaken)
 TEST_F(FrameEdit, MemoryThatRunsOutLosesNothing)
 {
     if (!FailingHeap::Is_Available()) GTEST_SKIP();
+    SetErrorModeZV(ZV_ERRORMODE_YES);
     Picture(200);
     std::function<long()> const edits[] = {[this] { return Modify(50, 200); },
                                            [this] { return Insert_Before(50); },

@@ -292,7 +292,9 @@ struct Worker {
     }
 };
 
-TEST_F(FrameWrite, FramesCompleteOnOtherThreads)
+using FrameWriteThreads = FrameWrite;
+
+TEST_F(FrameWriteThreads, FramesCompleteOnOtherThreads)
 {
     constexpr long frameCount = 12;
     format.desc->AddFrameAsync = Worker::Add;

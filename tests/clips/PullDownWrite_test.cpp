@@ -203,7 +203,9 @@ struct SlowWriter {
     }
 };
 
-TEST_F(PullDownWrite, AModuleThatFinishesLaterSeesTheMixedFrame)
+using PullDownWriteThreads = PullDownWrite;
+
+TEST_F(PullDownWriteThreads, AModuleThatFinishesLaterSeesTheMixedFrame)
 {
     SlowWriter::frames.assign(8, {});
     format.desc->AddFrameAsync = SlowWriter::Add;
