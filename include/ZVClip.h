@@ -249,8 +249,14 @@ enum ZVAddTag : unsigned long {
     ZV_ADD_USE_DIVISOR = 16388          ///< 0: ignore the divisor
 };
 
-/// Writes a frame to a created clip, converted to the clip's pixel type and alpha convention. With the clip's
-/// PullDown set, frames must come in order and become video frames. Both names are one operation.
+/// Writes a frame to a created clip, converted to the clip's pixel type; the alpha convention is the module's
+/// to apply. With the clip's PullDown set, frames come in order, have the clip's size and one type, and become
+/// video frames. Both names are one operation.
+///
+/// Without a completion the bitmap is the caller's again when the call returns. With one it must stay as it is
+/// until the completion runs: once for each frame that was taken, on any thread, perhaps before the call
+/// returns. A call that answers 0 may have run it. A writer of ZV_ADD_FUNCTION keeps to the same rules. A frame
+/// refused for ZV_ADD_NO_OVERWRITE leaves error number 0 behind.
 ZV_API long AddFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTimeValue const* duration,
                        TagItem* tags);
 ZV_API long PullDownClipZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time,
@@ -268,8 +274,10 @@ long PullDownClipZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVT
     return PullDownClipZV(clip, bitmap, time, duration, Tag_Array(first, rest...).data());
 }
 
-/// Replaces a frame of any clip: the source file stays as it is, the pixels go to a scratch file. `duration` and
-/// the tags are not read.
+/// Replaces a frame of any clip: the source file stays as it is, the pixels go to a scratch file. The bitmap has
+/// the clip's size. With the clip's PullDown set the frame is a film frame, and what the video frames around it
+/// show of it is replaced too. 0 outside the clip, and when the pixels cannot be stored: the clip then shows
+/// what it showed before. `duration` and the tags are not read.
 ZV_API long ModifyFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTimeValue const* duration,
                           TagItem* tags);
 template <ZVTagKey Key, ZVTagValue... Rest>
@@ -279,12 +287,16 @@ long ModifyFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTi
     return ModifyFrameZV(clip, bitmap, time, duration, Tag_Array(first, rest...).data());
 }
 
-/// The same by frame number and without regard to pull-down.
+/// The same by frame number and without regard to pull-down. Answers 1 with error 1 when there is no memory for
+/// a frame map: the frame then stays as it was.
 ZV_API long ModifyFrame2(ZVClip* clip, unsigned long frame, ZVBitmap* bitmap, TagItem* tags);
 
-/// Inserts an empty frame, which reads as Background until it is modified; refused at Frames and beyond.
+/// Inserts an empty frame, which reads as Background until it is modified; refused at Frames and beyond. Times
+/// ahead of the clip count as frame 0.
 ZV_API long InsertFrameBeforeZV(ZVClip* clip, ZVTimeValue const* time);
 ZV_API long InsertFrameAfterZV(ZVClip* clip, ZVTimeValue const* time);
+
+/// Takes a frame out, by the same times. Its scratch file, if there is one, stays until the library ends.
 ZV_API long DeleteFrameZV(ZVClip* clip, ZVTimeValue const* time);
 
 // ---- alpha ------------------------------------------------------------------------------------------------

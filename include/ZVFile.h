@@ -36,7 +36,7 @@ struct ZVFileInfo {
 
 /// Creates a file with the given type and creator, and opens it. An existing file of the same type and creator is
 /// emptied; another one is deleted first. A file without stored codes counts as one of those that Get_FileInfo
-/// gives, and as one of blank codes.
+/// gives, and as one of blank codes. A file that may not be written is neither emptied nor deleted, with error 9.
 ZV_API ZVFileInfo* CreateFileZV(char const* spec, ZVFilePermission permission, uint32_t type, uint32_t creator,
                                 ZVFileFlags flags);
 ZV_API ZVFileInfo* OpenFileZV(char const* spec, ZVFilePermission permission, ZVFileFlags flags);

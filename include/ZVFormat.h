@@ -28,13 +28,14 @@ enum ZVFormatProperty : long {
 };
 
 /// The record that follows a frame through AddFrameAsync. The module hands it to the completion function once,
-/// from any thread, and touches it no more.
+/// from any thread and whatever AddFrameAsync answers, and touches it no more. It has read the clip's FileName and
+/// the region by the time AddFrameAsync returns; the bitmap stays until the completion.
 struct ZVCompletionParams {
     ZVBitmap* Bitmap;  ///< converted copy of the frame, owned by this record, or null
     void (*Completion)(void*, unsigned long);
     void* Data;
     unsigned long Argument;
-    long Done;        ///< becomes 1 when the module has finished with the frame
+    long Done;        ///< becomes 1 when the module has finished with the frame; atomic access only
     long AutoDelete;  ///< 1: whoever completes the frame deletes the record; 0: the writer waits for it
 };
 

@@ -193,18 +193,45 @@ public:
 private:
     static constexpr int Shift(int channel) { return (3 - channel) * BITS; }
 
+    /// A number with the highest byte first, from that order or into it.
+    template <typename Word> static Word Big_Endian(Word word)
+    {
+        if constexpr (std::endian::native == std::endian::big)
+            return word;
+        else if constexpr (sizeof word == 4)
+            return __builtin_bswap32(word);
+        else
+            return __builtin_bswap16(word);
+    }
+
+    // A packed pixel is a word of 32 bits and a byte, or one of 16; a loop over bytes would be vectorised,
+    // which for so few takes many times as long.
+
     uint64_t Load() const
     {
-        uint64_t word = 0;
-        for (int i = 0; i < PACK; ++i)
-            word = word << 8 | bytes_[i];
-        return word;
+        uint32_t high;
+        std::memcpy(&high, bytes_, sizeof high);
+        if constexpr (PACK == 5) {
+            return uint64_t{Big_Endian(high)} << 8 | bytes_[4];
+        } else {
+            uint16_t low;
+            std::memcpy(&low, bytes_ + 4, sizeof low);
+            return uint64_t{Big_Endian(high)} << 16 | Big_Endian(low);
+        }
     }
 
     void Store(uint64_t word)
     {
-        for (int i = PACK; i-- > 0; word >>= 8)
-            bytes_[i] = static_cast<unsigned char>(word);
+        if constexpr (PACK == 5) {
+            bytes_[4] = static_cast<unsigned char>(word);
+            word >>= 8;
+        } else {
+            uint16_t const low = Big_Endian(static_cast<uint16_t>(word));
+            std::memcpy(bytes_ + 4, &low, sizeof low);
+            word >>= 16;
+        }
+        uint32_t const high = Big_Endian(static_cast<uint32_t>(word));
+        std::memcpy(bytes_, &high, sizeof high);
     }
 
     unsigned char bytes_[PACK];

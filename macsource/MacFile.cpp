@@ -88,8 +88,10 @@ int Create_File(ZVFileInfo& file, char const* path, ZVFilePermission permission,
     struct stat info;
     bool const exists = lstat(path, &info) == 0;
     if (!exists && errno != ENOENT) return errno;
+    // A locked file is not replaced, although its directory would allow it.
+    if (exists && S_ISREG(info.st_mode) && faccessat(AT_FDCWD, path, W_OK, AT_EACCESS) != 0) return errno;
     if (exists && Mac_Has_Codes(path, codes)) {
-        // Emptied in opening: a file that cannot be opened keeps its contents, and is not ours to delete.
+        // Emptied in opening: one that cannot be opened keeps its contents, and is not ours to delete.
         return Open_Existing(file, path, Access_Mode(permission) | O_TRUNC);
     }
     if (exists && unlink(path) != 0) return errno;

@@ -31,8 +31,8 @@ echo "== Over a colour, over the other clip, and as EIDI"
 echo "== Stills"
 "$zvclip" frame foreground.flm --time 0.5 foreground.png
 "$zvclip" frame over-colour.flm --time 0.5 over-colour.png
-"$zvclip" frame over-clip.flm --time 1.2 over-clip.png
-"$zvclip" frame over-clip.ei --time 1.2 over-clip-from-eidi.png
+"$zvclip" frame over-clip.flm --time 30f over-clip.png
+"$zvclip" frame over-clip.ei --time 30f over-clip-from-eidi.png
 "$zvclip" frame small.ei --time 0.5 small.png
 rm -rf home
 

@@ -147,6 +147,10 @@ long Add_Frame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long>* region
     char name[ZV_SPEC_SIZE];
     if (isNumbered) {
         FrameNumberToNameZV(name, frame, clip);
+        if (!*name) {
+            SetError(ZV_ERR_NOT_FOUND);
+            return 0;
+        }
         if (noOverwrite && Holds_Data(name)) return 0;
     }
     ZVBitmapType const type = GetBitmapTypeZV(clip);

@@ -27,14 +27,6 @@ void Insert_Backslash(char* colon)
         if (*rest == ':') *rest = '\\';
 }
 
-char const* Last_Separator(char const* spec)
-{
-    char const* last = nullptr;
-    for (; *spec; ++spec)
-        if (*spec == ':' || *spec == '\\') last = spec;
-    return last;
-}
-
 }  // namespace
 
 bool Copy_Spec_Text(char* buffer, std::string_view text)
@@ -52,8 +44,8 @@ bool Copy_Spec_Text(char* buffer, std::string_view text)
 
 char const* File_Name(char const* spec)
 {
-    char const* separator = Last_Separator(spec);
-    return separator ? separator + 1 : spec;
+    // Behind the last separator, or at the start: one behind npos is 0.
+    return spec + (std::string_view(spec).find_last_of(":\\") + 1);
 }
 
 char* Allocate_Spec(std::size_t length)
@@ -125,9 +117,9 @@ long GetPathZV(char const* spec, char* buffer)
 {
     if (!spec || !buffer) return 0;
     if (isPondgateZV(spec)) return GetPondGatePath(const_cast<char*>(spec), buffer);
-    char const* separator = Last_Separator(spec);
     std::string_view const text(spec);
-    return Copy_Spec_Text(buffer, separator ? text.substr(0, separator + 1 - spec) : text);
+    std::size_t const separator = text.find_last_of(":\\");
+    return Copy_Spec_Text(buffer, separator == std::string_view::npos ? text : text.substr(0, separator + 1));
 }
 
 void TruncateExtensionZV(char* text)

@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <numeric>
 
 HWY_BEFORE_NAMESPACE();
 namespace Rows {
@@ -24,30 +23,82 @@ template <int BITS> inline constexpr uint32_t maximum = (1U << BITS) - 1;
 
 // ---- between integers -------------------------------------------------------------------------------------
 
-/// value * max(TO) / max(FROM), truncated. Split into quotient and remainder of the maxima it stays within 16
-/// bits, where a vector holds most lanes and a division by a constant is one multiplication.
+/// How much of value * max(TO) / max(FROM) is left beside the whole quotient of the maxima, truncated: the
+/// high half of a 16-bit product, which is one instruction where a division takes several.
+struct WideningRest {
+    uint16_t offset;
+    uint16_t factor;
+
+    // In steps of 16 bits, by which the compiler recognises the instruction.
+    constexpr uint16_t operator()(uint16_t value) const
+    {
+        return static_cast<uint16_t>(uint32_t{static_cast<uint16_t>(value + offset)} * factor >> 16);
+    }
+};
+
+/// The offset and the factor that are exact for every value.
+template <int FROM, int TO> constexpr WideningRest Find_Widening_Rest()
+{
+    constexpr uint32_t rest = maximum<TO> % maximum<FROM>;
+    constexpr auto nearest = static_cast<uint16_t>((rest << 16) / maximum<FROM> + 1);
+    constexpr auto raised = static_cast<uint16_t>(rest << (16 - FROM));
+    for (WideningRest const attempt : {WideningRest{0, nearest}, WideningRest{1, raised}}) {
+        bool isExact = true;
+        for (uint32_t value = 0; value <= maximum<FROM>; ++value)
+            isExact = isExact && attempt(static_cast<uint16_t>(value)) == value * rest / maximum<FROM>;
+        if (isExact) return attempt;
+    }
+    return {};
+}
+
+/// value * max(TO) / max(FROM), truncated.
 template <int FROM, int TO> uint16_t Widen(uint16_t value)
 {
-    constexpr uint32_t quotient = maximum<TO> / maximum<FROM>, remainder = maximum<TO> % maximum<FROM>;
-    constexpr uint32_t common = std::gcd(remainder, maximum<FROM>);
-    constexpr uint32_t numerator = remainder / common, denominator = maximum<FROM> / common;
-    static_assert(numerator * maximum<FROM> <= maximum<16>);
-    auto const part = static_cast<uint16_t>(static_cast<uint16_t>(value * numerator) / denominator);
-    return static_cast<uint16_t>(value * quotient + part);
+    constexpr uint32_t quotient = maximum<TO> / maximum<FROM>;
+    if constexpr (maximum<TO> % maximum<FROM> == 0) {
+        return static_cast<uint16_t>(value * quotient);
+    } else {
+        constexpr WideningRest rest = Find_Widening_Rest<FROM, TO>();
+        static_assert(rest.factor != 0);
+        return static_cast<uint16_t>(value * quotient + rest(value));
+    }
 }
 
 // ---- to float ---------------------------------------------------------------------------------------------
 
-/// value / max(BITS) as the double quotient or product narrows. 1/max is 2^-BITS plus a rest that a second
-/// product adds: one rounding at a place that matters, without the division.
+/// value / max(BITS) as the double quotient or product narrows. 1/max is 2^-BITS and a rest that a second
+/// product adds: the one rounding that matters is the last, and there is no division.
+template <int BITS> struct FloatFactors {
+    static constexpr float power = 1.0F / (1 << BITS);
+    static constexpr auto rest = static_cast<float>(1.0 / maximum<BITS> - power);
+};
+
 template <int BITS> float To_Float(uint16_t value)
 {
-    constexpr double inverse = 1.0 / maximum<BITS>;
-    constexpr float power = 1.0F / (1 << BITS);
-    constexpr auto rest = static_cast<float>(inverse - power);
+    using Factors = FloatFactors<BITS>;
     auto const number = static_cast<float>(value);
-    return number * power + number * rest;
+    return number * Factors::power + number * Factors::rest;
 }
+
+#if ZV_HAS_VECTORS
+
+template <int BITS, typename T> long To_Float_Vectors(T const* source, float* target, long count)
+{
+    hn::ScalableTag<float> const df;
+    hn::RebindToSigned<decltype(df)> const di;
+    hn::Rebind<T, decltype(df)> const dFrom;
+    auto const power = hn::Set(df, FloatFactors<BITS>::power), rest = hn::Set(df, FloatFactors<BITS>::rest);
+    auto const step = static_cast<long>(hn::Lanes(df));
+    long done = 0;
+    for (; count - done >= step; done += step) {
+        auto const number = hn::ConvertTo(df, hn::PromoteTo(di, hn::LoadU(dFrom, source + done)));
+        // Times a power of two is exact, so fusing it with the sum changes nothing.
+        hn::StoreU(hn::MulAdd(number, power, hn::Mul(number, rest)), df, target + done);
+    }
+    return done;
+}
+
+#endif
 
 // ---- from float -------------------------------------------------------------------------------------------
 
@@ -128,9 +179,7 @@ template <int BITS> long To_Rounded_Vectors(float const* source, uint16_t* targe
 
 template <typename From, typename To> typename To::Channel Convert_Integer(typename From::Channel value)
 {
-    if constexpr (To::bits == 32)
-        return To_Float<From::bits>(value);
-    else if constexpr (To::bits < From::bits)
+    if constexpr (To::bits < From::bits)
         return static_cast<typename To::Channel>(value >> (From::bits - To::bits));
     else if constexpr (From::isNative && To::bits < 16)
         return static_cast<uint16_t>(value << (To::bits - From::bits));
@@ -165,6 +214,13 @@ template <typename From, typename To> void Convert_Channels(void const* source, 
     auto* const HWY_RESTRICT to = static_cast<AnyPlace<typename To::Channel>*>(target);
     if constexpr (From::bits == 32) {
         From_Float_Channels<To::bits>(from, to, count);
+    } else if constexpr (To::bits == 32) {
+        long done = 0;
+#if ZV_HAS_VECTORS
+        done = To_Float_Vectors<From::bits>(&from->value, &to->value, count);
+#endif
+        for (; done < count; ++done)
+            to[done].value = To_Float<From::bits>(from[done].value);
     } else {
         for (long i = 0; i < count; ++i)
             to[i].value = Convert_Integer<From, To>(from[i].value);

@@ -41,48 +41,46 @@ using FormatRGBAFloat = FlatFormat<float, 32>;
 
 #if ZV_HAS_VECTORS
 
-/// Byte indices and factors that bring the channels of two pixels, each within two bytes, to the top of
-/// 16-bit lanes.
-template <int BITS> struct UnpackTables {
-    alignas(16) uint8_t bytes[16];
-    alignas(16) uint16_t factors[8];
+/// Where the eight channels of two packed pixels lie: each within two bytes, highest first.
+template <int BITS> struct PackedTables {
+    // A shuffle by `pairs` brings the two bytes into a lane; times `raise` the channel stands at the lane's
+    // top.
+    alignas(16) uint8_t pairs[16];
+    alignas(16) uint16_t raise[8];
+    // Times `place` a channel stands in a lane as in its two bytes; shuffles bring both halves there.
+    alignas(16) uint16_t place[8];
+    alignas(16) uint8_t highs[16];
+    alignas(16) uint8_t lows[16];
 
-    constexpr UnpackTables() : bytes(), factors()
+    constexpr PackedTables() : pairs(), raise(), place(), highs(), lows()
     {
-        for (int lane = 0; lane < 8; ++lane) {
-            int const bit = lane * BITS;
-            bytes[2 * lane] = static_cast<uint8_t>(bit / 8 + 1);
-            bytes[2 * lane + 1] = static_cast<uint8_t>(bit / 8);
-            factors[lane] = static_cast<uint16_t>(1 << bit % 8);
-        }
-    }
-};
-
-/// Byte indices that gather the numbers in two 64-bit lanes, highest byte first; the rest becomes 0.
-template <int BITS> struct PackTable {
-    alignas(16) uint8_t bytes[16];
-
-    constexpr PackTable() : bytes()
-    {
-        constexpr int size = BITS / 2;
         for (int i = 0; i < 16; ++i)
-            bytes[i] = static_cast<uint8_t>(i < 2 * size ? i / size * 8 + size - 1 - i % size : 0x80);
+            highs[i] = lows[i] = 0x80;  // becomes 0
+        for (int lane = 0; lane < 8; ++lane) {
+            int const byte = lane * BITS / 8, bit = lane * BITS % 8;
+            pairs[2 * lane] = static_cast<uint8_t>(byte + 1);
+            pairs[2 * lane + 1] = static_cast<uint8_t>(byte);
+            raise[lane] = static_cast<uint16_t>(1 << bit);
+            place[lane] = static_cast<uint16_t>(1 << (16 - BITS - bit));
+            highs[byte] = static_cast<uint8_t>(2 * lane + 1);
+            lows[byte + 1] = static_cast<uint8_t>(2 * lane);
+        }
     }
 };
 
 /// Unpacks pixels two at a time, as long as 16 bytes can be read, and tells how many.
 template <int BITS> long Unpack_Vectors(uint8_t const* source, uint16_t* channels, long count)
 {
-    static constexpr UnpackTables<BITS> tables;
+    static constexpr PackedTables<BITS> tables;
     constexpr long packSize = BITS / 2;
     hn::FixedTag<uint8_t, 16> const d8;
     hn::FixedTag<uint16_t, 8> const d16;
-    auto const bytes = hn::Load(d8, tables.bytes);
-    auto const factors = hn::Load(d16, tables.factors);
+    auto const pairs = hn::Load(d8, tables.pairs);
+    auto const raise = hn::Load(d16, tables.raise);
     long done = 0;
     for (; (count - done) * packSize >= 16; done += 2) {
-        auto const pixels = hn::TableLookupBytes(hn::LoadU(d8, source + done * packSize), bytes);
-        auto const raised = hn::Mul(hn::BitCast(d16, pixels), factors);
+        auto const lanes = hn::TableLookupBytes(hn::LoadU(d8, source + done * packSize), pairs);
+        auto const raised = hn::Mul(hn::BitCast(d16, lanes), raise);
         hn::StoreU(hn::ShiftRight<16 - BITS>(raised), d16, channels + done * 4);
     }
     return done;
@@ -91,22 +89,18 @@ template <int BITS> long Unpack_Vectors(uint8_t const* source, uint16_t* channel
 /// Packs pixels two at a time, as long as 16 bytes can be written, and tells how many.
 template <int BITS> long Pack_Vectors(uint16_t const* channels, uint8_t* target, long count)
 {
-    static constexpr PackTable<BITS> table;
+    static constexpr PackedTables<BITS> tables;
     constexpr long packSize = BITS / 2;
     hn::FixedTag<uint8_t, 16> const d8;
     hn::FixedTag<uint16_t, 8> const d16;
-    hn::FixedTag<uint32_t, 4> const d32;
-    hn::FixedTag<uint64_t, 2> const d64;
-    auto const bytes = hn::Load(d8, table.bytes);
-    auto const firstOfTwo = hn::Set(d32, ((1U << BITS) - 1) << BITS);
-    auto const firstTwo = hn::Set(d64, ((uint64_t{1} << 2 * BITS) - 1) << 2 * BITS);
+    auto const place = hn::Load(d16, tables.place);
+    auto const highs = hn::Load(d8, tables.highs), lows = hn::Load(d8, tables.lows);
     long done = 0;
     for (; (count - done) * packSize >= 16; done += 2) {
-        auto const ones = hn::BitCast(d32, hn::LoadU(d16, channels + done * 4));
-        auto const twos = hn::BitCast(
-            d64, hn::Or(hn::And(hn::ShiftLeft<BITS>(ones), firstOfTwo), hn::ShiftRight<16>(ones)));
-        auto const fours = hn::Or(hn::And(hn::ShiftLeft<2 * BITS>(twos), firstTwo), hn::ShiftRight<32>(twos));
-        hn::StoreU(hn::TableLookupBytesOr0(hn::BitCast(d8, fours), bytes), d8, target + done * packSize);
+        auto const placed = hn::BitCast(d8, hn::Mul(hn::LoadU(d16, channels + done * 4), place));
+        auto const pixels =
+            hn::Or(hn::TableLookupBytesOr0(placed, highs), hn::TableLookupBytesOr0(placed, lows));
+        hn::StoreU(pixels, d8, target + done * packSize);
     }
     return done;
 }

@@ -25,9 +25,9 @@ constexpr std::array portableHeaders = {"strings.h"};
 /// Headers of the C library and the kernel, for the desktop layer: by folder and by name.
 constexpr std::array systemFolders = {"sys/", "linux/", "net/", "netinet/", "arpa/"};
 constexpr std::array systemHeaders = {
-    "dirent.h",    "dlfcn.h",  "errno.h",  "fcntl.h",   "fnmatch.h", "glob.h",    "grp.h",    "iconv.h",
-    "langinfo.h",  "limits.h", "malloc.h", "mntent.h",  "poll.h",    "pthread.h", "pwd.h",    "sched.h",
-    "semaphore.h", "signal.h", "spawn.h",  "strings.h", "termios.h", "time.h",    "unistd.h",
+    "dirent.h", "dlfcn.h",     "errno.h",  "fcntl.h",  "fnmatch.h", "ftw.h",     "glob.h",    "grp.h",
+    "iconv.h",  "langinfo.h",  "limits.h", "malloc.h", "mntent.h",  "poll.h",    "pthread.h", "pwd.h",
+    "sched.h",  "semaphore.h", "signal.h", "spawn.h",  "strings.h", "termios.h", "time.h",    "unistd.h",
 };
 
 struct Include {

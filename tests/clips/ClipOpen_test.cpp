@@ -256,6 +256,20 @@ TEST_F(ClipOpen, OpeningAgainChangesNoSetting)
     EXPECT_TRUE(clip->ModuleData);
 }
 
+/// A module without a file keeps its frames from one open to the next, so its clips are marked closed by
+/// hand.
+TEST_F(ClipOpen, AClipMarkedClosedOpensAgainWithItsModuleAtWork)
+{
+    Open();
+    clip->Flags &= ~static_cast<unsigned long>(ZV_CLIP_OPEN);
+    ASSERT_EQ(OpenClipZV(clip, nullptr), 1);
+    EXPECT_TRUE(clip->Flags & ZV_CLIP_IO);
+    CloseClipZV(clip);
+    EXPECT_EQ(format.Count("Open"), 2);
+    EXPECT_EQ(format.Count("EndIO"), 1);
+    EXPECT_EQ(format.Count("Close"), 1);
+}
+
 TEST_F(ClipOpen, ASequenceOpensAgainByItsFirstFile)
 {
     format.properties &= ~ZV_FORMAT_MULTIFRAME;

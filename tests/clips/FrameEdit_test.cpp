@@ -269,9 +269,9 @@ TEST_F(FrameEdit, AFailedWriteLosesNothing)
     {
         FileSizeLimit const limit(100);
         EXPECT_FALSE(Modify(3, 101)) << "rewriting";
-        EXPECT_NE(GetErrorZV(), ZV_ERR_NONE);
+        EXPECT_EQ(GetErrorZV(), ZV_ERR_DISK_FULL);
         EXPECT_FALSE(Modify(7, 102)) << "a new frame";
-        EXPECT_NE(GetErrorZV(), ZV_ERR_NONE);
+        EXPECT_EQ(GetErrorZV(), ZV_ERR_DISK_FULL);
     }
     EXPECT_EQ(Map(), map);
     EXPECT_EQ(Scratch_Files(), files);
@@ -386,6 +386,23 @@ TEST_F(FrameEdit, MixedVideoFramesFollowTheirFilmFrames)
             EXPECT_EQ(Read(video), expected) << row.why << ", video " << video;
         }
     }
+}
+
+TEST_F(FrameEdit, AFilmFrameIsReplacedWholeOrNotAtAll)
+{
+    SetClipOptionsZV(clip, ZV_CLIP_FIELD_ORDER, ZV_FIELDS_UPPER_FIRST, ZV_CLIP_PULLDOWN, 1);
+    ASSERT_TRUE(Modify(3, 103));
+    // Film frame 3 lies in two video frames; the second one's new pixels find a directory in their way.
+    std::string blocked = Make_TempName(clip->ClipID, -2, 0);
+    blocked.back() = 'W';
+    ASSERT_TRUE(CreateDirZV(blocked.c_str()));
+    EXPECT_FALSE(Modify(3, 104));
+    EXPECT_NE(GetErrorZV(), ZV_ERR_NONE);
+    EXPECT_EQ(Read(3), Picture(103));
+    EXPECT_EQ(Scratch_Files().size(), 3u);
+    DeleteDirZV(blocked.c_str());
+    EXPECT_TRUE(Modify(3, 104));
+    EXPECT_EQ(Read(3), Picture(104));
 }
 
 }  // namespace

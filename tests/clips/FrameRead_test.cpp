@@ -213,7 +213,7 @@ TEST_F(FrameRead, TheRequestChoosesFrameOrField)
             clip->FrameRate = rate;
             clip->FieldOrder = row.order;
             ZVTimeValue const time = Frame_Time(row.frame, rate);
-            ZVTimeValue const duration{row.fields, 2.0 * rate};
+            ZVTimeValue const duration{row.fields * 10.0, 20.0 * rate};
             BitmapBlock const bitmap = Used_Bitmap(8, 7), expected = Make_Bitmap(8, 7);
             ASSERT_TRUE(GetFrameZV(clip, bitmap.get(), &time, row.fields > 0 ? &duration : nullptr, nullptr));
             Draw_Test_Picture(expected.get(), 3);

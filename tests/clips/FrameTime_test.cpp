@@ -47,6 +47,20 @@ TEST_F(FrameTime, ATimeFallsIntoItsFrame)
     }
 }
 
+TEST_F(FrameTime, WholeFramesBeforeTheStartCountBackwards)
+{
+    for (double const rate : {24000.0 / 1001, 25.0, 29.97}) {
+        clip->FrameRate = rate;
+        for (long start = 1; start < 60; ++start)
+            for (long frame = 1; frame < 60; ++frame) {
+                clip->StartTime = {static_cast<double>(start), 1.0};
+                ZVTimeValue const time{static_cast<double>(start) * rate - static_cast<double>(frame), rate};
+                ASSERT_EQ(Get_Frame(clip, &time), -frame) << rate << " " << start;
+                ASSERT_EQ(Get_Field(clip, &time), -2 * frame) << rate << " " << start;
+            }
+    }
+}
+
 /// Frame and field are known from how the time is made, so the expectation needs none of the arithmetic.
 TEST_F(FrameTime, TimesMadeFromFramesComeBack)
 {

@@ -115,7 +115,7 @@ TEST(FileSpec, ComesApartIntoPathNameAndExtension)
 TEST(FileSpec, TextsTooLongForABufferAreRefused)
 {
     TestEnvironment const environment;
-    for (std::size_t length : {1023, 1024, 5000}) {
+    for (std::size_t length : {1023U, 1024U, 5000U}) {
         std::string const name(length, 'x');
         std::string const extension = '.' + name;
         std::string const path = name.substr(0, length - 1) + '\\';

@@ -1,4 +1,5 @@
 // Start and end of the library.
+#include "FailingHeap.h"
 #include "Scratch.h"
 #include "ZVLibInternal.h"
 
@@ -8,19 +9,7 @@
 #include <string>
 #include <vector>
 
-#include <dlfcn.h>
 #include <malloc.h>
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define ZV_TEST_OWN_HEAP 0
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define ZV_TEST_OWN_HEAP 0
-#endif
-#endif
-#ifndef ZV_TEST_OWN_HEAP
-#define ZV_TEST_OWN_HEAP 1
-#endif
 
 namespace {
 
@@ -227,71 +216,33 @@ TEST_F(EnvironmentTest, TheNarrowestMonitorOfThePlatformIsNotedBehindTheTags)
     EXPECT_EQ(choices, (std::vector<unsigned long>{3, 0}));
 }
 
-#if ZV_TEST_OWN_HEAP
-
-namespace {
-long alignedCalls = 0;
-long failingCall = 0;     // counted from 1; 0 for none
-size_t failingBytes = 0;  // 0 for none
-}  // namespace
-
-/// Takes the place of the system's call for the whole process, the library included.
-extern "C" int posix_memalign(void** block, size_t alignment, size_t size) noexcept
+TEST_F(EnvironmentTest, AStartWithoutMemoryReleasesEverything)
 {
-    static auto* const real =
-        reinterpret_cast<int (*)(void**, size_t, size_t)>(dlsym(RTLD_NEXT, "posix_memalign"));
-    return ++alignedCalls == failingCall ? ENOMEM : real(block, alignment, size);
-}
-
-extern "C" void* __libc_calloc(size_t count, size_t size);
-
-/// The same for the cleared blocks of AllocMemZV.
-extern "C" void* calloc(size_t count, size_t size) noexcept
-{
-    return failingBytes != 0 && count * size == failingBytes ? nullptr : __libc_calloc(count, size);
-}
-
-TEST_F(EnvironmentTest, AStartThatAnAssertionEndsReleasesEverything)
-{
-    std::vector<TagItem> tags(50, TagItem{ZV_INIT_NO_GUI, 0});
-    tags.push_back({});
-    testing::internal::CaptureStderr();
-    size_t const before = mallinfo2().uordblks;
-    failingBytes = tags.size() * sizeof(TagItem);
-    bool isThrown = false;
-    try {
-        InitZV(nullptr, "Window.prefs", nullptr, nullptr, tags.data());
-    } catch (ZVAssertFail const&) {
-        isThrown = true;
-    }
-    failingBytes = 0;
-    EXPECT_EQ(mallinfo2().uordblks, before);
-    EXPECT_TRUE(isThrown);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("Assertion Failure"), std::string::npos);
-    EXPECT_EQ(GetEnvironmentZV(), nullptr);
-}
-
-TEST_F(EnvironmentTest, AStartWithoutMemoryReleasesEverythingAndReturnsNull)
-{
+    if (!FailingHeap::Is_Available()) GTEST_SKIP() << "no heap of our own in this build";
     auto const start = [] { return InitZV(nullptr, "Window.prefs", nullptr, nullptr, ZV_INIT_NO_GUI, 0); };
     ASSERT_NE(start(), nullptr);
     CleanUpZV();
-    // Record, style, mouse queue and the name of the preferences, in this order.
-    for (long failing = 1; failing <= 4; ++failing) {
+    // Record, style, mouse queue and the name of the preferences end in null, the copy of the tags in an
+    // assertion.
+    for (long after = 0; after <= 4; ++after) {
+        SCOPED_TRACE(after);
         testing::internal::CaptureStderr();
-        alignedCalls = 0;
-        failingCall = failing;
         size_t const before = mallinfo2().uordblks;
-        EXPECT_EQ(start(), nullptr) << failing;
-        EXPECT_EQ(mallinfo2().uordblks, before) << failing;
-        failingCall = 0;
+        bool isAssertion = false;
+        try {
+            FailingHeap const heap(after);
+            EXPECT_EQ(start(), nullptr);
+            EXPECT_EQ(heap.Failures(), 1);
+        } catch (ZVAssertFail const&) {
+            isAssertion = true;
+        }
+        EXPECT_EQ(mallinfo2().uordblks, before);
+        EXPECT_EQ(isAssertion, after == 4);
         EXPECT_FALSE(testing::internal::GetCapturedStderr().empty());
         EXPECT_EQ(ZVEnv, nullptr);
         EXPECT_EQ(ZVEnvOS, nullptr);
         EXPECT_EQ(GetErrorZV(), 1UL);
-        EXPECT_NE(GetErrorStringZV(), nullptr);
+        EXPECT_EQ(GetErrorStringZV() != nullptr, after < 4);
     }
     EXPECT_NE(start(), nullptr);
 }
-
-#endif

@@ -286,7 +286,7 @@ TEST_P(ConvertRowsFrom, WorkAtAnyAddressAndTouchNothingBesideThePixels)
         std::vector<unsigned char> expected(250 * toPack, 0xC3);
         Get_Row_Converter(GetParam(), format)(source.Pixels(), expected.data(), 250);
         On_Each_Target([&] {
-            for (std::size_t count = 0; count <= 250; count += count < 40 ? 1 : 70) {
+            for (std::size_t count = 1; count <= 250; count += count < 40 ? 1 : 70) {
                 std::size_t const shift = count % 7;
                 // Blocks of the exact size, so that the address sanitizer sees a byte too far.
                 std::vector<unsigned char> from(shift + count * fromPack),

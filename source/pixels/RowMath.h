@@ -1,0 +1,67 @@
+// Arithmetic on rows of pixels of the RGBA types, for the clip layer: fields, weighted sums, and the alpha
+// conventions of files. All channels are treated alike where nothing else is said.
+#pragma once
+
+#include "ZVBitmap.h"
+
+/// A weight, with what is worked out of it once for a whole bitmap of bytes: the product of a byte is
+/// (byte * factor >> 16) + (byte & identity), or looked up when no factor gives all of them.
+struct ZVRowWeight {
+    double value;
+    uint16_t factor;
+    uint16_t identity;
+    bool hasFactor;
+    uint8_t products[256];
+
+    explicit ZVRowWeight(double weight);
+};
+
+/// What can be done with rows of one type, compiled for the best instruction set of this processor. Rows lie
+/// at any address and do not overlap, unless a row is said to be changed; nothing beyond the pixels is read
+/// or written.
+struct ZVRowMath {
+    /// target = (first + second) / 2, truncated in integer types.
+    void (*average)(void const* first, void const* second, void* target, long pixels);
+
+    /// One step of a 1-2-1 filter down a bitmap: `above` takes the row held in `scratch`, which then takes
+    /// (above + 2 * row + below) / 4 of what was there, truncated in integer types.
+    void (*smooth)(void* above, void const* row, void const* below, void* scratch, long pixels);
+
+    // Products with weights are worked out in double and truncated one by one in integer types; the weights
+    // add up to 1 at most, and a sum beyond the channel wraps.
+
+    /// target = source * weight, or added to it.
+    void (*weigh)(void const* source, ZVRowWeight const& weight, void* target, long pixels);
+    void (*addWeighed)(void const* source, ZVRowWeight const& weight, void* target, long pixels);
+
+    /// target = row * weight + (above + below) / 2 * other, or added to it. The average is that of `average`;
+    /// above and below may be one row.
+    void (*mixFields)(void const* row, void const* above, void const* below, ZVRowWeight const& weight,
+                      ZVRowWeight const& other, void* target, long pixels);
+    void (*addFields)(void const* row, void const* above, void const* below, ZVRowWeight const& weight,
+                      ZVRowWeight const& other, void* target, long pixels);
+
+    // Alpha conventions, on one row that is changed. A matte is red, green and blue as fractions.
+
+    void (*setAlpha)(void* row, bool isOpaque, long pixels);  ///< Full or none.
+    void (*invertAlpha)(void* row, long pixels);              ///< Maximum minus alpha.
+
+    /// Alpha becomes the mean of the colours, or the maximum minus it, rounded; the colours become
+    /// `background`.
+    void (*takeLuminance)(void* row, uint32_t background, bool isInverted, long pixels);
+
+    /// Takes a matte out of colours that were mixed with it by alpha: c = (c * max - matte * (max - alpha)) /
+    /// alpha, within the channel, rounded to nearest with halves up. Where alpha is 0 the colours stay.
+    /// Inverted alpha is turned first.
+    void (*removeMatte)(void* row, double const* matte, bool isInverted, long pixels);
+
+    /// The colours become alpha, or the maximum minus it; alpha becomes full.
+    void (*showAlpha)(void* row, bool isInverted, long pixels);
+
+    /// Mixes colours with a matte by alpha: c = (c * alpha + matte * (max - alpha)) / max; in integer types
+    /// the matte is truncated to a channel and so is the result.
+    void (*addMatte)(void* row, double const* matte, long pixels);
+};
+
+/// The arithmetic of a type; null for a type other than the RGBA ones.
+ZVRowMath const* Get_Row_Math(ZVBitmapType type);

@@ -1,0 +1,128 @@
+#!/usr/bin/env bash
+# What zvclip promises: results, exit statuses, one-line errors, and files that are whole or not there.
+set -euo pipefail
+zvclip=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export KL_APP_DATA_DIR=$work
+cd "$work"
+failures=0
+
+fail() {
+    echo "FAILED: $*" >&2
+    failures=$((failures + 1))
+}
+
+# expect STATUS PATTERN WORDS...: runs zvclip; standard error must be one line with the pattern, or empty for "".
+expect() {
+    local status=$1 pattern=$2 got=0
+    shift 2
+    "$zvclip" "$@" >out.txt 2>err.txt || got=$?
+    [ "$got" -eq "$status" ] || fail "zvclip $*: status $got, not $status: $(cat err.txt)"
+    if [ -z "$pattern" ]; then
+        [ ! -s err.txt ] || fail "zvclip $*: said $(cat err.txt)"
+    else
+        [ "$(wc -l <err.txt)" -eq 1 ] && grep -q -- "$pattern" err.txt || fail "zvclip $*: said $(cat err.txt)"
+    fi
+}
+
+pixels() { ffmpeg -v fatal -i "$1" "${@:2}" -f rawvideo -pix_fmt rgba - | md5sum; }
+same() { [ "$1" = "$2" ] || fail "$3"; }
+
+ffmpeg -v fatal -f lavfi -i testsrc2=s=96x64:r=25:d=1 -f lavfi -i "color=gray:s=96x64:r=25:d=1,format=gray,geq=lum='2*X'" \
+    -filter_complex "[0][1]alphamerge,format=rgba" -f filmstrip in.flm
+ffmpeg -v fatal -f lavfi -i testsrc=s=80x48:r=25:d=1 -vf format=rgba -f filmstrip back.flm
+
+# --- results
+expect 0 "" info in.flm
+grep -q "96 x 64" out.txt && grep -q "frames  25" out.txt || fail "info: $(cat out.txt)"
+expect 0 "" info --json in.flm back.flm
+python3 -c 'import json; a = json.load(open("out.txt")); assert [c["width"] for c in a] == [96, 80], a' 2>err.txt ||
+    fail "info --json: $(cat err.txt)"
+expect 0 "" convert in.flm copy.flm
+same "$(pixels in.flm)" "$(pixels copy.flm)" "a copy has other pixels"
+expect 0 "" convert in.flm packed.ei
+expect 0 "" convert packed.ei back-again.flm
+same "$(pixels in.flm)" "$(pixels back-again.flm)" "a copy by way of EIDI has other pixels"
+expect 0 "" convert in.flm strip.dat --format flm
+same "$(pixels in.flm)" "$(ffmpeg -v fatal -f filmstrip -i strip.dat -f rawvideo -pix_fmt rgba - | md5sum)" "--format"
+expect 0 "" convert in.flm part.flm --start 5 --frames 3
+same "$(pixels in.flm -vf "trim=start_frame=5:end_frame=8")" "$(pixels part.flm)" "--start in frames"
+expect 0 "" convert in.flm part.flm --start 0.2s --frames 3 --overwrite
+same "$(pixels in.flm -vf "trim=start_frame=5:end_frame=8")" "$(pixels part.flm)" "--start in seconds"
+expect 0 "" convert in.flm half.flm --size 48x32
+python3 - <<'EOF' || fail "--size takes the pixel under the corner"
+whole, half = open("in.flm", "rb").read(), open("half.flm", "rb").read()
+at = [4 * (2 * y * 96 + 2 * x) for y in range(32) for x in range(48)]
+assert half[:48 * 32 * 4] == b"".join(whole[i:i + 4] for i in at)
+EOF
+expect 0 "" convert in.flm slow.flm --rate 50
+expect 0 "" info slow.flm
+grep -q "frames  50" out.txt && grep -q "length  1.000" out.txt || fail "--rate: $(cat out.txt)"
+expect 0 "" composite in.flm '#204060' colour.flm
+expect 0 "" convert in.flm flat.flm --background '#204060'
+python3 - <<'EOF' || fail "composite and --background differ by more than a step"
+a, b = (open(name, "rb").read(96 * 64 * 4) for name in ("colour.flm", "flat.flm"))
+assert a[3::4] == b[3::4] == b"\xff" * (96 * 64)
+assert max(abs(x - y) for x, y in zip(a, b)) <= 1
+EOF
+expect 0 "" composite in.flm back.flm over.flm --at 10,-4
+expect 0 "" info over.flm
+grep -q "80 x 48" out.txt || fail "the composite has not the size of its background"
+expect 0 "" convert in.flm lum.flm --luminance --frames 1
+expect 0 "" convert in.flm matte.flm --matte '#102030' --invert --frames 1
+expect 0 "" frame in.flm --time 0.4 still.png
+same "$(pixels in.flm -vf trim=start_frame=10:end_frame=11)" "$(pixels still.png)" "a still has other pixels"
+for command in "" info convert composite frame; do
+    # shellcheck disable=SC2086  # no word for the general help
+    "$zvclip" $command --help | grep -q Usage || fail "help of $command"
+done
+
+# --- refusals
+expect 1 "copy.flm: exists already" convert in.flm copy.flm
+expect 1 "none.flm: no such file" info none.flm
+expect 1 ".: not a file" info .
+echo "no film" >text.flm
+expect 1 "text.flm: the file is damaged" info text.flm
+expect 1 "out.xyz: no format" convert in.flm out.xyz
+expect 1 "there is no format 'avi9'" convert in.flm out.flm --format avi9
+expect 1 "no such file or directory" convert in.flm nowhere/out.flm
+expect 1 "8 bits" convert in.flm deep.flm --depth 16
+expect 1 "ends before" frame in.flm --time 9 still2.png
+expect 2 "--size takes" convert in.flm out.flm --size 10
+expect 2 "--rate takes" convert in.flm out.flm --rate fast
+expect 2 "no option --sieze" convert in.flm out.flm --sieze
+expect 2 "IN and OUT" convert in.flm
+expect 2 "no command 'play'" play in.flm
+[ ! -e deep.flm ] && [ ! -e out.flm ] || fail "a refused job left a file"
+
+# --- failures and interruptions leave what was there
+before=$(md5sum <copy.flm)
+if (ulimit -f 100 && "$zvclip" convert in.flm copy.flm --overwrite 2>err.txt); then fail "a full disk went unnoticed"; fi
+grep -q "copy.flm: " err.txt || fail "a full disk: $(cat err.txt)"
+same "$before" "$(md5sum <copy.flm)" "a failed job changed a file"
+"$zvclip" convert in.flm copy.flm --overwrite --rate 10000 --size 2000x2000 2>err.txt &
+job=$!
+sleep 0.5
+kill -INT $job
+status=0
+wait $job || status=$?
+[ "$status" -eq 130 ] || fail "an interrupted job ended with $status: $(cat err.txt)"
+same "$before" "$(md5sum <copy.flm)" "an interrupted job changed a file"
+[ -z "$(find . -name '.*-*')" ] || fail "work files were left behind: $(find . -name '.*-*')"
+
+# --- memory does not grow with the length of a clip: three frames and 32 MB
+for frames in 100 1000; do
+    ffmpeg -v fatal -y -f lavfi -i color=red:s=320x180:r=25:d=$((frames / 25)) -vf format=rgba -f filmstrip long.flm
+    peak=$(python3 - "$zvclip" <<'EOF'
+import resource, subprocess, sys
+subprocess.run([sys.argv[1], "convert", "long.flm", "long.ei", "--overwrite"], check=True)
+print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)
+EOF
+)
+    # A sanitizer keeps memory of its own.
+    [ -n "${ZV_SANITIZED:-}" ] || [ "$peak" -lt $((3 * 320 * 180 * 4 / 1024 + 32768)) ] || fail "$frames frames took $peak KiB"
+done
+
+[ "$failures" -eq 0 ] || exit 1
+echo "zvclip keeps its promises"
