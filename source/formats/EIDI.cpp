@@ -318,14 +318,14 @@ long EIDI_Create(ZVClip* clip, unsigned long)
 }
 
 /// Header for the next frame of a clip. A rate of 0 gives all frames the time 0, which reads back as no rate.
-EIDIFrameHeader Next_Header(ZVClip const* clip, ZVBitmap const* picture)
+EIDIFrameHeader Next_Header(ZVClip const* clip, ZVBitmap const* bitmap)
 {
     double const rate = clip->FileFrameRate;
     bool const isGrey = clip->AlphaType != ZV_ALPHA_NONE && clip->AlphaType != ZV_ALPHA_CHANNEL;
     return {
         .time = static_cast<float>(rate != 0.0 ? static_cast<double>(clip->RawFrames) / rate : 0.0),
-        .width = picture->Width,
-        .height = picture->Height,
+        .width = bitmap->Width,
+        .height = bitmap->Height,
         .depth = isGrey ? 8 : 24,
         .alphaDepth = clip->AlphaType == ZV_ALPHA_CHANNEL ? 8 : 0,
         .isCompressed = Wants_Compression(*clip->VideoParams),
@@ -343,46 +343,79 @@ bool Write_Head(EIDIClip const& eidi, EIDIFrameHeader const& header)
     return Write_At(eidi.file.get(), eidi.end, bytes.data(), header.Head_Size());
 }
 
-/// Writes the rows of a picture from `offset` on, through a buffer of as many rows as memory allows.
-bool Write_Rows(ZVFileInfo* file, int64_t offset, EIDIFrameHeader const& header, ZVBitmap const* picture)
-{
-    long const unitBytes = header.Unit_Bytes();
-    int64_t const rowSpace = header.Row_Bytes() + EIDISlack;
-    int64_t const largestRow =
-        header.isCompressed ? EIDI_Packed_Bound(header.width, unitBytes) : header.Row_Bytes();
-    long rows = header.height;
-    HeapBlock<uint8_t> const block =
-        Alloc_Rows(rows, [&](long count) { return rowSpace + count * largestRow + EIDISlack; });
-    if (!block) return false;
-
-    uint8_t* const row = block.get();
-    uint8_t* const buffer = row + rowSpace;
-    uint8_t* out = buffer;
-    for (long y = 0; y < header.height; ++y) {
-        uint8_t const* pixels = picture->Pixels + y * picture->RowBytes;
-        if (header.isCompressed) {
-            EIDI_Pixels_To_Row(pixels, unitBytes, row, header.width);
-            out = Pack_EIDI_Row(row, header.width, unitBytes, out);
-        } else {
-            EIDI_Pixels_To_Row(pixels, unitBytes, out, header.width);
-            out += header.Row_Bytes();
-        }
-        bool const isFull = (y + 1) % rows == 0 || y + 1 == header.height;
-        if (!isFull) continue;
-        if (!Write_At(file, offset, buffer, out - buffer)) return false;
-        offset += out - buffer;
-        out = buffer;
+/// Writes the rows of a picture, packed or not, through a buffer of as many rows as memory allows.
+class RowWriter {
+public:
+    /// @param offset  in the file, of the first row
+    RowWriter(ZVFileInfo* file, int64_t offset, EIDIFrameHeader const& header)
+        : file_(file), offset_(offset), header_(header), rows_(header.height)
+    {
     }
-    return true;
+
+    bool Add(uint8_t const* pixels)
+    {
+        if (!block_ && !Reserve()) return false;
+        if (header_.isCompressed) {
+            EIDI_Pixels_To_Row(pixels, header_.Unit_Bytes(), block_.get(), header_.width);
+            out_ = Pack_EIDI_Row(block_.get(), header_.width, header_.Unit_Bytes(), out_);
+        } else {
+            EIDI_Pixels_To_Row(pixels, header_.Unit_Bytes(), out_, header_.width);
+            out_ += header_.Row_Bytes();
+        }
+        return ++held_ < rows_ || Flush();
+    }
+
+    /// Writes what is still in the buffer.
+    bool Flush()
+    {
+        int64_t const size = std::exchange(out_, buffer_) - buffer_;
+        held_ = 0;
+        return size == 0 || Write_At(file_, std::exchange(offset_, offset_ + size), buffer_, size);
+    }
+
+private:
+    /// Left to the first row: the buffer takes what memory there is, and nobody after it may be in want.
+    bool Reserve()
+    {
+        int64_t const rowSpace = header_.Row_Bytes() + EIDISlack;
+        int64_t const largestRow = header_.isCompressed
+                                       ? EIDI_Packed_Bound(header_.width, header_.Unit_Bytes())
+                                       : header_.Row_Bytes();
+        block_ = Alloc_Rows(rows_, [&](long rows) { return rowSpace + rows * largestRow + EIDISlack; });
+        if (block_) out_ = buffer_ = block_.get() + rowSpace;
+        return block_ != nullptr;
+    }
+
+    ZVFileInfo* file_;
+    int64_t offset_;
+    EIDIFrameHeader const& header_;
+    long rows_;  ///< that the buffer holds
+    long held_ = 0;
+    HeapBlock<uint8_t> block_;  ///< an unpacked row, then the buffer
+    uint8_t* buffer_ = nullptr;
+    uint8_t* out_ = nullptr;
+};
+
+bool Write_Rows(EIDIClip const& eidi, EIDIFrameHeader const& header, ZVClip const* clip,
+                ZVBitmap const* bitmap, ZVRectT<long> const* region)
+{
+    RowWriter writer{eidi.file.get(), eidi.end + header.Head_Size(), header};
+    auto const addRows = [&](uint8_t const* pixels, long rows) {
+        for (; rows > 0; --rows, pixels += bitmap->RowBytes)
+            if (!writer.Add(pixels)) return false;
+        return true;
+    };
+    return Store_Frame(clip, bitmap, region, addRows) && writer.Flush();
 }
 
 /// Stores how many bytes of pixels got written, be they all or not. Keeps the error number of a failed write.
-bool Patch_Data_Size(EIDIClip const& eidi, int64_t dataOffset)
+bool Patch_Data_Size(EIDIClip const& eidi, EIDIFrameHeader const& header)
 {
     unsigned long const failure = GetErrorZV();
     ZVFileInfo* file = eidi.file.get();
     std::array<uint8_t, 4> bytes;
-    Store_Big32(bytes.data(), static_cast<uint32_t>(SeekFileZV(file, 0, 1) - dataOffset));
+    int64_t const size = SeekFileZV(file, 0, 1) - eidi.end - header.Head_Size();
+    Store_Big32(bytes.data(), static_cast<uint32_t>(size));
     bool const patched = Write_At(file, eidi.end + DataSizeOffset, bytes.data(), bytes.size());
     if (patched) SetError(failure);
     return patched;
@@ -398,16 +431,13 @@ long EIDI_AddFrame(ZVClip* clip, ZVBitmap* bitmap, long, ZVRectT<long>* region)
         SetError(ZV_ERR_CLIP);
         return 0;
     }
-    BitmapPtr const picture = Stored_Frame(clip, bitmap, region);
-    if (!picture) return 0;
     if (clip->RawFrames == 0 && !Write_File_Header(*eidi, 1)) return 0;
 
-    EIDIFrameHeader const header = Next_Header(clip, picture.get());
+    EIDIFrameHeader const header = Next_Header(clip, bitmap);
     if (!Write_Head(*eidi, header)) return 0;
-    int64_t const dataOffset = eidi->end + header.Head_Size();
-    bool const written = Write_Rows(eidi->file.get(), dataOffset, header, picture.get());
+    bool const isWritten = Write_Rows(*eidi, header, clip, bitmap, region);
     int64_t const end = SeekFileZV(eidi->file.get(), 0, 1);
-    if (!Patch_Data_Size(*eidi, dataOffset) || !written || !Note_Frame(*eidi, eidi->end)) return 0;
+    if (!Patch_Data_Size(*eidi, header) || !isWritten || !Note_Frame(*eidi, eidi->end)) return 0;
     eidi->end = end;
     ++clip->RawFrames;
     return 1;

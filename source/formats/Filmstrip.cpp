@@ -11,6 +11,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -196,10 +197,19 @@ long Filmstrip_GetFrame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long
     });
 }
 
+bool Write_Picture(FilmstripClip const& strip, int64_t offset, ZVClip const* clip, ZVBitmap const* bitmap,
+                   ZVRectT<long> const* region)
+{
+    return Store_Frame(clip, bitmap, region, [&](uint8_t const* pixels, long rows) {
+        int64_t const size = rows * strip.trailer.Row_Bytes();
+        int64_t const at = std::exchange(offset, offset + size);
+        return Write_At(strip.file, at, pixels, size);
+    });
+}
+
 /// Without memory for the leader, the first rows of the picture stand in for it, again from the top when
 /// there are fewer than that.
-bool Write_Leader(FilmstripClip const& strip, int64_t offset, ZVBitmap const* picture, long frame,
-                  double rate)
+bool Write_Leader(FilmstripClip const& strip, int64_t offset, ZVBitmap const* bitmap, long frame, double rate)
 {
     FilmstripTrailer const& trailer = strip.trailer;
     BitmapPtr const leader{AllocBitmapZV(trailer.width, LeaderLines, ZV_BITMAP_RGBA8, "leader")};
@@ -208,7 +218,7 @@ bool Write_Leader(FilmstripClip const& strip, int64_t offset, ZVBitmap const* pi
         return Write_At(strip.file, offset, leader->Pixels, leader->Size);
     }
     for (long line = 0; line < LeaderLines; ++line) {
-        uint8_t const* row = picture->Pixels + line % trailer.height * trailer.Row_Bytes();
+        uint8_t const* row = bitmap->Pixels + line % trailer.height * trailer.Row_Bytes();
         if (!Write_At(strip.file, offset + line * trailer.Row_Bytes(), row, trailer.Row_Bytes()))
             return false;
     }
@@ -237,15 +247,13 @@ long Filmstrip_AddFrame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long
         SetError(ZV_ERR_CLIP);
         return 0;
     }
-    BitmapPtr const picture = Stored_Frame(clip, bitmap, region);
-    if (!picture) return 0;
     int64_t const offset = trailer.Frame_Offset(trailer.frames);
-    bool const written =
-        Write_At(strip->file, offset, picture->Pixels, trailer.Frame_Bytes()) &&
-        Write_Leader(*strip, offset + trailer.Frame_Bytes(), picture.get(), frame, clip->FileFrameRate);
+    int64_t const leaderOffset = offset + trailer.Frame_Bytes();
+    bool const isWritten = Write_Picture(*strip, offset, clip, bitmap, region) &&
+                           Write_Leader(*strip, leaderOffset, bitmap, frame, clip->FileFrameRate);
     ++trailer.frames;
     ++clip->RawFrames;
-    return written;
+    return isWritten;
 }
 
 long Filmstrip_GetImportProperties(ZVFormatDesc*)

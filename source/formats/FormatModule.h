@@ -4,6 +4,8 @@
 
 #include "ZVLibInternal.h"
 
+#include <algorithm>
+#include <cstring>
 #include <memory>
 
 struct File_Closer {
@@ -27,8 +29,27 @@ bool Read_At(ZVFileInfo* file, int64_t end, int64_t offset, void* destination, i
 /// Writes at `offset`, wherever the position is. False with the error number of the file layer.
 bool Write_At(ZVFileInfo* file, int64_t offset, void const* source, int64_t size);
 
-/// The frame as it is to be stored, a bitmap like it in the clip's alpha convention; null without memory.
-BitmapPtr Stored_Frame(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const* region);
+/// Hands the rows of a frame on as they are to be stored, in the clip's alpha convention: `take` gets a first
+/// row and the number of rows, and answers false to give up. Some rows come at a time, few enough to stay in
+/// the cache.
+/// @return  false when `take` gave up, and without memory
+template <typename Take>
+bool Store_Frame(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const* region, Take&& take)
+{
+    constexpr long bandSize = 256 << 10;
+    long const bandRows = std::clamp<long>(bandSize / bitmap->RowBytes, 1, bitmap->Height);
+    BitmapPtr const band{AllocBitmapZV(bitmap->Width, bandRows, bitmap->Type, "stored rows")};
+    if (!band) return false;
+    for (long y = 0; y < bitmap->Height; y += bandRows) {
+        long const rows = std::min(bandRows, bitmap->Height - y);
+        std::memcpy(band->Pixels, bitmap->Pixels + y * bitmap->RowBytes,
+                    static_cast<std::size_t>(rows * bitmap->RowBytes));
+        // In the last band, rows of the one before may be left, which nobody takes.
+        InterpretAlphaZV(clip, band.get(), band.get(), region);
+        if (!take(static_cast<uint8_t const*>(band->Pixels), rows)) return false;
+    }
+    return true;
+}
 
 /// Lets `read` fill an RGBA8 bitmap of the stored size: the caller's own bitmap where that is one, else a
 /// temporary that is scaled and converted into the caller's. So a clip whose size was reduced after it was
