@@ -54,11 +54,16 @@ void Smooth_Rows(ZVBitmap& bitmap)
     std::memcpy(Row_Of(bitmap, last), lowest, rowBytes);
 }
 
+long Pixels_Of(ZVBitmap const& bitmap)
+{
+    return static_cast<long>(bitmap.Width) * bitmap.Height;
+}
+
 void Weigh_Rows(ZVBitmap const& source, ZVBitmap& destination, double weight, bool isAdded)
 {
     ZVRowMath const& math = *Get_Row_Math(source.Type);
     auto const weigh = isAdded ? math.addWeighed : math.weigh;
-    ZVRowWeight const rowWeight(weight);
+    ZVRowWeight const rowWeight(weight, source.Type, Pixels_Of(source));
     for (long y = 0; y < source.Height; ++y)
         weigh(Row_Of(source, y), rowWeight, Row_Of(destination, y), source.Width);
 }
@@ -70,7 +75,8 @@ void Weigh_Field_Rows(ZVBitmap const& source, ZVBitmap& destination, ZVClip cons
     ZVRowMath const& math = *Get_Row_Math(source.Type);
     auto const mix = isAdded ? math.addFields : math.mixFields;
     bool const isLowerFirst = clip->FieldOrder == ZV_FIELDS_LOWER_FIRST;
-    ZVRowWeight const upper(isLowerFirst ? second : first), lower(isLowerFirst ? first : second);
+    ZVRowWeight const upper(isLowerFirst ? second : first, source.Type, Pixels_Of(source));
+    ZVRowWeight const lower(isLowerFirst ? first : second, source.Type, Pixels_Of(source));
     long const last = source.Height - 1;
     for (long y = 0; y <= last; ++y) {
         // At the edges the other field has one neighbour, whose average with itself it is.

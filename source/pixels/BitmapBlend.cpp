@@ -135,30 +135,30 @@ template <typename Source> void Blend_Deep(uint8_t const* source, uint8_t* targe
 }
 
 /// Blends a stage over bytes in the order red, green, blue.
-template <typename Source, bool OVER_COLOUR>
+template <typename Source, Over OVER>
 void Blend_Stage(uint8_t const* source, uint32_t colour, uint8_t* target, long count)
 {
     if constexpr (Source::bits == 8) {
-        Blend_RGBA8_Row<OVER_COLOUR, false>(source, colour, target, count);
+        Blend_RGBA8_Row<OVER, false>(source, colour, target, count);
     } else {
-        if (OVER_COLOUR) Repeat_Colour(colour, target, count);
+        if (OVER == Over::colour) Repeat_Colour(colour, target, count);
         Blend_Deep<Source>(source, target, count);
     }
 }
 
-template <typename Source, typename Target, bool OVER_COLOUR>
+template <typename Source, typename Target, Over OVER>
 void Blend_Row(void const* source, uint32_t colour, void* target, long count)
 {
     auto const* from = static_cast<uint8_t const*>(source);
     auto* to = static_cast<uint8_t*>(target);
     if constexpr (Source::bits == 8 && Target::packSize == 4) {
-        Blend_RGBA8_Row<OVER_COLOUR, true>(from, colour, to, count);
+        Blend_RGBA8_Row<OVER, true>(from, colour, to, count);
     } else {
         alignas(64) uint8_t blended[blendStage * 4] = {};
         for (; count > 0; count -= blendStage) {
             long const stage = std::min(count, blendStage);
-            if (!OVER_COLOUR) Target::Unpack(to, blended, stage);
-            Blend_Stage<Source, OVER_COLOUR>(from, colour, blended, stage);
+            if (OVER == Over::target) Target::Unpack(to, blended, stage);
+            Blend_Stage<Source, OVER>(from, colour, blended, stage);
             Target::Pack(blended, to, stage);
             from += stage * Source::packSize;
             to += stage * Target::packSize;
@@ -166,31 +166,31 @@ void Blend_Row(void const* source, uint32_t colour, void* target, long count)
     }
 }
 
-template <typename Source, bool OVER_COLOUR> BlendRow Find_Target(ZVRowFormat to)
+template <typename Source, Over OVER> BlendRow Find_Target(ZVRowFormat to)
 {
     switch (to) {
-    case ROW_NATIVE16: return Blend_Row<Source, FormatNative16, OVER_COLOUR>;
-    case ROW_NATIVE24: return Blend_Row<Source, FormatNative24, OVER_COLOUR>;
-    case ROW_NATIVE32: return Blend_Row<Source, FormatNative32, OVER_COLOUR>;
+    case ROW_NATIVE16: return Blend_Row<Source, FormatNative16, OVER>;
+    case ROW_NATIVE24: return Blend_Row<Source, FormatNative24, OVER>;
+    case ROW_NATIVE32: return Blend_Row<Source, FormatNative32, OVER>;
     default: return nullptr;
     }
 }
 
-template <bool OVER_COLOUR> BlendRow Find_Source(ZVRowFormat from, ZVRowFormat to)
+template <Over OVER> BlendRow Find_Source(ZVRowFormat from, ZVRowFormat to)
 {
     switch (from) {
-    case ROW_RGBA8: return Find_Target<FormatRGBA8, OVER_COLOUR>(to);
-    case ROW_RGBA10: return Find_Target<FormatRGBA10, OVER_COLOUR>(to);
-    case ROW_RGBA12: return Find_Target<FormatRGBA12, OVER_COLOUR>(to);
-    case ROW_RGBA16: return Find_Target<FormatRGBA16, OVER_COLOUR>(to);
-    case ROW_RGBAFLOAT: return Find_Target<FormatRGBAFloat, OVER_COLOUR>(to);
+    case ROW_RGBA8: return Find_Target<FormatRGBA8, OVER>(to);
+    case ROW_RGBA10: return Find_Target<FormatRGBA10, OVER>(to);
+    case ROW_RGBA12: return Find_Target<FormatRGBA12, OVER>(to);
+    case ROW_RGBA16: return Find_Target<FormatRGBA16, OVER>(to);
+    case ROW_RGBAFLOAT: return Find_Target<FormatRGBAFloat, OVER>(to);
     default: return nullptr;
     }
 }
 
 BlendRow Find_Blend_Row(ZVRowFormat from, ZVRowFormat to, bool isOverColour)
 {
-    return isOverColour ? Find_Source<true>(from, to) : Find_Source<false>(from, to);
+    return isOverColour ? Find_Source<Over::colour>(from, to) : Find_Source<Over::target>(from, to);
 }
 
 }  // namespace HWY_NAMESPACE

@@ -17,6 +17,7 @@
 #endif
 
 #include "RowFormats-inl.h"
+#include "VectorBytes-inl.h"
 
 #include <algorithm>
 #include <bit>
@@ -55,11 +56,19 @@ inline uint8_t Truncated_Byte(float value)
 
 // ---- 8 bits over 8 bits -----------------------------------------------------------------------------------
 
-inline uint8_t Blend_Byte(uint32_t alpha, uint32_t source, uint32_t back)
+/// What a row is blended over, into the target.
+enum class Over {
+    target,  ///< the target itself
+    colour,  ///< one colour
+    matte    ///< one colour, with N / 255 as the result, rounded down
+};
+
+template <Over OVER> uint8_t Blend_Byte(uint32_t alpha, uint32_t source, uint32_t back)
 {
     uint32_t const sum = alpha * source + (255 - alpha) * back;
     uint32_t const quotient = sum / 255;
-    if (quotient * 255 != sum || alpha < 65 || alpha == 255) return static_cast<uint8_t>(quotient);
+    bool const isExact = OVER != Over::matte && quotient * 255 == sum && alpha >= 65 && alpha < 255;
+    if (!isExact) return static_cast<uint8_t>(quotient);
     return Truncated_Byte(Blended(BlendAlpha(alpha / 255.0), source / 255.0, static_cast<uint8_t>(back)));
 }
 
@@ -71,59 +80,22 @@ inline constexpr ByteOrder orderRGB{{0, 1, 2}};
 inline constexpr ByteOrder orderBGR{{2, 1, 0}};
 
 /// Blends over the target itself or over a pixel of its order.
-template <bool OVER_COLOUR>
+template <Over OVER>
 void Blend_Bytes(uint8_t const* source, uint8_t const* colour, uint8_t* target, ByteOrder const& order,
                  long count)
 {
     for (; count > 0; --count, source += 4, target += 4) {
         for (int i = 0; i < 3; ++i)
-            target[i] = Blend_Byte(source[3], source[order.channels[i]], OVER_COLOUR ? colour[i] : target[i]);
+            target[i] = Blend_Byte<OVER>(source[3], source[order.channels[i]],
+                                         OVER == Over::target ? target[i] : colour[i]);
     }
 }
 
 #if ZV_HAS_VECTORS
 
-using ByteTag = hn::ScalableTag<uint8_t>;
-using ByteVector = hn::VFromD<ByteTag>;
-using WordTag = hn::Repartition<uint16_t, ByteTag>;
-using WordVector = hn::VFromD<WordTag>;
 using PixelTag = hn::Repartition<uint32_t, ByteTag>;
 using SignedPixelTag = hn::RebindToSigned<PixelTag>;
 using SignedByteTag = hn::RebindToSigned<ByteTag>;
-
-/// weight * value of two neighbouring bytes, added; the weights of a pair add up to 255 at most, so that no
-/// sum leaves 16 bits.
-HWY_INLINE WordVector Weighted_Pairs(ByteVector weights, hn::VFromD<SignedByteTag> values)
-{
-#if HWY_TARGET == HWY_AVX2
-    return WordVector{_mm256_maddubs_epi16(weights.raw, values.raw)};
-#elif HWY_TARGET == HWY_SSE4 || HWY_TARGET == HWY_SSSE3
-    return WordVector{_mm_maddubs_epi16(weights.raw, values.raw)};
-#else
-    WordTag const d16;
-    hn::RebindToSigned<WordTag> const di16;
-    auto const weightPairs = hn::BitCast(d16, weights);
-    auto const valuePairs = hn::BitCast(di16, values);
-    auto const even = hn::Mul(hn::BitCast(di16, hn::And(weightPairs, hn::Set(d16, 0xFF))),
-                              hn::ShiftRight<8>(hn::ShiftLeft<8>(valuePairs)));
-    auto const odd =
-        hn::Mul(hn::BitCast(di16, hn::ShiftRight<8>(weightPairs)), hn::ShiftRight<8>(valuePairs));
-    return hn::BitCast(d16, hn::Add(even, odd));
-#endif
-}
-
-/// Words of at most 255 as bytes, in the order in which interleaving took them apart.
-HWY_INLINE ByteVector Packed_Bytes(WordVector lower, WordVector upper)
-{
-#if HWY_TARGET == HWY_AVX2
-    return ByteVector{_mm256_packus_epi16(lower.raw, upper.raw)};
-#elif HWY_TARGET == HWY_SSE4 || HWY_TARGET == HWY_SSSE3
-    return ByteVector{_mm_packus_epi16(lower.raw, upper.raw)};
-#else
-    ByteTag const d8;
-    return hn::ConcatEven(d8, hn::BitCast(d8, upper), hn::BitCast(d8, lower));
-#endif
-}
 
 /// The constants of the kernel, in memory: GCC 12 rebuilds what it knows to be uniform from a general
 /// register in each turn of the loop, which costs a fifth of its speed.
@@ -201,7 +173,7 @@ private:
 };
 
 /// Blends a run of whole vectors.
-template <bool OVER_COLOUR>
+template <Over OVER>
 void Blend_Vectors(uint8_t const* source, uint8_t const* colour, uint8_t* target,
                    BlendConstants const& constants, Suspects& suspects, long count)
 {
@@ -228,19 +200,20 @@ void Blend_Vectors(uint8_t const* source, uint8_t const* colour, uint8_t* target
     std::memcpy(&colourWord, colour, sizeof(colourWord));
     colourWord &= 0xFFFFFF;
     auto const colours = hn::BitCast(d8, hn::Set(d32, colourWord));
-    bool const isExact = OVER_COLOUR && colourWord == 0;  // nothing rounds over black
+    bool const isRoundedDown =
+        OVER == Over::matte || (OVER == Over::colour && colourWord == 0);  // so is all over black
 
     for (long i = 0; i < count; i += step) {
         hwy::Prefetch(source + 4 * i + 1024);
         hwy::Prefetch(target + 4 * i + 1024);
         auto const rgba = hn::LoadU(d8, source + 4 * i);
         auto const before = hn::LoadU(d8, target + 4 * i);
-        auto const back = OVER_COLOUR ? hn::Or(hn::And(before, pad), colours) : before;
+        auto const back = OVER == Over::target ? before : hn::Or(hn::And(before, pad), colours);
         auto const ordered = hn::TableLookupBytes(rgba, order);
         if (static_cast<uint8_t>(source[4 * i + 3] + 1) <= 1) {  // 0 and 255 come in runs
             auto const alphas = hn::BitCast(d32, hn::And(rgba, pad));
             if (hn::AllTrue(d32, hn::Eq(alphas, hn::Zero(d32)))) {
-                if (OVER_COLOUR) hn::StoreU(back, d8, target + 4 * i);
+                if (OVER != Over::target) hn::StoreU(back, d8, target + 4 * i);
                 continue;
             }
             if (hn::AllTrue(d32, hn::Eq(alphas, hn::BitCast(d32, pad)))) {
@@ -260,7 +233,7 @@ void Blend_Vectors(uint8_t const* source, uint8_t const* colour, uint8_t* target
         auto const blended =
             Packed_Bytes(hn::MulHigh(lowerSums, byQuotient), hn::MulHigh(upperSums, byQuotient));
         hn::StoreU(blended, d8, target + 4 * i);
-        if (isExact) continue;
+        if (isRoundedDown) continue;
 
         // The low byte of N + 1 plus the quotient is N modulo 255, plus 1.
         auto const lowBytes = Packed_Bytes(hn::And(lowerSums, lowByte), hn::And(upperSums, lowByte));
@@ -281,7 +254,7 @@ void Blend_Vectors(uint8_t const* source, uint8_t const* colour, uint8_t* target
 }
 
 /// Blends the whole vectors of a row and tells how many pixels that were.
-template <bool OVER_COLOUR>
+template <Over OVER>
 long Blend_Whole_Vectors(uint8_t const* source, uint8_t const* colour, uint8_t* target,
                          ByteOrder const& order, BlendConstants const& constants, long count)
 {
@@ -289,8 +262,8 @@ long Blend_Whole_Vectors(uint8_t const* source, uint8_t const* colour, uint8_t* 
     for (long done = 0; done < whole; done += Suspects::longestRun) {
         Suspects suspects;
         long const run = std::min(whole - done, Suspects::longestRun);
-        Blend_Vectors<OVER_COLOUR>(source + 4 * done, colour, target + 4 * done, In_Memory(constants),
-                                   suspects, run);
+        Blend_Vectors<OVER>(source + 4 * done, colour, target + 4 * done, In_Memory(constants), suspects,
+                            run);
         suspects.Settle(source + 4 * done, target + 4 * done, order);
     }
     return whole;
@@ -300,7 +273,7 @@ long Blend_Whole_Vectors(uint8_t const* source, uint8_t const* colour, uint8_t* 
 
 /// Blends a row of RGBA8 over the target itself, or over a colour word into the target: pixels of four bytes,
 /// blue or red first. The fourth byte stays.
-template <bool OVER_COLOUR, bool IS_BGR>
+template <Over OVER, bool IS_BGR>
 void Blend_RGBA8_Row(uint8_t const* source, uint32_t colour, uint8_t* target, long count)
 {
     constexpr ByteOrder order = IS_BGR ? orderBGR : orderRGB;
@@ -310,9 +283,9 @@ void Blend_RGBA8_Row(uint8_t const* source, uint32_t colour, uint8_t* target, lo
     long done = 0;
 #if ZV_HAS_VECTORS
     static constexpr BlendConstants constants(order);
-    done = Blend_Whole_Vectors<OVER_COLOUR>(source, pixel, target, order, constants, count);
+    done = Blend_Whole_Vectors<OVER>(source, pixel, target, order, constants, count);
 #endif
-    Blend_Bytes<OVER_COLOUR>(source + 4 * done, pixel, target + 4 * done, order, count - done);
+    Blend_Bytes<OVER>(source + 4 * done, pixel, target + 4 * done, order, count - done);
 }
 
 }  // namespace HWY_NAMESPACE

@@ -65,11 +65,11 @@ void Smooth_Row(void* above, void const* row, void const* below, void* scratch, 
 
 // ---- weights ----------------------------------------------------------------------------------------------
 
-/// Products of channels: of bytes by factor or by table, of words truncated, of floats as they are in double.
-template <typename T> struct Multiplier {
+/// Products as they are told: in double, truncated in integer types.
+template <typename T> struct ToldMultiplier {
     double weight;
 
-    explicit Multiplier(ZVRowWeight const& w) : weight(w.value) {}
+    explicit ToldMultiplier(ZVRowWeight const& w) : weight(w.value) {}
     auto operator()(T value) const
     {
         if constexpr (std::is_floating_point_v<T>)
@@ -78,33 +78,65 @@ template <typename T> struct Multiplier {
             return static_cast<T>(static_cast<int32_t>(value * weight));
     }
 };
-struct FactorMultiplier {
+
+/// The same products by the factor, in lanes as narrow as can be.
+template <typename T> struct FactorMultiplier;
+
+template <> struct FactorMultiplier<uint8_t> {
     uint16_t factor, identity;
 
-    explicit FactorMultiplier(ZVRowWeight const& w) : factor(w.factor), identity(w.identity) {}
+    explicit FactorMultiplier(ZVRowWeight const& w)
+        : factor(static_cast<uint16_t>(w.factor)), identity(w.identity)
+    {
+    }
     uint8_t operator()(uint8_t value) const
     {
-        return static_cast<uint8_t>(static_cast<uint16_t>(uint32_t{value} * factor >> 16) +
+        return static_cast<uint8_t>(static_cast<uint16_t>(uint32_t{value} * factor >> 16) |
                                     (value & identity));
     }
 };
-struct TableMultiplier {
-    uint8_t const* products;
 
-    explicit TableMultiplier(ZVRowWeight const& w) : products(w.products) {}
-    uint8_t operator()(uint8_t value) const { return products[value]; }
+template <> struct FactorMultiplier<uint16_t> {
+    uint16_t high, low, identity;
+
+    explicit FactorMultiplier(ZVRowWeight const& w)
+        : high(static_cast<uint16_t>(w.factor >> 16)), low(static_cast<uint16_t>(w.factor)),
+          identity(w.identity)
+    {
+    }
+    uint16_t operator()(uint16_t value) const
+    {
+        auto const upper = static_cast<uint16_t>(uint32_t{value} * high >> 16);
+        auto const middle = static_cast<uint16_t>(uint32_t{value} * high);
+        auto const sum = static_cast<uint16_t>(middle + (uint32_t{value} * low >> 16));
+        uint16_t const carry = sum < middle ? 1 : 0;
+        return static_cast<uint16_t>((upper + carry) | (value & identity));
+    }
 };
+
+/// Whether the factor gives the told product of every value.
+template <typename T> bool Has_All_Products(ZVRowWeight const& weight, uint32_t max)
+{
+    ToldMultiplier<T> const told(weight);
+    FactorMultiplier<T> const multiply(weight);
+    T different = 0;
+    for (uint32_t value = 0; value <= max; ++value)
+        different |= static_cast<T>(told(static_cast<T>(value)) ^ multiply(static_cast<T>(value)));
+    return different == 0;
+}
 
 /// Calls `work` with the multipliers of weights, all of one kind.
 template <typename Format, typename Work, typename... Weights>
 void With_Multipliers(Work&& work, Weights const&... weights)
 {
-    if constexpr (Format::bits != 8)
-        work(Multiplier<typename Format::Channel>(weights)...);
-    else if ((weights.hasFactor && ...))
-        work(FactorMultiplier(weights)...);
-    else
-        work(TableMultiplier(weights)...);
+    using T = typename Format::Channel;
+    if constexpr (Format::bits != 32) {
+        if ((weights.hasFactor && ...)) {
+            work(FactorMultiplier<T>(weights)...);
+            return;
+        }
+    }
+    work(ToldMultiplier<T>(weights)...);
 }
 
 template <typename Format, bool ADDS>

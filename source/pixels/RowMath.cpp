@@ -42,6 +42,13 @@ ZVRowMath const* Find_Row_Math(ZVBitmapType type)
     return &tables[type - ZV_BITMAP_RGBA8];
 }
 
+bool Gives_All_Products(ZVRowWeight const& weight, ZVBitmapType type)
+{
+    return type == ZV_BITMAP_RGBA8
+               ? Has_All_Products<uint8_t>(weight, 255)
+               : Has_All_Products<uint16_t>(weight, (1U << GetBitsPerChannelZV(type)) - 1);
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace Rows
 HWY_AFTER_NAMESPACE();
@@ -50,7 +57,8 @@ HWY_AFTER_NAMESPACE();
 
 namespace Rows {
 HWY_EXPORT(Find_Row_Math);
-}
+HWY_EXPORT(Gives_All_Products);
+}  // namespace Rows
 
 ZVRowMath const* Get_Row_Math(ZVBitmapType type)
 {
@@ -59,25 +67,27 @@ ZVRowMath const* Get_Row_Math(ZVBitmapType type)
     return HWY_DYNAMIC_DISPATCH(Find_Row_Math)(type);
 }
 
-ZVRowWeight::ZVRowWeight(double weight)
+ZVRowWeight::ZVRowWeight(double weight, ZVBitmapType type, long pixels)
     : value(weight == weight ? std::clamp(weight, -32767.0, 32767.0) : 0.0), factor(0), identity(0),
-      hasFactor(true)
+      hasFactor(false)
 {
-    for (int i = 0; i < 256; ++i)
-        products[i] = static_cast<uint8_t>(static_cast<int32_t>(i * value));
+    using namespace Rows;
+    // The products of all values cost about as much as an eighth of so many pixels.
+    if (type == ZV_BITMAP_RGBAFLOAT || pixels < 1L << (GetBitsPerChannelZV(type) - 1)) return;
     if (value == 1.0) {
         identity = 0xFFFF;
-        return;
+        hasFactor = true;
+    } else if (value >= 0.0 && value < 1.0) {
+        // Products change where the weight passes a fraction of two channel values. Such fractions are
+        // farther apart than factors, so that one of the two next to the weight lies where it lies among
+        // them.
+        auto const below = static_cast<uint32_t>(value * (type == ZV_BITMAP_RGBA8 ? 0x1p16 : 0x1p32));
+        for (uint32_t const candidate : {below, below + 1}) {
+            factor = candidate;
+            hasFactor = HWY_DYNAMIC_DISPATCH(Gives_All_Products)(*this, type);
+            if (hasFactor) return;
+        }
     }
-    // The least factor that is enough for every product; most weights below 1 have one that is too much for
-    // none.
-    uint32_t least = 0;
-    for (uint32_t i = 1; i < 256; ++i)
-        least = std::max(least, ((uint32_t{products[i]} << 16) + i - 1) / i);
-    for (uint32_t i = 0; i < 256; ++i)
-        hasFactor = hasFactor && (i * least >> 16) == products[i];
-    hasFactor = hasFactor && least <= 0xFFFF;
-    factor = static_cast<uint16_t>(least);
 }
 
 #endif

@@ -4,16 +4,17 @@
 
 #include "ZVBitmap.h"
 
-/// A weight, with what is worked out of it once for a whole bitmap of bytes: the product of a byte is
-/// (byte * factor >> 16) + (byte & identity), or looked up when no factor gives all of them.
+/// A weight, with a factor that stands for it in the arithmetic of one integer type: of every channel value
+/// the product with `factor`, shifted right by 16 for bytes and by 32 for words, is the told one; 1 is
+/// `identity`.
 struct ZVRowWeight {
     double value;
-    uint16_t factor;
-    uint16_t identity;
-    bool hasFactor;
-    uint8_t products[256];
+    uint32_t factor;
+    uint16_t identity;  ///< all bits for a weight of 1, whose factor is 0
+    bool hasFactor;     ///< false: products are worked out in double
 
-    explicit ZVRowWeight(double weight);
+    /// @param pixels  for how many pixels the weight is meant: a few are not worth the search for a factor
+    ZVRowWeight(double weight, ZVBitmapType type, long pixels);
 };
 
 /// What can be done with rows of one type, compiled for the best instruction set of this processor. Rows lie
