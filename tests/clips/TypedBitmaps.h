@@ -5,8 +5,8 @@
 
 namespace PixelTest {
 
-/// Calls `work` with a bitmap as its own class; other types than the RGBA ones come as 8 bits, as callers without an
-/// instance do.
+/// Calls `work` with a bitmap as its own class; other types than the RGBA ones come as 8 bits, as callers
+/// without an instance do.
 template <typename Work> void Visit_Typed(ZVBitmap* bitmap, Work work)
 {
     switch (bitmap->Type) {
@@ -39,12 +39,13 @@ inline double Number_Of(ZVBitmap const& bitmap, long x, long y, long channel)
 inline void Set_Number(ZVBitmap& bitmap, long x, long y, long channel, double value)
 {
     Set_Raw(bitmap, x, y, channel,
-            Is_Float(bitmap.Type) ? std::bit_cast<uint32_t>(static_cast<float>(value)) : static_cast<uint32_t>(value));
+            Is_Float(bitmap.Type) ? std::bit_cast<uint32_t>(static_cast<float>(value))
+                                  : static_cast<uint32_t>(value));
 }
 
 inline BitmapPtr Copy_Of(ZVBitmap const& bitmap)
 {
-    BitmapPtr copy = Make_Bitmap(bitmap.Width, bitmap.Height, bitmap.Type);
+    BitmapPtr copy = PixelTest::Make_Bitmap(bitmap.Width, bitmap.Height, bitmap.Type);
     std::memcpy(copy->Pixels, bitmap.Pixels, static_cast<std::size_t>(bitmap.Size));
     return copy;
 }
