@@ -233,6 +233,30 @@ TEST(Alpha, EveryPixelIsReadAsTold)
     });
 }
 
+// A half may go either way, but the same way on each instruction set.
+TEST(Alpha, EachInstructionSetGivesTheSameBits)
+{
+    std::vector<std::vector<unsigned char>> first;
+    On_Each_Target([&] {
+        std::vector<std::vector<unsigned char>> all;
+        for (ZVBitmapType const type : rgbaTypes) {
+            BitmapPtr const before = Make_Pairs(type);
+            for (Convention const& convention : All_Conventions()) {
+                ZVClip clip = Make_Clip(convention);
+                BitmapPtr const read = Copy_Of(*before), written = Copy_Of(*before),
+                                fourth = Copy_Of(*before);
+                Read(read.get(), &clip);
+                InterpretAlphaZV(&clip, before.get(), written.get(), nullptr);
+                InterpretAlpha2ZV(&clip, before.get(), fourth.get(), nullptr);
+                for (ZVBitmap const* bitmap : {read.get(), written.get(), fourth.get()})
+                    all.emplace_back(bitmap->Pixels, bitmap->Pixels + bitmap->Size);
+            }
+        }
+        if (first.empty()) first = all;
+        EXPECT_TRUE(all == first);
+    });
+}
+
 TEST(Alpha, EveryPixelIsWrittenAsTold)
 {
     On_Each_Target([] {
