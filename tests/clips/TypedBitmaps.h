@@ -3,18 +3,19 @@
 
 #include "pixels/PixelTestTools.h"
 
+
 namespace PixelTest {
 
-/// Calls `work` with a bitmap as its own class; other types than the RGBA ones come as 8 bits, as callers
-/// without an instance do.
+/// Calls `work` with a bitmap of an RGBA type as its own class.
 template <typename Work> void Visit_Typed(ZVBitmap* bitmap, Work work)
 {
     switch (bitmap->Type) {
+    case ZV_BITMAP_RGBA8: return work(static_cast<ZVBufferRGBA8*>(bitmap));
     case ZV_BITMAP_RGBA10: return work(static_cast<ZVBufferRGBA10*>(bitmap));
     case ZV_BITMAP_RGBA12: return work(static_cast<ZVBufferRGBA12*>(bitmap));
     case ZV_BITMAP_RGBA16: return work(static_cast<ZVBufferRGBA16*>(bitmap));
     case ZV_BITMAP_RGBAFLOAT: return work(static_cast<ZVBufferRGBAFloat*>(bitmap));
-    default: return work(static_cast<ZVBufferRGBA8*>(bitmap));
+    default: return;  // there is no instance to call
     }
 }
 
