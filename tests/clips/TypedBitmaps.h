@@ -3,7 +3,6 @@
 
 #include "pixels/PixelTestTools.h"
 
-
 namespace PixelTest {
 
 /// Calls `work` with a bitmap of an RGBA type as its own class.
