@@ -18,6 +18,7 @@ ctest --preset tsan -L threads
 
 echo "== Fuzz targets"
 build_preset fuzz
+export LSAN_OPTIONS=suppressions=$PWD/fuzz/leaks.supp:print_suppressions=0
 for target in build/fuzz/bin/fuzz_*; do
     name=$(basename "$target")
     work=$(mktemp -d)
