@@ -224,8 +224,9 @@ long SequenceNumberToNameValidateZV(char* path, long number)
     char name[ZV_SPEC_SIZE], previous[ZV_SPEC_SIZE] = "";
     for (long shrink = 0; shrink < digits; ++shrink) {
         std::strcpy(name, path);
+        if (!SequenceNumberToNameZV(name, number, shrink)) continue;
         // Once the number fills the width, narrower masks give the same name again.
-        if (!SequenceNumberToNameZV(name, number, shrink) || std::strcmp(name, previous) == 0) break;
+        if (std::strcmp(name, previous) == 0) break;
         if (FileExistsZV(name)) {
             std::strcpy(path, name);
             return 1;
@@ -235,7 +236,7 @@ long SequenceNumberToNameValidateZV(char* path, long number)
     CaseSearch search{File_Part(path), number, ""};
     GetPathZV(path, name);
     OS_Walk_Directory(name, Try_Entry, &search);
-    if (!*search.found) return 0;
+    if (!*search.found || std::strlen(name) + std::strlen(search.found) >= ZV_SPEC_SIZE) return 0;
     std::strcpy(File_Part(path), search.found);
     return 1;
 }

@@ -176,6 +176,17 @@ TEST_F(SequenceFiles, ANumberFindsItsFileAtAnyWidth)
     EXPECT_EQ(Resolve("s[].tif", 1), "") << "no hashes";
 }
 
+TEST_F(SequenceFiles, AFileWhoseSpecDoesNotFitIsNotFound)
+{
+    // The mask fits a spec, the name with its seven digits does not.
+    std::string directory(1013 - environment.Spec().size(), 'd');
+    for (std::size_t i = 200; i < directory.size() - 2; i += 200)
+        directory[i] = '/';
+    directory.back() = '/';
+    environment.Write(directory + "S1234567.TIF", "x");
+    EXPECT_EQ(Resolve(directory + "s[#].tif", 1234567), "");
+}
+
 TEST_F(SequenceFiles, ASequenceIsValidWhenEachNumberHasAFile)
 {
     Write_All(
