@@ -156,8 +156,10 @@ ZV_API void DisplayRamInBitmapZV(ZVBitmap* bitmap);
 // A negative width or height takes the source's. A negative destination origin moves the source origin in and
 // shrinks the size; the size is cut at the destination's edges. The source rectangle is the caller's to keep
 // inside the source. Going up in depth scales by the ratio of the maxima, truncated; going down drops bits; from
-// float, 8 bits truncate and the others round. There is no conversion from or to the mono types but
-// ConvertMonoToRGBA: such a copy does nothing.
+// float, 8 bits truncate and the others round. Colours from float are clamped to 0 to 1, and so is an 8-bit
+// alpha; alpha in 10, 12 and 16 bits keeps the low bits of what f_round gives. NaN becomes 0. There is no
+// conversion from or to the mono types but ConvertMonoToRGBA: such a copy does nothing. Copies of one type, and
+// those between native bitmaps of one depth, take overlapping rectangles of one bitmap.
 
 ZV_API void CopyBitmapZV(ZVBitmap const* src, ZVBitmap* dst, long sx, long sy, long w, long h, long dx, long dy);
 

@@ -28,15 +28,15 @@ constexpr long stagePixels = 256;
 /// needed.
 template <typename From, typename To> void Convert_Stage(void const* source, void* target, long count)
 {
-    constexpr bool isDeepEnough = From::bits == To::bits;
+    constexpr bool isSameDepth = From::bits == To::bits;
     alignas(64) typename From::Channel unpacked[stagePixels * 4];
     alignas(64) typename To::Channel converted[stagePixels * 4];
     if constexpr (From::isPacked) {
-        void* const channels = isDeepEnough && !To::isPacked ? target : unpacked;
+        void* const channels = isSameDepth && !To::isPacked ? target : unpacked;
         From::Unpack(source, channels, count);
         source = channels;
     }
-    if constexpr (!isDeepEnough) {
+    if constexpr (!isSameDepth) {
         void* const channels = To::isPacked ? converted : target;
         Convert_Channels<From, To>(source, channels, count * 4);
         source = channels;
