@@ -228,6 +228,11 @@ long GetFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTimeV
 /// Fetches data of the kind `what` for the frame at a time from the module; 0 outside the clip.
 ZV_API long GetFrameDataZV(ZVClip* clip, ZVTimeValue const* time, unsigned long what, void* buffer, long size);
 
+/// Finds the phase of pull-down and the field order of footage, and stores both in the clip, with the rates and the
+/// frame count that follow. Reads up to 66 frames. 1 when the result is to be trusted; with 0 the clip may have no
+/// pull-down: a phase is stored all the same.
+ZV_API long GuessPullDownZV(ZVClip* clip);
+
 // ---- writing and editing ----------------------------------------------------------------------------------
 
 /// What writes a frame: the default one, or that of ZV_ADD_FUNCTION.

@@ -133,6 +133,13 @@ struct ZVFileTypeDescriptor {
 ZV_API void InitFormatModulesZV(ZVScanDesc* scan);
 ZV_API void InitAllFormatModulesZV(ZVScanDesc* scan);
 
+/// Registers the movie module, as two entries: movies, and movies that are prepared for streaming. Neither of the
+/// calls above does. 1, or 0 without a movie layer (`hasMovies`) and when memory runs out.
+///
+/// A missing "data\QuickTimeCodecs.txt" is created in the home directory. It lists codecs by their four characters: up
+/// to the line "QuickTime 10-bit codecs" those of 16 bits a channel, behind it those of 10.
+ZV_API long Add_QuickTime_Format(ZVScanDesc* scan);
+
 /// The module that claims a file, or null with error 15.
 ZV_API ZVFormatDesc* GetFormatModuleZV(char const* spec);
 

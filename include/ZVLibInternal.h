@@ -56,6 +56,10 @@ ZV_API bool OS_Get_Library_Data_Dir(char* path, unsigned long size);
 ZV_API bool OS_Get_User_Dir(char* path, unsigned long size);
 ZV_API bool OS_Get_Temp_Dir(char* path, unsigned long size);
 
+/// Starts and ends the movie layer. False when it is not there.
+ZV_API bool OS_Enter_Movies();
+ZV_API void OS_Exit_Movies();
+
 /// Memory of the process and the machine, in bytes.
 ZV_API uint64_t OS_Free_Memory();
 ZV_API uint64_t OS_Total_Memory();
@@ -107,6 +111,18 @@ ZV_API bool OS_Native_Path(char const* spec, char* path, unsigned long size);
 /// @return  false when the directory cannot be read
 ZV_API bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool isDirectory, void* data),
                               void* data);
+
+// The sound seam. The player alone calls it; results are non-zero for success.
+ZV_API void OSAudioSetFormat(ZVAudioFormat const* format);  ///< Of the next channel; null is ignored.
+/// The function that fills output buffers with sound. It is called on a thread of the output's own.
+ZV_API void OSAudioSetCallback(void (*fill)(void* out, unsigned long bytes));
+ZV_API long OSAudioInitPlayback();  ///< Opens a channel and makes its two buffers. 16-bit stereo alone is taken.
+ZV_API long OSAudioPreload();       ///< Fills both buffers, on the caller's thread.
+ZV_API long OSAudioPlay();          ///< Starts the output.
+ZV_API void OSAudioStop();          ///< At once, and releases the channel: no call-back runs any more.
+ZV_API void OSAudioSetVolume(double volume);  ///< Level of both channels, 1.0 full, in steps of 1/256.
+
+ZV_API void OS_Beep();  ///< The terminal's bell, for a process that has one.
 
 /// Takes a directory, made if missing, for this process alone, until it is released or the process ends.
 /// @return  a claim above 0; 0 when another process has the directory, -1 when it cannot be made or opened
@@ -169,6 +185,9 @@ ZV_API void AddFrameCompletionFunc(void* record, unsigned long status);
 
 /// Finds the other files of an image sequence and takes them into the clip. 1 or 0.
 ZV_API long SequenceCheckZV(ZVClip* clip, TagItem* tags);
+
+/// Fills output with the player's sound, four bytes a frame, and moves its position on. Allocates nothing.
+ZV_API void read_source(void* out, unsigned long bytes);
 
 /// Position in the cadence and output number of a frame written under pull-down. Always 1.
 ZV_API long FrameNumberToSequenceNumberZV(long* position, long* number, long frame, long isFirst,
@@ -235,4 +254,5 @@ ZV_API ZVFormatParams* Copy_Format_Params(ZVFormatParams const* params);
 ZV_API long Add_Filmstrip_Format(ZVScanDesc* scan);
 ZV_API long Add_EIDI_Format(ZVScanDesc* scan);
 ZV_API long Add_RAM_Format(ZVScanDesc* scan);
+ZV_API long Add_VPB_Format(ZVScanDesc* scan);
 ZV_API void Free_Format_Modules();  ///< Empties the environment's list.

@@ -8,6 +8,7 @@ void InitFormatModulesZV(ZVScanDesc* scan)
     if (!ZVEnv) return;
     Add_Filmstrip_Format(scan);
     Add_EIDI_Format(scan);
+    Add_VPB_Format(scan);
     Add_RAM_Format(scan);
 }
 

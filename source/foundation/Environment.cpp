@@ -169,6 +169,7 @@ ZVEnvironment* InitZV(void (*callback)(ZVEvent*), char const* prefsName, char co
     AppendStringFileZV(messageFile);
     Init_MP();
     ZVEnv->region = CreateCriticalRegionZV();
+    ZVEnv->hasMovies = OS_Enter_Movies();
     TagItem const* section = keyFile ? FindTagItem(ZV_INIT_KEY_SECTION, ZVEnv->initTags) : nullptr;
     if (section) ZVEnv->keySection = reinterpret_cast<ZVKeySection*>(section->data);
     SetError(ZV_ERR_NONE);
@@ -180,6 +181,7 @@ void CleanUpZV()
 {
     ZVEnv = ZVEnvOS = GetEnvironmentZV();
     if (!ZVEnv) return;
+    if (ZVEnv->hasMovies) OS_Exit_Movies();
     FreeCriticalRegionZV(ZVEnv->region);
     Cleanup_OS();
     Free_Format_Modules();

@@ -15,6 +15,7 @@ TEST_F(FormatTest, BuiltinModulesStandInTheirOrderWithNamesCodesAndProperties)
     ModuleCase const cases[] = {
         {"Filmstrip", ZV_FourCC("Film"), ZV_BLANK_CODE, "a.FLM", 0x1000F},
         {"Electric Image", ZV_FourCC("EIDI"), ZV_FourCC("EIAD"), "a.ei", 0x1000F},
+        {"VPB Picture", ZV_FourCC("VPB "), ZV_BLANK_CODE, "a.vpb", 0x1000C},
         {"Ram", ZV_BLANK_CODE, ZV_BLANK_CODE, nullptr, 0x1008E},
     };
     Node* node = List_First(&ZVEnv->formats);

@@ -1,0 +1,209 @@
+// See MovieCodecs.h.
+#include "MovieCodecs.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+namespace {
+
+constexpr AVPixelFormat None = AV_PIX_FMT_NONE;
+
+constexpr PictureCodec pictureCodecs[] = {
+    {"rle ", "qtrle", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, None, None, false},
+    {"raw ", "rawvideo", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, AV_PIX_FMT_RGB48BE, AV_PIX_FMT_RGBA64BE, false},
+    {"png ", "png", AV_PIX_FMT_RGB24, AV_PIX_FMT_RGBA, AV_PIX_FMT_RGB48BE, AV_PIX_FMT_RGBA64BE, false},
+    {"FFV1", "ffv1", AV_PIX_FMT_BGR0, AV_PIX_FMT_BGRA, AV_PIX_FMT_GBRP16, AV_PIX_FMT_GBRAP16, false},
+    {"jpeg", "mjpeg", AV_PIX_FMT_YUVJ420P, None, None, None, true},
+    {"apco", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false},
+    {"apcs", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false},
+    {"apcn", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false},
+    {"apch", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false},
+    {"ap4h", "prores_ks", AV_PIX_FMT_YUV444P10, AV_PIX_FMT_YUVA444P10, AV_PIX_FMT_YUV444P10,
+     AV_PIX_FMT_YUVA444P10, false},
+    {"ap4x", "prores_ks", AV_PIX_FMT_YUV444P10, AV_PIX_FMT_YUVA444P10, AV_PIX_FMT_YUV444P10,
+     AV_PIX_FMT_YUVA444P10, false},
+    {"v210", "v210", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false},
+    {"2vuy", "rawvideo", AV_PIX_FMT_UYVY422, None, None, None, false},
+    {"avc1", "libx264", AV_PIX_FMT_YUV420P, None, AV_PIX_FMT_YUV420P10, None, true},
+    {"hvc1", "libx265", AV_PIX_FMT_YUV420P, None, AV_PIX_FMT_YUV420P10, None, true},
+    {"mp4v", "mpeg4", AV_PIX_FMT_YUV420P, None, None, None, true},
+};
+
+constexpr SoundCodec soundCodecs[] = {
+    {"sowt", "pcm_s16le", false}, {"twos", "pcm_s16be", true},  {"in24", "pcm_s24be", false},
+    {"in32", "pcm_s32be", false}, {"fl32", "pcm_f32be", false}, {"fl64", "pcm_f64be", false},
+    {"ulaw", "pcm_mulaw", true},  {"alaw", "pcm_alaw", true},   {"ima4", "adpcm_ima_qt", false},
+    {"alac", "alac", false},      {"mp4a", "aac", true},
+};
+
+std::uint32_t Pack(char const* code)
+{
+    std::uint32_t packed = 0;
+    for (int i = 0; i < 4; ++i)
+        packed = packed << 8 | static_cast<unsigned char>(code[i]);
+    return packed;
+}
+
+template <typename Entry, std::size_t size> Entry const* Find(Entry const (&table)[size], std::uint32_t code)
+{
+    auto const* found =
+        std::ranges::find_if(table, [&](Entry const& entry) { return Pack(entry.code) == code; });
+    return found == std::end(table) ? nullptr : found;
+}
+
+AVPixelFormat Layout_For(PictureCodec const& codec, HostVideoSettings const& settings)
+{
+    bool const hasAlpha = settings.hasAlpha && codec.alpha != None;
+    AVPixelFormat const shallow = hasAlpha ? codec.alpha : codec.plain;
+    AVPixelFormat const deep = hasAlpha ? codec.deepAlpha : codec.deep;
+    AVPixelFormat const layout = settings.isDeep && deep != None ? deep : shallow;
+    // What shares its colours between two pixels leaves none for an odd one.
+    bool const isOdd = (settings.width | settings.height) & 1;
+    if (layout == AV_PIX_FMT_YUV420P && isOdd) return AV_PIX_FMT_YUV444P;
+    if (layout == AV_PIX_FMT_YUV420P10 && isOdd) return AV_PIX_FMT_YUV444P10;
+    if (layout == AV_PIX_FMT_YUVJ420P && settings.quality >= 768) return AV_PIX_FMT_YUVJ444P;
+    return layout;
+}
+
+/// The matrix is written into the movie, so that its colours come back as they were: that of high definition
+/// for its sizes, that of standard definition below.
+void Set_Colour(AVCodecContext& context, HostVideoSettings const& settings)
+{
+    AVPixFmtDescriptor const* layout = av_pix_fmt_desc_get(context.pix_fmt);
+    if (layout->flags & AV_PIX_FMT_FLAG_RGB) {
+        context.color_range = AVCOL_RANGE_JPEG;
+        return;
+    }
+    bool const isHigh = settings.width > 1024 || settings.height > 576;
+    context.colorspace = isHigh ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
+    context.color_primaries = isHigh ? AVCOL_PRI_BT709 : AVCOL_PRI_SMPTE170M;
+    context.color_trc = AVCOL_TRC_BT709;
+    bool const isFull = context.pix_fmt == AV_PIX_FMT_YUVJ420P || context.pix_fmt == AV_PIX_FMT_YUVJ444P;
+    context.color_range = isFull ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
+}
+
+/// A number between two ends, by quality.
+double Between(double worst, double best, int quality)
+{
+    return worst + (best - worst) * std::clamp(quality, 0, 1024) / 1024.0;
+}
+
+void Set_Quality(AVCodecContext& context, PictureCodec const& codec, HostVideoSettings const& settings,
+                 MovieOptions& options)
+{
+    std::string_view const name = codec.encoder;
+    bool const hasRate = settings.bytesPerSecond > 0;
+    if (hasRate) context.bit_rate = settings.bytesPerSecond * std::int64_t{8};
+    if (name == "prores_ks") {
+        constexpr std::string_view profiles[] = {"apco", "apcs", "apcn", "apch", "ap4h", "ap4x"};
+        options.Set("profile", std::ranges::find(profiles, codec.code) - std::begin(profiles));
+        options.Set("vendor", "apl0");
+        options.Set("alpha_bits", settings.hasAlpha && codec.alpha != None ? 16 : 0);
+    } else if (name == "ffv1") {
+        context.level = 3;
+        options.Set("slicecrc", 1);
+        options.Set("slices", settings.width >= 64 && settings.height >= 64 ? 4 : 1);
+    } else if (name == "libx264") {
+        options.Set("preset", "medium");
+        // Half is the encoder's own idea of a good quality, the top is without loss.
+        double const crf =
+            settings.quality >= 512 ? Between(46, 0, settings.quality) : Between(40, 6, settings.quality);
+        if (!hasRate) options.Set("crf", std::to_string(crf).c_str());
+    } else if (name == "libx265") {
+        options.Set("x265-params", "log-level=none");
+        if (!hasRate) options.Set("crf", std::to_string(Between(46, 4, settings.quality)).c_str());
+    } else if (!hasRate && (name == "mjpeg" || name == "mpeg4")) {
+        context.flags |= AV_CODEC_FLAG_QSCALE;
+        context.global_quality =
+            static_cast<int>(std::lround(Between(20, 1, settings.quality))) * FF_QP2LAMBDA;
+    }
+}
+
+AVRational Reduced(std::int64_t numerator, std::int64_t denominator)
+{
+    AVRational result;
+    av_reduce(&result.num, &result.den, numerator, denominator, INT32_MAX);
+    return result;
+}
+
+}  // namespace
+
+PictureCodec const* Find_Picture_Codec(std::uint32_t code)
+{
+    return Find(pictureCodecs, code);
+}
+
+SoundCodec const* Find_Sound_Codec(std::uint32_t code)
+{
+    return Find(soundCodecs, code);
+}
+
+HostCodecAbilities Host_Codec_Abilities(std::uint32_t code)
+{
+    PictureCodec const* codec = Find_Picture_Codec(code);
+    AVCodec const* encoder = codec ? avcodec_find_encoder_by_name(codec->encoder) : nullptr;
+    if (!encoder) return {};
+    AVCodecDescriptor const* descriptor = avcodec_descriptor_get(encoder->id);
+    char const* name = descriptor && descriptor->long_name ? descriptor->long_name : encoder->name;
+    return {true, codec->alpha != None, codec->deep != None, codec->canStream, name};
+}
+
+MovieOwner<AVCodecContext> Open_Picture_Encoder(HostVideoSettings const& settings, HostMovieError& error)
+{
+    error = HostMovieError::NoCodec;
+    PictureCodec const* codec = Find_Picture_Codec(settings.codec);
+    AVCodec const* encoder = codec ? avcodec_find_encoder_by_name(codec->encoder) : nullptr;
+    if (!encoder) return nullptr;
+    MovieOwner<AVCodecContext> context(avcodec_alloc_context3(encoder));
+    if (!context) {
+        error = HostMovieError::Memory;
+        return nullptr;
+    }
+    context->width = settings.width;
+    context->height = settings.height;
+    context->pix_fmt = Layout_For(*codec, settings);
+    context->time_base = Reduced(settings.frameDuration, settings.timeScale);
+    context->framerate = {context->time_base.den, context->time_base.num};
+    if (settings.pixelAspect > 0) context->sample_aspect_ratio = av_d2q(settings.pixelAspect, 65535);
+    if (settings.keyFrameInterval > 0) context->gop_size = static_cast<int>(settings.keyFrameInterval);
+    context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    context->thread_count = 0;
+    context->strict_std_compliance = FF_COMPLIANCE_UNOFFICIAL;
+    // Raw pictures have their tag by their layout; the muxer knows it of all but one.
+    if (context->pix_fmt == AV_PIX_FMT_RGBA64BE && encoder->id == AV_CODEC_ID_RAWVIDEO)
+        context->codec_tag = MKTAG('b', '6', '4', 'a');
+    else if (encoder->id != AV_CODEC_ID_RAWVIDEO)
+        context->codec_tag = Turn_Code(settings.codec);
+    Set_Colour(*context, settings);
+    MovieOptions options;
+    Set_Quality(*context, *codec, settings, options);
+    if (avcodec_open2(context.get(), encoder, options.Address()) < 0) return nullptr;
+    error = HostMovieError::None;
+    return context;
+}
+
+MovieOwner<AVCodecContext> Open_Sound_Encoder(HostSoundSettings const& settings, bool hinted,
+                                              HostMovieError& error)
+{
+    error = HostMovieError::NoCodec;
+    SoundCodec const* codec = settings.codec ? Find_Sound_Codec(settings.codec) : nullptr;
+    if (settings.codec && !codec) return nullptr;
+    char const* const plain = settings.sampleBytes == 1 ? "pcm_u8" : hinted ? "pcm_s16be" : "pcm_s16le";
+    AVCodec const* encoder = avcodec_find_encoder_by_name(codec ? codec->encoder : plain);
+    if (!encoder) return nullptr;
+    MovieOwner<AVCodecContext> context(avcodec_alloc_context3(encoder));
+    if (!context) {
+        error = HostMovieError::Memory;
+        return nullptr;
+    }
+    context->sample_rate = settings.rate;
+    context->sample_fmt = encoder->sample_fmts ? encoder->sample_fmts[0] : AV_SAMPLE_FMT_S16;
+    context->time_base = {1, settings.rate};
+    av_channel_layout_default(&context->ch_layout, settings.channels);
+    context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    if (encoder->id == AV_CODEC_ID_AAC) context->bit_rate = 96000 * std::int64_t{settings.channels};
+    if (avcodec_open2(context.get(), encoder, nullptr) < 0) return nullptr;
+    error = HostMovieError::None;
+    return context;
+}

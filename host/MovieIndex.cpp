@@ -1,0 +1,203 @@
+// See MovieIndex.h.
+#include "MovieIndex.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <numeric>
+
+namespace {
+
+/// Every sample has a picture of its own, shown at the time at which it is decoded.
+bool Is_Intra(AVStream const& stream)
+{
+    AVCodecDescriptor const* descriptor = avcodec_descriptor_get(stream.codecpar->codec_id);
+    return descriptor && descriptor->props & AV_CODEC_PROP_INTRA_ONLY;
+}
+
+/// Codecs without frames shown out of order but with such that need others.
+bool Is_In_Order(AVStream const& stream)
+{
+    switch (stream.codecpar->codec_id) {
+    case AV_CODEC_ID_QTRLE:
+    case AV_CODEC_ID_FFV1:
+    case AV_CODEC_ID_CINEPAK:
+    case AV_CODEC_ID_RPZA:
+    case AV_CODEC_ID_SMC: return true;
+    default: return Is_Intra(stream);
+    }
+}
+
+double Seconds(AVRational unit)
+{
+    return unit.den ? static_cast<double>(unit.num) / unit.den : 0.0;
+}
+
+}  // namespace
+
+bool MovieIndex::Take_Table(AVFormatContext const& file, AVStream& stream)
+{
+    int const entries = avformat_index_get_entries_count(&stream);
+    if (!std::strstr(file.iformat->name, "mov") || !Is_In_Order(stream) || entries < 1) return false;
+    // Fragments come with tables of their own, which are read on the way.
+    if (stream.nb_frames < 1 || entries < stream.nb_frames) return false;
+    std::vector<bool> isShown;
+    samples_.reserve(static_cast<std::size_t>(entries));
+    for (int i = 0; i < entries; ++i) {
+        AVIndexEntry const* entry = avformat_index_get_entry(&stream, i);
+        if (i > 0) samples_.back().duration = entry->timestamp - samples_.back().pts;
+        Add({entry->timestamp, entry->timestamp, 0, entry->size, -1, (entry->flags & AVINDEX_KEYFRAME) != 0});
+        isShown.push_back(!(entry->flags & AVINDEX_DISCARD_FRAME));
+    }
+    std::int64_t const end = stream.duration != AV_NOPTS_VALUE ? stream.duration : 0;
+    samples_.back().duration = std::max<std::int64_t>(0, end - samples_.back().pts);
+    Order_Shown(isShown);
+    return true;
+}
+
+bool MovieIndex::Scan(AVFormatContext& file, int stream)
+{
+    MovieOwner<AVPacket> packet(av_packet_alloc());
+    if (!packet) return false;
+    std::vector<bool> isShown;
+    while (av_read_frame(&file, packet.get()) >= 0) {
+        if (packet->stream_index == stream &&
+            samples_.size() < static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+            std::int64_t const pts = packet->pts;
+            Add({pts, packet->dts, packet->duration, packet->size, -1,
+                 (packet->flags & AV_PKT_FLAG_KEY) != 0});
+            isShown.push_back(!(packet->flags & AV_PKT_FLAG_DISCARD));
+        }
+        av_packet_unref(packet.get());
+    }
+    if (samples_.empty()) return false;
+    hasTimes_ = std::ranges::none_of(samples_, [](auto const& s) { return s.pts == AV_NOPTS_VALUE; });
+    if (!hasTimes_ && Is_In_Order(*file.streams[stream])) {
+        hasTimes_ = std::ranges::none_of(samples_, [](auto const& s) { return s.dts == AV_NOPTS_VALUE; });
+        if (hasTimes_)
+            for (MovieSample& sample : samples_)
+                sample.pts = sample.dts;
+    }
+    Order_Shown(isShown);
+    return true;
+}
+
+void MovieIndex::Order_Shown(std::vector<bool> const& isShown)
+{
+    for (std::size_t i = 0; i < samples_.size(); ++i) {
+        if (samples_[i].isKey) keys_.push_back(static_cast<std::int32_t>(i));
+        if (isShown[i]) shown_.push_back(static_cast<std::int32_t>(i));
+        if (samples_[i].dts == AV_NOPTS_VALUE || (i > 0 && samples_[i].dts < samples_[i - 1].dts))
+            isSorted_ = false;
+    }
+    if (hasTimes_)
+        std::ranges::stable_sort(shown_, {}, [&](std::int32_t number) { return Sample(number).pts; });
+    for (std::size_t i = 0; i < shown_.size(); ++i)
+        samples_[static_cast<std::size_t>(shown_[i])].shown = static_cast<std::int32_t>(i);
+    if (hasTimes_ && !shown_.empty()) start_ = Time_Of(0);
+}
+
+std::int64_t MovieIndex::Duration_Of(std::size_t shown) const
+{
+    if (shown + 1 < shown_.size()) return Time_Of(shown + 1) - Time_Of(shown);
+    return Sample(shown_[shown]).duration;
+}
+
+/// The first duration that two neighbours share, else that of the first sample.
+std::int64_t MovieIndex::Usual_Duration() const
+{
+    for (std::size_t i = 1; i < shown_.size(); ++i)
+        if (Duration_Of(i) == Duration_Of(i - 1)) return Duration_Of(i);
+    std::int64_t const first = Duration_Of(0);
+    if (first > 1) return first;
+    std::int64_t const all = Time_Of(shown_.size() - 1) + Duration_Of(shown_.size() - 1) - start_;
+    return all / static_cast<std::int64_t>(shown_.size());
+}
+
+/// Whether steps of that rate explain all times but for rounding to the unit.
+bool MovieIndex::Is_Even(AVRational rate, AVRational unit) const
+{
+    if (rate.num <= 0 || rate.den <= 0) return false;
+    double const step = 1.0 / (av_q2d(rate) * Seconds(unit));
+    if (!(step >= 4.0)) return false;
+    for (std::size_t i = 0; i < shown_.size(); ++i)
+        if (std::fabs(static_cast<double>(Time_Of(i) - start_) - static_cast<double>(i) * step) > 1.01)
+            return false;
+    return true;
+}
+
+void MovieIndex::Settle_Rate(AVFormatContext& file, AVStream& stream)
+{
+    frames_ = static_cast<std::int64_t>(shown_.size());
+    AVRational const guess = av_guess_frame_rate(&file, &stream, nullptr);
+    rate_ = guess.num > 0 && guess.den > 0 ? av_q2d(guess) : 30.0;
+    AVRational const unit = stream.time_base;
+    if (!hasTimes_ || unit.num <= 0 || unit.den <= 0) return;
+
+    std::int64_t const first = Duration_Of(0);
+    bool isEven = first > 0;
+    for (std::size_t i = 1; isEven && i + 1 < shown_.size(); ++i)
+        isEven = Duration_Of(i) == first;
+    auto const rateOf = [&](std::int64_t ticks) {
+        return unit.den / (static_cast<double>(unit.num) * static_cast<double>(ticks));
+    };
+    if (isEven) {
+        // A coarse clock can hide the true rate behind even steps, as thirds of a tick in a short movie.
+        rate_ = shown_.size() > 1 && Is_Even(stream.r_frame_rate, unit) ? av_q2d(stream.r_frame_rate)
+                                                                        : rateOf(first);
+        return;
+    }
+    for (AVRational const& rate : {stream.r_frame_rate, stream.avg_frame_rate, guess})
+        if (Is_Even(rate, unit)) {
+            rate_ = av_q2d(rate);
+            return;
+        }
+    bool const isMpeg = stream.codecpar->codec_id == AV_CODEC_ID_MPEG1VIDEO ||
+                        stream.codecpar->codec_id == AV_CODEC_ID_MPEG2VIDEO;
+    std::int64_t const usual = isMpeg ? 0 : Usual_Duration();
+    if (usual > 0) rate_ = rateOf(usual);
+    ticksPerFrame_ = 1.0 / (rate_ * Seconds(unit));
+    auto const last = shown_.size() - 1;
+    double const length = static_cast<double>(Time_Of(last) - start_) +
+                          (Duration_Of(last) > 0 ? static_cast<double>(Duration_Of(last)) : ticksPerFrame_);
+    frames_ = std::max<std::int64_t>(1, std::llround(std::min(length / ticksPerFrame_, 2147483647.0)));
+}
+
+bool MovieIndex::Build(AVFormatContext& file, int stream)
+{
+    isFromTable_ = Take_Table(file, *file.streams[stream]);
+    if (!isFromTable_ && !Scan(file, stream)) return false;
+    if (shown_.empty()) return false;
+    Settle_Rate(file, *file.streams[stream]);
+    return true;
+}
+
+std::int32_t MovieIndex::Shown_At(std::int64_t frame) const
+{
+    if (ticksPerFrame_ == 0) return static_cast<std::int32_t>(frame);
+    // Not the middle of the frame: a sample that is due at it belongs to the next one.
+    double const time = (static_cast<double>(frame) + 0.4) * ticksPerFrame_ + static_cast<double>(start_);
+    auto const next = std::ranges::upper_bound(
+        shown_, time, {}, [&](std::int32_t number) { return static_cast<double>(Sample(number).pts); });
+    return std::max(0, static_cast<std::int32_t>(next - shown_.begin()) - 1);
+}
+
+std::int32_t MovieIndex::Key_Before(std::int32_t sample, int back) const
+{
+    auto key = std::ranges::upper_bound(keys_, sample) - keys_.begin() - 1;
+    while (key > 0 && hasTimes_ && Sample(keys_[static_cast<std::size_t>(key)]).pts > Sample(sample).pts)
+        --key;
+    key -= back;
+    return key >= 0 && hasTimes_ ? keys_[static_cast<std::size_t>(key)] : 0;
+}
+
+std::int32_t MovieIndex::Find(AVPacket const& packet) const
+{
+    if (!isSorted_ || packet.dts == AV_NOPTS_VALUE) return -1;
+    auto const [begin, end] = std::ranges::equal_range(samples_, packet.dts, {}, &MovieSample::dts);
+    for (auto sample = begin; sample != end; ++sample)
+        if (sample->pts == packet.pts && sample->size == packet.size)
+            return static_cast<std::int32_t>(sample - samples_.begin());
+    return -1;
+}

@@ -1,0 +1,78 @@
+// The frames of a picture stream: in the order of decoding with what is needed to find and tell them, and in
+// the order in which they are shown.
+#pragma once
+
+#include "MovieLibrary.h"
+
+struct MovieSample {
+    std::int64_t pts, dts;  ///< AV_NOPTS_VALUE when unknown
+    std::int64_t duration;
+    std::int32_t size;
+    std::int32_t shown;  ///< place in the order of showing; -1 for one that only others need
+    bool isKey;
+};
+
+class MovieIndex {
+public:
+    /// Takes the container's own table where that tells all, and reads through the packets where not. The
+    /// file then stands anywhere.
+    /// @return  false when the stream has no frames
+    bool Build(AVFormatContext& file, int stream);
+
+    /// Frames at a constant rate. A stream of even steps has one for each sample; another one shows at each
+    /// frame what is on at that time.
+    std::int64_t Frames() const { return frames_; }
+    double Rate() const { return rate_; }
+
+    /// Place in the order of showing of a frame within the stream.
+    std::int32_t Shown_At(std::int64_t frame) const;
+
+    std::int32_t Sample_Of(std::int32_t shown) const { return shown_[static_cast<std::size_t>(shown)]; }
+    MovieSample const& Sample(std::int32_t number) const
+    {
+        return samples_[static_cast<std::size_t>(number)];
+    }
+    std::int32_t Samples() const { return static_cast<std::int32_t>(samples_.size()); }
+
+    /// False when the order of showing is that in which the decoder hands the frames out, since the container
+    /// does not tell their times.
+    bool Has_Times() const { return hasTimes_; }
+
+    /// The container's table told all, and the file still stands at its start.
+    bool Is_From_Table() const { return isFromTable_; }
+
+    /// The sample to decode from for one to come out right: the last key frame that is neither decoded nor
+    /// shown behind it, `back` key frames before that one; the first sample when there is none.
+    std::int32_t Key_Before(std::int32_t sample, int back) const;
+
+    /// The sample that a packet is, or -1.
+    std::int32_t Find(AVPacket const& packet) const;
+
+    /// Time at which the first frame is shown, in the stream's unit; AV_NOPTS_VALUE when unknown.
+    std::int64_t Start() const { return start_; }
+
+private:
+    bool Take_Table(AVFormatContext const& file, AVStream& stream);
+    bool Scan(AVFormatContext& file, int stream);
+    void Add(MovieSample const& sample) { samples_.push_back(sample); }
+    void Order_Shown(std::vector<bool> const& isShown);
+    void Settle_Rate(AVFormatContext& file, AVStream& stream);
+    bool Is_Even(AVRational rate, AVRational unit) const;
+    std::int64_t Usual_Duration() const;
+    std::int64_t Time_Of(std::size_t shown) const
+    {
+        return samples_[static_cast<std::size_t>(shown_[shown])].pts;
+    }
+    std::int64_t Duration_Of(std::size_t shown) const;
+
+    std::vector<MovieSample> samples_;
+    std::vector<std::int32_t> shown_;
+    std::vector<std::int32_t> keys_;
+    std::int64_t frames_ = 0;
+    std::int64_t start_ = AV_NOPTS_VALUE;
+    double rate_ = 0;
+    double ticksPerFrame_ = 0;  ///< 0 when each sample is a frame
+    bool hasTimes_ = true;
+    bool isFromTable_ = false;
+    bool isSorted_ = true;  ///< the decoding times never fall
+};

@@ -1,0 +1,339 @@
+// See MoviePictures.h.
+#include "MoviePictures.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t KeptBytes = 256u << 20;
+constexpr std::size_t KeptPictures = 512;
+constexpr std::size_t KeptIntraPictures = 8;  // each is decoded alone, so little is saved by more
+
+/// Key frames that a second and a third try begin earlier: a stream that refreshes its pictures bit by bit
+/// needs a whole round before they are right.
+constexpr int earlierTries[] = {0, 1, 4};
+
+/// Complaints in a row after which a decoder is given up.
+constexpr int MostComplaints = 1000;
+
+std::size_t Picture_Bytes(AVFrame const& picture)
+{
+    std::size_t bytes = 0;
+    for (AVBufferRef const* buffer : picture.buf)
+        if (buffer) bytes += buffer->size;
+    return bytes;
+}
+
+int Bit_Depth(AVPixFmtDescriptor const& layout)
+{
+    int widest = 0;
+    for (int i = 0; i < layout.nb_components; ++i)
+        widest = std::max(widest, layout.comp[i].depth);
+    return widest <= 8 ? 8 : widest <= 10 ? 10 : 16;
+}
+
+int Field_Order(AVFieldOrder order)
+{
+    switch (order) {
+    case AV_FIELD_TT:
+    case AV_FIELD_BT: return 1;
+    case AV_FIELD_BB:
+    case AV_FIELD_TB: return 2;
+    default: return 0;
+    }
+}
+
+/// The code of a codec in movies, wherever the stream comes from.
+std::uint32_t Movie_Code(AVCodecParameters const& codec, bool isMovie)
+{
+    if (isMovie && codec.codec_tag) return Turn_Code(codec.codec_tag);
+    AVOutputFormat const* movies = av_guess_format("mov", nullptr, nullptr);
+    unsigned const tag = movies ? av_codec_get_tag(movies->codec_tag, codec.codec_id) : 0;
+    return Turn_Code(tag ? tag : codec.codec_tag);
+}
+
+/// What the codec calls itself; the code of one that nobody knows.
+std::string Codec_Name(AVCodecParameters const& codec)
+{
+    AVCodecDescriptor const* descriptor = avcodec_descriptor_get(codec.codec_id);
+    if (descriptor) return descriptor->long_name ? descriptor->long_name : descriptor->name;
+    std::string code;
+    for (unsigned tag = codec.codec_tag, i = 0; i < 4; ++i, tag >>= 8)
+        code += (tag & 0xFF) >= 0x20 && (tag & 0xFF) < 0x7F ? static_cast<char>(tag & 0xFF) : '?';
+    return code;
+}
+
+}  // namespace
+
+MoviePictures::MoviePictures(std::string url, MovieOwner<AVFormatContext> file, int stream)
+    : url_(std::move(url)), file_(std::move(file)), stream_(stream), packet_(av_packet_alloc()),
+      frame_(av_frame_alloc())
+{
+    Select_Stream(*file_, stream_);
+}
+
+bool MoviePictures::Describe()
+{
+    if (!packet_ || !frame_) return false;
+    if (file_->streams[stream_]->codecpar->format == AV_PIX_FMT_PAL8) Save_Palette();
+    AVStream& stream = *file_->streams[stream_];
+    AVCodecParameters const& codec = *stream.codecpar;
+    if (codec.width < 1 || codec.height < 1) return false;
+    if (!index_.Build(*file_, stream_)) return false;
+    if (index_.Is_From_Table()) next_ = 0;
+    bool const isMovie = std::string_view(file_->iformat->name).find("mov") != std::string_view::npos;
+    track_.width = codec.width;
+    track_.height = codec.height;
+    track_.frameRate = index_.Rate();
+    track_.frames = index_.Frames();
+    track_.fieldOrder = Field_Order(codec.field_order);
+    track_.codec = Movie_Code(codec, isMovie);
+    AVCodecDescriptor const* descriptor = avcodec_descriptor_get(codec.codec_id);
+    bool const isIntra = descriptor && descriptor->props & AV_CODEC_PROP_INTRA_ONLY;
+    mostKept_ = isIntra ? KeptIntraPictures : KeptPictures;
+    track_.codecName = Codec_Name(codec);
+    AVRational const aspect = av_guess_sample_aspect_ratio(file_.get(), &stream, nullptr);
+    if (aspect.num > 0 && aspect.den > 0) track_.pixelAspect = av_q2d(aspect);
+    AVPixFmtDescriptor const* layout = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(codec.format));
+    if (layout) {
+        track_.bitDepth = Bit_Depth(*layout);
+        // Pictures with a palette carry an alpha of no meaning.
+        track_.hasAlpha =
+            (layout->flags & (AV_PIX_FMT_FLAG_ALPHA | AV_PIX_FMT_FLAG_PAL)) == AV_PIX_FMT_FLAG_ALPHA;
+    }
+    track_.storedDepth = track_.hasAlpha ? 32 : 24;
+    track_.isReadable = layout && Start_Decoder();
+    return true;
+}
+
+/// Some containers hand out the palette with the first packet alone, and that one may never get to the
+/// decoder.
+void MoviePictures::Save_Palette()
+{
+    std::size_t size = 0;
+    std::uint8_t const* palette =
+        Read_Packet() ? av_packet_get_side_data(packet_.get(), AV_PKT_DATA_PALETTE, &size) : nullptr;
+    if (palette) palette_.assign(palette, palette + size);
+    Restart();
+    next_ = -1;
+}
+
+void MoviePictures::Add_Palette()
+{
+    if (palette_.empty() || av_packet_get_side_data(packet_.get(), AV_PKT_DATA_PALETTE, nullptr)) return;
+    std::uint8_t* palette = av_packet_new_side_data(packet_.get(), AV_PKT_DATA_PALETTE, palette_.size());
+    if (palette) std::ranges::copy(palette_, palette);
+}
+
+double MoviePictures::Start_Seconds() const
+{
+    if (index_.Start() == AV_NOPTS_VALUE) return 0;
+    return static_cast<double>(index_.Start()) * av_q2d(file_->streams[stream_]->time_base);
+}
+
+bool MoviePictures::Start_Decoder()
+{
+    decoder_ = Open_Decoder(*file_->streams[stream_]);
+    return decoder_ != nullptr;
+}
+
+/// The kept picture of that place, or the nearest one before it.
+AVFrame const* MoviePictures::Find_Kept(std::int32_t shown, bool orBefore) const
+{
+    Kept const* best = nullptr;
+    for (Kept const& kept : kept_)
+        if (kept.shown == shown || (orBefore && kept.shown < shown && (!best || kept.shown > best->shown))) {
+            best = &kept;
+            if (kept.shown == shown) break;
+        }
+    return best ? best->picture.get() : nullptr;
+}
+
+/// Moves the picture in frame_ to the end of the ring.
+void MoviePictures::Keep(std::int32_t shown)
+{
+    if (Find_Kept(shown, false)) return av_frame_unref(frame_.get());
+    MovieOwner<AVFrame> picture(av_frame_alloc());
+    if (!picture) return av_frame_unref(frame_.get());
+    av_frame_move_ref(picture.get(), frame_.get());
+    std::size_t const bytes = Picture_Bytes(*picture);
+    kept_.push_back({shown, bytes, std::move(picture)});
+    keptBytes_ += bytes;
+    while (kept_.size() > 1 && (keptBytes_ > KeptBytes || kept_.size() > mostKept_)) {
+        keptBytes_ -= kept_.front().bytes;
+        kept_.pop_front();
+    }
+}
+
+/// The next packet of the stream into packet_. False at the end.
+bool MoviePictures::Read_Packet()
+{
+    if (hasPacket_) return true;
+    for (;;) {
+        av_packet_unref(packet_.get());
+        if (av_read_frame(file_.get(), packet_.get()) < 0) return false;
+        if (packet_->stream_index == stream_) break;
+    }
+    return hasPacket_ = true;
+}
+
+/// Opens the file anew, where the first packet is that of the first sample for certain.
+bool MoviePictures::Restart()
+{
+    next_ = -1;
+    hasPacket_ = false;
+    HostMovieError error;
+    MovieOwner<AVFormatContext> file = Open_Movie_File(url_, error);
+    if (!file || static_cast<int>(file->nb_streams) <= stream_) return false;
+    file_ = std::move(file);
+    Select_Stream(*file_, stream_);
+    next_ = 0;
+    return true;
+}
+
+/// Seeks to a time and stands at the first packet from there on that is known. False when that is behind the
+/// wanted sample.
+bool MoviePictures::Try_Seek(std::int32_t sample, std::int64_t time)
+{
+    constexpr int farthest = 64;
+    if (time == AV_NOPTS_VALUE) return false;
+    next_ = -1;
+    hasPacket_ = false;
+    if (av_seek_frame(file_.get(), stream_, time, AVSEEK_FLAG_BACKWARD) < 0) return false;
+    for (int i = 0; i < farthest && Read_Packet(); ++i) {
+        std::int32_t const found = index_.Find(*packet_);
+        if (found > sample) return false;
+        if (found >= 0) {
+            next_ = found;
+            return true;
+        }
+        hasPacket_ = false;
+    }
+    return false;
+}
+
+/// Empties the decoder and makes the sample the next one it gets.
+bool MoviePictures::Go_To(std::int32_t sample)
+{
+    avcodec_flush_buffers(decoder_.get());
+    isEnding_ = false;
+    latest_ = -1;
+    troubles_ = 0;
+    bool const isNear = next_ >= 0 && next_ <= sample && sample - next_ < 4;
+    if (!isNear) {
+        MovieSample const& target = index_.Sample(sample);
+        AVRational const unit = file_->streams[stream_]->time_base;
+        std::int64_t const second = unit.num > 0 ? unit.den / unit.num : 0;
+        bool const isThere = Try_Seek(sample, target.pts) || Try_Seek(sample, target.dts) ||
+                             (target.dts != AV_NOPTS_VALUE && Try_Seek(sample, target.dts - second)) ||
+                             Restart();
+        if (!isThere) return false;
+    }
+    for (; next_ < sample; ++next_, hasPacket_ = false)
+        if (!Read_Packet()) {
+            next_ = -1;
+            return false;
+        }
+    fedFrom_ = sample;
+    return true;
+}
+
+/// Whether the picture comes out when decoding goes on from here, and nothing is gained by a seek.
+bool MoviePictures::Can_Go_On(std::int32_t shown) const
+{
+    if (next_ < 0 || isEnding_ || fedFrom_ < 0 || shown <= latest_) return false;
+    std::int32_t const key = index_.Key_Before(index_.Sample_Of(shown), 0);
+    return key >= fedFrom_ && key <= next_;
+}
+
+/// Hands the next packet to the decoder, or the news that there is none, also behind the sample `last`.
+bool MoviePictures::Feed(std::int32_t last)
+{
+    bool const isOver = stopsAtWanted_ && next_ > last;
+    if (isOver || next_ < 0 || next_ >= index_.Samples() || !Read_Packet()) {
+        if (isEnding_) return false;
+        isEnding_ = true;
+        avcodec_send_packet(decoder_.get(), nullptr);
+        return true;
+    }
+    Add_Palette();
+    decoder_->reordered_opaque = next_;
+    if (avcodec_send_packet(decoder_.get(), packet_.get()) < 0) ++troubles_;
+    hasPacket_ = false;
+    ++next_;
+    return true;
+}
+
+/// Puts the picture that the decoder gave into the ring.
+MoviePictures::Outcome MoviePictures::Take_Picture(std::int32_t wanted)
+{
+    std::int64_t const sample = frame_->reordered_opaque;
+    std::int32_t shown = -1;
+    if (!index_.Has_Times())
+        shown = latest_ + 1;
+    else if (sample >= 0 && sample < index_.Samples())
+        shown = index_.Sample(static_cast<std::int32_t>(sample)).shown;
+    if (shown < 0) {
+        av_frame_unref(frame_.get());
+        return Outcome::Failed;
+    }
+    latest_ = std::max(latest_, shown);
+    Keep(shown);
+    return shown == wanted ? Outcome::Found : shown > wanted ? Outcome::Missing : Outcome::Failed;
+}
+
+/// Decodes on until the picture is in the ring, or a later one says that it does not come.
+MoviePictures::Outcome MoviePictures::Decode_To(std::int32_t shown)
+{
+    std::int32_t const last = index_.Sample_Of(shown);
+    for (int complaints = 0; complaints < MostComplaints;) {
+        int const result = avcodec_receive_frame(decoder_.get(), frame_.get());
+        if (result >= 0) {
+            Outcome const outcome = Take_Picture(shown);
+            if (outcome != Outcome::Failed) return outcome;
+            complaints = 0;
+        } else if (result == AVERROR(EAGAIN)) {
+            if (!Feed(last)) return Outcome::Missing;
+        } else if (result == AVERROR_EOF) {
+            return Outcome::Missing;
+        } else {
+            ++troubles_;
+            ++complaints;
+        }
+    }
+    return Outcome::Failed;
+}
+
+/// The decoded picture, out of the ring or made now; null when it cannot be had.
+AVFrame const* MoviePictures::Fetch(std::int32_t shown)
+{
+    bool const isNext = shown == std::exchange(asked_, shown) + 1;
+    if (AVFrame const* kept = Find_Kept(shown, false)) return kept;
+    std::int32_t const sample = index_.Sample_Of(shown);
+    for (int back : earlierTries) {
+        std::int32_t const key = index_.Key_Before(sample, back);
+        bool const goesOn = back == 0 && Can_Go_On(shown);
+        if (!goesOn) {
+            if (back > 0 && key >= fedFrom_) break;
+            // A picture that needs no other is decoded alone. Going on behind it empties the decoder again.
+            stopsAtWanted_ = key == sample && back == 0 && !isNext;
+            if (!Go_To(key)) return nullptr;
+        } else {
+            stopsAtWanted_ = false;
+        }
+        if (Decode_To(shown) == Outcome::Found) return Find_Kept(shown, false);
+        // A sample without a picture of its own leaves on what was shown before it.
+        if (troubles_ == 0 && (key == 0 || back > 0))
+            if (AVFrame const* before = Find_Kept(shown, true)) return before;
+        if (key == 0) break;
+    }
+    return nullptr;
+}
+
+bool MoviePictures::Read(std::int64_t frame, void* pixels, std::size_t rowBytes, HostPixels layout)
+{
+    if (!track_.isReadable || frame < 0 || frame >= index_.Frames()) return false;
+    AVFrame const* picture = Fetch(index_.Shown_At(frame));
+    return picture && converter_.To_RGBA(*picture, track_.width, track_.height, pixels, rowBytes, layout);
+}
