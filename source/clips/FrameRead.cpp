@@ -323,7 +323,7 @@ long Get_Frame(ZVClip* clip, unsigned long frame, ZVBitmap* bitmap, unsigned lon
             Interpret_Alpha<Buffer, typename Buffer::PixelType>(&buffer, clip, area.left, area.top,
                                                                 area.right, area.bottom);
         });
-    Clear_Outside(*bitmap, area);
+    if (!Is_Whole(*bitmap, area)) Clear_Outside(*bitmap, area);
     return 1;
 }
 

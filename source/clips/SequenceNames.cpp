@@ -197,21 +197,17 @@ long SequenceNumberToNameZV(char* name, long number, long shrink)
 /// The search for a file whose name differs from the rendered ones in case alone. A series may hold such
 /// names, and the file system tells them apart.
 struct CaseSearch {
-    char const* mask;  // file part
-    long number;
-    char found[ZV_SPEC_SIZE];
+    std::vector<std::string> names;  // rendered
+    std::string found;
 };
 
 static bool Try_Entry(char const* name, bool isDirectory, void* data)
 {
     auto* search = static_cast<CaseSearch*>(data);
     if (isDirectory) return true;
-    for (long shrink = 0; shrink < SequenceDigitsZV(search->mask); ++shrink) {
-        char wanted[ZV_SPEC_SIZE];
-        std::strcpy(wanted, search->mask);
-        if (!SequenceNumberToNameZV(wanted, search->number, shrink) || !FileSpecCompareZV(wanted, name))
-            continue;
-        std::strcpy(search->found, name);
+    for (std::string const& wanted : search->names) {
+        if (!FileSpecCompareZV(wanted.c_str(), name)) continue;
+        search->found = name;
         return false;
     }
     return true;
@@ -221,23 +217,24 @@ long SequenceNumberToNameValidateZV(char* path, long number)
 {
     long const digits = SequenceDigitsZV(path);
     if (digits == 0 || std::strlen(path) >= ZV_SPEC_SIZE) return 0;
-    char name[ZV_SPEC_SIZE], previous[ZV_SPEC_SIZE] = "";
+    CaseSearch search;
+    char name[ZV_SPEC_SIZE];
     for (long shrink = 0; shrink < digits; ++shrink) {
         std::strcpy(name, path);
         if (!SequenceNumberToNameZV(name, number, shrink)) continue;
         // Once the number fills the width, narrower masks give the same name again.
-        if (std::strcmp(name, previous) == 0) break;
+        if (!search.names.empty() && search.names.back() == File_Part(name)) break;
         if (FileExistsZV(name)) {
             std::strcpy(path, name);
             return 1;
         }
-        std::strcpy(previous, name);
+        search.names.emplace_back(File_Part(name));
     }
-    CaseSearch search{File_Part(path), number, ""};
     GetPathZV(path, name);
     OS_Walk_Directory(name, Try_Entry, &search);
-    if (!*search.found || std::strlen(name) + std::strlen(search.found) >= ZV_SPEC_SIZE) return 0;
-    std::strcpy(File_Part(path), search.found);
+    if (search.found.empty()) return 0;
+    // As long as the rendered name, which fits.
+    std::strcpy(File_Part(path), search.found.c_str());
     return 1;
 }
 
