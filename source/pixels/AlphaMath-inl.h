@@ -188,23 +188,27 @@ template <typename Format, typename Change> void Change_Pixel_Vectors(void* row,
 // go up on every path. A matte that was a channel value once is made whole again, as the way through a
 // fraction may have cost it its last bit.
 
+/// A matte on the scale of the channels, each kind with less to work out than the next.
+enum class MatteKind { black, whole, odd };
+
 struct ScaledMatte {
     double red, green, blue;
-    bool isWhole;  ///< and in range
+    MatteKind kind;
 };
 
 template <typename Format> ScaledMatte Scale_Matte(double const* matte)
 {
     constexpr auto max = static_cast<double>(channelMax<Format>);
-    bool isWhole = true;
-    auto const scale = [&isWhole](double fraction) {
+    auto kind = MatteKind::black;
+    auto const scale = [&kind](double fraction) {
         double const exact = fraction * max, whole = std::round(exact);
-        if (whole >= 0 && whole <= max && std::abs(exact - whole) < 1e-6) return whole;
-        isWhole = false;
-        return exact;
+        bool const isWhole = whole >= 0 && whole <= max && std::abs(exact - whole) < 1e-6;
+        if (!isWhole) kind = MatteKind::odd;
+        if (isWhole && whole > 0 && kind == MatteKind::black) kind = MatteKind::whole;
+        return isWhole ? whole : exact;
     };
-    ScaledMatte scaled{scale(matte[0]), scale(matte[1]), scale(matte[2]), false};
-    scaled.isWhole = isWhole;
+    ScaledMatte scaled{scale(matte[0]), scale(matte[1]), scale(matte[2]), MatteKind::odd};
+    scaled.kind = kind;
     return scaled;
 }
 
@@ -221,8 +225,9 @@ template <int CHANNEL> hn::VFromD<hn::Repartition<int32_t, ByteTag>> Channel_Lan
 }
 
 /// Bytes against a whole matte, in single precision: quotients in range are 1/510 away from the next half,
-/// and the errors stay below 1e-4. Packing keeps what is out of range in it.
-inline void Remove_Matte_From_Bytes(void* row, ScaledMatte const& matte, bool isInverted, long pixels)
+/// and the errors stay below 1e-4, fused or not. Packing keeps what is out of range in it.
+template <MatteKind KIND>
+void Remove_Matte_From_Bytes(void* row, ScaledMatte const& matte, bool isInverted, long pixels)
 {
     ByteTag const d8;
     SignedWordTag const d16;
@@ -231,21 +236,29 @@ inline void Remove_Matte_From_Bytes(void* row, ScaledMatte const& matte, bool is
     hn::Repartition<float, ByteTag> const df;
     alignas(16) static constexpr uint8_t pixelOrder[] = {0, 4, 8,  12, 1, 5, 9,  13,
                                                          2, 6, 10, 14, 3, 7, 11, 15};
+    constexpr float toRound = 0.5F + 1.0F / 1024;
+    struct Channel {
+        hn::VFromD<hn::Repartition<float, ByteTag>> matte, rounding;
+    };
+    auto const channel = [=](double m) {
+        auto const whole = static_cast<float>(m);
+        return Channel{hn::Set(df, whole), hn::Set(df, whole + toRound)};
+    };
+    Channel const red = channel(matte.red), green = channel(matte.green), blue = channel(matte.blue);
     auto const order = hn::LoadDup128(d8, pixelOrder);
     auto const inversion = hn::Set(d32, Inversion<FormatRGBA8>(isInverted));
-    auto const red = hn::Set(df, static_cast<float>(matte.red)),
-               green = hn::Set(df, static_cast<float>(matte.green)),
-               blue = hn::Set(df, static_cast<float>(matte.blue));
-    auto const toRound = hn::Set(df, 0.5F + 1.0F / 1024);
+    auto const max = hn::Set(df, 255.0F), one = hn::Set(df, 1.0F);
+    auto const opaque = hn::Set(di32, 255);
     Change_Pixel_Vectors<FormatRGBA8>(row, pixels, [=](auto stored) {
         auto const words = hn::Xor(stored, inversion);
         auto const bytes = hn::BitCast(d8, words);
         auto const alpha = Channel_Lanes<3>(bytes);
-        auto const scale = hn::Div(hn::Set(df, 255.0F), hn::Max(hn::ConvertTo(df, alpha), hn::Set(df, 1.0F)));
-        auto const pure = [=](auto value, auto m) {
-            auto const sum =
-                hn::Add(hn::Mul(hn::Sub(hn::ConvertTo(df, value), m), scale), hn::Add(m, toRound));
-            return hn::ConvertTo(di32, sum);
+        if (hn::AllTrue(di32, hn::Eq(alpha, opaque))) return words;
+        auto const scale = hn::Div(max, hn::Max(hn::ConvertTo(df, alpha), one));
+        auto const pure = [&](auto value, Channel const& c) {
+            auto const number = hn::ConvertTo(df, value);
+            auto const distance = KIND == MatteKind::black ? number : hn::Sub(number, c.matte);
+            return Truncated(hn::MulAdd(distance, scale, c.rounding));
         };
         auto const redGreen = hn::ReorderDemote2To(d16, pure(Channel_Lanes<0>(bytes), red),
                                                    pure(Channel_Lanes<1>(bytes), green));
@@ -264,7 +277,8 @@ inline uint32_t Unmatted_Byte(uint32_t value, double matte, double scale)
     return static_cast<uint32_t>(std::clamp(pure, 0.0, 255.0));
 }
 
-inline void Remove_Matte_From_Bytes(void* row, ScaledMatte const& matte, bool isInverted, long pixels)
+template <MatteKind>
+void Remove_Matte_From_Bytes(void* row, ScaledMatte const& matte, bool isInverted, long pixels)
 {
     uint32_t const inversion = Inversion<FormatRGBA8>(isInverted);
     Change_Pixels<FormatRGBA8>(row, pixels, [=](uint32_t word) {
@@ -284,35 +298,48 @@ inline void Remove_Matte_From_Bytes(void* row, ScaledMatte const& matte, bool is
 constexpr double magic = 0x1p52;
 constexpr uint64_t magicBits = 0x4330000000000000;
 
-/// Words of 16-bit channels up to `maximum` against any matte, in double precision.
-inline void Remove_Matte_From_Words(void* words, long count, ScaledMatte const& matte, bool isInverted,
-                                    uint64_t maximum)
+/// Words of 16-bit channels up to `maximum`, in double precision. Products and sums are fused only against a
+/// whole matte, where that cannot show. Against black nothing falls below 0.
+template <MatteKind KIND>
+void Remove_Matte_From_Words(void* words, long count, ScaledMatte const& matte, bool isInverted,
+                             uint64_t maximum)
 {
     hn::ScalableTag<uint64_t> const d64;
     hn::ScalableTag<double> const dd;
+    constexpr double toRound = 0x1p-32;  // moves halves up, where the sum with the magic would make them even
+    struct Channel {
+        hn::VFromD<hn::ScalableTag<double>> matte, rounding;
+    };
+    // A whole matte is taken away together with the magic.
+    constexpr double together = KIND == MatteKind::odd ? 0.0 : magic;
+    auto const channel = [=](double m) {
+        return Channel{hn::Set(dd, together + m), hn::Set(dd, m + toRound)};
+    };
+    Channel const red = channel(matte.red), green = channel(matte.green), blue = channel(matte.blue);
     auto const inversion = hn::Set(d64, isInverted ? maximum << 48 : 0);
-    auto const max = hn::Set(dd, static_cast<double>(maximum));
-    auto const red = hn::Set(dd, matte.red), green = hn::Set(dd, matte.green), blue = hn::Set(dd, matte.blue);
-    auto const toRound =
-        hn::Set(dd, 0x1p-32);  // moves halves up, where the sum with the magic would make them even
-    auto const channel = hn::Set(d64, 0xFFFF);
-    auto const bits = hn::Set(d64, magicBits);
+    auto const max = hn::Set(dd, static_cast<double>(maximum)), one = hn::Set(dd, 1.0);
+    auto const opaque = hn::Set(d64, maximum);
+    auto const place = hn::Set(d64, 0xFFFF), bits = hn::Set(d64, magicBits);
     auto const toMagic = hn::Set(dd, magic);
     Change_Vectors<uint64_t>(words, count, [=](auto stored) {
         auto const pixels = hn::Xor(stored, inversion);
-        auto const number = [=](auto value) {
-            return hn::Sub(hn::BitCast(dd, hn::Or(value, bits)), toMagic);
-        };
         auto const alpha = hn::ShiftRight<48>(pixels);
-        auto const scale = hn::Div(max, hn::Max(number(alpha), hn::Set(dd, 1.0)));
-        auto const pure = [=](auto value, auto m) {
-            auto const exact = hn::Add(hn::Mul(hn::Sub(number(value), m), scale), hn::Add(m, toRound));
-            return hn::BitCast(d64, hn::Add(hn::Min(hn::Max(exact, hn::Zero(dd)), max), toMagic));
+        if (hn::AllTrue(d64, hn::Eq(alpha, opaque))) return pixels;
+        auto const divisor = hn::Sub(hn::BitCast(dd, hn::Or(alpha, bits)), toMagic);
+        auto const scale = hn::Div(max, hn::Max(divisor, one));
+        auto const pure = [&](auto value, Channel const& c) {
+            auto const raised = hn::BitCast(dd, hn::Or(value, bits));
+            auto const distance =
+                hn::Sub(KIND == MatteKind::odd ? hn::Sub(raised, toMagic) : raised, c.matte);
+            auto const exact = KIND == MatteKind::odd ? hn::Add(hn::Mul(distance, scale), c.rounding)
+                                                      : hn::MulAdd(distance, scale, c.rounding);
+            auto const positive = KIND == MatteKind::black ? exact : hn::Max(exact, hn::Zero(dd));
+            return hn::BitCast(d64, hn::Add(hn::Min(positive, max), toMagic));
         };
         // The shifts push the magic out, whose lower 48 bits are 0.
-        auto const r = hn::And(pure(hn::And(pixels, channel), red), channel);
-        auto const g = hn::ShiftLeft<16>(pure(hn::And(hn::ShiftRight<16>(pixels), channel), green));
-        auto const b = hn::ShiftLeft<32>(pure(hn::And(hn::ShiftRight<32>(pixels), channel), blue));
+        auto const r = hn::And(pure(hn::And(pixels, place), red), place);
+        auto const g = hn::ShiftLeft<16>(pure(hn::And(hn::ShiftRight<16>(pixels), place), green));
+        auto const b = hn::ShiftLeft<32>(pure(hn::And(hn::ShiftRight<32>(pixels), place), blue));
         auto const result = hn::Or(hn::Or(r, g), hn::Or(b, hn::ShiftLeft<48>(alpha)));
         return hn::IfThenElse(hn::Eq(alpha, hn::Zero(d64)), pixels, result);
     });
@@ -328,39 +355,78 @@ inline void Remove_Odd_Matte_From_Bytes(uint8_t* row, ScaledMatte const& matte, 
         long const count = std::min(stage, pixels);
         for (long i = 0; i < 4 * count; ++i)
             channels[i].value = row[i];
-        Remove_Matte_From_Words(words, count, matte, isInverted, 255);
+        Remove_Matte_From_Words<MatteKind::odd>(words, count, matte, isInverted, 255);
         for (long i = 0; i < 4 * count; ++i)
             row[i] = static_cast<uint8_t>(channels[i].value);
     }
 }
 
-inline float Unmatted_Float(float value, double matte, double alpha)
+#if ZV_HAS_VECTORS
+
+/// Float pixels, two channels at a time.
+inline void Remove_Matte_From_Floats(float* rgba, long count, double const* matte, bool isInverted)
 {
-    double const pure = (value - matte * (1.0 - alpha)) / alpha;
-    return static_cast<float>(pure > 0.0 ? std::min(pure, 1.0) : 0.0);
+    hn::FixedTag<float, 4> const df;
+    hn::FixedTag<double, 2> const dd;
+    hn::Half<hn::FixedTag<float, 4>> const half;
+    double const upper[] = {matte[2], 0.0};
+    auto const redGreen = hn::LoadU(dd, matte), blueAlpha = hn::LoadU(dd, upper);
+    for (; count > 0; --count, rgba += 4) {
+        auto const mixed = hn::LoadU(df, rgba);
+        float const alpha = isInverted ? 1.0F - rgba[3] : rgba[3];
+        auto const divisor = hn::Set(dd, static_cast<double>(alpha));
+        auto const rest = hn::Sub(hn::Set(dd, 1.0), divisor);
+        auto const pure = [&](auto values, auto m) {
+            auto const exact = hn::Div(hn::Sub(hn::PromoteTo(dd, values), hn::Mul(m, rest)), divisor);
+            return hn::DemoteTo(half, hn::Min(hn::Max(exact, hn::Zero(dd)), hn::Set(dd, 1.0)));
+        };
+        if (alpha > 0.0F)
+            hn::StoreU(hn::Combine(df, pure(hn::UpperHalf(half, mixed), blueAlpha),
+                                   pure(hn::LowerHalf(half, mixed), redGreen)),
+                       df, rgba);
+        rgba[3] = alpha;
+    }
 }
+
+#else
+
+inline void Remove_Matte_From_Floats(float* rgba, long count, double const* matte, bool isInverted)
+{
+    for (; count > 0; --count, rgba += 4) {
+        float const alpha = isInverted ? 1.0F - rgba[3] : rgba[3];
+        rgba[3] = alpha;
+        for (int i = 0; i < 3 && alpha > 0.0F; ++i) {
+            double const pure = (rgba[i] - matte[i] * (1.0 - static_cast<double>(alpha))) / alpha;
+            rgba[i] = static_cast<float>(pure > 0.0 ? std::min(pure, 1.0) : 0.0);
+        }
+    }
+}
+
+#endif
 
 template <typename Format> void Remove_Matte(void* row, double const* matte, bool isInverted, long pixels)
 {
     if constexpr (Format::bits == 32) {
-        double const red = matte[0], green = matte[1], blue = matte[2];
-        Change_Pixels<Format>(row, pixels, [=](FloatPixel p) {
-            float const alpha = isInverted ? 1.0F - p.alpha : p.alpha;
-            if (!(alpha > 0.0F)) return FloatPixel{p.red, p.green, p.blue, alpha};
-            return FloatPixel{Unmatted_Float(p.red, red, alpha), Unmatted_Float(p.green, green, alpha),
-                              Unmatted_Float(p.blue, blue, alpha), alpha};
-        });
+        Remove_Matte_From_Floats(static_cast<float*>(row), pixels, matte, isInverted);
     } else {
         ScaledMatte const scaled = Scale_Matte<Format>(matte);
-        if constexpr (Format::bits != 8) {
+        if constexpr (Format::bits == 8) {
+            auto* const bytes = static_cast<uint8_t*>(row);
+            switch (scaled.kind) {
+            case MatteKind::black:
+                return Remove_Matte_From_Bytes<MatteKind::black>(row, scaled, isInverted, pixels);
+            case MatteKind::whole:
+                return Remove_Matte_From_Bytes<MatteKind::whole>(row, scaled, isInverted, pixels);
+            case MatteKind::odd: return Remove_Odd_Matte_From_Bytes(bytes, scaled, isInverted, pixels);
+            }
+        } else {
+            auto const remove = scaled.kind == MatteKind::black   ? Remove_Matte_From_Words<MatteKind::black>
+                                : scaled.kind == MatteKind::whole ? Remove_Matte_From_Words<MatteKind::whole>
+                                                                  : Remove_Matte_From_Words<MatteKind::odd>;
             auto const change = [&](long count, auto* channels) {
-                Remove_Matte_From_Words(channels, count, scaled, isInverted, channelMax<Format>);
+                remove(channels, count, scaled, isInverted, channelMax<Format>);
             };
             Work_On<Format>(pixels, change, ChangedRow<Format>(row));
-        } else if (scaled.isWhole) {
-            Remove_Matte_From_Bytes(row, scaled, isInverted, pixels);
-        } else {
-            Remove_Odd_Matte_From_Bytes(static_cast<uint8_t*>(row), scaled, isInverted, pixels);
         }
     }
 }
@@ -377,8 +443,8 @@ template <typename Format> uint64_t Mixed_Channel(uint64_t value, uint32_t matte
 
 #if ZV_HAS_VECTORS
 
-/// The same in 16-bit lanes with products of 32 bits in two halves: N / 65535 is (N + 1 + N / 65536) / 65536,
-/// whose lower half carries when it is less than 65535 away.
+/// The same for 16 bits, in lanes of 16 bits with sums of 32 bits in two halves: N / 65535 is the upper half
+/// of N, and one more when the halves add up to 65535 or more.
 inline void Add_Matte_To_Words(void* row, uint64_t red, uint64_t green, uint64_t blue, long pixels)
 {
     WordTag const d16;
@@ -398,8 +464,8 @@ inline void Add_Matte_To_Words(void* row, uint64_t red, uint64_t green, uint64_t
         auto const lowSum = hn::Add(low, hn::Mul(matte, rest));
         auto const carry = hn::VecFromMask(d16, hn::Lt(lowSum, low));  // all bits are -1
         auto const high = hn::Sub(hn::Add(hn::MulHigh(value, alpha), hn::MulHigh(matte, rest)), carry);
-        auto const isFar = hn::VecFromMask(d16, hn::Lt(high, hn::Not(lowSum)));
-        auto const mixed = hn::Add(hn::Add(high, one), isFar);
+        auto const isBelow = hn::VecFromMask(d16, hn::Lt(high, hn::Not(lowSum)));
+        auto const mixed = hn::Add(hn::Add(high, one), isBelow);
         return hn::BitCast(d64, hn::Or(hn::AndNot(alphaPlace, mixed), hn::And(alphaPlace, value)));
     });
 }

@@ -67,6 +67,20 @@ HWY_INLINE ByteVector Packed_Bytes(WordVector lower, WordVector upper)
     return Packed_Bytes(hn::BitCast(SignedWordTag(), lower), hn::BitCast(SignedWordTag(), upper));
 }
 
+/// Floats cut to integers. What does not fit becomes anything: Highway would spend as much again on it.
+HWY_INLINE hn::VFromD<hn::Repartition<int32_t, ByteTag>>
+Truncated(hn::VFromD<hn::Repartition<float, ByteTag>> values)
+{
+    using Integers = hn::VFromD<hn::Repartition<int32_t, ByteTag>>;
+#if HWY_TARGET == HWY_AVX2
+    return Integers{_mm256_cvttps_epi32(values.raw)};
+#elif HWY_TARGET == HWY_SSE4 || HWY_TARGET == HWY_SSSE3
+    return Integers{_mm_cvttps_epi32(values.raw)};
+#else
+    return hn::ConvertTo(hn::DFromV<Integers>(), values);
+#endif
+}
+
 #endif
 
 }  // namespace HWY_NAMESPACE
