@@ -111,7 +111,8 @@ bool PictureConverter::Prepare(Shape const& source, Shape const& target)
     av_opt_set_int(settings, "threads", source.format == AV_PIX_FMT_PAL8 ? 1 : 0, 0);
     int const* const in = sws_getCoefficients(source.matrix);
     int const* const out = sws_getCoefficients(target.matrix);
-    // The matrices only afterwards: before, the call would hide from the helpers that a fourth channel is no alpha.
+    // The matrices only afterwards: before, the call would hide from the helpers that a fourth channel is no
+    // alpha.
     if (sws_init_context(context_.get(), nullptr, nullptr) < 0) {
         context_.reset();
         return false;

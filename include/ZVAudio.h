@@ -1,12 +1,12 @@
-// Sound in clips: sample formats, buffers, and reading and writing with conversion. A clip with sound has bit 2 in
-// Media. Calls return 0 outside I/O, without sound, and with a module that does not offer it.
+// Sound in clips: sample formats, buffers, and reading and writing with conversion. A clip with sound has bit
+// 2 in Media. Calls return 0 outside I/O, without sound, and with a module that does not offer it.
 #pragma once
 
 #include "ZVBase.h"
 #include "ZVTime.h"
 
 inline constexpr unsigned long ZV_AUDIO_UNSIGNED = 1;  ///< one byte a sample: 128 is silence
-inline constexpr unsigned long ZV_AUDIO_SWAPPED = 2;   ///< two bytes a sample, opposite to the machine's order
+inline constexpr unsigned long ZV_AUDIO_SWAPPED = 2;  ///< two bytes a sample, opposite to the machine's order
 
 /// Samples of one instant stand next to each other, left first: a frame of sound.
 struct ZVAudioFormat {
@@ -24,8 +24,8 @@ struct ZVAudioBuffer {
     long Samples;  ///< frames of sound
 };
 
-/// A buffer for a duration, rounded to the nearest sample, or for a number of frames of sound. Its contents are
-/// undefined. Null when it cannot be had, or for a format that has no size.
+/// A buffer for a duration, rounded to the nearest sample, or for a number of frames of sound. Its contents
+/// are undefined. Null when it cannot be had, or for a format that has no size.
 ZV_API ZVAudioBuffer* AllocAudioBufferZV(ZVAudioFormat const* format, ZVTimeValue const* duration);
 ZV_API ZVAudioBuffer* AllocAudioBufferZV(ZVAudioFormat const* format, unsigned long samples);
 ZV_API void FreeAudioBufferZV(ZVAudioBuffer* buffer);
@@ -34,8 +34,8 @@ ZV_API void FreeAudioBufferZV(ZVAudioBuffer* buffer);
 ZV_API long GetAudioZV(ZVClip* clip, ZVAudioBuffer* buffer, unsigned long frame);
 ZV_API long GetAudioZV(ZVClip* clip, ZVAudioBuffer* buffer, ZVTimeValue const* time);
 
-/// Appends the buffer to a clip being written, converted to the clip's format. 0 for a format without samples of
-/// one or two bytes.
+/// Appends the buffer to a clip being written, converted to the clip's format. 0 for a format without samples
+/// of one or two bytes.
 ZV_API long AddAudioZV(ZVClip* clip, ZVAudioBuffer const* buffer);
 
 /// A cursor over the samples of a buffer that presents every format as signed 16-bit values.
@@ -44,8 +44,8 @@ public:
     virtual void Init(void* data, long samples, long channels) = 0;
     virtual void Advance() = 0;  ///< To the next frame of sound.
 
-    /// Sample `channel` of the frame of sound `index` places on. Past the buffer's last sample it is the one at
-    /// last + (channel - 1), but never outside the buffer.
+    /// Sample `channel` of the frame of sound `index` places on. Past the buffer's last sample it is the one
+    /// at last + (channel - 1), but never outside the buffer.
     virtual long Get(unsigned long index, unsigned long channel) const = 0;
 
     /// Stores a value in the element `offset` places behind the cursor.
@@ -73,5 +73,6 @@ public:
     void* last = nullptr;     ///< the buffer's last sample
 };
 
-/// The stream that fits the buffer's format, to be deleted by the caller; null for another sample size than 1 or 2.
+/// The stream that fits the buffer's format, to be deleted by the caller; null for another sample size than 1
+/// or 2.
 ZV_API conversion_stream* new_stream(ZVAudioBuffer const& buffer);

@@ -1,9 +1,9 @@
 // Clips: movies, image sequences and single pictures behind one handle, read and written by time.
 //
-// A clip is opened from a file or created for writing, frame work is bracketed by BeginClipIOZV and EndClipIOZV,
-// and frames go by time. Calls return non-zero (or a clip) for success, and 0 or null with the error number of
-// ZVMemory.h. A clip is used by one thread at a time and has no lock; opening, creating and scratch names use
-// buffers of the environment, so two threads must not do those at once.
+// A clip is opened from a file or created for writing, frame work is bracketed by BeginClipIOZV and
+// EndClipIOZV, and frames go by time. Calls return non-zero (or a clip) for success, and 0 or null with the
+// error number of ZVMemory.h. A clip is used by one thread at a time and has no lock; opening, creating and
+// scratch names use buffers of the environment, so two threads must not do those at once.
 #pragma once
 
 #include "ZVAudio.h"
@@ -14,14 +14,15 @@
 #include "ZVTags.h"
 #include "ZVTime.h"
 
-/// A run of the frame map: `Count` source frames from `Start` up, or for a negative Start `Count` scratch frames
-/// from `Start` down.
+/// A run of the frame map: `Count` source frames from `Start` up, or for a negative Start `Count` scratch
+/// frames from `Start` down.
 struct ZVFrameRun {
     long Start;
     long Count;
 };
 
-/// A layer of a clip, named by its node. The fields behind AlphaType belong to the module and are copied with it.
+/// A layer of a clip, named by its node. The fields behind AlphaType belong to the module and are copied with
+/// it.
 struct ZVClipLayer {
     ::Node Node;
     long Width;
@@ -35,18 +36,20 @@ struct ZVClipLayer {
 
 /// Bits of ZVClip::Flags.
 enum ZVClipFlag : unsigned long {
-    ZV_CLIP_WRITING = 0x1,      ///< created, not opened
-    ZV_CLIP_TIME_BLEND = 0x2,   ///< GetFrameZV averages the frames under the time span; set by the application
-    ZV_CLIP_ALPHA_KNOWN = 0x4,  ///< alpha settings are final; without it the first frame read is used to guess
-    ZV_CLIP_OPEN = 0x8,         ///< the module is open
-    ZV_CLIP_IO = 0x10,          ///< between BeginClipIOZV and EndClipIOZV
-    ZV_CLIP_NUMBERED = 0x20     ///< number the output file even for a clip of fewer than two frames
+    ZV_CLIP_WRITING = 0x1,     ///< created, not opened
+    ZV_CLIP_TIME_BLEND = 0x2,  ///< GetFrameZV averages the frames under the time span; set by the application
+    ZV_CLIP_ALPHA_KNOWN =
+        0x4,                 ///< alpha settings are final; without it the first frame read is used to guess
+    ZV_CLIP_OPEN = 0x8,      ///< the module is open
+    ZV_CLIP_IO = 0x10,       ///< between BeginClipIOZV and EndClipIOZV
+    ZV_CLIP_NUMBERED = 0x20  ///< number the output file even for a clip of fewer than two frames
 };
 
 inline constexpr unsigned long ZV_MEDIA_VIDEO = 1;
 inline constexpr unsigned long ZV_MEDIA_AUDIO = 2;
 
-/// How the alpha of a clip is stored. In bitmaps read from a clip it is always straight, with full alpha opaque.
+/// How the alpha of a clip is stored. In bitmaps read from a clip it is always straight, with full alpha
+/// opaque.
 enum ZVAlphaType : uint8_t { ZV_ALPHA_NONE = 0, ZV_ALPHA_LUMINANCE = 1, ZV_ALPHA_CHANNEL = 2 };
 
 struct ZVClip {
@@ -58,12 +61,12 @@ struct ZVClip {
     unsigned long ClipID;         ///< unique in the process; names the scratch files
     long Width;
     long Height;
-    long BitDepth;         ///< bits of a channel: 8, 10, 12, 16 or 32
-    long Frames;           ///< frames presented; for output the number planned
-    long RawFrames;        ///< frames in the source
-    double FrameRate;      ///< presented rate; every time is converted with it
-    double FileFrameRate;  ///< rate of the source; 1.25 times FrameRate under pull-down
-    double BaseFrameRate;  ///< rate as found at open
+    long BitDepth;          ///< bits of a channel: 8, 10, 12, 16 or 32
+    long Frames;            ///< frames presented; for output the number planned
+    long RawFrames;         ///< frames in the source
+    double FrameRate;       ///< presented rate; every time is converted with it
+    double FileFrameRate;   ///< rate of the source; 1.25 times FrameRate under pull-down
+    double BaseFrameRate;   ///< rate as found at open
     ZVTimeValue StartTime;  ///< time of frame 0
     unsigned long Flags;
     unsigned long Media;
@@ -71,25 +74,26 @@ struct ZVClip {
     long Layer;                 ///< layer shown, from 1; 0 for the flat image
     long FullWidth;             ///< size before proxy reduction; 0 until set
     long FullHeight;
-    uint8_t ProxyScale;  ///< reduction by the size tags: 0 none, 1 to 4 one half, third, quarter, eighth, 5 full size
+    uint8_t ProxyScale;  ///< reduction by the size tags: 0 none, 1 to 4 one half, third, quarter, eighth, 5
+                         ///< full size
     long User1, User2, User3;  ///< the caller's; not cloned
     uint8_t AlphaType;
     uint8_t FileAlphaType;  ///< AlphaType as the module set it; not cloned
     uint8_t FieldOrder;
-    uint8_t PullDown;  ///< 0, or the phase 1 to 5
-    long AlphaInvert;  ///< non-zero: alpha is stored inverted
+    uint8_t PullDown;         ///< 0, or the phase 1 to 5
+    long AlphaInvert;         ///< non-zero: alpha is stored inverted
     long AlphaPremultiplied;  ///< non-zero: colours are mixed against the matte colour
     double MatteRed, MatteGreen, MatteBlue, MatteAlpha;
-    double PixelAspect;           ///< width of a pixel over its height
-    unsigned long Background;     ///< stands in for missing frames, 0xAARRGGBB
+    double PixelAspect;        ///< width of a pixel over its height
+    unsigned long Background;  ///< stands in for missing frames, 0xAARRGGBB
     unsigned long GBufferMask;
     unsigned long FrameDataMask;  ///< kinds of GetFrameDataZV that the module delivers
     ZVAudioFormat AudioFormat;
     long ClipMode;
-    List Layers;          ///< of ZVClipLayer
-    long FrameMapSize;    ///< capacity in runs
-    long FrameMapUsed;    ///< runs in use
-    long ScratchCount;    ///< highest scratch frame number
+    List Layers;           ///< of ZVClipLayer
+    long FrameMapSize;     ///< capacity in runs
+    long FrameMapUsed;     ///< runs in use
+    long ScratchCount;     ///< highest scratch frame number
     ZVFrameRun* FrameMap;  ///< owned; null until the first edit
     long SequenceStart;    ///< file number of frame 0 in an output sequence
     long SequenceStep;
@@ -98,7 +102,8 @@ struct ZVClip {
     uint8_t* FrameSkip;     ///< the caller's, one byte a frame: non-zero reads nothing and succeeds
     ZVBitmap* FieldBitmap;  ///< half a frame, while writing under pull-down
     long Reserved3;
-    ZVFormatDesc* OpenModule;  ///< whose Open or Create succeeded on this very record, until Close; never cloned
+    ZVFormatDesc*
+        OpenModule;  ///< whose Open or Create succeeded on this very record, until Close; never cloned
 };
 
 // ---- life of a clip ---------------------------------------------------------------------------------------
@@ -117,11 +122,12 @@ enum ZVOpenTag : unsigned long {
 /// An empty clip, for writing or for cloning into; null with error 1.
 ZV_API ZVClip* NewClipZV();
 
-/// Opens a file. Null with error 12 for no such file, 15 for no module, 1, 17, 18, 20, 21 or the module's own.
+/// Opens a file. Null with error 12 for no such file, 15 for no module, 1, 17, 18, 20, 21 or the module's
+/// own.
 ZV_API ZVClip* OpenClipZV(char const* spec, TagItem* tags);
 
-/// Opens a closed clip again for reading, with all its settings as they are. A clip that was written, and whose
-/// module did not count its frames, takes their number from the file.
+/// Opens a closed clip again for reading, with all its settings as they are. A clip that was written, and
+/// whose module did not count its frames, takes their number from the file.
 ZV_API long OpenClipZV(ZVClip* clip, TagItem* tags);
 template <ZVTagKey Key, ZVTagValue... Rest> ZVClip* OpenClipZV(char const* spec, Key first, Rest... rest)
 {
@@ -132,19 +138,19 @@ template <ZVTagKey Key, ZVTagValue... Rest> long OpenClipZV(ZVClip* clip, Key fi
     return OpenClipZV(clip, Tag_Array(first, rest...).data());
 }
 
-/// Begins an output. The clip has its FileName; without Format the one of its extension is taken, or the default
-/// one. Without any, error 15 and 0. What the clip still has open is closed first.
+/// Begins an output. The clip has its FileName; without Format the one of its extension is taken, or the
+/// default one. Without any, error 15 and 0. What the clip still has open is closed first.
 ZV_API long CreateClipZV(ZVClip* clip, unsigned long flags);
 
-/// Ends the module's work, and I/O before it; all settings stay. The module's Close is called once for each of its
-/// Open or Create that succeeded on this record: a clone of an open clip carries ZV_CLIP_OPEN without one, and is
-/// closed without a call until BeginClipIOZV has opened the module for it.
+/// Ends the module's work, and I/O before it; all settings stay. The module's Close is called once for each
+/// of its Open or Create that succeeded on this record: a clone of an open clip carries ZV_CLIP_OPEN without
+/// one, and is closed without a call until BeginClipIOZV has opened the module for it.
 ZV_API void CloseClipZV(ZVClip* clip);
 ZV_API void FreeClipZV(ZVClip* clip);  ///< Ends everything, scratch frames included.
 
-/// Copies a clip, into a new one for a null target. The target keeps its ClipID, ModuleData and FieldBitmap, and
-/// never owns the source's scratch frames. A new clip is outside I/O; a target stays open and in I/O when it has the
-/// same file open by the same module, and is closed first when it has another.
+/// Copies a clip, into a new one for a null target. The target keeps its ClipID, ModuleData and FieldBitmap,
+/// and never owns the source's scratch frames. A new clip is outside I/O; a target stays open and in I/O when
+/// it has the same file open by the same module, and is closed first when it has another.
 /// @return  the target; null with error 1 when memory runs out, an old target then unchanged
 ZV_API ZVClip* CloneClipZV(ZVClip const* source, ZVClip* target);
 
@@ -162,17 +168,17 @@ template <ZVTagKey Key, ZVTagValue... Rest> long EndClipIOZV(ZVClip* clip, Key f
 
 /// Tags of SetClipOptionsZV.
 enum ZVClipTag : unsigned long {
-    ZV_CLIP_FRAME_RATE = 4096,           ///< double*
+    ZV_CLIP_FRAME_RATE = 4096,  ///< double*
     ZV_CLIP_FIELD_ORDER = 4097,
-    ZV_CLIP_PULLDOWN = 4098,             ///< 0, or the phase 1 to 5; adjusts rates and frame count
+    ZV_CLIP_PULLDOWN = 4098,  ///< 0, or the phase 1 to 5; adjusts rates and frame count
     ZV_CLIP_ALPHA_TYPE = 4099,
     ZV_CLIP_ALPHA_INVERT = 4100,
     ZV_CLIP_ALPHA_PREMULTIPLIED = 4101,
-    ZV_CLIP_MATTE_COLOR = 4102,          ///< double[4]: red, green, blue, alpha
-    ZV_CLIP_PIXEL_ASPECT = 4103,         ///< double*
-    ZV_CLIP_WIDTH = 4104,                ///< through ProxyScale
-    ZV_CLIP_HEIGHT = 4105,               ///< through ProxyScale
-    ZV_CLIP_FORMAT = 4106,               ///< char const*, four characters: the module with that extension
+    ZV_CLIP_MATTE_COLOR = 4102,   ///< double[4]: red, green, blue, alpha
+    ZV_CLIP_PIXEL_ASPECT = 4103,  ///< double*
+    ZV_CLIP_WIDTH = 4104,         ///< through ProxyScale
+    ZV_CLIP_HEIGHT = 4105,        ///< through ProxyScale
+    ZV_CLIP_FORMAT = 4106,        ///< char const*, four characters: the module with that extension
     ZV_CLIP_USER1 = 4107,
     ZV_CLIP_USER2 = 4108,
     ZV_CLIP_USER3 = 4109
@@ -184,16 +190,19 @@ template <ZVTagKey Key, ZVTagValue... Rest> void SetClipOptionsZV(ZVClip* clip, 
     SetClipOptionsZV(clip, Tag_Array(first, rest...).data());
 }
 
-ZV_API ZVBitmapType GetBitmapTypeZV(ZVClip const* clip);  ///< The RGBA type of BitDepth; 8 bits for any other.
+ZV_API ZVBitmapType
+GetBitmapTypeZV(ZVClip const* clip);  ///< The RGBA type of BitDepth; 8 bits for any other.
 
-/// A file name for a new output: `base` (null for none), sequence numbering when the format needs it, extension.
+/// A file name for a new output: `base` (null for none), sequence numbering when the format needs it,
+/// extension.
 /// @param out  ZV_SPEC_SIZE bytes
-/// @return  `out`, empty with error 12 when the name does not fit; `base` without a clip or format, `out` then empty
+/// @return  `out`, empty with error 12 when the name does not fit; `base` without a clip or format, `out`
+///          then empty
 ZV_API char const* MakeDefaultClipNameZV(ZVClip* clip, char const* base, char* out);
 
-/// Directory below which scratch frames lie, in "ZVScratch\" (in "ZVScratch2\" and so on for processes that run
-/// beside the first one); null for the user data directory. Frames written already move along; when they cannot,
-/// all stays as it was.
+/// Directory below which scratch frames lie, in "ZVScratch\" (in "ZVScratch2\" and so on for processes that
+/// run beside the first one); null for the user data directory. Frames written already move along; when they
+/// cannot, all stays as it was.
 ZV_API void SetScratchDirZV(char const* spec);
 
 // ---- reading ----------------------------------------------------------------------------------------------
@@ -206,7 +215,8 @@ struct AsyncParams {
 
 /// Tags of GetFrameZV.
 enum ZVFrameTag : unsigned long {
-    ZV_FRAME_RECT = 3840,    ///< ZVRectT<long>*: x and y are the point of the scaled frame that falls on pixel (0, 0)
+    ZV_FRAME_RECT =
+        3840,  ///< ZVRectT<long>*: x and y are the point of the scaled frame that falls on pixel (0, 0)
     ZV_FRAME_WIDTH = 3841,   ///< width of the scaled frame; that of the bitmap when absent
     ZV_FRAME_HEIGHT = 3842,  ///< height of the scaled frame; that of the bitmap when absent
     ZV_FRAME_POLL = 3844     ///< ZVPollFunc
@@ -219,18 +229,19 @@ enum ZVFrameTag : unsigned long {
 ZV_API long GetFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTimeValue const* duration,
                        TagItem* tags);
 template <ZVTagKey Key, ZVTagValue... Rest>
-long GetFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTimeValue const* duration, Key first,
-                Rest... rest)
+long GetFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTimeValue const* duration,
+                Key first, Rest... rest)
 {
     return GetFrameZV(clip, bitmap, time, duration, Tag_Array(first, rest...).data());
 }
 
 /// Fetches data of the kind `what` for the frame at a time from the module; 0 outside the clip.
-ZV_API long GetFrameDataZV(ZVClip* clip, ZVTimeValue const* time, unsigned long what, void* buffer, long size);
+ZV_API long GetFrameDataZV(ZVClip* clip, ZVTimeValue const* time, unsigned long what, void* buffer,
+                           long size);
 
-/// Finds the phase of pull-down and the field order of footage, and stores both in the clip, with the rates and the
-/// frame count that follow. Reads up to 66 frames. 1 when the result is to be trusted; with 0 the clip may have no
-/// pull-down: a phase is stored all the same.
+/// Finds the phase of pull-down and the field order of footage, and stores both in the clip, with the rates
+/// and the frame count that follow. Reads up to 66 frames. 1 when the result is to be trusted; with 0 the
+/// clip may have no pull-down: a phase is stored all the same.
 ZV_API long GuessPullDownZV(ZVClip* clip);
 
 // ---- writing and editing ----------------------------------------------------------------------------------
@@ -241,34 +252,34 @@ using ZVFrameWriter = long (*)(ZVClip*, ZVBitmap*, long frame, ZVRectT<long>* re
 
 /// Tags of AddFrameZV.
 enum ZVAddTag : unsigned long {
-    ZV_ADD_RECT = 3845,                 ///< ZVRectT<long>*: region for the module; the whole bitmap when absent
-    ZV_ADD_TO_BITMAP = 3846,            ///< ZVBitmap*: deliver each finished frame here and write nothing
-    ZV_ADD_FUNCTION = 3847,             ///< ZVFrameWriter
-    ZV_ADD_COMPLETION = 3848,           ///< void (*)(void*, unsigned long): called when the frame has been taken
+    ZV_ADD_RECT = 3845,        ///< ZVRectT<long>*: region for the module; the whole bitmap when absent
+    ZV_ADD_TO_BITMAP = 3846,   ///< ZVBitmap*: deliver each finished frame here and write nothing
+    ZV_ADD_FUNCTION = 3847,    ///< ZVFrameWriter
+    ZV_ADD_COMPLETION = 3848,  ///< void (*)(void*, unsigned long): called when the frame has been taken
     ZV_ADD_COMPLETION_DATA = 3849,
     ZV_ADD_COMPLETION_ARGUMENT = 3850,
-    ZV_ADD_FIRST_FRAME = 16384,         ///< number of the first frame of the run being written; 0
-    ZV_ADD_LAST_FRAME = 16385,          ///< number past which the run ends; Frames
-    ZV_ADD_FRAME_DIVISOR = 16386,       ///< divisor of the frame number; 1
-    ZV_ADD_NO_OVERWRITE = 16387,        ///< refuse to write over a file of a sequence that is not empty
-    ZV_ADD_USE_DIVISOR = 16388          ///< 0: ignore the divisor
+    ZV_ADD_FIRST_FRAME = 16384,    ///< number of the first frame of the run being written; 0
+    ZV_ADD_LAST_FRAME = 16385,     ///< number past which the run ends; Frames
+    ZV_ADD_FRAME_DIVISOR = 16386,  ///< divisor of the frame number; 1
+    ZV_ADD_NO_OVERWRITE = 16387,   ///< refuse to write over a file of a sequence that is not empty
+    ZV_ADD_USE_DIVISOR = 16388     ///< 0: ignore the divisor
 };
 
 /// Writes a frame to a created clip, converted to the clip's pixel type; the alpha convention is the module's
-/// to apply. With the clip's PullDown set, frames come in order, have the clip's size and one type, and become
-/// video frames. Both names are one operation.
+/// to apply. With the clip's PullDown set, frames come in order, have the clip's size and one type, and
+/// become video frames. Both names are one operation.
 ///
-/// Without a completion the bitmap is the caller's again when the call returns. With one it must stay as it is
-/// until the completion runs: once for each frame that was taken, on any thread, perhaps before the call
-/// returns. A call that answers 0 may have run it. A writer of ZV_ADD_FUNCTION keeps to the same rules. A frame
-/// refused for ZV_ADD_NO_OVERWRITE leaves error number 0 behind.
+/// Without a completion the bitmap is the caller's again when the call returns. With one it must stay as it
+/// is until the completion runs: once for each frame that was taken, on any thread, perhaps before the call
+/// returns. A call that answers 0 may have run it. A writer of ZV_ADD_FUNCTION keeps to the same rules. A
+/// frame refused for ZV_ADD_NO_OVERWRITE leaves error number 0 behind.
 ZV_API long AddFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTimeValue const* duration,
                        TagItem* tags);
 ZV_API long PullDownClipZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time,
                            ZVTimeValue const* duration, TagItem* tags);
 template <ZVTagKey Key, ZVTagValue... Rest>
-long AddFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTimeValue const* duration, Key first,
-                Rest... rest)
+long AddFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTimeValue const* duration,
+                Key first, Rest... rest)
 {
     return AddFrameZV(clip, bitmap, time, duration, Tag_Array(first, rest...).data());
 }
@@ -279,12 +290,12 @@ long PullDownClipZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVT
     return PullDownClipZV(clip, bitmap, time, duration, Tag_Array(first, rest...).data());
 }
 
-/// Replaces a frame of any clip: the source file stays as it is, the pixels go to a scratch file. The bitmap has
-/// the clip's size. With the clip's PullDown set the frame is a film frame, and what the video frames around it
-/// show of it is replaced too. 0 outside the clip, and when the pixels cannot be stored: the clip then shows
-/// what it showed before. `duration` and the tags are not read.
-ZV_API long ModifyFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTimeValue const* duration,
-                          TagItem* tags);
+/// Replaces a frame of any clip: the source file stays as it is, the pixels go to a scratch file. The bitmap
+/// has the clip's size. With the clip's PullDown set the frame is a film frame, and what the video frames
+/// around it show of it is replaced too. 0 outside the clip, and when the pixels cannot be stored: the clip
+/// then shows what it showed before. `duration` and the tags are not read.
+ZV_API long ModifyFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time,
+                          ZVTimeValue const* duration, TagItem* tags);
 template <ZVTagKey Key, ZVTagValue... Rest>
 long ModifyFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTimeValue const* duration,
                    Key first, Rest... rest)
@@ -292,12 +303,12 @@ long ModifyFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTi
     return ModifyFrameZV(clip, bitmap, time, duration, Tag_Array(first, rest...).data());
 }
 
-/// The same by frame number and without regard to pull-down. Answers 1 with error 1 when there is no memory for
-/// a frame map: the frame then stays as it was.
+/// The same by frame number and without regard to pull-down. Answers 1 with error 1 when there is no memory
+/// for a frame map: the frame then stays as it was.
 ZV_API long ModifyFrame2(ZVClip* clip, unsigned long frame, ZVBitmap* bitmap, TagItem* tags);
 
-/// Inserts an empty frame, which reads as Background until it is modified; refused at Frames and beyond. Times
-/// ahead of the clip count as frame 0.
+/// Inserts an empty frame, which reads as Background until it is modified; refused at Frames and beyond.
+/// Times ahead of the clip count as frame 0.
 ZV_API long InsertFrameBeforeZV(ZVClip* clip, ZVTimeValue const* time);
 ZV_API long InsertFrameAfterZV(ZVClip* clip, ZVTimeValue const* time);
 
@@ -306,8 +317,8 @@ ZV_API long DeleteFrameZV(ZVClip* clip, ZVTimeValue const* time);
 
 // ---- alpha ------------------------------------------------------------------------------------------------
 
-/// Straight alpha to the clip's convention, for writing. Works on the whole bitmaps, which must be of one size
-/// and pixel type, or nothing happens; the rectangle is not read.
+/// Straight alpha to the clip's convention, for writing. Works on the whole bitmaps, which must be of one
+/// size and pixel type, or nothing happens; the rectangle is not read.
 ZV_API void InterpretAlphaZV(ZVClip const* clip, ZVBitmap const* source, ZVBitmap* destination,
                              ZVRectT<long> const* rect);
 
@@ -319,7 +330,7 @@ ZV_API void InterpretAlphaZV(ZVClip const* clip, ZVBitmap const* source, ZVNativ
 ZV_API void InterpretAlpha2ZV(ZVClip const* clip, ZVBitmap const* source, ZVBitmap* destination,
                               ZVRectT<long> const* rect);
 
-/// Works out the alpha convention from frame 0, or from a frame in hand. A frame that cannot be read leaves it
-/// open and answers 0.
+/// Works out the alpha convention from frame 0, or from a frame in hand. A frame that cannot be read leaves
+/// it open and answers 0.
 ZV_API long GuessAlphaZV(ZVClip* clip);
 ZV_API long GuessAlphaZV(ZVClip* clip, ZVBitmap const* bitmap);

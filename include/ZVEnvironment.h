@@ -23,20 +23,21 @@ inline constexpr int ZV_PEN_COUNT = 17;
 
 /// Pen ids by their use.
 enum ZVPen : uint32_t {
-    ZV_PEN_PALETTE = 0xFF000001,      ///< background of palettes
-    ZV_PEN_ROOT = 0xFF000002,         ///< background of windows of kinds 5 and 7
-    ZV_PEN_DARK_EDGE = 0xFF000003,    ///< dark edge of sunken frames and outlines
-    ZV_PEN_LIGHT_EDGE = 0xFF000004,   ///< light edge of sunken frames
-    ZV_PEN_SHADOW = 0xFF000005,       ///< shadow of a border
-    ZV_PEN_MARKED = 0xFF000006,       ///< marked or selected entries
-    ZV_PEN_TEXT = 0xFF000007,         ///< text of gadgets
-    ZV_PEN_TAB_BAR = 0xFF000008,      ///< tab bar area
-    ZV_PEN_FACE = 0xFF00000A,         ///< face of gadgets
-    ZV_PEN_TEXT_FIELD = 0xFF00000C,   ///< background of text fields
-    ZV_PEN_FACE_ON = 0xFF000011       ///< face of gadgets that are on
+    ZV_PEN_PALETTE = 0xFF000001,     ///< background of palettes
+    ZV_PEN_ROOT = 0xFF000002,        ///< background of windows of kinds 5 and 7
+    ZV_PEN_DARK_EDGE = 0xFF000003,   ///< dark edge of sunken frames and outlines
+    ZV_PEN_LIGHT_EDGE = 0xFF000004,  ///< light edge of sunken frames
+    ZV_PEN_SHADOW = 0xFF000005,      ///< shadow of a border
+    ZV_PEN_MARKED = 0xFF000006,      ///< marked or selected entries
+    ZV_PEN_TEXT = 0xFF000007,        ///< text of gadgets
+    ZV_PEN_TAB_BAR = 0xFF000008,     ///< tab bar area
+    ZV_PEN_FACE = 0xFF00000A,        ///< face of gadgets
+    ZV_PEN_TEXT_FIELD = 0xFF00000C,  ///< background of text fields
+    ZV_PEN_FACE_ON = 0xFF000011      ///< face of gadgets that are on
 };
 
-/// Metrics and pens, in pixels where nothing else is said. Allocated by InitZV, kept for the environment's life.
+/// Metrics and pens, in pixels where nothing else is said. Allocated by InitZV, kept for the environment's
+/// life.
 struct ZVStyle {
     int16_t gapWide;              ///< spacing of the wide gap tags, 4
     int16_t gapNormal;            ///< spacing between items, 2
@@ -88,15 +89,16 @@ struct ZVEnvironment {
     char* homeDir;      ///< file spec with a closing separator
     char* userDataDir;  ///< file spec with a closing separator
     char* scratchDir;   ///< file spec of SetScratchDirZV, or null
-    char* scratchPath;  ///< file spec of the process's own directory for scratch files, or null before its first use
+    char* scratchPath;  ///< file spec of the process's own directory for scratch files, or null before its
+                        ///< first use
     long scratchClaim;  ///< its hold on that directory
     ZVStringTable* stringTable;
     List stringFiles;  ///< names of the string files read so far
     void (*callback)(ZVEvent*);
-    ZVWindow* rootWindow;        ///< the window of kind 5 or 7, or null
-    ZVPalette* currentPalette;   ///< what calls without a palette argument act on
-    ZVGroup* currentGroup;       ///< under construction
-    ZVMenu* currentMenu;         ///< under construction
+    ZVWindow* rootWindow;       ///< the window of kind 5 or 7, or null
+    ZVPalette* currentPalette;  ///< what calls without a palette argument act on
+    ZVGroup* currentGroup;      ///< under construction
+    ZVMenu* currentMenu;        ///< under construction
     ZVStyle* style;
     ZVPalette* buildingPalette;  ///< under construction
     ZVPalette* mousePalette;     ///< palette of the item under the mouse
@@ -104,9 +106,9 @@ struct ZVEnvironment {
     uint32_t modifiers;
     uint32_t ticks;  ///< ticks since start
     int16_t cursor;
-    uint32_t error;     ///< see ZVMemory.h
-    char* errorString;  ///< see GetErrorStringZV
-    char* appTitle;     ///< of ZV_INIT_APP_TITLE; null when empty or absent
+    uint32_t error;       ///< see ZVMemory.h
+    char* errorString;    ///< see GetErrorStringZV
+    char* appTitle;       ///< of ZV_INIT_APP_TITLE; null when empty or absent
     char scratch1[1024];  ///< text work buffer: one use at a time, not reentrant
     char scratch2[1024];  ///< second one, for paths
     ZVItem* trackedItem;
@@ -155,9 +157,9 @@ struct ZVEnvironment {
     uint32_t physicalMemory;  ///< bytes; 0xC9999999 on a machine of 4 GiB or more
     void* tickTimer;
     void* jobTimer;
-    unsigned long clipCounter;  ///< ClipID of the clip allocated last
+    unsigned long clipCounter;             ///< ClipID of the clip allocated last
     uint16_t clipsByScratchNumber[10000];  ///< living clips, by the four digits of ClipID in scratch names
-    long seqRateSet;            ///< overrides of the sequence dialog, filled by applications
+    long seqRateSet;                       ///< overrides of the sequence dialog, filled by applications
     double seqRate;
     long seqAspectSet;
     double seqAspect;
@@ -171,15 +173,15 @@ extern ZV_API ZVEnvironment* ZVEnvOS;  ///< the same record
 
 /// Tags of InitZV. Data is a long where nothing else is said.
 enum ZVInitTag : unsigned long {
-    ZV_INIT_ROOT_WINDOW = 2560,     ///< put a root window behind all palettes; data ignored
-    ZV_INIT_KEY_SECTION = 2561,     ///< ZVKeySection*: read the key file into it
-    ZV_INIT_FONT_SIZE = 2562,       ///< points; by monitor when absent
-    ZV_INIT_APP_NAME = 2563,        ///< char const*; read by the class layer
-    ZV_INIT_APP_TITLE = 2564,       ///< char const*; stored in appTitle
-    ZV_INIT_HOME_DIR = 2565,        ///< char const*: directory as spec or native path, closing separator or not
+    ZV_INIT_ROOT_WINDOW = 2560,  ///< put a root window behind all palettes; data ignored
+    ZV_INIT_KEY_SECTION = 2561,  ///< ZVKeySection*: read the key file into it
+    ZV_INIT_FONT_SIZE = 2562,    ///< points; by monitor when absent
+    ZV_INIT_APP_NAME = 2563,     ///< char const*; read by the class layer
+    ZV_INIT_APP_TITLE = 2564,    ///< char const*; stored in appTitle
+    ZV_INIT_HOME_DIR = 2565,     ///< char const*: directory as spec or native path, closing separator or not
     ZV_INIT_NO_ROOT_WINDOW = 2567,  ///< the root window is the application's; data ignored
     ZV_INIT_MONITOR_COUNT = 2568,   ///< 1 to 4; 0 asks the display
-    ZV_INIT_MONITOR_1 = 2569,       ///< pointer to four longs: left, top, width, height; the display's when absent
+    ZV_INIT_MONITOR_1 = 2569,  ///< pointer to four longs: left, top, width, height; the display's when absent
     ZV_INIT_MONITOR_2 = 2570,
     ZV_INIT_MONITOR_3 = 2571,
     ZV_INIT_MONITOR_4 = 2572,
@@ -216,8 +218,8 @@ ZV_API void ExitZV();
 
 ZV_API ZVEnvironment* GetEnvironmentZV();
 
-/// Stores the colour of a pen; a number outside the pen range is ignored. A pen as the colour stands for its colour
-/// of now. The ZVFloatRGB form scales by 255, truncates and keeps the low byte; below 0 is 0.
+/// Stores the colour of a pen; a number outside the pen range is ignored. A pen as the colour stands for its
+/// colour of now. The ZVFloatRGB form scales by 255, truncates and keeps the low byte; below 0 is 0.
 ZV_API void SetStylePenZV(unsigned long pen, unsigned long colour);
 ZV_API void SetStylePenZV(unsigned long pen, struct ZVFloatRGB const* colour);
 template <std::integral Colour> void SetStylePenZV(unsigned long pen, Colour colour)
@@ -231,8 +233,8 @@ ZV_API unsigned long GetColorZV(unsigned long colour);
 /// Converts a colour from display gamma 2.2 to 1.8, in place; the top byte becomes 0.
 ZV_API void GammaCorrect(unsigned long* colour);
 
-/// Works out the six widths for `columns` columns on a monitor `width` wide (at most 1600 counts). Without a column
-/// nothing is stored.
+/// Works out the six widths for `columns` columns on a monitor `width` wide (at most 1600 counts). Without a
+/// column nothing is stored.
 ZV_API void CalcGadgetSizes(ZVGadgetSizes* sizes, long width, long columns, long gap);
 
 /// Applies the present pens to all open windows.

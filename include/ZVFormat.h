@@ -7,8 +7,8 @@
 #include "ZVList.h"
 #include "ZVTags.h"
 
-/// Options of a module, opaque to the library. A copy that the library makes is one block with Data behind the
-/// header.
+/// Options of a module, opaque to the library. A copy that the library makes is one block with Data behind
+/// the header.
 struct ZVFormatParams {
     void* Data;
     long Size;  ///< bytes at Data
@@ -16,8 +16,8 @@ struct ZVFormatParams {
 
 /// Property bits; others are passed through to applications.
 enum ZVFormatProperty : long {
-    ZV_FORMAT_ALPHA = 0x1,          ///< stores an alpha channel
-    ZV_FORMAT_MULTIFRAME = 0x2,     ///< one file holds many frames; without it a clip is an image sequence
+    ZV_FORMAT_ALPHA = 0x1,       ///< stores an alpha channel
+    ZV_FORMAT_MULTIFRAME = 0x2,  ///< one file holds many frames; without it a clip is an image sequence
     ZV_FORMAT_READ = 0x4,
     ZV_FORMAT_WRITE = 0x8,
     ZV_FORMAT_SELF_SCALE = 0x10,    ///< GetFrame places and scales into a bitmap of the clip's type
@@ -27,9 +27,9 @@ enum ZVFormatProperty : long {
     ZV_FORMAT_ANY_TYPE = 0x1000     ///< AddFrame takes a bitmap of any pixel type
 };
 
-/// The record that follows a frame through AddFrameAsync. The module hands it to the completion function once,
-/// from any thread and whatever AddFrameAsync answers, and touches it no more. It has read the clip's FileName and
-/// the region by the time AddFrameAsync returns; the bitmap stays until the completion.
+/// The record that follows a frame through AddFrameAsync. The module hands it to the completion function
+/// once, from any thread and whatever AddFrameAsync answers, and touches it no more. It has read the clip's
+/// FileName and the region by the time AddFrameAsync returns; the bitmap stays until the completion.
 struct ZVCompletionParams {
     ZVBitmap* Bitmap;  ///< converted copy of the frame, owned by this record, or null
     void (*Completion)(void*, unsigned long);
@@ -47,23 +47,23 @@ struct ZVTypePair {
     uint32_t creator;
 };
 
-/// One module. Allocated zeroed with AllocMemZV by who registers it, then owned by the environment's list, which
-/// also owns its four arrays.
+/// One module. Allocated zeroed with AllocMemZV by who registers it, then owned by the environment's list,
+/// which also owns its four arrays.
 ///
-/// Contract of the entries. Open, Close, Create, BeginIO, EndIO, GetFrame, CanLoad and both property entries are
-/// always there; the others may be null, which means that the module does not offer the feature.
+/// Contract of the entries. Open, Close, Create, BeginIO, EndIO, GetFrame, CanLoad and both property entries
+/// are always there; the others may be null, which means that the module does not offer the feature.
 ///
 /// Open is called with FileName set, FileFrameRate -1.0 or what the caller passed, PixelAspect 0. It must set
-/// Width, Height, BitDepth, RawFrames and Media, should set AlphaType to 2 when the file holds alpha, and may set
-/// FileFrameRate, PixelAspect, FieldOrder, AudioFormat and Layers. Close is called once for each successful Open or
-/// Create. GetFrame gets a frame number within the file that FileName names now, and unless the module has
-/// ZV_FORMAT_SELF_SCALE a bitmap of exactly the clip's size and type with a zero offset. AddFrame must not keep the
-/// bitmap. CanLoad is called for every module in turn: it must be cheap and change nothing. Cleanup runs once,
-/// before the descriptor goes.
+/// Width, Height, BitDepth, RawFrames and Media, should set AlphaType to 2 when the file holds alpha, and may
+/// set FileFrameRate, PixelAspect, FieldOrder, AudioFormat and Layers. Close is called once for each
+/// successful Open or Create. GetFrame gets a frame number within the file that FileName names now, and
+/// unless the module has ZV_FORMAT_SELF_SCALE a bitmap of exactly the clip's size and type with a zero
+/// offset. AddFrame must not keep the bitmap. CanLoad is called for every module in turn: it must be cheap
+/// and change nothing. Cleanup runs once, before the descriptor goes.
 struct ZVFormatDesc {
-    ::Node Node;  ///< its name is the display name
-    ZVPlugin* Plugin;                     ///< the code module that holds the entries; null for a built-in module
-    ZVFormatParams* DefaultVideoParams;   ///< options used last with this format, or null
+    ::Node Node;       ///< its name is the display name
+    ZVPlugin* Plugin;  ///< the code module that holds the entries; null for a built-in module
+    ZVFormatParams* DefaultVideoParams;  ///< options used last with this format, or null
     ZVFormatParams* DefaultAudioParams;
     long Reserved1;
     long Reserved2;
@@ -92,8 +92,10 @@ struct ZVFormatDesc {
     long (*GetFrame)(ZVClip*, ZVBitmap*, long frame, ZVRectT<long>* sourceOffset, long width, long height,
                      long layer, void* data, long dataSize);
     long (*AddFrame)(ZVClip*, ZVBitmap*, long frame, ZVRectT<long>* region);
-    /// Non-zero when the caller shall read `*size` bytes (0: the whole file) into `*data` or a buffer of its own.
-    long (*GetFrameDataReference)(ZVClip*, long frame, long layer, long long* offset, long* size, void** data);
+    /// Non-zero when the caller shall read `*size` bytes (0: the whole file) into `*data` or a buffer of its
+    /// own.
+    long (*GetFrameDataReference)(ZVClip*, long frame, long layer, long long* offset, long* size,
+                                  void** data);
     long (*GetGBuffer)(ZVClip*, long frame, unsigned long mask, ZVGBufferArray*, long layer, void* data,
                        long dataSize);
     void (*Options)(ZVClip*, bool silent);
@@ -113,7 +115,8 @@ struct ZVFormatDesc {
                           ZVCompletionParams*, long reserved);
 };
 
-/// Where registration may show its progress; DrawInfo null for no display. A null pointer to it is allowed too.
+/// Where registration may show its progress; DrawInfo null for no display. A null pointer to it is allowed
+/// too.
 struct ZVScanDesc {
     ZVDrawInfo* DrawInfo;
     long X;
@@ -133,11 +136,11 @@ struct ZVFileTypeDescriptor {
 ZV_API void InitFormatModulesZV(ZVScanDesc* scan);
 ZV_API void InitAllFormatModulesZV(ZVScanDesc* scan);
 
-/// Registers the movie module, as two entries: movies, and movies that are prepared for streaming. Neither of the
-/// calls above does. 1, or 0 without a movie layer (`hasMovies`) and when memory runs out.
+/// Registers the movie module, as two entries: movies, and movies that are prepared for streaming. Neither of
+/// the calls above does. 1, or 0 without a movie layer (`hasMovies`) and when memory runs out.
 ///
-/// A missing "data\QuickTimeCodecs.txt" is created in the home directory. It lists codecs by their four characters: up
-/// to the line "QuickTime 10-bit codecs" those of 16 bits a channel, behind it those of 10.
+/// A missing "data\QuickTimeCodecs.txt" is created in the home directory. It lists codecs by their four
+/// characters: up to the line "QuickTime 10-bit codecs" those of 16 bits a channel, behind it those of 10.
 ZV_API long Add_QuickTime_Format(ZVScanDesc* scan);
 
 /// The module that claims a file, or null with error 15.
@@ -151,8 +154,8 @@ ZV_API long GetImportPropertiesZV(ZVFormatDesc* desc);
 ZV_API long GetExportPropertiesZV(ZVClip* clip);
 ZV_API long GetExportPropertiesZV(ZVFormatDesc* desc);
 
-/// Gives a clip another format (null for none) and drops its options; with `fetch` the format's default options
-/// are worked out when it has none yet.
+/// Gives a clip another format (null for none) and drops its options; with `fetch` the format's default
+/// options are worked out when it has none yet.
 /// @return  0 for a null clip, else 1
 ZV_API long ChangeClipFormatParamsZV(ZVClip* clip, ZVFormatDesc* desc, bool fetch);
 

@@ -9,18 +9,19 @@
 /// Shows "Assertion Failure in file "%s", line %d." and throws ZVAssertFail.
 [[noreturn]] ZV_API void Assert_Fail(char const* file, long line);
 
-/// AllocMemZV at an alignment, a power of two; null when memory runs out and the new-handler gives up. Released by
-/// FreeMemZV.
+/// AllocMemZV at an alignment, a power of two; null when memory runs out and the new-handler gives up.
+/// Released by FreeMemZV.
 ZV_API void* Alloc_Aligned(unsigned long size, unsigned long alignment);
 
 /// Sorts the stretch `left` to `right` of the table by id.
 ZV_API void SortStringTable(ZVStringTable* table, long left, long right);
 
-/// Shows a text already formatted; null button texts are those of strings 100 and 101. 1 for the first button.
+/// Shows a text already formatted; null button texts are those of strings 100 and 101. 1 for the first
+/// button.
 ZV_API long User_Req(long unused, long twoButtons, char const* text, char const* first, char const* second);
 
-/// The spec of a file below the home directory, or when it is not there below the library's data directory; the
-/// first of them when it is in neither. Free it with FreeFileSpecZV.
+/// The spec of a file below the home directory, or when it is not there below the library's data directory;
+/// the first of them when it is in neither. Free it with FreeFileSpecZV.
 ZV_API char* Find_Library_File(char const* name);
 
 /// Set `homeDir` and `userDataDir`.
@@ -30,7 +31,8 @@ ZV_API void SetUserDataDir();
 /// Sets `processors`.
 ZV_API void Init_MP();
 
-ZV_API ZVCriticalRegion* CreateCriticalRegionZV();  ///< A region that a thread may enter again; null without memory.
+ZV_API ZVCriticalRegion*
+CreateCriticalRegionZV();  ///< A region that a thread may enter again; null without memory.
 ZV_API void FreeCriticalRegionZV(ZVCriticalRegion* region);
 ZV_API long EnterCriticalRegionZV(ZVCriticalRegion* region);  ///< 0; a null region does nothing.
 ZV_API long ExitCriticalRegionZV(ZVCriticalRegion* region);
@@ -48,9 +50,9 @@ ZV_API void Free_MouseQueue();
 ZV_API void GetMonitorInfoZV(long* count, ZVRectT<long>* first, ZVRectT<long>* second, ZVRectT<long>* third,
                              ZVRectT<long>* fourth);
 
-/// Native path of the directory that holds the executable (of the bundle's folder, when it lies in one), of the
-/// library's installed data, of the user and of temporary files, with a closing slash. False when it cannot be had
-/// or does not fit.
+/// Native path of the directory that holds the executable (of the bundle's folder, when it lies in one), of
+/// the library's installed data, of the user and of temporary files, with a closing slash. False when it
+/// cannot be had or does not fit.
 ZV_API bool OS_Get_Program_Dir(char* path, unsigned long size);
 ZV_API bool OS_Get_Library_Data_Dir(char* path, unsigned long size);
 ZV_API bool OS_Get_User_Dir(char* path, unsigned long size);
@@ -102,12 +104,12 @@ ZV_API long File_Extend(ZVFileInfo* file, int64_t length);
 ZV_API int64_t File_GetModificationDate(ZVFileInfo* file);  ///< Seconds since 1 January 1970; 0 on failure.
 ZV_API void File_Close(ZVFileInfo* file);
 
-/// The native path of a spec or classic path. False without a volume part, for an unknown volume, and when it does
-/// not fit; the buffer is then as it was.
+/// The native path of a spec or classic path. False without a volume part, for an unknown volume, and when it
+/// does not fit; the buffer is then as it was.
 ZV_API bool OS_Native_Path(char const* spec, char* path, unsigned long size);
 
-/// Calls `visit` for each entry of a directory, in the order of their names and without "." and "..", until it
-/// answers false. Names are written as in specs; a link to a directory counts as one.
+/// Calls `visit` for each entry of a directory, in the order of their names and without "." and "..", until
+/// it answers false. Names are written as in specs; a link to a directory counts as one.
 /// @return  false when the directory cannot be read
 ZV_API bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool isDirectory, void* data),
                               void* data);
@@ -116,10 +118,11 @@ ZV_API bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, 
 ZV_API void OSAudioSetFormat(ZVAudioFormat const* format);  ///< Of the next channel; null is ignored.
 /// The function that fills output buffers with sound. It is called on a thread of the output's own.
 ZV_API void OSAudioSetCallback(void (*fill)(void* out, unsigned long bytes));
-ZV_API long OSAudioInitPlayback();  ///< Opens a channel and makes its two buffers. 16-bit stereo alone is taken.
-ZV_API long OSAudioPreload();       ///< Fills both buffers, on the caller's thread.
-ZV_API long OSAudioPlay();          ///< Starts the output.
-ZV_API void OSAudioStop();          ///< At once, and releases the channel: no call-back runs any more.
+ZV_API long
+OSAudioInitPlayback();         ///< Opens a channel and makes its two buffers. 16-bit stereo alone is taken.
+ZV_API long OSAudioPreload();  ///< Fills both buffers, on the caller's thread.
+ZV_API long OSAudioPlay();     ///< Starts the output.
+ZV_API void OSAudioStop();     ///< At once, and releases the channel: no call-back runs any more.
 ZV_API void OSAudioSetVolume(double volume);  ///< Level of both channels, 1.0 full, in steps of 1/256.
 
 ZV_API void OS_Beep();  ///< The terminal's bell, for a process that has one.
@@ -134,15 +137,15 @@ ZV_API void OS_Release_Directory(long claim);
 /// Frees the blocks that AllocateResidentBlock keeps for reuse. False when there was none.
 ZV_API bool Empty_Block_Cache();
 
-/// Rewrites packed pixels with alpha first: `bytes` bytes, a whole number of pixels, from the start of `source`. There is
-/// an instance for ZV_BITMAP_RGBA10 and for ZV_BITMAP_RGBA12.
+/// Rewrites packed pixels with alpha first: `bytes` bytes, a whole number of pixels, from the start of
+/// `source`. There is an instance for ZV_BITMAP_RGBA10 and for ZV_BITMAP_RGBA12.
 template <typename Buffer, typename Pixel, typename Channel>
 void RGBA_To_ARGB(Buffer const* source, void* out, long bytes);
 
 // ---- clips ------------------------------------------------------------------------------------------------
 
-/// Spec of a scratch file in scratch2, its directory made if missing; null for a frame of 0 or above, and with
-/// error 7 when there can be no such directory. Each process has a directory of its own.
+/// Spec of a scratch file in scratch2, its directory made if missing; null for a frame of 0 or above, and
+/// with error 7 when there can be no such directory. Each process has a directory of its own.
 ZV_API char* Make_TempName(unsigned long id, long frame, long audio);
 ZV_API void Cleanup_Clip();  ///< Deletes the process's scratch directory and forgets its root.
 
@@ -156,7 +159,8 @@ ZV_API double Get_Time(ZVTimeValue const* time);  ///< Seconds; 0 for a Scale of
 ZV_API long Get_Frame(ZVClip const* clip, ZVTimeValue const* time);
 ZV_API long Get_Field(ZVClip const* clip, ZVTimeValue const* time);
 
-/// The source frame of a presented frame; negative for a scratch frame. Beyond the map's end, the frame itself.
+/// The source frame of a presented frame; negative for a scratch frame. Beyond the map's end, the frame
+/// itself.
 ZV_API long Get_FrameMapping(ZVClip const* clip, long frame);
 
 /// Number of frames that can be read: those of the map when there is one, else RawFrames.
@@ -193,7 +197,8 @@ ZV_API void read_source(void* out, unsigned long bytes);
 ZV_API long FrameNumberToSequenceNumberZV(long* position, long* number, long frame, long isFirst,
                                           ZVClip const* clip);
 
-/// Whether all `count` files of a sequence exist (numbers null: 0 to count - 1); a count of 0 passes the second.
+/// Whether all `count` files of a sequence exist (numbers null: 0 to count - 1); a count of 0 passes the
+/// second.
 ZV_API long IsSequenceValidZV(char const* spec, long const* numbers, long count);
 ZV_API long IsSequenceDataValidZV(char const* spec, long const* numbers, long count);
 
@@ -226,7 +231,8 @@ void Interpret_Alpha(Buffer* bitmap, ZVClip* clip, long left, long top, long rig
 
 // ---- formats ----------------------------------------------------------------------------------------------
 
-/// Up to four characters behind the last dot of the file name, lower case, first one highest; 0 without a dot.
+/// Up to four characters behind the last dot of the file name, lower case, first one highest; 0 without a
+/// dot.
 ZV_API uint32_t Extension_Code(char const* spec);
 
 /// The rule of most modules: a pair of ReadTypes, then an entry of ReadExtensions, claims the file.
@@ -244,8 +250,8 @@ struct ZVBuiltinFormat {
     long readExtensionCount;
 };
 
-/// A zeroed descriptor with name, limits, codes and arrays; the caller fills in its entries and adds it to the
-/// list. Null when memory runs out.
+/// A zeroed descriptor with name, limits, codes and arrays; the caller fills in its entries and adds it to
+/// the list. Null when memory runs out.
 ZV_API ZVFormatDesc* Make_Format_Desc(ZVBuiltinFormat const& format);
 
 /// A copy in one block, Data behind the header; null for null.

@@ -1,6 +1,6 @@
-// Intrusive doubly linked lists. A node is the first member of the record that it links, and can unlink itself
-// without knowing its list. Positions count from zero unless a comment says otherwise. Lists, nodes and texts are
-// not null where a comment does not allow it. No call takes a lock.
+// Intrusive doubly linked lists. A node is the first member of the record that it links, and can unlink
+// itself without knowing its list. Positions count from zero unless a comment says otherwise. Lists, nodes
+// and texts are not null where a comment does not allow it. No call takes a lock.
 #pragma once
 
 #include "ZVBase.h"
@@ -11,8 +11,10 @@
 
 /// The bare link.
 struct ZV_LINK MinNode {
-    MinNode* next = nullptr;  ///< following node; for the last one the list's tail sentinel; null in that sentinel
-    MinNode* prev = nullptr;  ///< preceding node; for the first one the list's head sentinel; null in that sentinel
+    MinNode* next =
+        nullptr;  ///< following node; for the last one the list's tail sentinel; null in that sentinel
+    MinNode* prev =
+        nullptr;  ///< preceding node; for the first one the list's head sentinel; null in that sentinel
 };
 
 /// A link with an identifier and a name.
@@ -24,8 +26,8 @@ struct ZV_LINK Node {
 };
 
 /// The header: two sentinels in three words. As a node, `head` and `tail` are the links of the head sentinel,
-/// `tail` and `tailPred` those of the tail sentinel. So a node is real exactly when its `next` is not null, and
-/// is the header exactly when its `prev` is null. Use NewList before any other call.
+/// `tail` and `tailPred` those of the tail sentinel. So a node is real exactly when its `next` is not null,
+/// and is the header exactly when its `prev` is null. Use NewList before any other call.
 struct ZV_LINK List {
     Node* head = nullptr;      ///< first node; on an empty list the tail sentinel
     Node* tail = nullptr;      ///< always null
@@ -56,11 +58,11 @@ inline Node* List_Next(Node const* node)
     return node->next->next ? node->next : nullptr;
 }
 
-ZV_API void NewList(List* list);               ///< Makes the list empty without freeing anything.
-ZV_API long List_Empty(List const* list);      ///< Non-zero for a list without nodes.
-ZV_API void AddHead(List* list, Node* node);   ///< Links the node first.
+ZV_API void NewList(List* list);              ///< Makes the list empty without freeing anything.
+ZV_API long List_Empty(List const* list);     ///< Non-zero for a list without nodes.
+ZV_API void AddHead(List* list, Node* node);  ///< Links the node first.
 ZV_API void AddHead(List* list, MinNode* node);
-ZV_API void AddTail(List* list, Node* node);   ///< Links the node last.
+ZV_API void AddTail(List* list, Node* node);  ///< Links the node last.
 ZV_API void AddTail(List* list, MinNode* node);
 
 /// Links the node behind `predecessor`, or first when that is null.
@@ -100,8 +102,9 @@ ZV_API void FreeNode(MinNode* node);
 /// Frees every node with its name and leaves the list empty. Null is accepted.
 ZV_API void Free_List(List* list);
 
-ZV_API long List_Entries(List const* list);               ///< Number of nodes.
-ZV_API Node* List_Entry(List const* list, long position);  ///< Node at the position, or null outside the list.
+ZV_API long List_Entries(List const* list);  ///< Number of nodes.
+ZV_API Node* List_Entry(List const* list,
+                        long position);  ///< Node at the position, or null outside the list.
 
 /// Position of a node counted from ONE; for a node of another list the number of nodes plus one.
 ZV_API long Entry_Pos(List const* list, Node const* node);
@@ -122,7 +125,7 @@ ZV_API Node* PrevNodeWrap(Node* node);  ///< The previous node; before the first
 ZV_API Node* NextNodeListWrap(Node* child, long offset);
 ZV_API Node* PrevNodeListWrap(Node* child, long offset);
 
-using ZVCompareFunc = long (*)(Node*, Node*);               ///< below, at or above 0 as in strcmp
+using ZVCompareFunc = long (*)(Node*, Node*);  ///< below, at or above 0 as in strcmp
 using ZVCompareParamsFunc = long (*)(Node*, Node*, void*);
 
 ZV_API long CompareNameFunc(Node* a, Node* b);  ///< Compares two names without case.
@@ -133,7 +136,7 @@ ZV_API long Sort_List(List* list);
 ZV_API long SortListZV(List* list, ZVCompareFunc compare);
 ZV_API long SortListZV_Params(List* list, ZVCompareParamsFunc compare, void* params);
 
-/// Sorts the stretch of positions `first` to `last`, both included; one that reaches outside the list stays as it
-/// is.
+/// Sorts the stretch of positions `first` to `last`, both included; one that reaches outside the list stays
+/// as it is.
 ZV_API long Sort_By_Func(List* list, long first, long last, ZVCompareFunc compare);
 ZV_API long Sort_By_Func_Params(List* list, long first, long last, ZVCompareParamsFunc compare, void* params);

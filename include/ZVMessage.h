@@ -1,6 +1,6 @@
-// Messages and questions to the user. The text is a printf format, given itself or by string id, of at most 2047
-// bytes when formatted. While no interface runs a message goes to standard error as one line, and a question is
-// answered no. SetErrorModeZV silences both. Main thread only.
+// Messages and questions to the user. The text is a printf format, given itself or by string id, of at most
+// 2047 bytes when formatted. While no interface runs a message goes to standard error as one line, and a
+// question is answered no. SetErrorModeZV silences both. Main thread only.
 #pragma once
 
 #include "ZVBase.h"
@@ -28,7 +28,7 @@ ZV_API void UserScrollMessageZV(char const* heading, char* body);
 ZV_API void UserScrollMessageZV(unsigned long id, char* body);
 
 inline constexpr unsigned long ZV_ERRORMODE_YES = 1;  ///< show nothing, questions are answered yes
-inline constexpr unsigned long ZV_ERRORMODE_NO = 2;   ///< show nothing, questions are answered no; wins over 1
+inline constexpr unsigned long ZV_ERRORMODE_NO = 2;  ///< show nothing, questions are answered no; wins over 1
 
 /// Stores the error mode and returns the old one.
 ZV_API unsigned long SetErrorModeZV(unsigned long mode);

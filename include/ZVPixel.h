@@ -36,10 +36,10 @@ struct ZVPixelBase {
     static ZV_API double const* _byteToFracTbl;
 };
 
-/// One pixel in memory: T is the storage type of a channel, MAX its maximum (a placeholder for float), BITS its
-/// significant bits, PACK the bytes of a pixel. Channels stand in the order red, green, blue, alpha; 10- and
-/// 12-bit pixels are packed big-endian with red on top, so they have no alignment. No setter masks or clamps: a
-/// value outside 0 to MAX, or a fraction outside 0 to 1, wraps into the channel's bits.
+/// One pixel in memory: T is the storage type of a channel, MAX its maximum (a placeholder for float), BITS
+/// its significant bits, PACK the bytes of a pixel. Channels stand in the order red, green, blue, alpha; 10-
+/// and 12-bit pixels are packed big-endian with red on top, so they have no alignment. No setter masks or
+/// clamps: a value outside 0 to MAX, or a fraction outside 0 to 1, wraps into the channel's bits.
 template <typename T, unsigned long MAX, int BITS, int PACK> class ZVPixel : public ZVPixelBase {
 public:
     using Channel = T;
@@ -111,7 +111,8 @@ public:
     void Blue(T value) { Set(2, value); }
     void Alpha(T value) { Set(3, value); }
 
-    /// A raw channel value as a fraction: by the table for 8 bits, times the double 1/MAX above, float as it is.
+    /// A raw channel value as a fraction: by the table for 8 bits, times the double 1/MAX above, float as it
+    /// is.
     static double Fraction(T value)
     {
         if constexpr (isFloat)
@@ -184,8 +185,8 @@ public:
     void BlueDenorm(double value) { Set(2, Denorm(value)); }
     void AlphaDenorm(double value) { Set(3, Denorm(value)); }
 
-    void SetBytes(unsigned char r, unsigned char g, unsigned char b, unsigned char a)
-        requires(BITS == 8 && PACK == 4)
+    void SetBytes(unsigned char r, unsigned char g, unsigned char b,
+                  unsigned char a) requires(BITS == 8 && PACK == 4)
     {
         SetRGBA(r, g, b, a);
     }

@@ -1,5 +1,6 @@
-// Byte sources with a typed view. A reader never fails loudly: a file reader keeps a sticky error flag after which
-// its typed reads give 0. Seek modes are those of SeekFileZV: 0 from the start, 1 from the position, 2 from the end.
+// Byte sources with a typed view. A reader never fails loudly: a file reader keeps a sticky error flag after
+// which its typed reads give 0. Seek modes are those of SeekFileZV: 0 from the start, 1 from the position, 2
+// from the end.
 #pragma once
 
 #include "ZVBase.h"
@@ -46,12 +47,13 @@ private:
     bool hasError_ = false;
 };
 
-/// Reads a block of memory, which stays the caller's. No read goes outside the block: typed reads past its end take
-/// the missing bytes as 0 and leave the cursor at the end, and a token may end with the block.
+/// Reads a block of memory, which stays the caller's. No read goes outside the block: typed reads past its
+/// end take the missing bytes as 0 and leave the cursor at the end, and a token may end with the block.
 class ZV_API ZVBufferReader : public ZVReader {
 public:
     ZVBufferReader(void const* block, long length);
-    long Seek(long offset, long mode) override;  ///< Mode 2 subtracts the offset from the end. Kept inside the block.
+    long Seek(long offset,
+              long mode) override;  ///< Mode 2 subtracts the offset from the end. Kept inside the block.
     long End() override;
     uint8_t ReadByte() override;
     uint16_t ReadShortBE() override;
@@ -60,11 +62,12 @@ public:
     uint32_t ReadLongLE() override;
     long Read(void* destination, long count) override;
 
-    virtual uint16_t ReadShortHex();  ///< The next four characters as hexadecimal; characters that are none end it.
-    virtual long ReadLongASCII();     ///< The next word as a signed decimal; 0 for a word that is none.
+    virtual uint16_t
+    ReadShortHex();  ///< The next four characters as hexadecimal; characters that are none end it.
+    virtual long ReadLongASCII();  ///< The next word as a signed decimal; 0 for a word that is none.
 
-    /// The next word, and the rest of the line, as a copy to be freed by FreeMemZV; null when it is empty. A line
-    /// ends at one CR or LF, so CR LF reads as a line and an empty one: End tells the end of the data.
+    /// The next word, and the rest of the line, as a copy to be freed by FreeMemZV; null when it is empty. A
+    /// line ends at one CR or LF, so CR LF reads as a line and an empty one: End tells the end of the data.
     virtual char* ReadString();
     virtual char* ReadLine();
 

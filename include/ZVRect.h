@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-/// Origin and size. `Right` and `Bottom` are the last column and row inside, so a rectangle of width 1 has its
-/// right edge at `x`.
+/// Origin and size. `Right` and `Bottom` are the last column and row inside, so a rectangle of width 1 has
+/// its right edge at `x`.
 template <typename T> struct ZVRectT {
     T x = 0;
     T y = 0;

@@ -1,6 +1,6 @@
-// Tag lists: arrays of key and value pairs that carry every optional argument. A reader takes the tags it knows
-// and passes over the others, so that one list can be handed down through several layers. Whoever makes a list
-// owns it; a call that keeps one clones it.
+// Tag lists: arrays of key and value pairs that carry every optional argument. A reader takes the tags it
+// knows and passes over the others, so that one list can be handed down through several layers. Whoever makes
+// a list owns it; a call that keeps one clones it.
 #pragma once
 
 #include "ZVBase.h"
@@ -27,8 +27,8 @@ ZV_API TagItem* NextTagItem(TagItem** cursor);
 /// The first ordinary pair with that key, or null. A null list holds nothing.
 ZV_API TagItem* FindTagItem(unsigned long tag, TagItem* list);
 
-/// The pair with key 0 that ends the list, behind all skip and more entries; overwrite it with a more entry to
-/// chain another list. Null for a null list and when a more entry with null ends it.
+/// The pair with key 0 that ends the list, behind all skip and more entries; overwrite it with a more entry
+/// to chain another list. Null for a null list and when a more entry with null ends it.
 ZV_API TagItem* FindTagDone(TagItem* list);
 
 /// A flat copy without control entries but the end; of a null list, the end alone. Free it with FreeMemZV.
@@ -37,8 +37,10 @@ ZV_API TagItem* CloneTagItems(TagItem* list);
 
 /// What the twins with variable arguments take as a key, and as a value. A floating-point value does not
 /// compile: its tags take a pointer to a double.
-template <typename T> concept ZVTagKey = std::integral<T> || std::is_enum_v<T>;
-template <typename T> concept ZVTagValue = ZVTagKey<T> || std::is_pointer_v<T> || std::is_null_pointer_v<T>;
+template <typename T>
+concept ZVTagKey = std::integral<T> || std::is_enum_v<T>;
+template <typename T>
+concept ZVTagValue = ZVTagKey<T> || std::is_pointer_v<T> || std::is_null_pointer_v<T>;
 
 /// One word of a tag list, extended by the sign of the argument's own type.
 template <ZVTagValue T> unsigned long Tag_Word(T value)

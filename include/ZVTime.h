@@ -14,20 +14,20 @@ enum FieldOrder : uint8_t { ZV_FIELDS_NONE = 0, ZV_FIELDS_UPPER_FIRST = 1, ZV_FI
 
 /// How a frame number is shown.
 enum ZVTimeUnits : uint8_t {
-    ZV_UNITS_TIMECODE = 1,         ///< HH:MM:SS:FF, with ';' for drop-frame; so are all values not named here
-    ZV_UNITS_FRAMES = 2,           ///< the number, counted from 0
-    ZV_UNITS_FRAMES_FROM_ONE = 3   ///< the number plus 1, unless the call is zero based
+    ZV_UNITS_TIMECODE = 1,        ///< HH:MM:SS:FF, with ';' for drop-frame; so are all values not named here
+    ZV_UNITS_FRAMES = 2,          ///< the number, counted from 0
+    ZV_UNITS_FRAMES_FROM_ONE = 3  ///< the number plus 1, unless the call is zero based
 };
 
-/// The text of a frame: Value is the frame, Scale the rate. A rate is drop-frame when it rounds to 30 and differs
-/// from 29.97 by less than 0.0001. Dashes for a rate that rounds to 0 or less, and for a negative frame; a frame
-/// field of more than two digits shows its last two.
+/// The text of a frame: Value is the frame, Scale the rate. A rate is drop-frame when it rounds to 30 and
+/// differs from 29.97 by less than 0.0001. Dashes for a rate that rounds to 0 or less, and for a negative
+/// frame; a frame field of more than two digits shows its last two.
 /// @param out  12 bytes
 ZV_API void TimecodeToStringZV(char* out, ZVTimeValue const* time, ZVTimeUnits units, long zeroBased);
 
-/// The frame of a text, read from its end: "12" is twelve frames, "1:00" one second. Any other character than a
-/// digit separates fields. Fields hold 199 digits; of a longer run the last 199 count, and a value beyond a long
-/// is the greatest long.
+/// The frame of a text, read from its end: "12" is twelve frames, "1:00" one second. Any other character than
+/// a digit separates fields. Fields hold 199 digits; of a longer run the last 199 count, and a value beyond a
+/// long is the greatest long.
 ZV_API long StringToTimecodeZV(char const* text, double rate, ZVTimeUnits units, long zeroBased);
 
 /// A duration in words: its two leading units.

@@ -8,7 +8,8 @@
 // everything but NEON.
 #define ZV_UNTESTED_TARGETS ((HWY_AVX2 - 1) | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)
 
-// Code with sanitizers in it takes minutes to compile for each of them, so there only the first and the last are left.
+// Code with sanitizers in it takes minutes to compile for each of them, so there only the first and the last
+// are left.
 #if defined(ZV_SANITIZED)
 #define HWY_DISABLED_TARGETS (ZV_UNTESTED_TARGETS | HWY_SSSE3 | HWY_SSE4)
 #else

@@ -23,11 +23,19 @@ Guess const guesses[] = {
     {"all opaque", {red, green, red}, false, false},
     {"edges mixed with the colour of the background", {blue, blue, blue, mixed, red}, false, true, blue},
     {"edges not mixed with it", {blue, blue, blue, unmixed, red}, false, false},
-    {"opaque pixels share a colour, clear ones do not", {green, green, green, behindGreen, clearRed, blue}, true, true, green},
+    {"opaque pixels share a colour, clear ones do not",
+     {green, green, green, behindGreen, clearRed, blue},
+     true,
+     true,
+     green},
     {"the same without mixing", {green, green, green, notBehindGreen, clearRed, blue}, true, false},
     {"neither clear nor opaque", {mixed, unmixed, behindGreen}, false, false},
     {"two of three clear pixels are more than half", {blue, blue, clearRed, red}, false, false},
-    {"two of three, all of them agreeing", {nothing, nothing, {0.0005, 0, 0, 0}, mixed, red, green}, false, true, nothing},
+    {"two of three, all of them agreeing",
+     {nothing, nothing, {0.0005, 0, 0, 0}, mixed, red, green},
+     false,
+     true,
+     nothing},
     {"one of two is not", {blue, clearRed, mixed, red, green}, false, false},
     {"the first clear pixel is what counts", {clearRed, blue, blue, blue, mixed, red, green}, false, false},
     {"opaque pixels need not agree", {blue, blue, {1, 1, 1, 1}, {0, 1, 0, 1}}, false, true, blue},
@@ -38,7 +46,8 @@ BitmapBlock Make_Frame(std::vector<Pixel> const& pixels, ZVBitmapType type)
     BitmapBlock bitmap = Make_Bitmap(static_cast<long>(pixels.size()), 1, type);
     PixelTest::Visit_Typed(bitmap.get(), [&](auto* typed) {
         for (std::size_t i = 0; i < pixels.size(); ++i)
-            typed->GetIterator(static_cast<long>(i), 0)->SetFloat(pixels[i][0], pixels[i][1], pixels[i][2], pixels[i][3]);
+            typed->GetIterator(static_cast<long>(i), 0)
+                ->SetFloat(pixels[i][0], pixels[i][1], pixels[i][2], pixels[i][3]);
     });
     return bitmap;
 }
@@ -155,7 +164,8 @@ TEST_F(AlphaGuess, LeavesAClipInTheStateThatItWasIn)
     ASSERT_TRUE(BeginClipIOZV(clip, nullptr));
     format.calls.clear();
     EXPECT_EQ(GuessAlphaZV(clip), 1);
-    EXPECT_EQ(format.Count("Open") + format.Count("Close") + format.Count("BeginIO") + format.Count("EndIO"), 0);
+    EXPECT_EQ(format.Count("Open") + format.Count("Close") + format.Count("BeginIO") + format.Count("EndIO"),
+              0);
     EXPECT_TRUE(clip->Flags & ZV_CLIP_IO);
 }
 
