@@ -13,6 +13,7 @@
 #include "ZVList.h"
 #include "ZVMemory.h"
 #include "ZVMessage.h"
+#include "ZVMovie.h"
 #include "ZVPixel.h"
 #include "ZVPlayback.h"
 #include "ZVReader.h"

@@ -51,6 +51,9 @@ bool Store_Frame(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const
     return true;
 }
 
+/// The frame as it is to be stored, a bitmap like it in the clip's alpha convention; null without memory.
+BitmapPtr Stored_Frame(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const* region);
+
 /// Lets `read` fill an RGBA8 bitmap of the stored size: the caller's own bitmap where that is one, else a
 /// temporary that is scaled and converted into the caller's. So a clip whose size was reduced after it was
 /// opened, or a frame that differs in size from its clip, still gives a whole picture.

@@ -48,6 +48,8 @@ enum VideoOption : long {
     VIDEO_STREAMING_SIZE = 136
 };
 
+inline constexpr uint32_t NoSoundCompression = ZV_FourCC("NONE");
+
 /// Offsets in a block of audio options.
 enum AudioOption : long {
     AUDIO_CODEC = 4,

@@ -15,7 +15,6 @@ namespace {
 constexpr uint32_t DefaultCodec = ZV_FourCC("rle ");
 constexpr uint32_t DefaultStreamCodec = ZV_FourCC("avc1");  // the default of other movies cannot be streamed
 constexpr uint32_t DefaultVendor = ZV_FourCC("appl");
-constexpr uint32_t NoCompression = ZV_FourCC("NONE");
 constexpr uint32_t NormalQuality = 512;
 constexpr long VideoOldEnd = 46;  // what an older block shares with the present one ends here
 constexpr long AudioOldEnd = 8;
@@ -190,7 +189,7 @@ bool Make_Audio_Defaults(ZVClip* clip)
     if (!params) return false;
     ZVAudioFormat const format =
         Is_Sound_Format(clip->AudioFormat) ? clip->AudioFormat : ZVAudioFormat{44100, 2, 2, 0};
-    Set_Option(params, AUDIO_CODEC, NoCompression);
+    Set_Option(params, AUDIO_CODEC, NoSoundCompression);
     Set_Option(params, AUDIO_SOUND_DESCRIPTION, SoundDescriptionSize);
     Set_Option16(params, AUDIO_CHANNELS, static_cast<uint32_t>(format.Channels));
     Set_Option16(params, AUDIO_SAMPLE_BITS, static_cast<uint32_t>(format.SampleSize * 8));

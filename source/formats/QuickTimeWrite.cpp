@@ -10,7 +10,6 @@ namespace {
 
 constexpr uint32_t FileType = ZV_FourCC("MooV");
 constexpr uint32_t Creator = ZV_FourCC("TVOD");
-constexpr uint32_t NoCompression = ZV_FourCC("NONE");
 constexpr uint32_t RawCompression = ZV_FourCC("raw ");
 constexpr long DepthWithAlpha = 32;
 constexpr double LargestRate = 10000.0;
@@ -66,7 +65,7 @@ bool Take_Sound_Settings(ZVClip* clip, OSMovieSettings& settings)
     format.Flags = ZV_AUDIO_UNSIGNED | ZV_AUDIO_SWAPPED;
     settings.sound = format;
     uint32_t const codec = Get_Option(params, AUDIO_CODEC);
-    settings.soundCodec = codec == NoCompression || codec == RawCompression ? 0 : codec;
+    settings.soundCodec = codec == NoSoundCompression || codec == RawCompression ? 0 : codec;
     return true;
 }
 

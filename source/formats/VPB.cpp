@@ -186,25 +186,29 @@ HeaderBytes Make_Header(ZVBitmap const& picture, char const* fileName)
 }
 
 /// Writes the pixels through a buffer of as many rows as memory allows, up to 128.
-bool Write_Pixels(ZVFileInfo* file, ZVBitmap const& picture)
+bool Write_Pixels(ZVFileInfo* file, ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const* region)
 {
-    long const rowBytes = picture.Width * 2L;
-    long rows = RowsAtOnce;
+    long const rowBytes = bitmap->Width * 2L;
+    long most = RowsAtOnce;
     HeapBlock<uint8_t> buffer;
-    for (; rows > 0 && !buffer; rows -= !buffer)
-        buffer.reset(static_cast<uint8_t*>(Alloc_Aligned(static_cast<unsigned long>(rows * rowBytes), 64)));
+    for (; most > 0 && !buffer; most -= !buffer)
+        buffer.reset(static_cast<uint8_t*>(Alloc_Aligned(static_cast<unsigned long>(most * rowBytes), 64)));
     if (!buffer) {
         SetError(ZV_ERR_MEMORY);
         return false;
     }
-    for (long y = 0; y < picture.Height; y += rows) {
-        long const count = std::min<long>(rows, picture.Height - y);
-        for (long i = 0; i < count; ++i)
-            VPB_Pixels_To_Row(picture.Pixels + (y + i) * picture.RowBytes, buffer.get() + i * rowBytes,
-                              picture.Width);
-        if (!WriteFileZV(file, buffer.get(), static_cast<unsigned long>(count * rowBytes))) return false;
-    }
-    int64_t const pixels = Pixel_Bytes(picture.Width, picture.Height);
+    auto const addRows = [&](uint8_t const* pixels, long rows) {
+        for (long y = 0; y < rows; y += most) {
+            long const count = std::min(most, rows - y);
+            for (long i = 0; i < count; ++i)
+                VPB_Pixels_To_Row(pixels + (y + i) * bitmap->RowBytes, buffer.get() + i * rowBytes,
+                                  bitmap->Width);
+            if (!WriteFileZV(file, buffer.get(), static_cast<unsigned long>(count * rowBytes))) return false;
+        }
+        return true;
+    };
+    if (!Store_Frame(clip, bitmap, region, addRows)) return false;
+    int64_t const pixels = Pixel_Bytes(bitmap->Width, bitmap->Height);
     std::array<uint8_t, BlockSize> const zeros{};
     auto const padding = static_cast<unsigned long>(Whole_Blocks(pixels) - pixels);
     return padding == 0 || WriteFileZV(file, zeros.data(), padding);
@@ -225,10 +229,10 @@ long VPB_AddFrame(ZVClip* clip, ZVBitmap* bitmap, long, ZVRectT<long>* region)
         static_cast<uint32_t>(clip->CreateFlags ? clip->CreateFlags : clip->Format->FileCreator);
     FilePtr const file{
         CreateFileZV(clip->FileName, ZVFilePermReadWrite, clip->Format->FileType, creator, ZVFileFlagNone)};
-    BitmapPtr const picture = file ? Stored_Frame(clip, bitmap, region) : nullptr;
-    if (!picture) return 0;
-    HeaderBytes const header = Make_Header(*picture, name);
-    if (!WriteFileZV(file.get(), header.data(), header.size()) || !Write_Pixels(file.get(), *picture))
+    if (!file) return 0;
+    HeaderBytes const header = Make_Header(*bitmap, name);
+    if (!WriteFileZV(file.get(), header.data(), header.size()) ||
+        !Write_Pixels(file.get(), clip, bitmap, region))
         return 0;
     ++clip->RawFrames;
     return 1;
