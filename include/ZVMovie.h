@@ -33,3 +33,6 @@ ZV_API long SetMovieOptionsZV(ZVClip* clip, ZVMovieOptions const* options);
 /// The settings that a clip of a movie format was opened with, or will be written with. 0 for other clips and
 /// for sound alone. SoundCodec is that of a movie to be written only.
 ZV_API long GetMovieOptionsZV(ZVClip const* clip, ZVMovieOptions* options);
+
+/// Frames of sound in a movie that is open for reading; 0 for other clips and without sound.
+ZV_API unsigned long GetMovieSoundLengthZV(ZVClip const* clip);

@@ -2,6 +2,7 @@
 #include "QuickTimeModule.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace {
@@ -83,4 +84,12 @@ long GetMovieOptionsZV(ZVClip const* clip, ZVMovieOptions* options)
         options->SoundCodec = Get_Option(audio, AUDIO_CODEC);
     if (options->SoundCodec == NoSoundCompression) options->SoundCodec = 0;
     return 1;
+}
+
+unsigned long GetMovieSoundLengthZV(ZVClip const* clip)
+{
+    if (!Is_Movie_Format(clip) || !clip->ModuleData || !State_Of_Movie(clip)->Movie) return 0;
+    OSMovieInfo const& info = State_Of_Movie(clip)->Info;
+    if (!info.hasSound) return 0;
+    return static_cast<unsigned long>(std::llround(info.soundSeconds * static_cast<double>(info.sound.Rate)));
 }

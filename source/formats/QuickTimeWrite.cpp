@@ -23,12 +23,14 @@ bool Take_Video_Settings(ZVClip* clip, OSMovieSettings& settings)
     Complete_Video_Options(clip);
     ZVFormatParams const* params = clip->VideoParams;
     if (isNew && clip->FrameRate <= 0) clip->FrameRate = Get_Option(params, VIDEO_FRAME_RATE) / 65536.0;
-    if (!(clip->FrameRate > 0 && clip->FrameRate <= LargestRate) || clip->Width < 1 || clip->Height < 1 ||
+    // Under pull-down the movie holds a quarter more frames than are given.
+    double const rate = clip->PullDown != 0 ? clip->FileFrameRate : clip->FrameRate;
+    if (!(rate > 0 && rate <= LargestRate) || clip->Width < 1 || clip->Height < 1 ||
         clip->Width > clip->Format->MaxWidth || clip->Height > clip->Format->MaxHeight) {
         SetError(ZV_ERR_CLIP);
         return false;
     }
-    MovieTimeScale const time = Movie_Time_Scale(clip->FrameRate);
+    MovieTimeScale const time = Movie_Time_Scale(rate);
     settings.width = clip->Width;
     settings.height = clip->Height;
     settings.codec = Get_Option(params, VIDEO_CODEC);

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # What zvclip promises: results, exit statuses, one-line errors, and files that are whole or not there.
 set -euo pipefail
-zvclip=$1
+zvclip=$(realpath "$1")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 export KL_APP_DATA_DIR=$work
@@ -73,12 +73,64 @@ expect 0 "" convert in.flm lum.flm --luminance --frames 1
 expect 0 "" convert in.flm matte.flm --matte '#102030' --invert --frames 1
 expect 0 "" frame in.flm --time 0.4 still.png
 same "$(pixels in.flm -vf trim=start_frame=10:end_frame=11)" "$(pixels still.png)" "a still has other pixels"
-for command in "" info convert composite frame; do
+for command in "" info convert composite frame sound check; do
     # shellcheck disable=SC2086  # no word for the general help
     "$zvclip" $command --help | grep -q Usage || fail "help of $command"
 done
 
+# --- movies, their sound, series of pictures, and film in video
+film() { ffmpeg -v fatal -f lavfi -i testsrc2=s=96x64:r=24:d=2 "$@"; }
+film -vf format=rgba -c:v png film.mov
+ffmpeg -v fatal -f lavfi -i testsrc2=s=96x64:r=25:d=2 -f lavfi -i sine=440:r=48000:d=2 \
+    -pix_fmt yuv420p -c:v libx264 -bf 2 -g 25 -c:a pcm_s16le sounding.mov
+expect 0 "" info --json sounding.mov
+python3 -c 'import json; a, = json.load(open("out.txt")); assert (a["codec"], a["frames"]) == ("avc1", 50) and a["sound"] == {"rate": 48000, "channels": 1, "bits": 16}, a' 2>err.txt || fail "info of a movie: $(cat err.txt)"
+expect 0 "" convert sounding.mov sounding2.mov --codec ffv1 --quality 100
+samples() { ffmpeg -v fatal -i "$1" -f s16le -ac 1 - | md5sum; }
+same "$(samples sounding.mov)" "$(samples sounding2.mov)" "a copy has other sound"
+expect 0 "" sound sounding2.mov sound.wav
+same "$(samples sounding.mov)" "$(samples sound.wav)" "the WAVE file has other sound"
+expect 0 "" convert sounding.mov quiet.mov --no-audio --start 10 --frames 5 --codec png
+[ -z "$(ffprobe -v error -select_streams a -show_entries stream=index quiet.mov)" ] || fail "--no-audio"
+same "$(pixels sounding2.mov -vf "trim=start_frame=10:end_frame=15,setpts=PTS-STARTPTS")" "$(pixels quiet.mov)" "frames behind a jump"
+expect 0 "" composite film.mov sounding.mov both.mov --codec prores4444 --audio-codec aac
+[ "$(ffprobe -v error -show_entries stream=codec_tag_string -of csv=p=0 both.mov | xargs)" = "ap4h mp4a" ] ||
+    fail "the codecs of a composite"
+expect 0 "" convert sounding.mov stream.mov --streaming --codec h264 --audio-codec aac
+[ "$(ffprobe -v error -show_entries stream=codec_tag_string -of csv=p=0 stream.mov | xargs)" = "avc1 mp4a rtp rtp" ] ||
+    fail "--streaming gives no hint tracks"
+expect 0 "" convert film.mov 'series[####].vpb'
+expect 0 "" convert 'series[####].vpb' series.mov --source-rate 24 --codec png
+[ "$(ffprobe -v error -show_entries stream=nb_frames,r_frame_rate -of csv=p=0 series.mov)" = 24/1,48 ] || fail "a series"
+expect 0 "" convert in.flm 'series[####].vpb' --overwrite --frames 3
+[ "$(echo series*.vpb)" = "series0000.vpb series0001.vpb series0002.vpb" ] || fail "a new series beside an old one"
+expect 0 "" convert film.mov video.mov --pulldown insert --codec png
+[ "$(ffprobe -v error -show_entries stream=nb_frames,r_frame_rate -of csv=p=0 video.mov)" = 30/1,60 ] || fail "--pulldown insert"
+expect 0 "" convert video.mov film-again.mov --pulldown remove --codec png
+same "$(pixels film.mov)" "$(pixels film-again.mov)" "film frames taken out of their fields have other pixels"
+film -vf format=rgba,telecine=first_field=top:pattern=23 -c:v png telecined.mov
+expect 0 "" convert telecined.mov film-again.mov --pulldown guess --field-order upper --codec png --overwrite
+expect 0 "" info film-again.mov
+grep -q "rate    24" out.txt || fail "ffmpeg's pull-down was not found: $(cat out.txt)"
+expect 0 "" check film.mov sounding.mov sound.wav series0000.vpb
+head -c 20000 film.mov >broken.mov
+film -vf format=rgba -c:v png -movflags faststart whole.mov
+head -c $(($(stat -c %s whole.mov) / 2)) whole.mov >broken2.mov
+expect 1 "broken.mov: the file could not be opened" check broken.mov
+expect 1 "broken2.mov: frame [0-9]* cannot be read" check broken2.mov
+
 # --- refusals
+expect 1 "hold one picture each" convert in.flm out.vpb
+expect 1 "hold all frames" convert in.flm 'out[##].flm'
+expect 1 "no file of this series" info 'none[###].vpb'
+expect 1 "series0000.vpb: exists already" convert in.flm 'series[####].vpb'
+expect 1 "Filmstrip files hold no sound" convert sounding.mov out.flm --audio
+expect 1 "no sound to write" convert film.mov out.mov --audio
+expect 1 "codec 'wxyz'" convert film.mov out.mov --codec wxyz
+expect 1 "are for movies" convert film.mov out.flm --codec png
+expect 1 "no film frames" convert film.mov out.mov --pulldown remove
+expect 1 "film.mov: has no sound" sound film.mov out.wav
+expect 2 "--pulldown takes" convert film.mov out.mov --pulldown some
 expect 1 "copy.flm: exists already" convert in.flm copy.flm
 expect 1 "none.flm: no such file" info none.flm
 expect 1 ".: not a file" info .
@@ -94,7 +146,7 @@ expect 2 "--rate takes" convert in.flm out.flm --rate fast
 expect 2 "no option --sieze" convert in.flm out.flm --sieze
 expect 2 "IN and OUT" convert in.flm
 expect 2 "no command 'play'" play in.flm
-[ ! -e deep.flm ] && [ ! -e out.flm ] || fail "a refused job left a file"
+[ ! -e deep.flm ] && [ -z "$(echo out.flm out.mov out.wav out*.vpb | xargs ls 2>/dev/null)" ] || fail "a refused job left a file"
 
 # --- failures and interruptions leave what was there
 before=$(md5sum <copy.flm)

@@ -93,6 +93,13 @@ long Read_Count(char const* option, std::string const& text, long least)
     return *count;
 }
 
+long Read_Percent(char const* option, std::string const& text)
+{
+    std::optional<long> const percent = Parse_Number<long>(text);
+    if (!percent || *percent < 0 || *percent > 100) Refuse(option, text, "a whole number from 0 to 100");
+    return *percent;
+}
+
 Position Read_Position(char const* option, std::string const& text, bool inFrames)
 {
     bool const hasUnit = !text.empty() && (text.back() == 'f' || text.back() == 's');

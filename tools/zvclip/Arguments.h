@@ -36,5 +36,6 @@ Size Read_Size(char const* option, std::string const& text);               ///< 
 double Read_Rate(char const* option, std::string const& text);             ///< "25", "29.97", "30000/1001"
 long Read_Count(char const* option, std::string const& text, long least);  ///< a whole number
 Position Read_Position(char const* option, std::string const& text,
-                       bool inFrames);                         ///< "12f", "1.5s", or bare
-long Read_Depth(char const* option, std::string const& text);  ///< 8, 10, 12, 16, "float"
+                       bool inFrames);                           ///< "12f", "1.5s", or bare
+long Read_Percent(char const* option, std::string const& text);  ///< 0 to 100
+long Read_Depth(char const* option, std::string const& text);    ///< 8, 10, 12, 16, "float"

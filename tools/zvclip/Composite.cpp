@@ -4,21 +4,18 @@
 #include "OptionReader.h"
 #include "Output.h"
 #include "Progress.h"
+#include "Sound.h"
 
 #include <filesystem>
 
 char const* const compositeHelp =
     "Usage: zvclip composite FOREGROUND BACKGROUND OUT [OPTIONS]\n"
     "\n"
-    "Lays each frame of FOREGROUND over BACKGROUND by its alpha. BACKGROUND is a clip, read by time, or a "
-    "colour\n"
-    "(#RRGGBB or a name). OUT has the size of a background clip, or of FOREGROUND over a colour, and the "
-    "length and\n"
-    "rate of FOREGROUND.\n"
+    "Lays each frame of FOREGROUND over BACKGROUND by its alpha. BACKGROUND is a clip, read by time, or a\n"
+    "colour (#RRGGBB or a name). OUT has the size of a background clip, or of FOREGROUND over a colour, and\n"
+    "the length and rate of FOREGROUND. The sound is that of FOREGROUND, or else of BACKGROUND.\n"
     "\n"
-    "  --at X,Y       where the top left corner of FOREGROUND lies; 0,0 when not given\n"
-    "  --format NAME  the format, by extension or name, whatever OUT is called\n"
-    "  --overwrite    replace OUT when it exists\n";
+    "  --at X,Y             where the top left corner of FOREGROUND lies; 0,0 when not given\n";
 
 namespace {
 
@@ -51,7 +48,7 @@ Overlap Overlap_Of(CompositeOptions const& options, Size canvas, Size foreground
 class Compositor {
 public:
     Compositor(std::string const& foreground, std::string const& background, CompositeOptions const& options)
-        : foregroundPath_(foreground), backgroundPath_(background), foreground_(Open_Source(foreground, {}))
+        : foregroundPath_(foreground), backgroundPath_(background), foreground_(Open_Source(foreground))
     {
         std::error_code error;
         std::optional<ZVLONGCOLOR> const colour =
@@ -60,7 +57,7 @@ public:
         if (colour)
             colour_ = *colour;
         else
-            background_ = Open_Source(background, {});
+            background_ = Open_Source(background);
         canvasSize_ = background_ ? Size{background_->Width, background_->Height} : size;
         overlap_ = Overlap_Of(options, canvasSize_, size);
         picture_ = New_Bitmap(foreground, size, GetBitmapTypeZV(foreground_.get()));
@@ -70,6 +67,15 @@ public:
     }
 
     ZVClip const* Foreground() const { return foreground_.get(); }
+
+    /// Whose sound the result has; null for none.
+    ZVClip* Sounding() const
+    {
+        for (ZVClip* clip : {foreground_.get(), background_.get()})
+            if (clip && Has_Sound(clip)) return clip;
+        return nullptr;
+    }
+
     Size CanvasSize() const { return canvasSize_; }
 
     /// The composite of one frame of the foreground; stays valid until the next call.
@@ -112,6 +118,12 @@ void Composite(std::vector<std::string> const& words, CompositeOptions options)
     settings.rate = compositor.Foreground()->FrameRate;
     settings.frames = compositor.Foreground()->Frames;
     settings.pixelAspect = compositor.Foreground()->PixelAspect;
+    ZVClip* const sounding = compositor.Sounding();
+    std::optional<SoundReader> sound;
+    if (sounding) {
+        settings.sound = sounding->AudioFormat;
+        sound.emplace(sounding, sounding == compositor.Foreground() ? words[0] : words[1], 0);
+    }
 
     Output output(words[2], settings);
     Progress progress(settings.frames);
@@ -119,6 +131,8 @@ void Composite(std::vector<std::string> const& words, CompositeOptions options)
         ZVBitmap* const picture = compositor.Frame(frame);
         Stop_If_Interrupted();
         output.Add(picture);
+        if (output.HasSound())
+            output.Add_Sound(sound->Read_Until(static_cast<double>(frame + 1) / settings.rate).get());
         progress.Step();
     }
     output.Finish();
@@ -128,18 +142,12 @@ void Composite(std::vector<std::string> const& words, CompositeOptions options)
 
 int Run_Composite(int argc, char** argv)
 {
-    option const table[] = {{"at", required_argument, nullptr, 'a'},
-                            {"format", required_argument, nullptr, 'F'},
-                            {"overwrite", no_argument, nullptr, 'o'},
-                            {}};
+    std::vector<option> table = Output_Options();
+    table.insert(table.end(), {{"at", required_argument, nullptr, 'a'}, {}});
     CompositeOptions options;
     std::vector<std::string> const words =
-        Read_Options(argc, argv, table, [&](int letter, std::string const& value) {
-            switch (letter) {
-            case 'a': Read_Place(value, options); break;
-            case 'F': options.output.format = value; break;
-            case 'o': options.output.mayOverwrite = true; break;
-            }
+        Read_Options(argc, argv, table.data(), [&](int letter, std::string const& value) {
+            if (!Take_Output_Option(options.output, letter, value)) Read_Place(value, options);
         });
     if (words.size() != 3) throw UsageError("it takes the names FOREGROUND, BACKGROUND and OUT");
     Composite(words, options);

@@ -28,7 +28,7 @@ int Run_Frame(int argc, char** argv)
         });
     if (words.size() != 2) throw UsageError("it takes the names IN and OUT.png");
 
-    ClipHandle const clip = Open_Source(words[0], {});
+    ClipHandle const clip = Open_Source(words[0]);
     double const seconds = time.Seconds(clip->FrameRate);
     if (seconds >= Length_Of(clip.get())) throw JobError(words[0], "ends before the time asked for");
     ZVBitmapType const type = clip->BitDepth > 8 ? ZV_BITMAP_RGBA16 : ZV_BITMAP_RGBA8;

@@ -1,29 +1,26 @@
 // zvclip info: what files are, for people or as JSON.
 #include "Commands.h"
-#include "Job.h"
 #include "OptionReader.h"
+#include "Sound.h"
 
 #include <cstdio>
 
 char const* const infoHelp =
     "Usage: zvclip info [--json] FILE...\n"
     "\n"
-    "Tells format, size, depth, frames, rate, pixel aspect, alpha and length of each file.\n"
+    "Tells format, codec, size, depth, frames, rate, fields, pixel aspect, alpha, sound and length of each\n"
+    "file.\n"
     "\n"
     "  --json   the same as one JSON array\n";
 
 namespace {
 
-struct Facts {
-    std::string file;
-    std::string format;
-    Size size;
-    std::string depth;
-    long frames;
-    double rate;
-    double aspect;
-    std::string alpha;
-    double length;
+/// One line of the text, or one member of the JSON object.
+struct Fact {
+    char const* label;
+    std::string text;
+    char const* key;
+    std::string json;
 };
 
 std::string Alpha_Text(ZVClip const* clip)
@@ -40,36 +37,6 @@ std::string Alpha_Text(ZVClip const* clip)
         text = matte;
     }
     return clip->AlphaInvert ? text + ", inverted" : text;
-}
-
-Facts Look_At(std::string const& path)
-{
-    ClipHandle const clip = Open_Source(path, {});
-    return {path,
-            clip->Format->Node.name,
-            {clip->Width, clip->Height},
-            clip->BitDepth == 32 ? "float" : std::to_string(clip->BitDepth),
-            clip->Frames,
-            clip->FrameRate,
-            clip->PixelAspect,
-            Alpha_Text(clip.get()),
-            Length_Of(clip.get())};
-}
-
-void Print_Text(Facts const& facts)
-{
-    std::printf("%s\n"
-                "  format  %s\n"
-                "  size    %ld x %ld\n"
-                "  depth   %s\n"
-                "  frames  %ld\n"
-                "  rate    %.6g\n"
-                "  aspect  %.6g\n"
-                "  alpha   %s\n"
-                "  length  %.3f s\n",
-                facts.file.c_str(), facts.format.c_str(), facts.size.width, facts.size.height,
-                facts.depth == "float" ? "float" : (facts.depth + " bits").c_str(), facts.frames, facts.rate,
-                facts.aspect, facts.alpha.c_str(), facts.length);
 }
 
 std::string Json_String(std::string const& text)
@@ -89,15 +56,85 @@ std::string Json_String(std::string const& text)
     return out + '"';
 }
 
-void Print_Json(Facts const& facts, bool isFirst)
+template <typename... Values> std::string Print(char const* format, Values... values)
 {
-    std::printf("%s\n  {\"file\": %s, \"format\": %s, \"width\": %ld, \"height\": %ld, \"depth\": %s, "
-                "\"frames\": %ld, "
-                "\"rate\": %.10g, \"aspect\": %.10g, \"alpha\": %s, \"length\": %.10g}",
-                isFirst ? "" : ",", Json_String(facts.file).c_str(), Json_String(facts.format).c_str(),
-                facts.size.width, facts.size.height,
-                facts.depth == "float" ? "\"float\"" : facts.depth.c_str(), facts.frames, facts.rate,
-                facts.aspect, Json_String(facts.alpha).c_str(), facts.length);
+    char text[128];
+    std::snprintf(text, sizeof text, format, values...);
+    return text;
+}
+
+/// The four characters of a movie codec; empty for other clips.
+std::string Codec_Of(ZVClip const* clip)
+{
+    ZVMovieOptions options;
+    if (!GetMovieOptionsZV(clip, &options)) return {};
+    std::string code;
+    for (int shift = 24; shift >= 0; shift -= 8)
+        code += static_cast<char>(options.Codec >> shift & 255);
+    return code;
+}
+
+char const* Fields_Of(ZVClip const* clip)
+{
+    return clip->FieldOrder == ZV_FIELDS_UPPER_FIRST   ? "upper first"
+           : clip->FieldOrder == ZV_FIELDS_LOWER_FIRST ? "lower first"
+                                                       : "none";
+}
+
+void Add_Picture_Facts(std::vector<Fact>& facts, ZVClip const* clip)
+{
+    if (std::string const codec = Codec_Of(clip); !codec.empty())
+        facts.push_back({"codec", codec, "codec", Json_String(codec)});
+    facts.push_back({"size", Print("%ld x %ld", clip->Width, clip->Height), "width",
+                     Print("%ld, \"height\": %ld", clip->Width, clip->Height)});
+    if (clip->BitDepth == 32)
+        facts.push_back({"depth", "float", "depth", "\"float\""});
+    else
+        facts.push_back({"depth", Print("%ld bits", clip->BitDepth), "depth", Print("%ld", clip->BitDepth)});
+    facts.push_back({"frames", Print("%ld", clip->Frames), "frames", Print("%ld", clip->Frames)});
+    facts.push_back({"rate", Print("%.6g", clip->FrameRate), "rate", Print("%.10g", clip->FrameRate)});
+    facts.push_back({"fields", Fields_Of(clip), "fields", Json_String(Fields_Of(clip))});
+    facts.push_back(
+        {"aspect", Print("%.6g", clip->PixelAspect), "aspect", Print("%.10g", clip->PixelAspect)});
+    facts.push_back({"alpha", Alpha_Text(clip), "alpha", Json_String(Alpha_Text(clip))});
+}
+
+void Add_Sound_Fact(std::vector<Fact>& facts, ZVClip const* clip)
+{
+    ZVAudioFormat const& sound = clip->AudioFormat;
+    facts.push_back({"sound",
+                     Print("%lu Hz, %s, %lu bits", sound.Rate, sound.Channels == 1 ? "mono" : "stereo",
+                           sound.SampleSize * 8),
+                     "sound",
+                     Print("{\"rate\": %lu, \"channels\": %lu, \"bits\": %lu}", sound.Rate, sound.Channels,
+                           sound.SampleSize * 8)});
+}
+
+std::vector<Fact> Look_At(std::string const& path)
+{
+    ClipHandle const clip = Open_Source(path);
+    std::string const format = clip->Format->Node.name;
+    std::vector<Fact> facts{{"format", format, "format", Json_String(format)}};
+    if (clip->Media & ZV_MEDIA_VIDEO) Add_Picture_Facts(facts, clip.get());
+    if (Has_Sound(clip.get())) Add_Sound_Fact(facts, clip.get());
+    double const length = Length_Of(clip.get());
+    facts.push_back({"length", Print("%.3f s", length), "length", Print("%.10g", length)});
+    return facts;
+}
+
+void Print_Text(std::string const& path, std::vector<Fact> const& facts)
+{
+    std::printf("%s\n", path.c_str());
+    for (Fact const& fact : facts)
+        std::printf("  %-7s %s\n", fact.label, fact.text.c_str());
+}
+
+void Print_Json(std::string const& path, std::vector<Fact> const& facts, bool isFirst)
+{
+    std::printf("%s\n  {\"file\": %s", isFirst ? "" : ",", Json_String(path).c_str());
+    for (Fact const& fact : facts)
+        std::printf(", \"%s\": %s", fact.key, fact.json.c_str());
+    std::fputc('}', stdout);
 }
 
 }  // namespace
@@ -115,8 +152,8 @@ int Run_Info(int argc, char** argv)
     if (asJson) std::fputc('[', stdout);
     for (std::string const& file : files) {
         try {
-            Facts const facts = Look_At(file);
-            asJson ? Print_Json(facts, isFirst) : Print_Text(facts);
+            std::vector<Fact> const facts = Look_At(file);
+            asJson ? Print_Json(file, facts, isFirst) : Print_Text(file, facts);
             isFirst = false;
         } catch (JobError const& error) {
             std::fprintf(stderr, "zvclip: %s\n", error.what());

@@ -1,6 +1,8 @@
 // What the commands share.
 #include "Job.h"
 
+#include "Series.h"
+
 #include <array>
 #include <climits>
 #include <csignal>
@@ -104,14 +106,36 @@ static void Choose_Alpha(ZVClip* clip, AlphaChoice const& alpha)
     clip->Flags |= ZV_CLIP_ALPHA_KNOWN;
 }
 
-ClipHandle Open_Source(std::string const& path, AlphaChoice const& alpha)
+static void Choose_Fields(ZVClip* clip, std::string const& path, SourceChoice const& choice)
 {
-    std::string const spec = Spec_Of(path);
+    if (choice.fieldOrder) SetClipOptionsZV(clip, ZV_CLIP_FIELD_ORDER, *choice.fieldOrder, 0);
+    if (choice.pullDown == PullDown::Keep) return;
+    FieldOrder const before{clip->FieldOrder};
+    if (GuessPullDownZV(clip)) return;
+    if (choice.pullDown == PullDown::Remove) throw JobError(path, "no film frames were found in its fields");
+    SetClipOptionsZV(clip, ZV_CLIP_PULLDOWN, 0, ZV_CLIP_FIELD_ORDER, before, 0);
+}
+
+/// The file that stands for a source: of a series the first one.
+static std::string File_Of(std::string const& path)
+{
+    if (!Is_Series(path)) return path;
+    std::vector<std::filesystem::path> const files = Series_Files(path);
+    if (files.empty()) throw JobError(path, "there is no file of this series");
+    return files.front().string();
+}
+
+ClipHandle Open_Source(std::string const& path, SourceChoice const& choice)
+{
+    std::string const spec = Spec_Of(File_Of(path));
     if (!GetFormatModuleZV(spec.c_str())) Add_Movies();
-    ClipHandle clip(OpenClipZV(spec.c_str(), ZV_OPEN_NO_SEQUENCE_DIALOG, 1, 0));
+    unsigned long const rateTag = choice.rate ? ZV_OPEN_FRAME_RATE : ZV_TAG_IGNORE;
+    ClipHandle clip(OpenClipZV(spec.c_str(), ZV_OPEN_NO_SEQUENCE_DIALOG, 1, rateTag,
+                               choice.rate ? &*choice.rate : nullptr, 0));
     if (!clip) throw JobError(path, Reason());
-    Choose_Alpha(clip.get(), alpha);
+    Choose_Alpha(clip.get(), choice.alpha);
     if (!BeginClipIOZV(clip.get(), 0)) throw JobError(path, Reason());
+    Choose_Fields(clip.get(), path, choice);
     return clip;
 }
 

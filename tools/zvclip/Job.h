@@ -7,6 +7,7 @@
 #include <ZVLib.h>
 
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -57,8 +58,23 @@ struct AlphaChoice {
     ZVLONGCOLOR matte = 0xFF000000;
 };
 
-/// Opens a source and begins reading it. Throws a JobError.
-ClipHandle Open_Source(std::string const& path, AlphaChoice const& alpha);
+/// What is done about film frames that were spread over the fields of video.
+enum class PullDown {
+    Keep,
+    Remove,  ///< give the film frames back; an error where there are none
+    Guess    ///< the same, where there are some
+};
+
+/// How a source is to be read, in place of what it says itself.
+struct SourceChoice {
+    AlphaChoice alpha{};
+    std::optional<double> rate{};
+    std::optional<FieldOrder> fieldOrder{};
+    PullDown pullDown = PullDown::Keep;
+};
+
+/// Opens a source, a file or a series, and begins reading it. Throws a JobError.
+ClipHandle Open_Source(std::string const& path, SourceChoice const& choice = {});
 
 /// A bitmap of the given type. Throws a JobError that names `path`.
 BitmapHandle New_Bitmap(std::string const& path, Size size, ZVBitmapType type);

@@ -1,6 +1,6 @@
-// zvclip: reads, converts and composites clips from the command line.
+// zvclip: reads, converts, composites and checks clips from the command line.
 #include "Commands.h"
-#include "Job.h"
+#include "Output.h"
 
 #include <ZVLib.h>
 
@@ -17,6 +17,10 @@ char const* const generalHelp =
     "  zvclip convert IN OUT                       one clip to another format\n"
     "  zvclip composite FOREGROUND BACKGROUND OUT  a clip over a clip or a colour\n"
     "  zvclip frame IN --time T OUT.png            one frame as a picture\n"
+    "  zvclip sound IN OUT.wav                     the sound as a WAVE file\n"
+    "  zvclip check FILE...                        whether every frame can be read\n"
+    "\n"
+    "A file is a movie, a picture, or a series of pictures: shot[####].vpb stands for shot0000.vpb and on.\n"
     "\n"
     "'zvclip COMMAND --help' tells the options of a command. The exit status is 0, 1 for a\n"
     "failed job, 2 for wrong usage.\n";
@@ -25,13 +29,16 @@ struct Command {
     char const* name;
     int (*run)(int, char**);
     char const* const& help;
+    bool writesClips;
 };
 
 Command const commands[] = {
-    {"info", Run_Info, infoHelp},
-    {"convert", Run_Convert, convertHelp},
-    {"composite", Run_Composite, compositeHelp},
-    {"frame", Run_Frame, frameHelp},
+    {"info", Run_Info, infoHelp, false},
+    {"convert", Run_Convert, convertHelp, true},
+    {"composite", Run_Composite, compositeHelp, true},
+    {"frame", Run_Frame, frameHelp, false},
+    {"sound", Run_Sound, soundHelp, false},
+    {"check", Run_Check, checkHelp, false},
 };
 
 /// The library, up for as long as a command runs.
@@ -58,6 +65,7 @@ int Run_Command(Command const& command, int argc, char** argv)
 {
     if (Wants_Help(argc, argv)) {
         std::fputs(command.help, stdout);
+        if (command.writesClips) std::printf("\nThe file OUT:\n%s", outputHelp);
         return 0;
     }
     try {
