@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The main job on real media: film strips made by ffmpeg are composited, converted and looked at. Everything is
-# installed and built on the way.
+# The main job on real media: film strips and movies made by ffmpeg are composited, converted and looked at.
+# Everything is installed and built on the way.
 source "$(dirname "$0")/common.sh"
 install_packages
 build_preset release zvclip
@@ -34,6 +34,20 @@ echo "== Stills"
 "$zvclip" frame over-clip.flm --time 30f over-clip.png
 "$zvclip" frame over-clip.ei --time 30f over-clip-from-eidi.png
 "$zvclip" frame small.ei --time 0.5 small.png
+
+echo "== A movie with alpha over film in video, whose film frames are taken out of their fields; with sound"
+ffmpeg -v error -y -f filmstrip -i foreground.flm -c:v qtrle -r 25 title.mov
+ffmpeg -v error -y -f lavfi -i mandelbrot=s=640x360:r=24000/1001 -f lavfi -i "sine=330:r=48000,tremolo=3" -t 3 \
+    -vf scroll=horizontal=0.005,telecine=first_field=top:pattern=23 -c:v mjpeg -q:v 3 -pix_fmt yuvj422p -c:a pcm_s16le telecined.mov
+"$zvclip" convert telecined.mov film.mov --field-order upper --pulldown remove --codec png
+"$zvclip" composite title.mov film.mov titled.mov --codec prores422 --quality 80
+"$zvclip" convert titled.mov streamed.mov --streaming --codec h264 --quality 70 --audio-codec aac
+"$zvclip" convert titled.mov 'series[####].vpb' --frames 5
+"$zvclip" sound streamed.mov streamed.wav
+"$zvclip" info title.mov telecined.mov film.mov titled.mov streamed.mov 'series[####].vpb'
+"$zvclip" check titled.mov streamed.mov
+ffprobe -v error -show_entries stream=codec_tag_string,time_base,nb_frames -of compact streamed.mov
+ffmpeg -v error -y -i titled.mov -vf fps=5,scale=213:-1,tile=3x3 -frames:v 1 contact-sheet.png
 rm -rf home
 
 echo "Look at the results in $out:"
