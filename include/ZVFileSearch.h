@@ -1,6 +1,6 @@
-// Walks through directories: all files below some directories, and the files that meet some criteria. Names come
-// in alphabetical order without regard to case. A link counts as what it leads to and keeps its own name; a
-// directory that a walk has seen is not entered a second time through a link. Main thread only.
+// Walks through directories: all files below some directories, and the files that meet some criteria. Names
+// come in alphabetical order without regard to case. A link counts as what it leads to and keeps its own
+// name; a directory that a walk has seen is not entered a second time through a link. Main thread only.
 #pragma once
 
 #include "ZVBase.h"
@@ -12,8 +12,8 @@
 /// @return  not used
 using ZVEnumFilesFunc = long (*)(char const* spec, unsigned long type, long data, long* stop);
 
-/// Calls back for the files of directories. Names that begin with a dot or with byte 0xC2 are passed over, and so
-/// is what lies 20 levels deep and deeper.
+/// Calls back for the files of directories. Names that begin with a dot or with byte 0xC2 are passed over,
+/// and so is what lies 20 levels deep and deeper.
 /// @param directories      null-terminated array of specs; one that cannot be found is passed over
 /// @param types            null-terminated array of texts of four characters, or null for files of all types
 /// @param recurse          non-zero: the directories below as well
@@ -47,7 +47,8 @@ struct ZVFileFind;  ///< The state of a search. It keeps no file open.
 /// @return  null for null, without memory and when the directory cannot be read
 ZV_API ZVFileFind* InitFileFindZV(ZVSearchCriteria const* criteria);
 
-/// The next file that fits. Links to directories are not followed; a tree of more than 50 levels ends the search.
+/// The next file that fits. Links to directories are not followed; a tree of more than 50 levels ends the
+/// search.
 /// @param time  receives seconds since 1 January 1970, may be null
 /// @param size  receives bytes, may be null
 /// @return  a new spec, to be freed with FreeFileSpecZV; null at the end

@@ -1,7 +1,7 @@
 // Code modules: shared objects that are loaded while somebody uses them. A file is one by its codes: creator
-// `Qrnd` and type `OZV `, `IFX `, `IFM ` or `8BIF`, which the extensions .ifm and .8bi stand for where a file has
-// none of its own. A bundle is one too; its code lies in Contents/Linux under the bundle's own name. The counts
-// have no lock: one thread at a time.
+// `Qrnd` and type `OZV `, `IFX `, `IFM ` or `8BIF`, which the extensions .ifm and .8bi stand for where a file
+// has none of its own. A bundle is one too; its code lies in Contents/Linux under the bundle's own name. The
+// counts have no lock: one thread at a time.
 #pragma once
 
 #include "ZVBase.h"
@@ -10,16 +10,16 @@ class ZVResourceFile;
 
 /// Bits of ZVPlugin::Flags. The lowest byte decides a module's place in the list of formats.
 enum ZVPluginFlag : unsigned long {
-    ZV_PLUGIN_CODE = 0x1,    ///< has code
-    ZV_PLUGIN_IFM = 0x8,     ///< a module of the library's own kind
-    ZV_PLUGIN_MODULE = 0x40, ///< comes with the loaded modules, before other plug-ins
-    ZV_PLUGIN_HOST = 0x80    ///< a plug-in made for hosts of this library, with the same place
+    ZV_PLUGIN_CODE = 0x1,     ///< has code
+    ZV_PLUGIN_IFM = 0x8,      ///< a module of the library's own kind
+    ZV_PLUGIN_MODULE = 0x40,  ///< comes with the loaded modules, before other plug-ins
+    ZV_PLUGIN_HOST = 0x80     ///< a plug-in made for hosts of this library, with the same place
 };
 
 using ZVPluginProc = void (*)();  ///< An entry, to be cast to the type that its kind of module gives it.
 
-/// A code module. Allocated zeroed with AllocMemZV by who registers it. With its code goes whatever was had from
-/// it: functions, and pointers to its data.
+/// A code module. Allocated zeroed with AllocMemZV by who registers it. With its code goes whatever was had
+/// from it: functions, and pointers to its data.
 struct ZVPlugin {
     long Reserved1;
     long Reserved2;

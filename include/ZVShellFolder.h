@@ -1,5 +1,6 @@
-// The file system as a tree of objects, for file browsers: volumes, directories, files, and links to them. What
-// is hidden does not show: names that begin with a dot, and files that are marked invisible. Main thread only.
+// The file system as a tree of objects, for file browsers: volumes, directories, files, and links to them.
+// What is hidden does not show: names that begin with a dot, and files that are marked invisible. Main thread
+// only.
 #pragma once
 
 #include "ZVFileSpec.h"

@@ -1,4 +1,5 @@
-// Times, memory use, and other questions to the system; and help. Everything but help may be asked on any thread.
+// Times, memory use, and other questions to the system; and help. Everything but help may be asked on any
+// thread.
 #pragma once
 
 #include "ZVTags.h"
@@ -15,8 +16,8 @@ ZV_API long GetSystemInfoZV();        ///< Always 0.
 ZV_API long IsEditInstalledZV();      ///< Always 0.
 ZV_API long IsSkiffbayInstalledZV();  ///< Always 0.
 
-/// Opens a page of the folder Help in the home directory, with the desktop's browser. A page that is not there,
-/// and a browser that cannot be started, are shown as messages 127 and 129. Main thread only.
+/// Opens a page of the folder Help in the home directory, with the desktop's browser. A page that is not
+/// there, and a browser that cannot be started, are shown as messages 127 and 129. Main thread only.
 /// @param tags  not read
 /// @return  1 or 0
 ZV_API long HelpZV(char const* name, TagItem* tags);
