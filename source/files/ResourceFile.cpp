@@ -14,7 +14,10 @@
 
 ZVResourceFile::ZVResourceFile(FilePtr file) : file_(std::move(file)) {}
 
-ZVResourceFile::~ZVResourceFile() = default;
+ZVResourceFile::~ZVResourceFile()
+{
+    if (isChanged_) Forget_Changes();
+}
 
 /// Looks for the resources of a companion. False when it is none, and when it holds no resources.
 bool ZVResourceFile::Find_Fork()

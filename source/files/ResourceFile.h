@@ -34,7 +34,7 @@ public:
     static std::unique_ptr<ZVResourceFile> Create(char const* spec, ResourcePlace place, uint32_t type,
                                                   uint32_t creator);
 
-    ~ZVResourceFile();
+    ~ZVResourceFile();  ///< Forgets what was not saved.
     ZVResourceFile(ZVResourceFile const&) = delete;
     ZVResourceFile& operator=(ZVResourceFile const&) = delete;
 
@@ -85,12 +85,14 @@ private:
     bool Pack();
     bool Write_Packed(int64_t position);
     bool Cut_Off(int64_t length);
+    void Forget_Changes();
     bool Store_Place();
 
     FilePtr file_;
     int64_t entryOffset_ = 0;  ///< of the fork's entry in a companion; 0 in a file that is all resources
     int64_t base_ = 0;         ///< of the fork, where its header lies
     int64_t length_ = 0;       ///< of the fork
+    int64_t savedLength_ = 0;  ///< the same without changes that are not saved
     ResourceHeader header_ = {};
     std::vector<ResourceEntry> entries_;
     bool isChanged_ = false;

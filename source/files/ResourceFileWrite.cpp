@@ -185,6 +185,7 @@ bool ZVResourceFile::Begin_Change()
     if (!Move_To_End()) return false;
     // From now on the data reach to the end: what is added lies behind the present map.
     header_.dataLength = static_cast<uint32_t>(length_ - header_.dataOffset);
+    savedLength_ = length_;
     isChanged_ = true;
     return true;
 }
@@ -307,6 +308,15 @@ bool ZVResourceFile::Cut_Off(int64_t length)
     return Store_Place() && File_Truncate(file_.get(), base_ + length);
 }
 
+/// Takes back what was written behind the last saved map. The error number stays that of the failure that led
+/// here.
+void ZVResourceFile::Forget_Changes()
+{
+    unsigned long const error = GetErrorZV();
+    Cut_Off(savedLength_);
+    SetError(error);
+}
+
 /// Takes out what nothing names: everything moves behind the end, then, where the front has room, to the
 /// front. At each moment the header leads to one whole copy, so that the second move may fail.
 bool ZVResourceFile::Pack()
@@ -316,6 +326,7 @@ bool ZVResourceFile::Pack()
     int64_t const size = length_ - behind;
     if (ResourceDataStart + size <= behind && Write_Packed(ResourceDataStart))
         Cut_Off(ResourceDataStart + size);
+    savedLength_ = length_;
     return true;
 }
 
