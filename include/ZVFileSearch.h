@@ -28,17 +28,17 @@ enum ZVSizeUnit : uint8_t { ZV_SIZE_BYTES = 1, ZV_SIZE_KILOBYTES = 2, ZV_SIZE_GI
 
 /// What a search looks for. A month has 2628000 seconds, a year 31536000, a kilobyte 1024 bytes.
 struct ZVSearchCriteria {
-    char Directory[256];  ///< spec of the directory to start in
-    char Pattern[256];    ///< must occur in the name, without regard to case; empty fits all
-    uint8_t Recursive;    ///< non-zero: the directories below as well
-    uint8_t UseDate;
-    uint8_t Before;  ///< non-zero: changed at least that long ago; zero: at most
-    long DateAmount;
-    uint8_t DateUnit;
-    uint8_t UseSize;
-    uint8_t AtMost;  ///< non-zero: no larger than the size; zero: no smaller
-    long SizeAmount;
-    uint8_t SizeUnit;
+    char Directory[256] = "";  ///< spec of the directory to start in
+    char Pattern[256] = "";    ///< must occur in the name, without regard to case; empty fits all
+    uint8_t Recursive = 0;     ///< non-zero: the directories below as well
+    uint8_t UseDate = 0;
+    uint8_t Before = 0;  ///< non-zero: changed at least that long ago; zero: at most
+    long DateAmount = 0;
+    uint8_t DateUnit = 0;
+    uint8_t UseSize = 0;
+    uint8_t AtMost = 0;  ///< non-zero: no larger than the size; zero: no smaller
+    long SizeAmount = 0;
+    uint8_t SizeUnit = 0;
 };
 
 struct ZVFileFind;  ///< The state of a search. It keeps no file open.

@@ -114,8 +114,7 @@ long Graymap_AddFrame(ZVClip* clip, ZVBitmap* bitmap, long, ZVRectT<long>* regio
     if (!picture || !file) return 0;
     InterpretAlphaZV(clip, bitmap, picture.get(), region);
     char header[LargestHeader];
-    int const size =
-        std::snprintf(header, sizeof header, "P5\n%ld %ld\n255\n", bitmap->Width, bitmap->Height);
+    int const size = std::snprintf(header, sizeof header, "P5\n%d %d\n255\n", bitmap->Width, bitmap->Height);
     if (!WriteFileZV(file.get(), header, static_cast<unsigned long>(size))) return 0;
     std::vector<unsigned char> row(static_cast<std::size_t>(bitmap->Width));
     for (long y = 0; y < bitmap->Height; ++y) {

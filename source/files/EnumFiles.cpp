@@ -1,4 +1,6 @@
 // All files of some directories, and of the trees below them.
+#include "EnumFiles.h"
+
 #include "FileSpecText.h"
 #include "SpecText.h"
 
@@ -16,6 +18,7 @@ constexpr long DepthLimit = 20;
 using Identity = std::pair<uint64_t, uint64_t>;
 
 struct Enumeration {
+    bool wantsTypes;
     char const* const* types;
     ZVEnumFilesFunc callback;
     long data;
@@ -86,7 +89,7 @@ void Walk(Enumeration& walk, bool isLink)
     bool const isNew = walk.walked.insert({status.device, status.file}).second;
     if (isLink && !isNew) return;
     ++walk.depth;
-    OS_List_Directory(walk.directory.Text(), true, Visit_Entry, &walk);
+    OS_List_Directory(walk.directory.Text(), walk.wantsTypes, Visit_Entry, &walk);
     --walk.depth;
 }
 
@@ -102,14 +105,10 @@ SpecText Named_Directory(char const* spec)
     return directory;
 }
 
-}  // namespace
-
-long EnumFilesZV(char const* const* directories, char const* const* types, ZVEnumFilesFunc callback,
-                 long data, long recurse, long maxDirectories)
+void Run(Enumeration& walk, char const* const* directories)
 {
-    if (!directories || !callback) return 1;
+    if (!directories || !walk.callback) return;
     try {
-        Enumeration walk{types, callback, data, recurse, maxDirectories};
         for (; *directories && !walk.stop; ++directories) {
             walk.directory = Named_Directory(*directories);
             if (walk.directory.Length() > 0) Walk(walk, false);
@@ -117,5 +116,21 @@ long EnumFilesZV(char const* const* directories, char const* const* types, ZVEnu
     } catch (std::bad_alloc const&) {
         SetError(ZV_ERR_MEMORY);
     }
+}
+
+}  // namespace
+
+void Enum_Files_Of_Any_Type(char const* const* directories, ZVEnumFilesFunc callback, long data, long recurse,
+                            long maxDirectories)
+{
+    Enumeration walk{false, nullptr, callback, data, recurse, maxDirectories};
+    Run(walk, directories);
+}
+
+long EnumFilesZV(char const* const* directories, char const* const* types, ZVEnumFilesFunc callback,
+                 long data, long recurse, long maxDirectories)
+{
+    Enumeration walk{true, types, callback, data, recurse, maxDirectories};
+    Run(walk, directories);
     return 1;
 }

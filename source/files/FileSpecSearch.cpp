@@ -3,6 +3,7 @@
 
 #include "FileSpecSearch.h"
 
+#include "EnumFiles.h"
 #include "FileSpecText.h"
 #include "SpecText.h"
 
@@ -96,7 +97,8 @@ long Test_File(char const* spec, unsigned long, long data, long* stop)
 char* Search_Trees(SpecSearch const& search)
 {
     TreeSearch tree{search, Wanted_Name(search)};
-    EnumFilesZV(search.searchPaths, nullptr, Test_File, reinterpret_cast<long>(&tree), 1, TreeDirectoryLimit);
+    Enum_Files_Of_Any_Type(search.searchPaths, Test_File, reinterpret_cast<long>(&tree), 1,
+                           TreeDirectoryLimit);
     return tree.found;
 }
 

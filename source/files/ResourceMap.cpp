@@ -110,7 +110,7 @@ bool Parse_Resource_Map(std::span<uint8_t const> map, std::vector<ResourceEntry>
 
     // Each resource has twelve bytes of its own. Lists that overlap could name far more of them than there
     // are.
-    std::size_t free = map.size() - MapHeaderSize;
+    std::size_t free = map.size() - std::min(map.size(), MapHeaderSize + 2 + list.size());
     for (std::size_t i = 0; i < typeCount; ++i) {
         uint8_t const* const type = &list[i * TypeSize];
         std::size_t const size = Load_Count(type + 4) * EntrySize;

@@ -170,7 +170,8 @@ TEST_F(ResourceFiles, DamageIsRefusedOrPassedOver)
         Bytes fork = Fork();
         std::copy(patch.bytes.begin(), patch.bytes.end(), fork.begin() + static_cast<long>(row.at));
         EXPECT_EQ(All(Write("damaged", fork)), row.left) << row.why;
-        if (row.left == std::string("none")) EXPECT_EQ(GetErrorZV(), ZV_ERR_IO) << row.why;
+        bool const isRefused = row.left == std::string("none");
+        EXPECT_TRUE(!isRefused || GetErrorZV() == ZV_ERR_IO) << row.why;
     }
     for (Bytes const& whole : {Fork(), Companion()})
         for (std::size_t size = 0; size < whole.size(); ++size) {
