@@ -72,7 +72,7 @@ TEST_F(Modules, AreFoundByExtensionInPluginsAndBelow)
 
 TEST_F(Modules, StandBeforePlainPlugIns)
 {
-    auto const add = [](unsigned long flags) {
+    auto const add = [](uint32_t flags) {
         ZVFormatDesc* const desc = Make_Format_Desc({"Other", flags & 0xFF, 0, nullptr, 0, nullptr, 0});
         desc->Plugin = static_cast<ZVPlugin*>(AllocMemZV(sizeof(ZVPlugin), ZV_MEM_CLEAR));
         desc->Plugin->Flags = flags;

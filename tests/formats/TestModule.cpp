@@ -73,7 +73,7 @@ long Test_CanLoad(ZVFormatDesc*, char const*, unsigned long, unsigned long, unsi
 
 long Test_GetImportProperties(ZVFormatDesc* desc)
 {
-    return desc->ReadExtensionCount == 1 ? ZV_FORMAT_READ : 0;
+    return desc->ReadExtensionCount == 1 ? ZV_FORMAT_READ : 0L;
 }
 
 long Test_GetExportProperties(ZVFormatDesc* desc, ZVClip* clip)
