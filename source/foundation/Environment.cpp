@@ -181,6 +181,7 @@ void CleanUpZV()
 {
     ZVEnv = ZVEnvOS = GetEnvironmentZV();
     if (!ZVEnv) return;
+    StopAudioPlaybackZV();
     if (ZVEnv->hasMovies) OS_Exit_Movies();
     FreeCriticalRegionZV(ZVEnv->region);
     Cleanup_OS();
