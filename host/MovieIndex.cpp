@@ -195,8 +195,8 @@ std::int32_t MovieIndex::Key_Before(std::int32_t sample, int back) const
 std::int32_t MovieIndex::Find(AVPacket const& packet) const
 {
     if (!isSorted_ || packet.dts == AV_NOPTS_VALUE) return -1;
-    auto const [begin, end] = std::ranges::equal_range(samples_, packet.dts, {}, &MovieSample::dts);
-    for (auto sample = begin; sample != end; ++sample)
+    auto sample = std::ranges::lower_bound(samples_, packet.dts, {}, &MovieSample::dts);
+    for (; sample != samples_.end() && sample->dts == packet.dts; ++sample)
         if (sample->pts == packet.pts && sample->size == packet.size)
             return static_cast<std::int32_t>(sample - samples_.begin());
     return -1;
