@@ -1,0 +1,287 @@
+// Semaphores, tasks, the pool and its fork.
+#include "FailingHeap.h"
+#include "TestEnvironment.h"
+
+#include <chrono>
+#include <climits>
+#include <mutex>
+#include <set>
+#include <thread>
+#include <vector>
+
+namespace {
+
+class TasksTest : public EnvironmentTest {
+protected:
+    /// As if the library had started on a machine with so many processors.
+    static void Start_Pool(int32_t processors)
+    {
+        Cleanup_Threads();
+        ZVEnv->processors = processors;
+        Init_Threads();
+    }
+};
+
+/// What the parts of a fork were called with.
+struct Calls {
+    std::mutex mutex;
+    std::multiset<std::pair<long, long>> indexAndCount;
+    bool hasUsedCaller = false;
+    std::thread::id const caller = std::this_thread::get_id();
+    long failing = 0;  ///< index of the part that returns 0
+
+    static long Note(long index, long count, void* data)
+    {
+        auto& calls = *static_cast<Calls*>(data);
+        std::lock_guard const lock(calls.mutex);
+        calls.indexAndCount.emplace(index, count);
+        calls.hasUsedCaller |= std::this_thread::get_id() == calls.caller;
+        return index == calls.failing ? 0 : index + 1;
+    }
+};
+
+std::multiset<std::pair<long, long>> Parts(long count)
+{
+    std::multiset<std::pair<long, long>> parts;
+    for (long index = 1; index <= count; ++index)
+        parts.emplace(index, count);
+    return parts;
+}
+
+/// Tasks that are only over when all of them and the test have met.
+struct Meeting {
+    ZVSemaphore* arrived = CreateSemaphoreZV(0, 100);
+    ZVSemaphore* leave = CreateSemaphoreZV(0, 100);
+
+    ~Meeting()
+    {
+        FreeSemaphoreZV(arrived);
+        FreeSemaphoreZV(leave);
+    }
+    static long Attend(void* meeting)
+    {
+        SignalSemaphoreZV(static_cast<Meeting*>(meeting)->arrived);
+        WaitSemaphoreZV(static_cast<Meeting*>(meeting)->leave);
+        return 0;
+    }
+    std::vector<TaskInfoZV*> Open(int tasks)
+    {
+        std::vector<TaskInfoZV*> infos;
+        for (int i = 0; i < tasks; ++i)
+            CreateTaskZV(Attend, this, &infos.emplace_back());
+        for (int i = 0; i < tasks; ++i)
+            WaitSemaphoreZV(arrived);
+        return infos;
+    }
+    void Close(std::vector<TaskInfoZV*> const& infos) const
+    {
+        for ([[maybe_unused]] TaskInfoZV* info : infos)
+            SignalSemaphoreZV(leave);
+        for (TaskInfoZV* info : infos)
+            TaskWaitZV(info);
+    }
+};
+
+long Pass_Baton(void* data)
+{
+    auto const& [mine, next, counter] = *static_cast<std::tuple<ZVSemaphore*, ZVSemaphore*, long*>*>(data);
+    for (int i = 0; i < 2000; ++i) {
+        WaitSemaphoreZV(mine);
+        ++*counter;
+        SignalSemaphoreZV(next);
+    }
+    return 0;
+}
+
+}  // namespace
+
+TEST_F(TasksTest, ASemaphoreHandsWhatWasWrittenFromThreadToThread)
+{
+    ZVSemaphore* first = CreateSemaphoreZV(1, 1);
+    ZVSemaphore* second = CreateSemaphoreZV(0, 1);
+    long counter = 0;
+    std::tuple there(first, second, &counter), back(second, first, &counter);
+    std::thread other([&] { Pass_Baton(&there); });
+    Pass_Baton(&back);
+    other.join();
+    EXPECT_EQ(counter, 4000);
+    FreeSemaphoreZV(first);
+    FreeSemaphoreZV(second);
+}
+
+TEST_F(TasksTest, ASemaphoreCountsUpToItsMaximumAndLosesTheRest)
+{
+    for (auto const& [initial, maximum] : {std::pair(-1L, 1L), {0, 0}, {2, 1}, {0, LONG_MAX}, {0, -1}})
+        EXPECT_EQ(CreateSemaphoreZV(initial, maximum), nullptr) << initial << " of " << maximum;
+
+    ZVSemaphore* semaphore = CreateSemaphoreZV(1, 2);
+    for (int i = 0; i < 3; ++i)
+        SignalSemaphoreZV(semaphore);
+    std::atomic<bool> isSignalled = false;
+    std::thread waiter([&] {
+        for (int i = 0; i < 3; ++i)
+            WaitSemaphoreZV(semaphore);
+        EXPECT_TRUE(isSignalled);
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    isSignalled = true;
+    SignalSemaphoreZV(semaphore);
+    waiter.join();
+    FreeSemaphoreZV(semaphore);
+    SignalSemaphoreZV(nullptr);
+    WaitSemaphoreZV(nullptr);
+    FreeSemaphoreZV(nullptr);
+}
+
+TEST_F(TasksTest, AForkTakesAsManyPartsAsThereAreProcessors)
+{
+    struct {
+        int32_t processors;
+        long parts, count;
+        bool isOnCaller;
+    } const rows[] = {
+        {1, 8, 1, true},  {4, 1, 1, true},  {4, 0, 1, true},  {4, -3, 1, true},
+        {2, 2, 2, false}, {2, 8, 2, false}, {4, 3, 3, false}, {4, LONG_MAX, 4, false},
+    };
+    for (auto const& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.parts << " parts on " << row.processors);
+        Start_Pool(row.processors);
+        EXPECT_EQ(GetProcessorsZV(), row.processors);
+        EXPECT_EQ(List_Entries(&ZVEnv->threads), row.processors < 2 ? 0 : row.processors);
+        for (int turn = 0; turn < 2; ++turn) {
+            Calls calls;
+            EXPECT_EQ(MPForkZV(Calls::Note, &calls, row.parts), row.isOnCaller ? 2 : 1);
+            EXPECT_EQ(calls.indexAndCount, Parts(row.count));
+            EXPECT_EQ(calls.hasUsedCaller, row.isOnCaller);
+        }
+        Calls calls;
+        calls.failing = row.count;
+        EXPECT_EQ(MPForkZV(Calls::Note, &calls, row.parts), 0);
+        EXPECT_EQ(calls.indexAndCount, Parts(row.count)) << "the other parts still run";
+    }
+}
+
+TEST_F(TasksTest, WorkThatFindsAllWorkersBusyRunsAllTheSame)
+{
+    Start_Pool(2);
+    Meeting meeting;
+    std::vector<TaskInfoZV*> const tasks = meeting.Open(5);
+    EXPECT_EQ(std::set(tasks.begin(), tasks.end()).size(), 5U);
+    Calls calls;
+    EXPECT_EQ(MPForkZV(Calls::Note, &calls, 2), 1);
+    EXPECT_EQ(calls.indexAndCount, Parts(2));
+    meeting.Close(tasks);
+
+    std::vector<TaskInfoZV*> const again = meeting.Open(2);
+    EXPECT_EQ(again, std::vector(tasks.begin(), tasks.begin() + 2))
+        << "the workers, now that they were waited for";
+    meeting.Close(again);
+    TaskWaitZV(again.front());
+    TaskWaitZV(nullptr);
+}
+
+TEST_F(TasksTest, AWorkerStaysBusyUntilSomebodyWaits)
+{
+    Start_Pool(2);
+    TaskInfoZV* done[2];
+    for (TaskInfoZV*& info : done)
+        CreateTaskZV([](void*) { return 0L; }, nullptr, &info);
+    Meeting meeting;
+    TaskInfoZV* const other = meeting.Open(1).front();
+    EXPECT_NE(other, done[0]);
+    EXPECT_NE(other, done[1]);
+    TaskWaitZV(done[1]);
+    TaskInfoZV* const next = meeting.Open(1).front();
+    EXPECT_EQ(next, done[1]);
+    meeting.Close({other, next});
+    TaskWaitZV(done[0]);
+}
+
+TEST_F(TasksTest, ATaskFindsTheNotificationsThatWereMeantForIt)
+{
+    struct Mailbox {
+        TaskInfoZV* task = nullptr;
+        long found = 0;
+
+        static long Empty(void* data)
+        {
+            auto& self = *static_cast<Mailbox*>(data);
+            while (CheckForEventZV(self.task))
+                ++self.found;
+            return 0;
+        }
+        static long Wait_For_One(void* data)
+        {
+            auto& self = *static_cast<Mailbox*>(data);
+            while (!CheckForEventZV(self.task))
+                std::this_thread::yield();
+            ++self.found;
+            return 0;
+        }
+    };
+    for (int32_t processors : {1, 2}) {
+        Start_Pool(processors);
+        Mailbox first;
+        CreateTaskZV(Mailbox::Wait_For_One, &first, &first.task);
+        for (int i = 0; i < 4; ++i)
+            SetEventZV(first.task);
+        TaskWaitZV(first.task);
+        EXPECT_EQ(first.found, 1);
+
+        Mailbox second;
+        CreateTaskZV(Mailbox::Empty, &second, &second.task);
+        TaskWaitZV(second.task);
+        EXPECT_EQ(second.found, 0) << "what the work before did not read";
+    }
+    SetEventZV(nullptr);
+    EXPECT_EQ(CheckForEventZV(nullptr), 0);
+}
+
+TEST_F(TasksTest, TheEndOfTheLibraryWaitsForItsWorkersAndTasksGoOnWithoutIt)
+{
+    Start_Pool(2);
+    std::atomic<bool> isDone = false;
+    TaskInfoZV* task = nullptr;
+    auto const finish = [](void* data) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        *static_cast<std::atomic<bool>*>(data) = true;
+        return 0L;
+    };
+    CreateTaskZV(finish, &isDone, &task);
+    CleanUpZV();
+    EXPECT_TRUE(isDone);
+
+    isDone = false;
+    CreateTaskZV(finish, &isDone, &task);
+    TaskWaitZV(task);
+    EXPECT_TRUE(isDone);
+    Calls calls;
+    EXPECT_EQ(MPForkZV(Calls::Note, &calls, 8), 2);
+    EXPECT_TRUE(calls.hasUsedCaller);
+}
+
+TEST_F(TasksTest, WithoutMemoryTheWorkDoesNotStart)
+{
+    if (!FailingHeap::Is_Available()) GTEST_SKIP() << "the sanitizer has a heap of its own";
+    long failures = 0;
+    for (TaskInfoZV* task = nullptr; !task; ++failures) {
+        Cleanup_Threads();
+        ZVEnv->processors = 4;
+        FailingHeap const heap(failures);
+        Init_Threads();
+        EXPECT_LE(List_Entries(&ZVEnv->threads), 4);
+        CreateTaskZV([](void*) { return 0L; }, nullptr, &task);
+        FailingHeap::Recover();
+        TaskWaitZV(task);
+    }
+    EXPECT_GT(failures, 4);
+    Start_Pool(4);
+    for (long after = 0; after < 4; ++after) {
+        Calls calls;
+        FailingHeap const heap(after);
+        long const result = MPForkZV(Calls::Note, &calls, 4);
+        FailingHeap::Recover();
+        EXPECT_EQ(result, 0);
+        EXPECT_EQ(static_cast<long>(calls.indexAndCount.size()), after);
+    }
+}
