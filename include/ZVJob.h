@@ -25,8 +25,8 @@ enum ZVJobMessage : unsigned long {
 
 using ZVJobRoutine = long (*)(ZVJob* job, unsigned long message);
 
-/// A job. It lives on ZVEnvironment::jobs from AddJobZV to RemoveJobZV, which the one who added it calls,
-/// also when the environment has gone in the meantime. Fields without "set by the application" are read only.
+/// A job. It lives on ZVEnvironment::jobs from AddJobZV to RemoveJobZV, which is for the one who added it to
+/// call, even when the environment has gone meanwhile. Only what is "set by the application" may be written.
 struct ZVJob {
     Node node;            ///< link; the id belongs to the pass, the name stays null
     unsigned long Flags;  ///< ZVJobFlag bits
@@ -34,7 +34,7 @@ struct ZVJob {
     long Delay;      ///< the value given to StartJobZV
     long Calls;      ///< passes since the job started
     ZVJobRoutine Routine;
-    void* UserData;  ///< set by the application; ZVCJob keeps itself here
+    void* UserData;  ///< set by the application; a ZVCJob keeps itself here
 };
 
 /// Adds a job that is not running at the end of the list.
@@ -43,9 +43,8 @@ ZV_API ZVJob* AddJobZV(ZVJobRoutine routine);
 
 /// Starts a job; one that runs is aborted first, so its routine sees ZV_JOB_ABORT and then ZV_JOB_START. Null
 /// is ignored.
-/// @param delay  anything but 0 only marks the job as delayed and stores the value: what that means, and to
-/// start
-///               the job in the end, is left to the application
+/// @param delay  anything but 0 only stores the value and marks the job as delayed: what the value means, and
+///               to start the job in the end, is left to the application
 ZV_API void StartJobZV(ZVJob* job, long delay);
 
 /// Stops a job, with ZV_JOB_ABORT to the routine if it runs, and takes away a delay. Null is ignored.
@@ -76,11 +75,11 @@ public:
     static long AnyJobsBusy();
     static long AnyMsgsWaiting();
 
-protected:
     virtual long JobStart(ZVJob* job);    ///< ZV_JOB_START; 1 here.
     virtual long JobRun(ZVJob* job) = 0;  ///< ZV_JOB_RUN.
     virtual long JobAbort(ZVJob* job);    ///< ZV_JOB_ABORT; 1 here.
 
+protected:
     ZVJob* Job = nullptr;  ///< null until added
 
 private:

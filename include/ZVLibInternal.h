@@ -125,8 +125,9 @@ ZV_API void OS_Beep();  ///< The terminal's bell, for a process that has one.
 ZV_API long OS_Claim_Directory(char const* spec);
 ZV_API void OS_Release_Directory(long claim);
 
-/// A thread. `entry` runs on it, and must not return by an exception. Null when there is none to be had.
 struct OSThread;
+
+/// Runs entry(argument) on a new thread. Null when there is none to be had.
 ZV_API OSThread* OS_Start_Thread(void (*entry)(void*), void* argument);
 
 /// Waits until the thread has ended, and releases the handle.
@@ -141,11 +142,12 @@ ZV_API void OS_Terminate_Thread(OSThread* thread);
 ZV_API bool OS_Set_Thread_Weight(OSThread* thread, long weight);
 
 /// Waits until the word is no longer `value`, at most so many milliseconds (below 0 without limit). It can
-/// return early. What a waiting thread leaves in the word when it is terminated is nothing.
+/// return early. A thread that is terminated while it waits leaves nothing behind in the word.
 /// @return  false when the time is up
 ZV_API bool OS_Wait_On_Word(std::atomic<uint32_t>& word, uint32_t value, long milliseconds);
-ZV_API void OS_Wake_Word(std::atomic<uint32_t>& word,
-                         bool all);  ///< Wakes one waiting thread, or all of them.
+
+/// Wakes one waiting thread, or all of them. The word itself is not touched and may be gone.
+ZV_API void OS_Wake_Word(std::atomic<uint32_t>& word, bool all);
 
 /// What ZVCPUSupport tells.
 struct OSProcessor {

@@ -1,12 +1,10 @@
-// Tasks: functions that run beside the caller, on a pool of one worker thread for each processor and on
-// threads of their own beyond that. With them the handles they are used with, semaphores and critical
-// regions.
+// Tasks: functions that run beside the caller, on a pool with one worker thread for each processor and, while
+// those are busy, on threads of their own; semaphores and critical regions.
 //
 // Semaphores, regions, SetEventZV and CheckForEventZV may be used on any thread. CreateTaskZV, TaskWaitZV and
-// MPForkZV look after the pool without a lock: they belong to one thread of the application, and a task does
-// not call them. What a task wrote is visible to the thread that has waited for it. An exception that leaves
-// the function of a task ends the process. No call of this family touches the error number, which has no
-// lock.
+// MPForkZV keep the pool without a lock: they belong to one thread of the application, and a task does not
+// call them. What a task wrote is visible to the thread that has waited for it. An exception that leaves the
+// function of a task ends the process. No call here touches the error number, which has no lock.
 #pragma once
 
 #include "ZVBase.h"
@@ -30,9 +28,8 @@ ZV_API long GetProcessorsZV();
 
 /// Runs entry(param) on a worker that is not busy, or on a thread of its own when there is none. What it
 /// returns is dropped. A worker starts without notifications of the work before.
-/// @param out  the running task, for the caller to give to TaskWaitZV; null when none could start. It is set
-/// before
-///             `entry` begins, so a task that is handed the place finds itself there.
+/// @param out  the running task, to be given to TaskWaitZV; null when none could start. It is set before
+///             `entry` begins, so a task that knows the place finds itself there.
 ZV_API void CreateTaskZV(long (*entry)(void*), void* param, TaskInfoZV** out);
 
 /// Waits for the end of a task without limit and releases it. A worker stays busy until then, even when its
@@ -50,8 +47,7 @@ ZV_API long CheckForEventZV(TaskInfoZV* task);
 /// but no more than `parts`, and waits for all of them. `index` counts from 1 to `count`, the number of
 /// tasks; the share of each is for `func` to work out. There is no order between them. With one processor, or
 /// fewer than 2 parts, the caller's thread calls func(1, 1, data), and the result is what that returns.
-/// @return  1 when every part returned non-zero; 0 when one did not or could not start. The others run to
-/// their end.
+/// @return  1 when every part returned non-zero; 0 when one did not or could not start, the others having run
 ZV_API long MPForkZV(long (*func)(long index, long count, void* data), void* data, long parts);
 
 /// A counting semaphore.

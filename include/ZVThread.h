@@ -39,16 +39,14 @@ public:
     /// @return  ZV_EVENT_TIMEOUT to ZV_EVENT_SET
     long WaitFor(unsigned long milliseconds);
 
-    /// Waits for this event; each time it is woken with the flag clear, or this event is deleted, looks at
-    /// the events of a list as well, the first that is set counting. So whoever wants a list to be looked at
-    /// resets this event. From the second time on a millisecond passes after each look.
-    /// @param list   `count` events; null only with a count of 0. One that is deleted while this waits is
-    /// known as such.
-    /// @param tries  number of waits behind the first one; 0 for no limit
-    /// @return  ZV_EVENT_SET for this event; ZV_EVENT_FIRST plus its index for one of the list; from the
-    /// second wait on
-    ///          ZV_EVENT_DELETED when this event or one of the list was deleted; ZV_EVENT_TIMEOUT behind the
-    ///          last try
+    /// Waits without limit for this event, and each time that wait ends with the flag clear looks for the
+    /// first event of a list that is set. So whoever has set one of the list resets this event to have it
+    /// seen. From the second wait on, a millisecond passes after each look.
+    /// @param list   `count` events, null only with a count of 0; they may be deleted while this waits
+    /// @param tries  waits behind the first one; 0 for no limit
+    /// @return  ZV_EVENT_SET for this event, ZV_EVENT_FIRST plus its index for one of the list;
+    ///          ZV_EVENT_DELETED from the second wait on when one of them was deleted; ZV_EVENT_TIMEOUT after
+    ///          the last try
     long WaitForMultiple(ZVCEvent** list, unsigned long count, unsigned long tries);
 
     /// The same for a list of which only the first five entries count.
@@ -59,11 +57,11 @@ private:
     std::shared_ptr<ZVPlatformEvent> event_;
 };
 
-/// A thread that does a piece of work again and again until it is stopped. A subclass supplies the piece,
-/// `Run`.
+/// A thread that does a piece of work, `Run` of the subclass, again and again until it is stopped. It may be
+/// started again when it has ended.
 ///
-/// The owner stops it before it destroys the object: the destructor waits for a thread that is on its way
-/// out, but does not stop one. It may be started again when it has ended.
+/// The owner stops it before the object goes: the destructor waits for a thread on its way out, but stops
+/// none.
 class ZV_API ZVCThread {
 public:
     /// The share of a processor that the thread gets beside others that want it.
@@ -84,8 +82,7 @@ public:
     long Start();
 
     /// Asks the thread to end after the present call of Run, and waits for that a second.
-    /// @return  ZV_EVENT_SET when it has ended, ZV_EVENT_TIMEOUT when it has not; 0 at once when it is not
-    /// started
+    /// @return  ZV_EVENT_SET when it has ended, else ZV_EVENT_TIMEOUT; 0 at once when it is not started
     long Stop();
 
     /// Stops the thread; one that has not ended after a second is ended by force, wherever it stands: none of
@@ -103,7 +100,6 @@ public:
     /// Waits a second at most for Initialize to be done, and tells whether the thread runs.
     long IsStarted();
 
-protected:
     /// The first call on the new thread. An override calls this one when it is ready to run.
     /// @return  non-zero to go on; after 0 the thread ends, and neither Run nor CleanUp is called
     virtual long Initialize();
@@ -114,6 +110,7 @@ protected:
     /// The last call on the thread. An override calls this one at its end, for Stop to take notice.
     virtual void CleanUp();
 
+protected:
     TaskInfoZV Info;
     std::atomic<long> Started = 0;  ///< from Start until the thread has ended
     std::atomic<long> Running = 0;  ///< Run is called while this is not 0
@@ -133,19 +130,19 @@ class ZV_API ZVCTask {
 public:
     virtual ~ZVCTask() = default;
 
-    void CreateTask(long (*entry)(void*),
-                    void* param);  ///< CreateTaskZV; Info is null when no task could start.
-    void StartTask();              ///< No effect: a task runs once it is created.
-    void TaskWait();               ///< TaskWaitZV.
-    void SetEvent();               ///< SetEventZV.
-    long CheckForEvent();          ///< CheckForEventZV.
+    /// CreateTaskZV; Info is null when no task could start.
+    void CreateTask(long (*entry)(void*), void* param);
+    void StartTask();      ///< No effect: a task runs once it is created.
+    void TaskWait();       ///< TaskWaitZV.
+    void SetEvent();       ///< SetEventZV.
+    long CheckForEvent();  ///< CheckForEventZV.
 
     /// MPForkZV.
     static long Fork(long (*func)(long index, long count, void* data), void* data, long parts);
 
-protected:
-    virtual long Initialize();  ///< Returns 1. For subclasses; the library does not call it.
-    virtual long Run() = 0;     ///< For subclasses; the library does not call it.
+    virtual long Initialize();  ///< Returns 1. The library calls neither this one
+    virtual long Run() = 0;     ///< nor this one: they are for the subclass.
 
+protected:
     TaskInfoZV* Info = nullptr;
 };
