@@ -36,9 +36,8 @@ void ZVPlatformEvent::Delete()
     OS_Wake_Word(word_, true);
 }
 
-std::optional<long> ZVPlatformEvent::Look() const
+std::optional<long> ZVPlatformEvent::Meaning(uint32_t now)
 {
-    uint32_t const now = word_.load();
     if (now & deletedBit) return ZVCEvent::ZV_EVENT_DELETED;
     if (now & flagBit) return ZVCEvent::ZV_EVENT_SET;
     return std::nullopt;
@@ -54,8 +53,9 @@ long ZVPlatformEvent::Wait(unsigned long milliseconds)
             std::chrono::steady_clock::now() + std::chrono::milliseconds(std::min(milliseconds, longest));
     uint32_t const before = word_.load() & ~(flagBit | deletedBit);
     for (;;) {
-        if (std::optional<long> const result = Look()) return *result;
-        if (word_.load() != before) return ZVCEvent::ZV_EVENT_CLEAR;
+        uint32_t const now = word_.load();
+        if (std::optional<long> const result = Meaning(now)) return *result;
+        if (now != before) return ZVCEvent::ZV_EVENT_CLEAR;
         if (!OS_Wait_On_Word(word_, before, Time_Left(deadline)) && word_.load() == before)
             return ZVCEvent::ZV_EVENT_TIMEOUT;
     }

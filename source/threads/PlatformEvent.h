@@ -14,7 +14,7 @@ struct ZVPlatformEvent {
     bool IsSet() const { return word_.load() & flagBit; }
 
     /// What a wait ends with now; nothing while the event is clear.
-    std::optional<long> Look() const;
+    std::optional<long> Look() const { return Meaning(word_.load()); }
 
     /// See ZVCEvent::WaitFor.
     long Wait(unsigned long milliseconds);
@@ -24,6 +24,7 @@ private:
     static constexpr uint32_t deletedBit = 2;
     static constexpr uint32_t numberStep = 4;
 
+    static std::optional<long> Meaning(uint32_t now);
     void Change(uint32_t flag);
 
     std::atomic<uint32_t> word_ = 0;

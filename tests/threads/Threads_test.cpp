@@ -12,18 +12,24 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// Runs `wait` on another thread, does `act` while it presumably waits, and returns what it ended with.
+bool Is_Asleep(pid_t thread)
+{
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string const stat(std::istreambuf_iterator<char>(file), {});
+    return stat.find(") S ") != stat.npos;
+}
+
+/// Runs `wait` on another thread, does `act` once that sleeps, and returns what the wait ended with.
 long Ends_With(std::function<long()> const& wait, std::function<void()> const& act)
 {
     long result = -1;
-    std::atomic<bool> isThere = false;
+    std::atomic<pid_t> id = 0;
     std::thread waiter([&] {
-        isThere = true;
+        id = gettid();
         result = wait();
     });
-    while (!isThere)
+    while (id == 0 || !Is_Asleep(id))
         std::this_thread::yield();
-    std::this_thread::sleep_for(milliseconds(20));
     act();
     waiter.join();
     return result;
