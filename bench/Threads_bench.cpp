@@ -47,8 +47,8 @@ template <typename Pixel> void Register_Rows(std::string const& name, double lim
     Bench::Register(name, limit, [] {
         auto const environment = std::make_shared<Environment>();
         auto const pictures = std::make_shared<Pictures>();
-        return std::pair([=] { MPForkZV(Work_On_Rows<Pixel>, pictures.get(), height); },
-                         [=] { Work_On_Rows<Pixel>(1, 1, environment ? pictures.get() : nullptr); });
+        return std::pair([environment, pictures] { MPForkZV(Work_On_Rows<Pixel>, pictures.get(), height); },
+                         [pictures] { Work_On_Rows<Pixel>(1, 1, pictures.get()); });
     });
 }
 
@@ -71,8 +71,8 @@ void Start_And_Join_Threads()
 
 bool const isRegistered = [] {
     Bench::Register("fork/100_empty", 0, [] {
-        return std::pair([environment = std::make_shared<Environment>()] { Fork_Nothing(); },
-                         Start_And_Join_Threads);
+        auto const environment = std::make_shared<Environment>();
+        return std::pair([environment] { Fork_Nothing(); }, [environment] { Start_And_Join_Threads(); });
     });
     Register_Rows<Gamma>("fork/rows_gamma_float", 1 / 1.9);
     Register_Rows<Gain>("fork/rows_gain_float", 0);

@@ -3,8 +3,8 @@
 //
 // Semaphores, regions, SetEventZV and CheckForEventZV may be used on any thread. CreateTaskZV, TaskWaitZV and
 // MPForkZV keep the pool without a lock: they belong to one thread of the application, and a task does not
-// call them. What a task wrote is visible to the thread that has waited for it. An exception that leaves the
-// function of a task ends the process. No call here touches the error number, which has no lock.
+// call them. Functions are not null. What a task wrote is visible to the thread that has waited for it. An
+// exception that leaves the function of a task ends the process. No call here touches the error number.
 #pragma once
 
 #include "ZVBase.h"
@@ -28,8 +28,9 @@ ZV_API long GetProcessorsZV();
 
 /// Runs entry(param) on a worker that is not busy, or on a thread of its own when there is none. What it
 /// returns is dropped. A worker starts without notifications of the work before.
-/// @param out  the running task, to be given to TaskWaitZV; null when none could start. It is set before
-///             `entry` begins, so a task that knows the place finds itself there.
+/// @param out  not null; becomes the task, to be given to TaskWaitZV, or null when none could start. It is
+/// set
+///             before `entry` begins, so a task that knows the place finds itself there.
 ZV_API void CreateTaskZV(long (*entry)(void*), void* param, TaskInfoZV** out);
 
 /// Waits for the end of a task without limit and releases it. A worker stays busy until then, even when its

@@ -4,14 +4,14 @@
 #include "ZVThread.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <climits>
+#include <iterator>
 #include <new>
 #include <optional>
 #include <thread>
 #include <vector>
-
-static constexpr std::ptrdiff_t listLimit = 5;
 
 /// Milliseconds until the deadline as OS_Wait_On_Word takes them, rounded up.
 static long Time_Left(std::optional<std::chrono::steady_clock::time_point> const& deadline)
@@ -106,9 +106,12 @@ long ZVCEvent::WaitForMultiple(ZVCEvent** list, unsigned long count, unsigned lo
     // Neither this object nor those of the list are touched again: they may be deleted meanwhile.
     std::shared_ptr<ZVPlatformEvent> const own = event_;
     EventList others;
-    others.reserve(count);
-    std::transform(list, list + count, std::back_inserter(others),
-                   [](ZVCEvent* each) { return each->event_; });
+    try {
+        std::transform(list, list + count, std::back_inserter(others),
+                       [](ZVCEvent* each) { return each->event_; });
+    } catch (std::bad_alloc const&) {
+        return ZV_EVENT_TIMEOUT;
+    }
 
     if (own->Wait(0) == ZV_EVENT_SET) return ZV_EVENT_SET;
     if (std::optional<long> const result = Look_At_List(others, false)) return *result;
@@ -125,8 +128,8 @@ long ZVCEvent::WaitForMultiple(ZVCEvent** list, unsigned long count, unsigned lo
 
 long ZVCEvent::WaitForMultiple(std::list<ZVCEvent*> const& list, unsigned long tries)
 {
-    std::vector<ZVCEvent*> first;
-    for (auto each = list.begin(); each != list.end() && std::ssize(first) < listLimit; ++each)
-        first.push_back(*each);
-    return WaitForMultiple(first.data(), first.size(), tries);
+    std::array<ZVCEvent*, 5> first{};
+    std::size_t const count = std::min(list.size(), first.size());
+    std::copy_n(list.begin(), count, first.begin());
+    return WaitForMultiple(first.data(), count, tries);
 }

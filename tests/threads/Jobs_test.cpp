@@ -40,9 +40,6 @@ TEST_F(JobsTest, AJobGoesFromStartToAbort)
     ZVJob* job = probe.job;
     EXPECT_EQ(List_Entries(&ZVEnv->jobs), 1);
     EXPECT_EQ(job->Flags, 0UL);
-    EXPECT_EQ(AnyJobsBusyZV(), 0);
-    HandleJobs();
-    EXPECT_EQ(probe.Take(), Messages{});
 
     StartJobZV(job, 0);
     EXPECT_EQ(job->Flags, ZV_JOB_RUNNING | ZV_JOB_PRIORITY);
@@ -85,14 +82,10 @@ TEST_F(JobsTest, ADelayedJobIsBusyUntilItIsStartedOrAborted)
     AbortJobZV(probe.job);
     EXPECT_EQ(AnyJobsBusyZV(), 0);
     EXPECT_EQ(JobAbortedZV(probe.job), 0) << "it never ran";
-
-    StartJobZV(probe.job, 0);
     StartJobZV(probe.job, -1);
-    EXPECT_EQ(probe.Take(), (Messages{ZV_JOB_START, ZV_JOB_ABORT}));
     StartJobZV(probe.job, 0);
     EXPECT_EQ(probe.job->Flags & ZV_JOB_DELAYED, 0UL);
     RemoveJobZV(probe.job);
-    EXPECT_EQ(probe.Take(), (Messages{ZV_JOB_START, ZV_JOB_ABORT}));
 }
 
 TEST_F(JobsTest, ASuspendedJobIsCountedButNotCalled)

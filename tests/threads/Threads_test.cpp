@@ -156,14 +156,6 @@ TEST(Events, OfAListObjectTheFirstFiveCount)
     five[4].Set();
     EXPECT_EQ(Ends_With([&] { return own.WaitForMultiple(list, 0); }, [&] { own.Reset(); }),
               ZVCEvent::ZV_EVENT_FIRST + 4);
-    five[4].Reset();
-    EXPECT_EQ(Ends_With([&] { return own.WaitForMultiple(list, 0); },
-                        [&] {
-                            own.Reset();
-                            std::this_thread::sleep_for(milliseconds(20));
-                            own.Set();
-                        }),
-              ZVCEvent::ZV_EVENT_SET);
 }
 
 TEST(Threads, AThreadRunsFromItsStartToItsStop)
@@ -297,7 +289,4 @@ TEST(Processor, TheAnswersAreThoseOfTheKernel)
     EXPECT_EQ(ZVCPUSupport::SupportsSSE2(), Has_Flag("sse2"));
     EXPECT_EQ(ZVCPUSupport::Supports3DNow(), Has_Flag("3dnow"));
     EXPECT_EQ(ZVCPUSupport::SupportsVE(), 0);
-    EXPECT_EQ(ZVCPUSupport::GetOptimalAlignment(), 16);
-    EXPECT_EQ(ZVCPUSupport::IsBigEndian(), 0);
-    EXPECT_EQ(ZVCPUSupport::CPUFlagsAreOverriden(), 0);
 }
