@@ -28,8 +28,7 @@ ZV_API long GetProcessorsZV();
 
 /// Runs entry(param) on a worker that is not busy, or on a thread of its own when there is none. What it
 /// returns is dropped. A worker starts without notifications of the work before.
-/// @param out  not null; becomes the task, to be given to TaskWaitZV, or null when none could start. It is
-/// set
+/// @param out  not null; becomes the task, to be given to TaskWaitZV, or null when none could start. That is
 ///             before `entry` begins, so a task that knows the place finds itself there.
 ZV_API void CreateTaskZV(long (*entry)(void*), void* param, TaskInfoZV** out);
 
