@@ -27,7 +27,8 @@ struct Pictures {
 template <typename Pixel> long Work_On_Rows(long index, long count, void* data)
 {
     auto& pictures = *static_cast<Pictures*>(data);
-    long const first = height * (index - 1) / count * width * 4, last = height * index / count * width * 4;
+    long const rowSize = width * Pixel::channels;
+    long const first = height * (index - 1) / count * rowSize, last = height * index / count * rowSize;
     float const* from = pictures.from.data();
     float* to = pictures.to.data();
     for (long i = first; i < last; ++i)
@@ -35,10 +36,14 @@ template <typename Pixel> long Work_On_Rows(long index, long count, void* data)
     return 1;
 }
 
+// Bound by memory: one product for each value of a picture of four channels.
 struct Gain {
+    static constexpr long channels = 4;
     static float Convert(float value) { return value * 1.5F; }
 };
+// Bound by arithmetic: a power for each value of a single channel.
 struct Gamma {
+    static constexpr long channels = 1;
     static float Convert(float value) { return std::pow(value, 1 / 2.2F); }
 };
 
