@@ -65,6 +65,9 @@ std::string const& Movie_Demuxers();
 /// A file opened with its streams known, or null. Files that a file refers to are not opened.
 MovieOwner<AVFormatContext> Open_Movie_File(std::string const& url, HostMovieError& error);
 
+/// Whether a picture's numbers use their whole range.
+bool Is_Full_Range(AVFrame const& picture);
+
 /// Tells a file to hand out the packets of one stream alone.
 void Select_Stream(AVFormatContext& file, int stream);
 

@@ -9,8 +9,98 @@
 
 namespace {
 
-/// The settings that frames are converted with.
+/// The settings that frames are converted with which have no brightness and colour differences in planes.
 char const* const scalerFlags = "-sws_flags bicubic+accurate_rnd+full_chroma_int+full_chroma_inp+bitexact";
+
+/// A frame's channels without rounding.
+using Values = std::vector<double>;
+
+/// How brightness and colour differences lie in a frame that ffmpeg writes as it was decoded.
+struct Planes {
+    long width, height;
+    int across, down;  ///< pixels for each sample of colour
+    int depth;
+    bool hasAlpha, isFullRange;
+    double red, blue;  ///< shares in the brightness
+
+    Planes(long w, long h, std::string const& name, bool isFull, bool isHigh)
+        : width(w), height(h), across(name.find("444") == name.npos ? 2 : 1),
+          down(name.find("420") == name.npos ? 1 : 2), depth(8), hasAlpha(name.starts_with("yuva")),
+          isFullRange(isFull || name.starts_with("yuvj")), red(isHigh ? 0.2126 : 0.299),
+          blue(isHigh ? 0.0722 : 0.114)
+    {
+        if (name.ends_with("10le")) depth = 10;
+        if (name.ends_with("12le")) depth = 12;
+    }
+    std::size_t Plane_Size(int plane) const
+    {
+        bool const isColour = plane == 1 || plane == 2;
+        return static_cast<std::size_t>(
+            isColour ? (width + across - 1) / across * ((height + down - 1) / down) : width * height);
+    }
+    std::size_t Frame_Bytes() const
+    {
+        std::size_t samples = 0;
+        for (int plane = 0; plane < (hasAlpha ? 4 : 3); ++plane)
+            samples += Plane_Size(plane);
+        return samples * (depth > 8 ? 2 : 1);
+    }
+    /// A sample; beyond the borders those at the border go on.
+    double Sample(uint8_t const* frame, int plane, long x, long y) const
+    {
+        bool const isColour = plane == 1 || plane == 2;
+        long const columns = isColour ? (width + across - 1) / across : width;
+        long const rows = isColour ? (height + down - 1) / down : height;
+        std::size_t at = 0;
+        for (int before = 0; before < plane; ++before)
+            at += Plane_Size(before);
+        at +=
+            static_cast<std::size_t>(std::clamp(y, 0L, rows - 1) * columns + std::clamp(x, 0L, columns - 1));
+        return depth > 8 ? frame[2 * at] | frame[2 * at + 1] << 8 : frame[at];
+    }
+    /// Colour in the middle between its pixels, blended linearly.
+    double Colour(uint8_t const* frame, int plane, long x, long y) const
+    {
+        double const u = (static_cast<double>(x) + 0.5) / across - 0.5;
+        double const v = (static_cast<double>(y) + 0.5) / down - 0.5;
+        auto const left = static_cast<long>(std::floor(u)), top = static_cast<long>(std::floor(v));
+        double const right = u - std::floor(u), low = v - std::floor(v);
+        auto const row = [&](long line) {
+            return Sample(frame, plane, left, line) * (1 - right) +
+                   Sample(frame, plane, left + 1, line) * right;
+        };
+        return row(top) * (1 - low) + row(top + 1) * low;
+    }
+    Values To_RGBA(uint8_t const* frame, double largest) const
+    {
+        double const all = (1 << depth) - 1, unit = 1 << (depth - 8), grey = 128 * unit;
+        Values values;
+        for (long y = 0; y < height; ++y)
+            for (long x = 0; x < width; ++x) {
+                double const luma = Sample(frame, 0, x, y);
+                double const bright = isFullRange ? luma / all : (luma - 16 * unit) / (219 * unit);
+                double const span = isFullRange ? all : 224 * unit;
+                double const r = bright + (Colour(frame, 2, x, y) - grey) / span * 2 * (1 - red);
+                double const b = bright + (Colour(frame, 1, x, y) - grey) / span * 2 * (1 - blue);
+                double const g = (bright - red * r - blue * b) / (1 - red - blue);
+                double const a = hasAlpha ? Sample(frame, 3, x, y) / all : 1;
+                for (double value : {r, g, b, a})
+                    values.push_back(std::clamp(value, 0.0, 1.0) * largest);
+            }
+        return values;
+    }
+};
+
+/// Whether all channels of a picture are the nearest numbers; in the very middle either one will do.
+bool Are_Nearest(Bytes const& pixels, Values const& values, bool isDeep)
+{
+    if (pixels.size() != values.size() * (isDeep ? 2 : 1)) return false;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        double const got = isDeep ? pixels[2 * i] | pixels[2 * i + 1] << 8 : pixels[i];
+        if (std::fabs(got - values[i]) > 0.51) return false;
+    }
+    return true;
+}
 
 class Movie : public FormatTest {
 protected:
@@ -55,6 +145,30 @@ protected:
         for (std::size_t at = 0; at + frameBytes <= all.size(); at += frameBytes)
             frames.emplace_back(all.begin() + static_cast<long>(at),
                                 all.begin() + static_cast<long>(at + frameBytes));
+        return frames;
+    }
+
+    /// All frames of a file as ffmpeg decodes them, in channels of RGBA.
+    std::vector<Values> Expected(std::string const& name, long width, long height, bool isDeep) const
+    {
+        std::string layout = Probe(name, "pix_fmt");
+        layout.resize(std::min(layout.size(), layout.find_first_of(",\n")));  // transport streams tell it twice
+        std::string const colours = Probe(name, "color_range,color_space");
+        std::vector<Values> frames;
+        if (layout.starts_with("yuv")) {
+            Planes const planes(width, height, layout, colours.find("pc") != colours.npos,
+                                colours.find("bt709") != colours.npos);
+            for (Bytes const& frame : Decoded(name, layout, planes.Frame_Bytes()))
+                frames.push_back(planes.To_RGBA(frame.data(), isDeep ? 65535 : 255));
+            return frames;
+        }
+        std::size_t const channels = static_cast<std::size_t>(width * height) * 4;
+        for (Bytes const& frame : Decoded(name, isDeep ? "rgba64le" : "rgba", channels * (isDeep ? 2 : 1))) {
+            Values values(channels);
+            for (std::size_t i = 0; i < channels; ++i)
+                values[i] = isDeep ? frame[2 * i] | frame[2 * i + 1] << 8 : frame[i];
+            frames.push_back(std::move(values));
+        }
         return frames;
     }
 
@@ -178,6 +292,10 @@ TEST_F(Movie, EveryFrameIsThatOfFfmpegInAnyOrder)
         {"mpeg2.mpg", "25", "64x48", "-c:v mpeg2video -bf 2 -g 12", 8, false},
         {"mpeg2.ts", "30000/1001", "64x48", "-c:v mpeg2video -bf 2 -g 12", 8, false},
         {"jpeg.avi", "25", "35x21", "-c:v mjpeg -pix_fmt yuvj420p", 8, false},
+        {"jpeg422.mov", "25", "35x21", "-c:v mjpeg -pix_fmt yuvj422p", 8, false},
+        {"high.mov", "25", "64x48", "-c:v libx264 -pix_fmt yuv444p10le -colorspace bt709 -color_range pc", 10,
+         false},
+        {"alpha.mkv", "25", "35x21", "-c:v ffv1 -pix_fmt yuva420p", 8, true},
     };
     for (ReadCase const& row : cases) {
         SCOPED_TRACE(row.file);
@@ -185,7 +303,7 @@ TEST_F(Movie, EveryFrameIsThatOfFfmpegInAnyOrder)
         std::string const spec = Make(
             row.file,
             std::string("-f lavfi -i nullsrc=s=") + row.size + ":r=" + row.rate +
-                ":d=1.5,format=rgba,geq=r='mod(X*5+N*9\\,256)':g='mod(Y*7+N*3\\,256)':b='mod(X+Y+N\\,256)'"
+                ":d=1.2,format=rgba,geq=r='mod(X*5+N*9\\,256)':g='mod(Y*7+N*3\\,256)':b='mod(X+Y+N\\,256)'"
                 ":a='mod(X*3+Y*11+N*17\\,256)' " +
                 row.codec);
         ClipPtr const clip = Open(spec);
@@ -196,14 +314,14 @@ TEST_F(Movie, EveryFrameIsThatOfFfmpegInAnyOrder)
         std::sscanf(row.rate, "%d/%d", &numerator, &denominator);
         EXPECT_DOUBLE_EQ(clip->FrameRate, static_cast<double>(numerator) / denominator);
         EXPECT_EQ(clip->FrameRate, clip->FileFrameRate);
-        auto const bytes = static_cast<std::size_t>(clip->Width * clip->Height) * (isDeep ? 8 : 4);
-        std::vector<Bytes> const expected = Decoded(row.file, isDeep ? "rgba64le" : "rgba", bytes);
+        std::vector<Values> const expected = Expected(row.file, clip->Width, clip->Height, isDeep);
         ASSERT_EQ(clip->RawFrames, static_cast<long>(expected.size()));
         for (std::vector<long> const& order : Orders(clip->RawFrames)) {
             ClipPtr const fresh = Open(spec);  // with nothing at hand of what was read before
             for (long frame : order)
-                ASSERT_EQ(Frame(fresh.get(), frame, isDeep ? ZV_BITMAP_RGBA16 : ZV_BITMAP_RGBA8),
-                          expected[static_cast<std::size_t>(frame)])
+                ASSERT_TRUE(
+                    Are_Nearest(Frame(fresh.get(), frame, isDeep ? ZV_BITMAP_RGBA16 : ZV_BITMAP_RGBA8),
+                                expected[static_cast<std::size_t>(frame)], isDeep))
                     << frame;
         }
         EXPECT_EQ(Frame(clip.get(), clip->RawFrames, ZV_BITMAP_RGBA8), Bytes());
