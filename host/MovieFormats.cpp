@@ -132,10 +132,15 @@ std::string Movie_Url(char const* path)
     return UrlScheme + std::string(path);
 }
 
+char const* Movie_Path(char const* url)
+{
+    return url + std::strlen(UrlScheme);
+}
+
 MovieOwner<AVFormatContext> Open_Movie_File(std::string const& url, HostMovieError& error)
 {
     error = HostMovieError::Unreadable;
-    if (!Movie_Tables_Fit(url.c_str() + std::strlen(UrlScheme))) return nullptr;
+    if (!Movie_Tables_Fit(Movie_Path(url.c_str()))) return nullptr;
     error = HostMovieError::Memory;
     AVFormatContext* context = avformat_alloc_context();
     if (!context) return nullptr;

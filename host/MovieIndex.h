@@ -16,8 +16,9 @@ class MovieIndex {
 public:
     /// Takes the container's own table where that tells all, and reads through the packets where not. The
     /// file then stands anywhere.
+    /// @param first  the first packet of the stream, which has been read
     /// @return  false when the stream has no frames
-    bool Build(AVFormatContext& file, int stream);
+    bool Build(AVFormatContext& file, int stream, AVPacket const& first);
 
     /// Frames at a constant rate. A stream of even steps has one for each sample; another one shows at each
     /// frame what is on at that time.
@@ -38,7 +39,7 @@ public:
     /// does not tell their times.
     bool Has_Times() const { return hasTimes_; }
 
-    /// The container's table told all, and the file still stands at its start.
+    /// The container's table told all, and the file still stands behind the first packet.
     bool Is_From_Table() const { return isFromTable_; }
 
     /// The sample to decode from for one to come out right: the last key frame that is neither decoded nor
@@ -52,9 +53,8 @@ public:
     std::int64_t Start() const { return start_; }
 
 private:
-    bool Take_Table(AVFormatContext const& file, AVStream& stream);
-    bool Scan(AVFormatContext& file, int stream);
-    void Add(MovieSample const& sample) { samples_.push_back(sample); }
+    bool Take_Table(AVFormatContext const& file, AVStream& stream, AVPacket const& first);
+    bool Scan(AVFormatContext& file, int stream, AVPacket const& first);
     void Order_Shown(std::vector<bool> const& isShown);
     void Settle_Rate(AVFormatContext& file, AVStream& stream);
     bool Is_Even(AVRational rate, AVRational unit) const;

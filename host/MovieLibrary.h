@@ -59,6 +59,14 @@ std::string Movie_Url(char const* path);
 /// False for a movie file that tells of more samples than its bytes could hold.
 bool Movie_Tables_Fit(char const* path);
 
+/// How much later than it is decoded each sample of a movie file's track is shown, but for what is the same
+/// for all of them. The room that it is read into tells how many samples there should be; false when there
+/// are others.
+bool Read_Movie_Offsets(char const* path, int track, std::vector<std::int32_t>& offsets);
+
+/// The path in a name that Movie_Url made.
+char const* Movie_Path(char const* url);
+
 /// Names of the demuxers that read movies and sound, comma-separated.
 std::string const& Movie_Demuxers();
 

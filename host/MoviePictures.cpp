@@ -75,16 +75,20 @@ MoviePictures::MoviePictures(std::string url, MovieOwner<AVFormatContext> file, 
 
 bool MoviePictures::Describe()
 {
-    if (!packet_ || !frame_) return false;
+    if (!packet_ || !frame_ || !Read_Packet()) return false;
     if (file_->streams[stream_]->codecpar->format == AV_PIX_FMT_PAL8) Save_Palette();
     AVStream& stream = *file_->streams[stream_];
     AVCodecParameters const& codec = *stream.codecpar;
     if (codec.width < 1 || codec.height < 1) return false;
-    if (!index_.Build(*file_, stream_)) return false;
-    if (index_.Is_From_Table()) next_ = 0;
+    if (!index_.Build(*file_, stream_, *packet_)) return false;
+    if (index_.Is_From_Table())
+        next_ = 0;
+    else
+        hasPacket_ = false;
     bool const isMovie = std::string_view(file_->iformat->name).find("mov") != std::string_view::npos;
-    track_.width = codec.width;
-    track_.height = codec.height;
+    turn_ = Turn_Of(stream);
+    track_.width = turn_.swaps ? codec.height : codec.width;
+    track_.height = turn_.swaps ? codec.width : codec.height;
     track_.frameRate = index_.Rate();
     track_.frames = index_.Frames();
     track_.fieldOrder = Field_Order(codec.field_order);
@@ -94,7 +98,8 @@ bool MoviePictures::Describe()
     mostKept_ = isIntra ? KeptIntraPictures : KeptPictures;
     track_.codecName = Codec_Name(codec);
     AVRational const aspect = av_guess_sample_aspect_ratio(file_.get(), &stream, nullptr);
-    if (aspect.num > 0 && aspect.den > 0) track_.pixelAspect = av_q2d(aspect);
+    if (aspect.num > 0 && aspect.den > 0)
+        track_.pixelAspect = av_q2d(turn_.swaps ? av_inv_q(aspect) : aspect);
     AVPixFmtDescriptor const* layout = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(codec.format));
     if (layout) {
         track_.bitDepth = Bit_Depth(*layout);
@@ -112,11 +117,8 @@ bool MoviePictures::Describe()
 void MoviePictures::Save_Palette()
 {
     std::size_t size = 0;
-    std::uint8_t const* palette =
-        Read_Packet() ? av_packet_get_side_data(packet_.get(), AV_PKT_DATA_PALETTE, &size) : nullptr;
+    std::uint8_t const* palette = av_packet_get_side_data(packet_.get(), AV_PKT_DATA_PALETTE, &size);
     if (palette) palette_.assign(palette, palette + size);
-    Restart();
-    next_ = -1;
 }
 
 void MoviePictures::Add_Palette()
@@ -335,5 +337,14 @@ bool MoviePictures::Read(std::int64_t frame, void* pixels, std::size_t rowBytes,
 {
     if (!track_.isReadable || frame < 0 || frame >= index_.Frames()) return false;
     AVFrame const* picture = Fetch(index_.Shown_At(frame));
-    return picture && converter_.To_RGBA(*picture, track_.width, track_.height, pixels, rowBytes, layout);
+    if (!picture) return false;
+    if (turn_.Is_None())
+        return converter_.To_RGBA(*picture, track_.width, track_.height, pixels, rowBytes, layout);
+    int const width = turn_.swaps ? track_.height : track_.width;
+    int const height = turn_.swaps ? track_.width : track_.height;
+    std::size_t const storedRowBytes = static_cast<std::size_t>(width) * Host_Pixel_Bytes(layout);
+    stored_.resize(storedRowBytes * static_cast<std::size_t>(height));
+    if (!converter_.To_RGBA(*picture, width, height, stored_.data(), storedRowBytes, layout)) return false;
+    Turn_Picture(turn_, width, height, layout, stored_.data(), storedRowBytes, pixels, rowBytes);
+    return true;
 }

@@ -3,6 +3,7 @@
 
 #include "MovieConvert.h"
 #include "MovieIndex.h"
+#include "MovieTurn.h"
 
 #include <deque>
 #include <vector>
@@ -54,6 +55,8 @@ private:
     MovieIndex index_;
     HostVideoTrack track_;
     PictureConverter converter_;
+    MovieTurn turn_;
+    std::vector<std::uint8_t> stored_;   ///< a picture that is still to be turned
     std::vector<std::uint8_t> palette_;  ///< of the first packet, or empty
     std::deque<Kept> kept_;
     std::size_t keptBytes_ = 0;
