@@ -130,7 +130,9 @@ protected:
     /// Makes a file by ffmpeg, once for each name; its spec.
     std::string Make(std::string const& name, std::string const& arguments) const
     {
-        EXPECT_TRUE(Run("ffmpeg -v error -y " + arguments + " " + environment.Path(name))) << name;
+        EXPECT_TRUE(Run("cd " + environment.Path("") + "; ffmpeg -v error -y " + arguments + " " +
+                        environment.Path(name)))
+            << name;
         return environment.Spec(name);
     }
 
@@ -152,7 +154,8 @@ protected:
     std::vector<Values> Expected(std::string const& name, long width, long height, bool isDeep) const
     {
         std::string layout = Probe(name, "pix_fmt");
-        layout.resize(std::min(layout.size(), layout.find_first_of(",\n")));  // transport streams tell it twice
+        layout.resize(
+            std::min(layout.size(), layout.find_first_of(",\n")));  // transport streams tell it twice
         std::string const colours = Probe(name, "color_range,color_space");
         std::vector<Values> frames;
         if (layout.starts_with("yuv")) {
@@ -295,17 +298,24 @@ TEST_F(Movie, EveryFrameIsThatOfFfmpegInAnyOrder)
         {"jpeg422.mov", "25", "35x21", "-c:v mjpeg -pix_fmt yuvj422p", 8, false},
         {"high.mov", "25", "64x48", "-c:v libx264 -pix_fmt yuv444p10le -colorspace bt709 -color_range pc", 10,
          false},
+        {"turned.mov", "25", "66x50", "-c:v libx264 -pix_fmt yuv420p -bf 2 -metadata:s:v rotate=90", 8,
+         false},
+        {"over.mov", "25", "35x21", "-c:v png -pix_fmt rgba -metadata:s:v rotate=180", 8, true},
+        {"cut.mov", "25", "copy", "-ss 0.3 -i open.mp4 -c copy", 8, false},
+        {"late.mov", "24000/1001", "copy", "-itsoffset 0.4 -ss 0.3 -i h264.mov -t 0.7 -c copy", 8, false},
         {"alpha.mkv", "25", "35x21", "-c:v ffv1 -pix_fmt yuva420p", 8, true},
     };
     for (ReadCase const& row : cases) {
         SCOPED_TRACE(row.file);
         bool const isDeep = row.depth > 8;
-        std::string const spec = Make(
-            row.file,
-            std::string("-f lavfi -i nullsrc=s=") + row.size + ":r=" + row.rate +
-                ":d=1.2,format=rgba,geq=r='mod(X*5+N*9\\,256)':g='mod(Y*7+N*3\\,256)':b='mod(X+Y+N\\,256)'"
-                ":a='mod(X*3+Y*11+N*17\\,256)' " +
-                row.codec);
+        bool const isCopy = row.size == std::string("copy");
+        std::string const spec =
+            Make(row.file, isCopy ? row.codec
+                                  : std::string("-f lavfi -i nullsrc=s=") + row.size + ":r=" + row.rate +
+                                        ":d=1.2,format=rgba,geq=r='mod(X*5+N*9\\,256)':g='mod(Y*7+N*3\\,256)'"
+                                        ":b='mod(X+Y+N\\,256)'"
+                                        ":a='mod(X*3+Y*11+N*17\\,256)' " +
+                                        row.codec);
         ClipPtr const clip = Open(spec);
         ASSERT_TRUE(clip);
         EXPECT_EQ(clip->BitDepth, row.depth);
