@@ -163,14 +163,20 @@ void Select_Stream(AVFormatContext& file, int stream)
         file.streams[i]->discard = static_cast<int>(i) == stream ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
 }
 
-MovieOwner<AVCodecContext> Open_Decoder(AVStream const& stream)
+bool Is_Intra(AVStream const& stream)
+{
+    AVCodecDescriptor const* descriptor = avcodec_descriptor_get(stream.codecpar->codec_id);
+    return descriptor && descriptor->props & AV_CODEC_PROP_INTRA_ONLY;
+}
+
+MovieOwner<AVCodecContext> Open_Decoder(AVStream const& stream, int threads, int manner)
 {
     AVCodec const* codec = avcodec_find_decoder(stream.codecpar->codec_id);
     if (!codec) return nullptr;
     MovieOwner<AVCodecContext> context(avcodec_alloc_context3(codec));
     if (!context || avcodec_parameters_to_context(context.get(), stream.codecpar) < 0) return nullptr;
     context->pkt_timebase = stream.time_base;
-    context->thread_count = 0;  // as many as there are processors
-    context->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
+    context->thread_count = threads;
+    context->thread_type = manner;
     return avcodec_open2(context.get(), codec, nullptr) < 0 ? nullptr : std::move(context);
 }

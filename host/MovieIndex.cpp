@@ -9,13 +9,6 @@
 
 namespace {
 
-/// Every sample has a picture of its own, shown at the time at which it is decoded.
-bool Is_Intra(AVStream const& stream)
-{
-    AVCodecDescriptor const* descriptor = avcodec_descriptor_get(stream.codecpar->codec_id);
-    return descriptor && descriptor->props & AV_CODEC_PROP_INTRA_ONLY;
-}
-
 /// Codecs without frames shown out of order but with such that need others.
 bool Is_In_Order(AVStream const& stream)
 {

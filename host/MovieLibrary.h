@@ -79,5 +79,11 @@ bool Is_Full_Range(AVFrame const& picture);
 /// Tells a file to hand out the packets of one stream alone.
 void Select_Stream(AVFormatContext& file, int stream);
 
+/// Whether every picture of the stream is decoded without others, as its codec has it.
+bool Is_Intra(AVStream const& stream);
+
 /// A decoder for the stream, or null.
-MovieOwner<AVCodecContext> Open_Decoder(AVStream const& stream);
+/// @param threads  0: as many as there are processors
+/// @param manner   FF_THREAD_FRAME and FF_THREAD_SLICE
+MovieOwner<AVCodecContext> Open_Decoder(AVStream const& stream, int threads = 0,
+                                        int manner = FF_THREAD_FRAME | FF_THREAD_SLICE);
