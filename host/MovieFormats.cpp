@@ -97,18 +97,6 @@ std::vector<std::string> const& Host_Movie_Extensions()
     return extensions;
 }
 
-bool Host_Start_Movies()
-{
-    // Complaints about damaged files belong in results, not on the terminal. An application that set a level
-    // of its own keeps it.
-    if (av_log_get_level() == AV_LOG_INFO) av_log_set_level(AV_LOG_QUIET);
-    // Records of the libraries are read directly, so that only their own major versions will do.
-    return avformat_version() >> 16 == LIBAVFORMAT_VERSION_MAJOR &&
-           avcodec_version() >> 16 == LIBAVCODEC_VERSION_MAJOR &&
-           swscale_version() >> 16 == LIBSWSCALE_VERSION_MAJOR &&
-           swresample_version() >> 16 == LIBSWRESAMPLE_VERSION_MAJOR;
-}
-
 HostMovieError Movie_Error(int result)
 {
     switch (result) {

@@ -127,5 +127,6 @@ HostCodecAbilities Host_Codec_Abilities(std::uint32_t codec);
 /// Extensions of the movie and sound files that can be read, lower case, without still pictures and texts.
 std::vector<std::string> const& Host_Movie_Extensions();
 
-/// Makes the libraries ready. False when they are not of the versions that this was built for.
-bool Host_Start_Movies();
+/// Whether the service is there. It gets ready when the first of the other functions is called; where its
+/// libraries fail to load, those answer that there is nothing.
+bool Host_Has_Movies();

@@ -184,7 +184,7 @@ bool Put_In_Place(OSMovieOutput& output, uint32_t type, uint32_t creator)
 
 bool OS_Enter_Movies()
 {
-    return Host_Start_Movies();
+    return Host_Has_Movies();
 }
 
 void OS_Exit_Movies()

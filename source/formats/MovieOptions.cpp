@@ -1,8 +1,6 @@
 // The settings of movies as applications see them, over the stored blocks of options.
 #include "QuickTimeModule.h"
 
-#include <ZVMovie.h>
-
 #include <algorithm>
 #include <cstring>
 

@@ -91,6 +91,12 @@ bool Is_Intended(std::string const& symbol, Declarations const& declared)
            std::ranges::all_of(parts, [&](std::string const& part) { return declared.open.contains(part); });
 }
 
+/// Ends of sections, which the linker exports when a library that this one stands on asks for them.
+bool Is_Of_Linker(std::string_view symbol)
+{
+    return symbol == "__bss_start" || symbol == "_edata" || symbol == "_end";
+}
+
 bool Is_Of_Sanitizer(std::string_view symbol)
 {
     return std::ranges::any_of(
@@ -110,7 +116,7 @@ std::vector<std::string> Exported_Symbols()
         std::string address, kind, symbol;
         line >> address >> kind;
         std::getline(line >> std::ws, symbol);
-        if (!symbol.empty() && !Is_Of_Sanitizer(symbol)) symbols.push_back(symbol);
+        if (!symbol.empty() && !Is_Of_Linker(symbol) && !Is_Of_Sanitizer(symbol)) symbols.push_back(symbol);
     }
     return symbols;
 }

@@ -23,12 +23,13 @@ TEST_F(FormatRegistry, BuiltInModulesRegisterInOrder)
     std::vector<uint32_t> types;
     for (Node* node = List_First(&ZVEnv->formats); node; node = List_Next(node))
         types.push_back(reinterpret_cast<ZVFormatDesc*>(node)->FileType);
-    EXPECT_EQ(types, (std::vector<uint32_t>{ZV_FourCC("Film"), ZV_FourCC("EIDI"), ZV_BLANK_CODE}));
+    EXPECT_EQ(types, (std::vector<uint32_t>{ZV_FourCC("Film"), ZV_FourCC("EIDI"), ZV_FourCC("VPB "),
+                                            ZV_BLANK_CODE}));
     EXPECT_EQ(Names().back(), "Ram");
     Free_Format_Modules();
     EXPECT_TRUE(List_Empty(&ZVEnv->formats));
     InitAllFormatModulesZV(nullptr);
-    EXPECT_EQ(Names().size(), 3u);
+    EXPECT_EQ(Names().size(), 4u);
 }
 
 TEST_F(FormatRegistry, AModuleIsCleanedUpOnceWithItsDescriptor)

@@ -87,6 +87,13 @@ std::string Spec_Of(std::string const& path)
     return spec.data();
 }
 
+void Add_Movies()
+{
+    static bool isDone = false;
+    if (!isDone) Add_QuickTime_Format(nullptr);
+    isDone = true;
+}
+
 static void Choose_Alpha(ZVClip* clip, AlphaChoice const& alpha)
 {
     if (!alpha.isGiven) return;
@@ -99,7 +106,9 @@ static void Choose_Alpha(ZVClip* clip, AlphaChoice const& alpha)
 
 ClipHandle Open_Source(std::string const& path, AlphaChoice const& alpha)
 {
-    ClipHandle clip(OpenClipZV(Spec_Of(path).c_str(), ZV_OPEN_NO_SEQUENCE_DIALOG, 1, 0));
+    std::string const spec = Spec_Of(path);
+    if (!GetFormatModuleZV(spec.c_str())) Add_Movies();
+    ClipHandle clip(OpenClipZV(spec.c_str(), ZV_OPEN_NO_SEQUENCE_DIALOG, 1, 0));
     if (!clip) throw JobError(path, Reason());
     Choose_Alpha(clip.get(), alpha);
     if (!BeginClipIOZV(clip.get(), 0)) throw JobError(path, Reason());

@@ -44,6 +44,10 @@ std::string Reason();
 /// The spec of a native path, relative ones from the working directory. Throws a JobError.
 std::string Spec_Of(std::string const& path);
 
+/// Registers the movie formats, which programs do only for files that no other format has: the libraries
+/// behind them take time to load.
+void Add_Movies();
+
 /// How the alpha of a source is to be read, in place of the guess.
 struct AlphaChoice {
     bool isGiven = false;

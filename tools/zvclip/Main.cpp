@@ -41,7 +41,6 @@ struct Library {
         if (!InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 1, 0))
             throw std::runtime_error("the library does not start");
         InitFormatModulesZV(nullptr);
-        Add_QuickTime_Format(nullptr);
     }
     ~Library() { CleanUpZV(); }
     Library(Library const&) = delete;

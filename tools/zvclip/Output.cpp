@@ -60,7 +60,11 @@ static ZVFormatDesc* Choose_Format(std::string const& path, std::string const& f
 {
     std::string const extension = fs::path(path).extension().string();
     std::string const wanted = !format.empty() ? format : extension.empty() ? "" : extension.substr(1);
-    ZVFormatDesc* const desc = Find_Format(wanted);
+    ZVFormatDesc* desc = Find_Format(wanted);
+    if (!desc) {
+        Add_Movies();
+        desc = Find_Format(wanted);
+    }
     if (!desc && !format.empty()) throw JobError(path, "there is no format '" + format + "'");
     if (!desc || desc->ReadExtensionCount == 0)
         throw JobError(path, "no format belongs to this name; name one by --format");
