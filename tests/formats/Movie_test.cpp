@@ -1,6 +1,7 @@
 // Movies: every frame as the ffmpeg command shows it, in any order; sound to the sample; written movies and
 // the stored options; and files that are damaged.
 #include "FormatTest.h"
+#include "PlanarFrame.h"
 
 #include <array>
 #include <cmath>
@@ -11,96 +12,6 @@ namespace {
 
 /// The settings that frames are converted with which have no brightness and colour differences in planes.
 char const* const scalerFlags = "-sws_flags bicubic+accurate_rnd+full_chroma_int+full_chroma_inp+bitexact";
-
-/// A frame's channels without rounding.
-using Values = std::vector<double>;
-
-/// How brightness and colour differences lie in a frame that ffmpeg writes as it was decoded.
-struct Planes {
-    long width, height;
-    int across, down;  ///< pixels for each sample of colour
-    int depth;
-    bool hasAlpha, isFullRange;
-    double red, blue;  ///< shares in the brightness
-
-    Planes(long w, long h, std::string const& name, bool isFull, bool isHigh)
-        : width(w), height(h), across(name.find("444") == name.npos ? 2 : 1),
-          down(name.find("420") == name.npos ? 1 : 2), depth(8), hasAlpha(name.starts_with("yuva")),
-          isFullRange(isFull || name.starts_with("yuvj")), red(isHigh ? 0.2126 : 0.299),
-          blue(isHigh ? 0.0722 : 0.114)
-    {
-        if (name.ends_with("10le")) depth = 10;
-        if (name.ends_with("12le")) depth = 12;
-    }
-    std::size_t Plane_Size(int plane) const
-    {
-        bool const isColour = plane == 1 || plane == 2;
-        return static_cast<std::size_t>(
-            isColour ? (width + across - 1) / across * ((height + down - 1) / down) : width * height);
-    }
-    std::size_t Frame_Bytes() const
-    {
-        std::size_t samples = 0;
-        for (int plane = 0; plane < (hasAlpha ? 4 : 3); ++plane)
-            samples += Plane_Size(plane);
-        return samples * (depth > 8 ? 2 : 1);
-    }
-    /// A sample; beyond the borders those at the border go on.
-    double Sample(uint8_t const* frame, int plane, long x, long y) const
-    {
-        bool const isColour = plane == 1 || plane == 2;
-        long const columns = isColour ? (width + across - 1) / across : width;
-        long const rows = isColour ? (height + down - 1) / down : height;
-        std::size_t at = 0;
-        for (int before = 0; before < plane; ++before)
-            at += Plane_Size(before);
-        at +=
-            static_cast<std::size_t>(std::clamp(y, 0L, rows - 1) * columns + std::clamp(x, 0L, columns - 1));
-        return depth > 8 ? frame[2 * at] | frame[2 * at + 1] << 8 : frame[at];
-    }
-    /// Colour in the middle between its pixels, blended linearly.
-    double Colour(uint8_t const* frame, int plane, long x, long y) const
-    {
-        double const u = (static_cast<double>(x) + 0.5) / across - 0.5;
-        double const v = (static_cast<double>(y) + 0.5) / down - 0.5;
-        auto const left = static_cast<long>(std::floor(u)), top = static_cast<long>(std::floor(v));
-        double const right = u - std::floor(u), low = v - std::floor(v);
-        auto const row = [&](long line) {
-            return Sample(frame, plane, left, line) * (1 - right) +
-                   Sample(frame, plane, left + 1, line) * right;
-        };
-        return row(top) * (1 - low) + row(top + 1) * low;
-    }
-    Values To_RGBA(uint8_t const* frame, double largest) const
-    {
-        double const all = (1 << depth) - 1, unit = 1 << (depth - 8), grey = 128 * unit;
-        Values values;
-        for (long y = 0; y < height; ++y)
-            for (long x = 0; x < width; ++x) {
-                double const luma = Sample(frame, 0, x, y);
-                double const bright = isFullRange ? luma / all : (luma - 16 * unit) / (219 * unit);
-                double const span = isFullRange ? all : 224 * unit;
-                double const r = bright + (Colour(frame, 2, x, y) - grey) / span * 2 * (1 - red);
-                double const b = bright + (Colour(frame, 1, x, y) - grey) / span * 2 * (1 - blue);
-                double const g = (bright - red * r - blue * b) / (1 - red - blue);
-                double const a = hasAlpha ? Sample(frame, 3, x, y) / all : 1;
-                for (double value : {r, g, b, a})
-                    values.push_back(std::clamp(value, 0.0, 1.0) * largest);
-            }
-        return values;
-    }
-};
-
-/// Whether all channels of a picture are the nearest numbers; in the very middle either one will do.
-bool Are_Nearest(Bytes const& pixels, Values const& values, bool isDeep)
-{
-    if (pixels.size() != values.size() * (isDeep ? 2 : 1)) return false;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        double const got = isDeep ? pixels[2 * i] | pixels[2 * i + 1] << 8 : pixels[i];
-        if (std::fabs(got - values[i]) > 0.51) return false;
-    }
-    return true;
-}
 
 class Movie : public FormatTest {
 protected:
@@ -159,8 +70,8 @@ protected:
         std::string const colours = Probe(name, "color_range,color_space");
         std::vector<Values> frames;
         if (layout.starts_with("yuv")) {
-            Planes const planes(width, height, layout, colours.find("pc") != colours.npos,
-                                colours.find("bt709") != colours.npos);
+            PlanarFrame const planes(width, height, layout, colours.find("pc") != colours.npos,
+                                     colours.find("bt709") != colours.npos);
             for (Bytes const& frame : Decoded(name, layout, planes.Frame_Bytes()))
                 frames.push_back(planes.To_RGBA(frame.data(), isDeep ? 65535 : 255));
             return frames;
@@ -761,6 +672,42 @@ TEST_F(Movie, OldBlocksOfOptionsAreUpgraded)
             EXPECT_EQ(audio[i], i < 8 && i < size ? old[i] : 0) << i;
         FreeMemZV(std::exchange(clip->VideoParams, nullptr));
         FreeMemZV(std::exchange(clip->AudioParams, nullptr));
+    }
+}
+
+TEST_F(Movie, SettingsOfStreamingGoBehindBothBlocks)
+{
+    ClipPtr const clip = Describe("x.mov", 16, 16, 25);
+    EXPECT_FALSE(Quicktime_StreamingOptions(clip.get(), true));  // no block to put them behind
+    Streams()->Options(clip.get(), true);
+    struct {
+        ZVFormatParams* params;
+        long size, flag;
+    } const blocks[] = {{clip->VideoParams, 144, 132}, {clip->AudioParams, 56, 44}};
+    for (auto const& block : blocks) {
+        ASSERT_TRUE(block.params);
+        uint32_t fields[2];
+        std::memcpy(fields, static_cast<uint8_t const*>(block.params->Data) + block.flag, 8);
+        EXPECT_NE(fields[0], 0u);
+        EXPECT_EQ(static_cast<long>(fields[1]), block.params->Size - block.size);
+    }
+    Streams()->AudioOptions(clip.get(), true);
+    EXPECT_EQ(clip->VideoParams, blocks[0].params);  // what is there stays
+    EXPECT_EQ(clip->AudioParams, blocks[1].params);
+}
+
+TEST_F(Movie, OldSystemsRefuseWhatWouldNotFitIntoAFile)
+{
+    std::pair<long, bool> const cases[] = {{498, true}, {499, false}};  // of 4096000 bytes each
+    for (auto const& [frames, fits] : cases) {
+        ClipPtr const clip = Describe("big.mov", 2048, 500, 25);
+        clip->Frames = frames;
+        ASSERT_TRUE(CreateClipZV(clip.get(), 0));
+        uint32_t const system = std::exchange(ZVEnv->systemVersion, 0x0FFFu);
+        EXPECT_EQ(clip->Format->BeginIO(clip.get(), 1) != 0, fits);
+        EXPECT_EQ(GetErrorZV(), fits ? ZV_ERR_NONE : ZV_ERR_MOVIE_SIZE);
+        ZVEnv->systemVersion = system;
+        EXPECT_TRUE(clip->Format->BeginIO(clip.get(), 1));
     }
 }
 
