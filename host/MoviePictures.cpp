@@ -340,6 +340,7 @@ std::size_t MoviePictures::Most_Kept() const
 /// Gives out what follows the sample until there is no more room. False when it cannot be reached.
 bool MoviePictures::Fill_Ahead(std::int32_t sample)
 {
+    if (sample >= index_.Samples()) return false;
     if (!ahead_) ahead_ = std::make_unique<MovieAhead>(*file_->streams[stream_]);
     if (!ahead_->Has(sample) || next_ != aheadNext_) {
         ahead_->Drop();
