@@ -1,11 +1,13 @@
 // See MovieIndex.h.
 #include "MovieIndex.h"
 
+#include "MovieFields.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <numeric>
+#include <span>
 
 namespace {
 
@@ -50,7 +52,7 @@ bool MovieIndex::Take_Table(AVFormatContext const& file, AVStream& stream, AVPac
         std::int64_t const time = entry->timestamp;
         if (i > 0) samples_.back().duration = time - samples_.back().dts;
         samples_.push_back({time + shift + offsets[static_cast<std::size_t>(i)], time, 0, entry->size, -1,
-                            (entry->flags & AVINDEX_KEYFRAME) != 0});
+                            (entry->flags & AVINDEX_KEYFRAME) != 0, false});
         isShown.push_back(!(entry->flags & AVINDEX_DISCARD_FRAME));
     }
     samples_.back().duration = std::max<std::int64_t>(
@@ -60,22 +62,27 @@ bool MovieIndex::Take_Table(AVFormatContext const& file, AVStream& stream, AVPac
     return true;
 }
 
-bool MovieIndex::Scan(AVFormatContext& file, int stream, AVPacket const& first)
+bool MovieIndex::Scan(AVFormatContext& file, int stream, std::span<AVPacket const* const> begun)
 {
     constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
-    MovieOwner<AVPacket> packet(av_packet_clone(&first));
+    MovieOwner<AVPacket> packet(av_packet_alloc());
     if (!packet) return false;
     std::vector<bool> isShown;
-    do {
-        if (packet->stream_index == stream && samples_.size() < most) {
-            samples_.push_back({packet->pts, packet->dts, packet->duration, packet->size, -1,
-                                (packet->flags & AV_PKT_FLAG_KEY) != 0});
-            isShown.push_back(!(packet->flags & AV_PKT_FLAG_DISCARD));
-        }
-        av_packet_unref(packet.get());
-    } while (av_read_frame(&file, packet.get()) >= 0);
+    FieldPairs fields(*file.streams[stream]);
+    auto const add = [&](AVPacket const& next) {
+        if (next.stream_index != stream || samples_.size() >= most) return;
+        bool const isSecond = fields.Is_Second(next);
+        bool const isKey = next.flags & AV_PKT_FLAG_KEY && !isSecond;
+        samples_.push_back({next.pts, next.dts, next.duration, next.size, -1, isKey, isSecond});
+        isShown.push_back(!(next.flags & AV_PKT_FLAG_DISCARD) && !isSecond);
+    };
+    for (AVPacket const* next : begun)
+        add(*next);
+    for (; av_read_frame(&file, packet.get()) >= 0; av_packet_unref(packet.get()))
+        add(*packet);
     if (samples_.empty()) return false;
-    hasTimes_ = std::ranges::none_of(samples_, [](auto const& s) { return s.pts == AV_NOPTS_VALUE; });
+    hasTimes_ = std::ranges::none_of(
+        samples_, [](auto const& s) { return s.pts == AV_NOPTS_VALUE && !s.isSecondField; });
     if (!hasTimes_ && Is_In_Order(*file.streams[stream])) {
         hasTimes_ = std::ranges::none_of(samples_, [](auto const& s) { return s.dts == AV_NOPTS_VALUE; });
         if (hasTimes_)
@@ -169,8 +176,21 @@ void MovieIndex::Settle_Rate(AVFormatContext& file, AVStream& stream)
 
 bool MovieIndex::Build(AVFormatContext& file, int stream, AVPacket const& first)
 {
-    isFromTable_ = Take_Table(file, *file.streams[stream], first);
-    if (!isFromTable_ && !Scan(file, stream, first)) return false;
+    AVStream& track = *file.streams[stream];
+    std::vector<AVPacket const*> begun{&first};
+    FieldPairs fields(track);
+    fields.Is_Second(first);
+    // Tables do not tell two fields in samples of their own from two pictures. Movie files hardly ever have
+    // them.
+    MovieOwner<AVPacket> second(av_packet_alloc());
+    bool hasPairs = false;
+    if (fields.Has_Field() && second && av_read_frame(&file, second.get()) >= 0) {
+        begun.push_back(second.get());
+        hasPairs = second->stream_index == stream && fields.Is_Second(*second);
+    }
+    bool const hasTable = !hasPairs && Take_Table(file, track, first);
+    isAtFirst_ = hasTable && begun.size() == 1;
+    if (!hasTable && !Scan(file, stream, begun)) return false;
     if (shown_.empty()) return false;
     Settle_Rate(file, *file.streams[stream]);
     return true;

@@ -89,7 +89,7 @@ bool MoviePictures::Describe()
     AVCodecParameters const& codec = *stream.codecpar;
     if (codec.width < 1 || codec.height < 1) return false;
     if (!index_.Build(*file_, stream_, *packet_)) return false;
-    if (index_.Is_From_Table())
+    if (index_.Is_At_First())
         next_ = 0;
     else
         hasPacket_ = false;
@@ -264,7 +264,7 @@ bool MoviePictures::Can_Go_On(std::int32_t shown) const
 /// Hands the next packet to the decoder, or the news that there is none, also behind the sample `last`.
 bool MoviePictures::Feed(std::int32_t last)
 {
-    bool const isOver = stopsAtWanted_ && next_ > last;
+    bool const isOver = stopsAtWanted_ && next_ > index_.Picture_End(last);
     if (isOver || next_ < 0 || next_ >= index_.Samples() || !Read_Packet()) {
         if (isEnding_) return false;
         isEnding_ = true;
