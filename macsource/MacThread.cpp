@@ -83,6 +83,12 @@ static void* Run_Thread(void* argument)
     return nullptr;
 }
 
+static void Wait_For_Start(OSThread& thread)
+{
+    while (thread.id == 0)
+        OS_Wait_On_Word(thread.id, 0, -1);
+}
+
 OSThread* OS_Start_Thread(void (*entry)(void*), void* argument)
 {
     auto* thread = new (std::nothrow) OSThread{entry, argument};
@@ -101,6 +107,7 @@ void OS_Join_Thread(OSThread* thread)
 void OS_Terminate_Thread(OSThread* thread)
 {
     Install_End_Signal();
+    Wait_For_Start(*thread);  // a signal before that would find no record
     // The kernel keeps a limited number of signals waiting.
     while (pthread_sigqueue(thread->handle, End_Signal(), {.sival_ptr = &endMark}) == EAGAIN)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -130,8 +137,7 @@ static int Nice_Value(long weight)
 
 bool OS_Set_Thread_Weight(OSThread* thread, long weight)
 {
-    while (thread->id == 0)
-        OS_Wait_On_Word(thread->id, 0, -1);
+    Wait_For_Start(*thread);
     id_t const id = thread->id;
     int const wanted = Nice_Value(weight);
     if (setpriority(PRIO_PROCESS, id, wanted) == 0 || errno == ESRCH) return true;
