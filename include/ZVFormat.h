@@ -143,11 +143,6 @@ ZV_API void InitAllFormatModulesZV(ZVScanDesc* scan);
 /// characters: up to the line "QuickTime 10-bit codecs" those of 16 bits a channel, behind it those of 10.
 ZV_API long Add_QuickTime_Format(ZVScanDesc* scan);
 
-/// Gives the options of a movie clip the settings of its streaming, behind each block that there is; a block
-/// that has some keeps them. 1, or 0 without a block and with error 1, the blocks then being as they were.
-/// @param silent  takes the usual settings without asking
-ZV_API long Quicktime_StreamingOptions(ZVClip* clip, bool silent);
-
 /// The module that claims a file, or null with error 15.
 ZV_API ZVFormatDesc* GetFormatModuleZV(char const* spec);
 

@@ -2,7 +2,9 @@
 // are, each field of one shade.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <vector>
 
 class FieldMovie {

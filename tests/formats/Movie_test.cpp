@@ -3,6 +3,7 @@
 #include "FieldMovie.h"
 #include "FormatTest.h"
 #include "PlanarFrame.h"
+#include "formats/QuickTimeModule.h"
 
 #include <array>
 #include <cmath>
