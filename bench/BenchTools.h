@@ -29,7 +29,7 @@ inline double Median(std::vector<double>& values)
 
 /// Registers a measurement. `make` prepares it and returns a pair of functions, the operation and its
 /// yardstick, or a tuple with a third that runs before each of them, untimed; a limit of 0 is none.
-template <typename Make> void Register(std::string const& name, double limit, Make make)
+template <typename Make> void Register(std::string const& name, double limit, Make make, int iterations = 41)
 {
     auto const run = [limit, make](benchmark::State& state) {
         auto const parts = make();
@@ -54,7 +54,7 @@ template <typename Make> void Register(std::string const& name, double limit, Ma
     benchmark::RegisterBenchmark(name.c_str(), run)
         ->UseManualTime()
         ->Unit(benchmark::kMillisecond)
-        ->Iterations(41);
+        ->Iterations(iterations);
 }
 
 }  // namespace Bench

@@ -1,18 +1,13 @@
 // Field filters, weighted sums and alpha conventions at 1920 x 1080. The yardstick is one memcpy of half as
 // many bytes as the operation reads and writes.
+#include "BenchBitmaps.h"
 #include "BenchTools.h"
 #include "ZVLibInternal.h"
 
-#include <cstring>
-#include <memory>
-
 namespace {
 
-constexpr long width = 1920, height = 1080;
+using namespace Bench;
 
-struct Deleter {
-    void operator()(ZVBitmap* bitmap) const { FreeBitmapZV(bitmap); }
-};
 template <typename Buffer> using BufferPtr = std::shared_ptr<Buffer>;
 
 /// A picture with all values and alphas in it.
@@ -33,20 +28,6 @@ template <typename Buffer> BufferPtr<Buffer> Make_Picture(ZVBitmapType type)
     return bitmap;
 }
 
-/// A memcpy of some rows' worth of bytes.
-auto Make_Memcpy(long packSize, long rows)
-{
-    auto const block = [=] {
-        std::shared_ptr<ZVBitmap> const bitmap(
-            AllocBitmapZV(width * packSize, rows, ZV_BITMAP_MONO8, nullptr), Deleter());
-        std::memset(bitmap->Pixels, 1, static_cast<std::size_t>(bitmap->Size));
-        return bitmap;
-    };
-    return [from = block(), to = block()] {
-        std::memcpy(to->Pixels, from->Pixels, static_cast<std::size_t>(from->Size));
-    };
-}
-
 template <typename Buffer, typename Work>
 void Register_In_Place(std::string const& name, double limit, ZVBitmapType type, Work work,
                        long rows = height)
@@ -55,7 +36,7 @@ void Register_In_Place(std::string const& name, double limit, ZVBitmapType type,
         auto const bitmap = Make_Picture<Buffer>(type);
         auto const original = Make_Picture<Buffer>(type);
         return std::tuple(
-            [=] { work(bitmap.get()); }, Make_Memcpy(bitmap->PackSize, rows),
+            [=] { work(bitmap.get()); }, Make_Memcpy(2 * width * rows * bitmap->PackSize),
             [=] { std::memcpy(bitmap->Pixels, original->Pixels, static_cast<std::size_t>(bitmap->Size)); });
     });
 }
@@ -67,7 +48,7 @@ void Register_Pair(std::string const& name, double limit, ZVBitmapType type, boo
     Bench::Register(name, limit, [=] {
         auto const source = Make_Picture<Buffer>(type), destination = Make_Picture<Buffer>(type);
         return std::pair([=] { work(source.get(), destination.get()); },
-                         Make_Memcpy(source->PackSize, isAdded ? height * 3 / 2 : height));
+                         Make_Memcpy(width * height * source->PackSize * (isAdded ? 3 : 2)));
     });
 }
 

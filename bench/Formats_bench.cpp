@@ -1,6 +1,7 @@
 // EIDI packets on memory, and frames of 1920 x 1080 read and written through their modules with a warm page
 // cache. The yardstick of a codec is one memcpy of the picture; of a file, the plain read or write of the
 // picture's bytes.
+#include "BenchSession.h"
 #include "BenchTools.h"
 #include "formats/EIDIPackets.h"
 #include "formats/EIDIRows.h"
@@ -117,39 +118,6 @@ void Register_Codec(std::string const& bits, long unitBytes, double decodeLimit,
 
 // ---- files ----------------------------------------------------------------------------------------------
 
-/// A library without interface and a directory, for as long as a measurement runs.
-class Session {
-public:
-    Session()
-    {
-        std::string pattern = std::filesystem::temp_directory_path() / "zvbench.XXXXXX";
-        if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary directory");
-        directory_ = pattern;
-        setenv("KL_APP_DATA_DIR", directory_.c_str(), 1);
-        if (!InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 1, 0))
-            throw std::runtime_error("InitZV");
-        InitFormatModulesZV(nullptr);
-    }
-    ~Session()
-    {
-        CleanUpZV();
-        std::filesystem::remove_all(directory_);
-    }
-    Session(Session const&) = delete;
-    Session& operator=(Session const&) = delete;
-
-    std::string Path(std::string const& name) const { return directory_ + "/" + name; }
-    std::string Spec(std::string const& name) const
-    {
-        std::string spec = Path(name);
-        std::replace(spec.begin(), spec.end(), '/', '\\');
-        return "Root:" + spec;
-    }
-
-private:
-    std::string directory_;
-};
-
 /// A clip that is written or read over and over again, in turn of its frames, and the same done plainly.
 class FileWork {
 public:
@@ -224,7 +192,7 @@ private:
     }
     void Leave() { FreeClipZV(std::exchange(clip_, nullptr)); }
 
-    Session session_;
+    Bench::Session session_;
     std::string name_;
     uint8_t alphaType_;
     ZVBitmap* bitmap_;

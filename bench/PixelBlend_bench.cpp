@@ -1,43 +1,21 @@
 // Fills, compositing and disabling at 1920 x 1080. The yardstick of a fill is one memset of the same bytes,
 // or one memcpy where bytes are read too; of compositing RGBA8, premultiplied OVER by pixman, and the told
 // formula in a plain loop; of other sources one memcpy.
+#include "BenchBitmaps.h"
 #include "BenchTools.h"
-#include "ZVBitmap.h"
 
-#include <array>
-#include <cstring>
-#include <memory>
 #include <pixman.h>
 #include <random>
 
 namespace {
 
-constexpr long width = 1920, height = 1080;
+using namespace Bench;
+
 constexpr auto pixels = static_cast<std::size_t>(width * height);
 
-struct Deleter {
-    void operator()(ZVBitmap* bitmap) const { FreeBitmapZV(bitmap); }
-    void operator()(ZVNativeBitmap* bitmap) const { FreeBitmapZV(bitmap); }
+struct ImageDeleter {
     void operator()(pixman_image_t* image) const { pixman_image_unref(image); }
 };
-using BitmapPtr = std::shared_ptr<ZVBitmap>;
-
-struct Type {
-    char const* name;
-    ZVBitmapType type;
-};
-constexpr Type types[] = {{"8", ZV_BITMAP_RGBA8},
-                          {"10", ZV_BITMAP_RGBA10},
-                          {"12", ZV_BITMAP_RGBA12},
-                          {"16", ZV_BITMAP_RGBA16},
-                          {"float", ZV_BITMAP_RGBAFLOAT}};
-
-BitmapPtr Make_Bitmap(ZVBitmapType type)
-{
-    BitmapPtr bitmap(AllocBitmapZV(width, height, type, nullptr), Deleter());
-    FillBitmapZV(bitmap.get(), 0x11223344);
-    return bitmap;
-}
 
 // ---- fills ------------------------------------------------------------------------------------------------
 
@@ -48,18 +26,16 @@ auto Make_Memset(ZVBitmapType type)
     };
 }
 
-auto Make_Memcpy(ZVBitmapType type)
+auto Make_Copy(ZVBitmapType type)
 {
-    return [from = Make_Bitmap(type), to = Make_Bitmap(type)] {
-        std::memcpy(to->Pixels, from->Pixels, static_cast<std::size_t>(from->Size));
-    };
+    return Make_Memcpy(2 * width * height * GetPackSizeZV(type));
 }
 
 template <typename Work>
 void Register_Memcpy(std::string const& name, double limit, ZVBitmapType type, Work work)
 {
     Bench::Register(name, limit, [=] {
-        return std::pair([work, bitmap = Make_Bitmap(type)] { work(bitmap.get()); }, Make_Memcpy(type));
+        return std::pair([work, bitmap = Make_Bitmap(type)] { work(bitmap.get()); }, Make_Copy(type));
     });
 }
 
@@ -99,7 +75,7 @@ constexpr Alpha alphas[] = {{"random", [](long, uint32_t random) { return random
 /// pixman.
 struct Scene {
     BitmapPtr source = Make_Bitmap(ZV_BITMAP_RGBA8);
-    std::shared_ptr<ZVNativeBitmap> target{AllocNativeBitmapZV(width, height, 32), Deleter()};
+    NativePtr target = Make_Native(32);
     std::vector<uint32_t> backdrop = std::vector<uint32_t>(pixels);
     std::vector<uint32_t> premultiplied = std::vector<uint32_t>(pixels);
     std::vector<uint32_t> pixmanTarget = std::vector<uint32_t>(pixels);
@@ -124,7 +100,7 @@ struct Scene {
         }
         auto const image = [](pixman_format_code_t format, std::vector<uint32_t>& words) {
             return std::shared_ptr<pixman_image_t>(
-                pixman_image_create_bits(format, width, height, words.data(), width * 4), Deleter());
+                pixman_image_create_bits(format, width, height, words.data(), width * 4), ImageDeleter());
         };
         over = image(PIXMAN_a8r8g8b8, premultiplied);
         under = image(PIXMAN_x8r8g8b8, pixmanTarget);
@@ -199,7 +175,7 @@ void Register_Blends()
             BitmapPtr const source = Make_Bitmap(type.type);
             return std::tuple(
                 [=] { AlphaBlendBitmapZV(source.get(), scene->target.get(), 0, 0, -1, -1, 0, 0, nullptr); },
-                Make_Memcpy(type.type), [=] { scene->Reset(); });
+                Make_Copy(type.type), [=] { scene->Reset(); });
         });
     }
     for (long const depth : {16L, 24L}) {
@@ -207,7 +183,7 @@ void Register_Blends()
             auto const scene = std::make_shared<Scene>(alphas[0]);
             scene->target->Depth = static_cast<int32_t>(depth);
             scene->target->PackSize = static_cast<int32_t>(depth / 8);
-            return std::tuple([=] { Blend(*scene); }, Make_Memcpy(ZV_BITMAP_RGBA8), [=] { scene->Reset(); });
+            return std::tuple([=] { Blend(*scene); }, Make_Copy(ZV_BITMAP_RGBA8), [=] { scene->Reset(); });
         });
     }
 }

@@ -1,54 +1,19 @@
 // Copy, conversion and scaling at 1920 x 1080, and what fresh pixel memory costs. The yardstick of a copy is
 // one memcpy with as many bytes read and written; of a scale, the nearest filter of pixman; of an allocation,
 // the filling alone.
+#include "BenchBitmaps.h"
 #include "BenchTools.h"
-#include "ZVBitmap.h"
 
-#include <array>
-#include <cstring>
-#include <memory>
 #include <pixman.h>
 
 namespace {
 
-constexpr long width = 1920, height = 1080;
+using namespace Bench;
 
-struct Deleter {
-    void operator()(ZVBitmap* bitmap) const { FreeBitmapZV(bitmap); }
-    void operator()(ZVNativeBitmap* bitmap) const { FreeBitmapZV(bitmap); }
+struct ImageDeleter {
     void operator()(pixman_image_t* image) const { pixman_image_unref(image); }
 };
-using BitmapPtr = std::shared_ptr<ZVBitmap>;
-using NativePtr = std::shared_ptr<ZVNativeBitmap>;
 using ImagePtr = std::shared_ptr<pixman_image_t>;
-
-BitmapPtr Make_Bitmap(long w, long h, ZVBitmapType type)
-{
-    BitmapPtr const bitmap(AllocBitmapZV(w, h, type, nullptr), Deleter());
-    ZVFloatRGB const color{0.25, 0.5, 0.75, 1.0};
-    for (long x = 0; x < w; ++x)
-        WriteFloatPixelZV(bitmap.get(), x, 0, &color);
-    for (long y = 1; y < h; ++y)
-        std::memcpy(bitmap->Pixels + y * bitmap->RowBytes, bitmap->Pixels,
-                    static_cast<std::size_t>(bitmap->RowBytes));
-    return bitmap;
-}
-
-NativePtr Make_Native(long w, long h, long depth)
-{
-    NativePtr const bitmap(AllocNativeBitmapZV(w, h, depth), Deleter());
-    bitmap->Depth = static_cast<int32_t>(depth);
-    bitmap->PackSize = static_cast<int32_t>(depth / 8);
-    return bitmap;
-}
-
-/// A memcpy that reads and writes as many bytes as the work does, in memory of the same kind.
-auto Make_Memcpy(long bytesReadAndWritten)
-{
-    long const half = bytesReadAndWritten / 2;
-    BitmapPtr const from = Make_Bitmap(half, 1, ZV_BITMAP_MONO8), to = Make_Bitmap(half, 1, ZV_BITMAP_MONO8);
-    return [=] { std::memcpy(to->Pixels, from->Pixels, static_cast<std::size_t>(half)); };
-}
 
 template <typename Source, typename Target>
 void Register_Copy(std::string const& name, double limit, Source makeSource, Target makeTarget)
@@ -60,16 +25,6 @@ void Register_Copy(std::string const& name, double limit, Source makeSource, Tar
         return std::pair(work, Make_Memcpy(width * height * (source->PackSize + target->PackSize)));
     });
 }
-
-struct Type {
-    char const* name;
-    ZVBitmapType type;
-};
-constexpr Type types[] = {{"8", ZV_BITMAP_RGBA8},
-                          {"10", ZV_BITMAP_RGBA10},
-                          {"12", ZV_BITMAP_RGBA12},
-                          {"16", ZV_BITMAP_RGBA16},
-                          {"float", ZV_BITMAP_RGBAFLOAT}};
 
 double Conversion_Limit(ZVBitmapType from, ZVBitmapType to)
 {
@@ -84,8 +39,8 @@ double Conversion_Limit(ZVBitmapType from, ZVBitmapType to)
 
 void Register_Copies()
 {
-    auto const bitmap = [](ZVBitmapType type) { return [type] { return Make_Bitmap(width, height, type); }; };
-    auto const native = [](long depth) { return [depth] { return Make_Native(width, height, depth); }; };
+    auto const bitmap = [](ZVBitmapType type) { return [type] { return Make_Bitmap(type); }; };
+    auto const native = [](long depth) { return [depth] { return Make_Native(depth); }; };
     for (Type const& from : types)
         for (Type const& to : types)
             Register_Copy(std::string(from.name) + "_to_" + to.name, Conversion_Limit(from.type, to.type),
@@ -104,13 +59,12 @@ void Register_Copies()
 /// The same scale by pixman, between images over pixels of its own.
 auto Make_Pixman_Scale(long toWidth, long toHeight)
 {
-    BitmapPtr const from = Make_Bitmap(width, height, ZV_BITMAP_RGBA8),
-                    to = Make_Bitmap(toWidth, toHeight, ZV_BITMAP_RGBA8);
+    BitmapPtr const from = Make_Bitmap(ZV_BITMAP_RGBA8), to = Make_Bitmap(ZV_BITMAP_RGBA8, toWidth, toHeight);
     auto const image = [](BitmapPtr const& bitmap) {
         return ImagePtr(pixman_image_create_bits(PIXMAN_a8r8g8b8, bitmap->Width, bitmap->Height,
                                                  reinterpret_cast<uint32_t*>(bitmap->Pixels),
                                                  bitmap->RowBytes),
-                        Deleter());
+                        ImageDeleter());
     };
     ImagePtr const source = image(from), target = image(to);
     pixman_transform_t transform;
@@ -132,8 +86,8 @@ void Register_Scale(long toWidth, long toHeight, double limit)
     for (Type const& to : types) {
         bool const isSame = to.type == ZV_BITMAP_RGBA8;
         Bench::Register(isSame ? name : name + "_" + to.name, isSame ? limit : 0, [=] {
-            BitmapPtr const source = Make_Bitmap(width, height, ZV_BITMAP_RGBA8),
-                            target = Make_Bitmap(toWidth, toHeight, to.type);
+            BitmapPtr const source = Make_Bitmap(ZV_BITMAP_RGBA8),
+                            target = Make_Bitmap(to.type, toWidth, toHeight);
             auto const work = [=] { ScaleBitmapZV(source.get(), target.get(), nullptr, nullptr); };
             return std::pair(work, Make_Pixman_Scale(toWidth, toHeight));
         });
@@ -149,7 +103,7 @@ void Register_Allocation()
             std::memset(bitmap->Pixels, 0x55, size);
             FreeBitmapZV(bitmap);
         };
-        BitmapPtr const kept = Make_Bitmap(width, height, ZV_BITMAP_RGBA8);
+        BitmapPtr const kept = Make_Bitmap(ZV_BITMAP_RGBA8);
         return std::pair(work, [=] { std::memset(kept->Pixels, 0x55, size); });
     });
 }

@@ -13,18 +13,6 @@ bool Is_RGB(int format)
     return descriptor && descriptor->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL);
 }
 
-bool Is_Full_Range(AVFrame const& picture)
-{
-    switch (picture.format) {
-    case AV_PIX_FMT_YUVJ420P:
-    case AV_PIX_FMT_YUVJ422P:
-    case AV_PIX_FMT_YUVJ444P:
-    case AV_PIX_FMT_YUVJ440P:
-    case AV_PIX_FMT_YUVJ411P: return true;
-    default: return picture.color_range == AVCOL_RANGE_JPEG || Is_RGB(picture.format);
-    }
-}
-
 /// Pixels of somebody else as a picture for as long as the call lasts.
 bool Wrap(AVFrame& frame, void const* pixels, std::size_t rowBytes, int width, int height,
           AVPixelFormat format)
@@ -84,6 +72,18 @@ void Spread_Grey(AVFrame const& picture, bool hasAlpha, void* pixels, std::size_
 
 }  // namespace
 
+bool Is_Full_Range(AVFrame const& picture)
+{
+    switch (picture.format) {
+    case AV_PIX_FMT_YUVJ420P:
+    case AV_PIX_FMT_YUVJ422P:
+    case AV_PIX_FMT_YUVJ444P:
+    case AV_PIX_FMT_YUVJ440P:
+    case AV_PIX_FMT_YUVJ411P: return true;
+    default: return picture.color_range == AVCOL_RANGE_JPEG || Is_RGB(picture.format);
+    }
+}
+
 AVPixelFormat Pixel_Format(HostPixels layout)
 {
     return layout == HostPixels::RGBA8 ? AV_PIX_FMT_RGBA : AV_PIX_FMT_RGBA64;
@@ -128,7 +128,9 @@ bool PictureConverter::To_RGBA(AVFrame const& picture, int width, int height, vo
                                std::size_t rowBytes, HostPixels layout)
 {
     GreyLayout grey{};
-    if (picture.width == width && picture.height == height && Grey_Layout(picture.format, grey)) {
+    bool const isSameSize = picture.width == width && picture.height == height;
+    if (isSameSize && planar_.To_RGBA(picture, pixels, rowBytes, layout)) return true;
+    if (isSameSize && Grey_Layout(picture.format, grey)) {
         bool const isWide = layout == HostPixels::RGBA16;
         auto const spread = grey.isDeep ? (isWide ? Spread_Grey<std::uint16_t, std::uint16_t>
                                                   : Spread_Grey<std::uint16_t, std::uint8_t>)

@@ -1,9 +1,7 @@
 // Decoded pictures to and from rows of red, green, blue and alpha.
 #pragma once
 
-#include "MovieLibrary.h"
-
-#include <array>
+#include "MoviePlanar.h"
 
 /// Converts with fixed settings, so that a picture comes out the same on every machine: accurate rounding,
 /// full chroma interpolation, and no machine's own short cuts. Colour matrix and range are those of the
@@ -24,6 +22,7 @@ private:
     };
     bool Prepare(Shape const& source, Shape const& target);
 
+    PlanarConverter planar_;
     MovieOwner<SwsContext> context_;
     Shape source_{}, target_{};
     MovieOwner<AVFrame> from_, to_;

@@ -12,6 +12,9 @@ namespace {
 
 char const UrlScheme[] = "file:";
 
+/// Pixels of a picture that is still decoded; a file of some bytes can tell of any number.
+constexpr std::int64_t MostPixels = 1 << 28;
+
 /// Formats that are no movies or sound of their own: lists that lead to other files, devices and networks,
 /// single pictures, drawn text, subtitles, and bare samples whose shape only a user could tell.
 constexpr std::string_view notMovies[] = {
@@ -120,10 +123,27 @@ std::string Movie_Url(char const* path)
     return UrlScheme + std::string(path);
 }
 
+char const* Movie_Path(char const* url)
+{
+    return url + std::strlen(UrlScheme);
+}
+
+/// Learns what the streams hold, with decoders that are held to the largest picture.
+static int Find_Streams(AVFormatContext& file)
+{
+    std::vector<AVDictionary*> options(file.nb_streams, nullptr);
+    for (AVDictionary*& option : options)
+        av_dict_set_int(&option, "max_pixels", MostPixels, 0);
+    int const result = avformat_find_stream_info(&file, options.data());
+    for (AVDictionary*& option : options)
+        av_dict_free(&option);
+    return result;
+}
+
 MovieOwner<AVFormatContext> Open_Movie_File(std::string const& url, HostMovieError& error)
 {
     error = HostMovieError::Unreadable;
-    if (!Movie_Tables_Fit(url.c_str() + std::strlen(UrlScheme))) return nullptr;
+    if (!Movie_Tables_Fit(Movie_Path(url.c_str()))) return nullptr;
     error = HostMovieError::Memory;
     AVFormatContext* context = avformat_alloc_context();
     if (!context) return nullptr;
@@ -133,7 +153,7 @@ MovieOwner<AVFormatContext> Open_Movie_File(std::string const& url, HostMovieErr
     int result = avformat_open_input(&context, url.c_str(), nullptr, options.Address());
     // A failed opening has freed the context.
     MovieOwner<AVFormatContext> file(result < 0 ? nullptr : context);
-    if (file) result = avformat_find_stream_info(file.get(), nullptr);
+    if (file) result = Find_Streams(*file);
     error = result == AVERROR(ENOMEM) ? HostMovieError::Memory : HostMovieError::Unreadable;
     if (result < 0) return nullptr;
     error = HostMovieError::None;
@@ -146,14 +166,21 @@ void Select_Stream(AVFormatContext& file, int stream)
         file.streams[i]->discard = static_cast<int>(i) == stream ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
 }
 
-MovieOwner<AVCodecContext> Open_Decoder(AVStream const& stream)
+bool Is_Intra(AVStream const& stream)
+{
+    AVCodecDescriptor const* descriptor = avcodec_descriptor_get(stream.codecpar->codec_id);
+    return descriptor && descriptor->props & AV_CODEC_PROP_INTRA_ONLY;
+}
+
+MovieOwner<AVCodecContext> Open_Decoder(AVStream const& stream, int threads, int manner)
 {
     AVCodec const* codec = avcodec_find_decoder(stream.codecpar->codec_id);
     if (!codec) return nullptr;
     MovieOwner<AVCodecContext> context(avcodec_alloc_context3(codec));
     if (!context || avcodec_parameters_to_context(context.get(), stream.codecpar) < 0) return nullptr;
     context->pkt_timebase = stream.time_base;
-    context->thread_count = 0;  // as many as there are processors
-    context->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
+    context->max_pixels = MostPixels;
+    context->thread_count = threads;
+    context->thread_type = manner;
     return avcodec_open2(context.get(), codec, nullptr) < 0 ? nullptr : std::move(context);
 }

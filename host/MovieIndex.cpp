@@ -1,20 +1,15 @@
 // See MovieIndex.h.
 #include "MovieIndex.h"
 
+#include "MovieFields.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <numeric>
+#include <span>
 
 namespace {
-
-/// Every sample has a picture of its own, shown at the time at which it is decoded.
-bool Is_Intra(AVStream const& stream)
-{
-    AVCodecDescriptor const* descriptor = avcodec_descriptor_get(stream.codecpar->codec_id);
-    return descriptor && descriptor->props & AV_CODEC_PROP_INTRA_ONLY;
-}
 
 /// Codecs without frames shown out of order but with such that need others.
 bool Is_In_Order(AVStream const& stream)
@@ -36,43 +31,58 @@ double Seconds(AVRational unit)
 
 }  // namespace
 
-bool MovieIndex::Take_Table(AVFormatContext const& file, AVStream& stream)
+/// The library has the times of decoding, after the edits of the movie, and the file how much later samples
+/// are shown; the first packet tells what is added to all of them. Fragments come with tables of their own,
+/// which are read on the way, and edits that leave out samples or repeat them are followed by the library
+/// alone.
+bool MovieIndex::Take_Table(AVFormatContext const& file, AVStream& stream, AVPacket const& first)
 {
     int const entries = avformat_index_get_entries_count(&stream);
-    if (!std::strstr(file.iformat->name, "mov") || !Is_In_Order(stream) || entries < 1) return false;
-    // Fragments come with tables of their own, which are read on the way.
-    if (stream.nb_frames < 1 || entries < stream.nb_frames) return false;
+    if (!std::strstr(file.iformat->name, "mov") || entries < 1 || entries != stream.nb_frames) return false;
+    std::vector<std::int32_t> offsets(static_cast<std::size_t>(entries));
+    if (!Read_Movie_Offsets(Movie_Path(file.url), stream.id, offsets)) return false;
+    AVIndexEntry const* const start = avformat_index_get_entry(&stream, 0);
+    if (first.pts == AV_NOPTS_VALUE || first.dts != start->timestamp || first.size != start->size)
+        return false;
+    std::int64_t const shift = first.pts - first.dts - offsets[0];
     std::vector<bool> isShown;
-    samples_.reserve(static_cast<std::size_t>(entries));
+    samples_.reserve(offsets.size());
     for (int i = 0; i < entries; ++i) {
         AVIndexEntry const* entry = avformat_index_get_entry(&stream, i);
-        if (i > 0) samples_.back().duration = entry->timestamp - samples_.back().pts;
-        Add({entry->timestamp, entry->timestamp, 0, entry->size, -1, (entry->flags & AVINDEX_KEYFRAME) != 0});
+        std::int64_t const time = entry->timestamp;
+        if (i > 0) samples_.back().duration = time - samples_.back().dts;
+        samples_.push_back({time + shift + offsets[static_cast<std::size_t>(i)], time, 0, entry->size, -1,
+                            (entry->flags & AVINDEX_KEYFRAME) != 0, false});
         isShown.push_back(!(entry->flags & AVINDEX_DISCARD_FRAME));
     }
-    std::int64_t const end = stream.duration != AV_NOPTS_VALUE ? stream.duration : 0;
-    samples_.back().duration = std::max<std::int64_t>(0, end - samples_.back().pts);
+    samples_.back().duration = std::max<std::int64_t>(
+        0, stream.duration != AV_NOPTS_VALUE ? stream.duration - samples_.back().dts
+                                             : (entries > 1 ? samples_[samples_.size() - 2].duration : 0));
     Order_Shown(isShown);
     return true;
 }
 
-bool MovieIndex::Scan(AVFormatContext& file, int stream)
+bool MovieIndex::Scan(AVFormatContext& file, int stream, std::span<AVPacket const* const> begun)
 {
+    constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
     MovieOwner<AVPacket> packet(av_packet_alloc());
     if (!packet) return false;
     std::vector<bool> isShown;
-    while (av_read_frame(&file, packet.get()) >= 0) {
-        if (packet->stream_index == stream &&
-            samples_.size() < static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
-            std::int64_t const pts = packet->pts;
-            Add({pts, packet->dts, packet->duration, packet->size, -1,
-                 (packet->flags & AV_PKT_FLAG_KEY) != 0});
-            isShown.push_back(!(packet->flags & AV_PKT_FLAG_DISCARD));
-        }
-        av_packet_unref(packet.get());
-    }
+    FieldPairs fields(*file.streams[stream]);
+    auto const add = [&](AVPacket const& next) {
+        if (next.stream_index != stream || samples_.size() >= most) return;
+        bool const isSecond = fields.Is_Second(next);
+        bool const isKey = next.flags & AV_PKT_FLAG_KEY && !isSecond;
+        samples_.push_back({next.pts, next.dts, next.duration, next.size, -1, isKey, isSecond});
+        isShown.push_back(!(next.flags & AV_PKT_FLAG_DISCARD) && !isSecond);
+    };
+    for (AVPacket const* next : begun)
+        add(*next);
+    for (; av_read_frame(&file, packet.get()) >= 0; av_packet_unref(packet.get()))
+        add(*packet);
     if (samples_.empty()) return false;
-    hasTimes_ = std::ranges::none_of(samples_, [](auto const& s) { return s.pts == AV_NOPTS_VALUE; });
+    hasTimes_ = std::ranges::none_of(
+        samples_, [](auto const& s) { return s.pts == AV_NOPTS_VALUE && !s.isSecondField; });
     if (!hasTimes_ && Is_In_Order(*file.streams[stream])) {
         hasTimes_ = std::ranges::none_of(samples_, [](auto const& s) { return s.dts == AV_NOPTS_VALUE; });
         if (hasTimes_)
@@ -164,10 +174,23 @@ void MovieIndex::Settle_Rate(AVFormatContext& file, AVStream& stream)
     frames_ = std::max<std::int64_t>(1, std::llround(std::min(length / ticksPerFrame_, 2147483647.0)));
 }
 
-bool MovieIndex::Build(AVFormatContext& file, int stream)
+bool MovieIndex::Build(AVFormatContext& file, int stream, AVPacket const& first)
 {
-    isFromTable_ = Take_Table(file, *file.streams[stream]);
-    if (!isFromTable_ && !Scan(file, stream)) return false;
+    AVStream& track = *file.streams[stream];
+    std::vector<AVPacket const*> begun{&first};
+    FieldPairs fields(track);
+    fields.Is_Second(first);
+    // Tables do not tell two fields in samples of their own from two pictures. Movie files hardly ever have
+    // them.
+    MovieOwner<AVPacket> second(av_packet_alloc());
+    bool hasPairs = false;
+    if (fields.Has_Field() && second && av_read_frame(&file, second.get()) >= 0) {
+        begun.push_back(second.get());
+        hasPairs = second->stream_index == stream && fields.Is_Second(*second);
+    }
+    bool const hasTable = !hasPairs && Take_Table(file, track, first);
+    isAtFirst_ = hasTable && begun.size() == 1;
+    if (!hasTable && !Scan(file, stream, begun)) return false;
     if (shown_.empty()) return false;
     Settle_Rate(file, *file.streams[stream]);
     return true;
@@ -195,8 +218,8 @@ std::int32_t MovieIndex::Key_Before(std::int32_t sample, int back) const
 std::int32_t MovieIndex::Find(AVPacket const& packet) const
 {
     if (!isSorted_ || packet.dts == AV_NOPTS_VALUE) return -1;
-    auto const [begin, end] = std::ranges::equal_range(samples_, packet.dts, {}, &MovieSample::dts);
-    for (auto sample = begin; sample != end; ++sample)
+    auto sample = std::ranges::lower_bound(samples_, packet.dts, {}, &MovieSample::dts);
+    for (; sample != samples_.end() && sample->dts == packet.dts; ++sample)
         if (sample->pts == packet.pts && sample->size == packet.size)
             return static_cast<std::int32_t>(sample - samples_.begin());
     return -1;

@@ -4,20 +4,24 @@
 
 #include "MovieLibrary.h"
 
+#include <span>
+
 struct MovieSample {
     std::int64_t pts, dts;  ///< AV_NOPTS_VALUE when unknown
     std::int64_t duration;
     std::int32_t size;
     std::int32_t shown;  ///< place in the order of showing; -1 for one that only others need
     bool isKey;
+    bool isSecondField;  ///< belongs to the picture of the sample before it
 };
 
 class MovieIndex {
 public:
     /// Takes the container's own table where that tells all, and reads through the packets where not. The
     /// file then stands anywhere.
+    /// @param first  the first packet of the stream, which has been read
     /// @return  false when the stream has no frames
-    bool Build(AVFormatContext& file, int stream);
+    bool Build(AVFormatContext& file, int stream, AVPacket const& first);
 
     /// Frames at a constant rate. A stream of even steps has one for each sample; another one shows at each
     /// frame what is on at that time.
@@ -38,8 +42,15 @@ public:
     /// does not tell their times.
     bool Has_Times() const { return hasTimes_; }
 
-    /// The container's table told all, and the file still stands at its start.
-    bool Is_From_Table() const { return isFromTable_; }
+    /// The last sample that a sample's picture is made of.
+    std::int32_t Picture_End(std::int32_t sample) const
+    {
+        bool const hasMore = sample + 1 < Samples() && Sample(sample + 1).isSecondField;
+        return hasMore ? sample + 1 : sample;
+    }
+
+    /// The file still stands behind the first packet.
+    bool Is_At_First() const { return isAtFirst_; }
 
     /// The sample to decode from for one to come out right: the last key frame that is neither decoded nor
     /// shown behind it, `back` key frames before that one; the first sample when there is none.
@@ -52,9 +63,8 @@ public:
     std::int64_t Start() const { return start_; }
 
 private:
-    bool Take_Table(AVFormatContext const& file, AVStream& stream);
-    bool Scan(AVFormatContext& file, int stream);
-    void Add(MovieSample const& sample) { samples_.push_back(sample); }
+    bool Take_Table(AVFormatContext const& file, AVStream& stream, AVPacket const& first);
+    bool Scan(AVFormatContext& file, int stream, std::span<AVPacket const* const> begun);
     void Order_Shown(std::vector<bool> const& isShown);
     void Settle_Rate(AVFormatContext& file, AVStream& stream);
     bool Is_Even(AVRational rate, AVRational unit) const;
@@ -73,6 +83,6 @@ private:
     double rate_ = 0;
     double ticksPerFrame_ = 0;  ///< 0 when each sample is a frame
     bool hasTimes_ = true;
-    bool isFromTable_ = false;
+    bool isAtFirst_ = false;
     bool isSorted_ = true;  ///< the decoding times never fall
 };

@@ -59,14 +59,31 @@ std::string Movie_Url(char const* path);
 /// False for a movie file that tells of more samples than its bytes could hold.
 bool Movie_Tables_Fit(char const* path);
 
+/// How much later than it is decoded each sample of a movie file's track is shown, but for what is the same
+/// for all of them. The room that it is read into tells how many samples there should be; false when there
+/// are others.
+bool Read_Movie_Offsets(char const* path, int track, std::vector<std::int32_t>& offsets);
+
+/// The path in a name that Movie_Url made.
+char const* Movie_Path(char const* url);
+
 /// Names of the demuxers that read movies and sound, comma-separated.
 std::string const& Movie_Demuxers();
 
 /// A file opened with its streams known, or null. Files that a file refers to are not opened.
 MovieOwner<AVFormatContext> Open_Movie_File(std::string const& url, HostMovieError& error);
 
+/// Whether a picture's numbers use their whole range.
+bool Is_Full_Range(AVFrame const& picture);
+
 /// Tells a file to hand out the packets of one stream alone.
 void Select_Stream(AVFormatContext& file, int stream);
 
+/// Whether every picture of the stream is decoded without others, as its codec has it.
+bool Is_Intra(AVStream const& stream);
+
 /// A decoder for the stream, or null.
-MovieOwner<AVCodecContext> Open_Decoder(AVStream const& stream);
+/// @param threads  0: as many as there are processors
+/// @param manner   FF_THREAD_FRAME and FF_THREAD_SLICE
+MovieOwner<AVCodecContext> Open_Decoder(AVStream const& stream, int threads = 0,
+                                        int manner = FF_THREAD_FRAME | FF_THREAD_SLICE);

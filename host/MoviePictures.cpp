@@ -6,13 +6,21 @@
 
 namespace {
 
+/// While somebody steps back, decoded pictures are kept for the next steps; else only the last few are, so
+/// that the decoder works in memory that it had a moment ago.
 constexpr std::size_t KeptBytes = 256u << 20;
 constexpr std::size_t KeptPictures = 512;
-constexpr std::size_t KeptIntraPictures = 8;  // each is decoded alone, so little is saved by more
+constexpr std::size_t KeptFew = 8;
+
+/// Steps back of up to that many pictures count as stepping, longer ones as jumps.
+constexpr std::int32_t LongestStep = 25;
 
 /// Key frames that a second and a third try begin earlier: a stream that refreshes its pictures bit by bit
 /// needs a whole round before they are right.
 constexpr int earlierTries[] = {0, 1, 4};
+
+/// Bytes of the smallest sample that changes the picture of a codec that changes its last one.
+constexpr std::int32_t SmallestChange = 8;
 
 /// Complaints in a row after which a decoder is given up.
 constexpr int MostComplaints = 1000;
@@ -75,26 +83,30 @@ MoviePictures::MoviePictures(std::string url, MovieOwner<AVFormatContext> file, 
 
 bool MoviePictures::Describe()
 {
-    if (!packet_ || !frame_) return false;
+    if (!packet_ || !frame_ || !Read_Packet()) return false;
     if (file_->streams[stream_]->codecpar->format == AV_PIX_FMT_PAL8) Save_Palette();
     AVStream& stream = *file_->streams[stream_];
     AVCodecParameters const& codec = *stream.codecpar;
     if (codec.width < 1 || codec.height < 1) return false;
-    if (!index_.Build(*file_, stream_)) return false;
-    if (index_.Is_From_Table()) next_ = 0;
+    if (!index_.Build(*file_, stream_, *packet_)) return false;
+    if (index_.Is_At_First())
+        next_ = 0;
+    else
+        hasPacket_ = false;
     bool const isMovie = std::string_view(file_->iformat->name).find("mov") != std::string_view::npos;
-    track_.width = codec.width;
-    track_.height = codec.height;
+    turn_ = Turn_Of(stream);
+    track_.width = turn_.swaps ? codec.height : codec.width;
+    track_.height = turn_.swaps ? codec.width : codec.height;
     track_.frameRate = index_.Rate();
     track_.frames = index_.Frames();
     track_.fieldOrder = Field_Order(codec.field_order);
     track_.codec = Movie_Code(codec, isMovie);
-    AVCodecDescriptor const* descriptor = avcodec_descriptor_get(codec.codec_id);
-    bool const isIntra = descriptor && descriptor->props & AV_CODEC_PROP_INTRA_ONLY;
-    mostKept_ = isIntra ? KeptIntraPictures : KeptPictures;
+    isIntra_ = Is_Intra(stream);
+    isInPlace_ = codec.codec_id == AV_CODEC_ID_QTRLE;
     track_.codecName = Codec_Name(codec);
     AVRational const aspect = av_guess_sample_aspect_ratio(file_.get(), &stream, nullptr);
-    if (aspect.num > 0 && aspect.den > 0) track_.pixelAspect = av_q2d(aspect);
+    if (aspect.num > 0 && aspect.den > 0)
+        track_.pixelAspect = av_q2d(turn_.swaps ? av_inv_q(aspect) : aspect);
     AVPixFmtDescriptor const* layout = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(codec.format));
     if (layout) {
         track_.bitDepth = Bit_Depth(*layout);
@@ -112,11 +124,8 @@ bool MoviePictures::Describe()
 void MoviePictures::Save_Palette()
 {
     std::size_t size = 0;
-    std::uint8_t const* palette =
-        Read_Packet() ? av_packet_get_side_data(packet_.get(), AV_PKT_DATA_PALETTE, &size) : nullptr;
+    std::uint8_t const* palette = av_packet_get_side_data(packet_.get(), AV_PKT_DATA_PALETTE, &size);
     if (palette) palette_.assign(palette, palette + size);
-    Restart();
-    next_ = -1;
 }
 
 void MoviePictures::Add_Palette()
@@ -134,7 +143,10 @@ double MoviePictures::Start_Seconds() const
 
 bool MoviePictures::Start_Decoder()
 {
-    decoder_ = Open_Decoder(*file_->streams[stream_]);
+    // What is read in order is decoded by MovieAhead then, and one picture alone is no faster for waiting for
+    // the next ones.
+    int const manner = isIntra_ ? FF_THREAD_SLICE : FF_THREAD_FRAME | FF_THREAD_SLICE;
+    decoder_ = Open_Decoder(*file_->streams[stream_], 0, manner);
     return decoder_ != nullptr;
 }
 
@@ -160,7 +172,7 @@ void MoviePictures::Keep(std::int32_t shown)
     std::size_t const bytes = Picture_Bytes(*picture);
     kept_.push_back({shown, bytes, std::move(picture)});
     keptBytes_ += bytes;
-    while (kept_.size() > 1 && (keptBytes_ > KeptBytes || kept_.size() > mostKept_)) {
+    while (kept_.size() > 1 && (keptBytes_ > KeptBytes || kept_.size() > Most_Kept())) {
         keptBytes_ -= kept_.front().bytes;
         kept_.pop_front();
     }
@@ -219,6 +231,7 @@ bool MoviePictures::Go_To(std::int32_t sample)
     avcodec_flush_buffers(decoder_.get());
     isEnding_ = false;
     latest_ = -1;
+    skipped_ = -1;
     troubles_ = 0;
     bool const isNear = next_ >= 0 && next_ <= sample && sample - next_ < 4;
     if (!isNear) {
@@ -243,14 +256,15 @@ bool MoviePictures::Go_To(std::int32_t sample)
 bool MoviePictures::Can_Go_On(std::int32_t shown) const
 {
     if (next_ < 0 || isEnding_ || fedFrom_ < 0 || shown <= latest_) return false;
-    std::int32_t const key = index_.Key_Before(index_.Sample_Of(shown), 0);
-    return key >= fedFrom_ && key <= next_;
+    std::int32_t const sample = index_.Sample_Of(shown);
+    std::int32_t const key = index_.Key_Before(sample, 0);
+    return key >= fedFrom_ && key <= next_ && sample > skipped_;
 }
 
 /// Hands the next packet to the decoder, or the news that there is none, also behind the sample `last`.
 bool MoviePictures::Feed(std::int32_t last)
 {
-    bool const isOver = stopsAtWanted_ && next_ > last;
+    bool const isOver = stopsAtWanted_ && next_ > index_.Picture_End(last);
     if (isOver || next_ < 0 || next_ >= index_.Samples() || !Read_Packet()) {
         if (isEnding_) return false;
         isEnding_ = true;
@@ -259,6 +273,9 @@ bool MoviePictures::Feed(std::int32_t last)
     }
     Add_Palette();
     decoder_->reordered_opaque = next_;
+    bool const skips = skipsOthers_ && next_ < last;
+    decoder_->skip_frame = skips ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
+    if (skips) skipped_ = next_;
     if (avcodec_send_packet(decoder_.get(), packet_.get()) < 0) ++troubles_;
     hasPacket_ = false;
     ++next_;
@@ -305,24 +322,99 @@ MoviePictures::Outcome MoviePictures::Decode_To(std::int32_t shown)
     return Outcome::Failed;
 }
 
+void MoviePictures::Settle_Manner(std::int32_t shown)
+{
+    std::int32_t const step = shown - std::exchange(asked_, shown);
+    if (step == 0) return;
+    Manner const manner = step == 1                          ? Manner::Forward
+                          : step < 0 && step >= -LongestStep ? Manner::Back
+                                                             : Manner::Jumping;
+    steps_ = std::exchange(manner_, manner) == manner ? steps_ + 1 : 1;
+}
+
+std::size_t MoviePictures::Most_Kept() const
+{
+    return manner_ == Manner::Back && !isIntra_ ? KeptPictures : KeptFew;
+}
+
+/// Gives out what follows the sample until there is no more room. False when it cannot be reached.
+bool MoviePictures::Fill_Ahead(std::int32_t sample)
+{
+    if (sample >= index_.Samples()) return false;
+    if (!ahead_) ahead_ = std::make_unique<MovieAhead>(*file_->streams[stream_]);
+    if (!ahead_->Has(sample) || next_ != aheadNext_) {
+        ahead_->Drop();
+        if (!Go_To(sample)) return false;
+        fedFrom_ = -1;  // the other decoder gets nothing of it
+    }
+    for (; ahead_->Has_Room() && next_ < index_.Samples() && Read_Packet(); ++next_, hasPacket_ = false) {
+        Add_Palette();
+        ahead_->Give(next_, *packet_);
+    }
+    aheadNext_ = next_;
+    return ahead_->Has(sample);
+}
+
+/// Puts a picture into the ring that was decoded ahead. False when there is none.
+bool MoviePictures::Take_Ahead(std::int32_t shown)
+{
+    std::int32_t const sample = index_.Sample_Of(shown);
+    if (!Fill_Ahead(sample)) return false;
+    MovieOwner<AVFrame> const picture = ahead_->Take(sample);
+    Fill_Ahead(sample + 1);
+    if (!picture) return false;
+    av_frame_unref(frame_.get());
+    av_frame_move_ref(frame_.get(), picture.get());
+    Keep(shown);
+    return true;
+}
+
+/// Decodes until the picture is in the ring: going on from here where that leads to it, else from a key
+/// frame.
+bool MoviePictures::Try(std::int32_t shown, std::int32_t key, bool mayGoOn)
+{
+    stopsAtWanted_ = false;
+    if (!mayGoOn || !Can_Go_On(shown)) {
+        // A picture that needs no other is decoded alone. Going on behind it empties the decoder again.
+        stopsAtWanted_ = mayGoOn && key == index_.Sample_Of(shown) && manner_ != Manner::Forward;
+        if (!Go_To(key)) return false;
+    }
+    return Decode_To(shown) == Outcome::Found;
+}
+
+/// The same without what no other picture needs. A decoder can depend on it all the same, so that this may
+/// fail.
+bool MoviePictures::Try_Skipping(std::int32_t shown)
+{
+    skipsOthers_ = true;
+    bool const isFound = Try(shown, index_.Key_Before(index_.Sample_Of(shown), 0), true);
+    skipsOthers_ = false;
+    if (!isFound) fedFrom_ = -1;  // nothing goes on from here
+    return isFound;
+}
+
+void MoviePictures::Forget_Kept()
+{
+    kept_.clear();
+    keptBytes_ = 0;
+}
+
 /// The decoded picture, out of the ring or made now; null when it cannot be had.
 AVFrame const* MoviePictures::Fetch(std::int32_t shown)
 {
-    bool const isNext = shown == std::exchange(asked_, shown) + 1;
+    Settle_Manner(shown);
     if (AVFrame const* kept = Find_Kept(shown, false)) return kept;
+    bool const isPlayed = manner_ == Manner::Forward && steps_ > 1;
+    if (isIntra_ && isPlayed && index_.Has_Times() && Take_Ahead(shown)) return Find_Kept(shown, false);
     std::int32_t const sample = index_.Sample_Of(shown);
+    // A picture that is still held somewhere is copied before it is changed.
+    if (isInPlace_ && isPlayed && index_.Sample(sample).size >= SmallestChange) Forget_Kept();
+    if (manner_ == Manner::Jumping && index_.Has_Times() && !isIntra_ && Try_Skipping(shown))
+        return Find_Kept(shown, false);
     for (int back : earlierTries) {
         std::int32_t const key = index_.Key_Before(sample, back);
-        bool const goesOn = back == 0 && Can_Go_On(shown);
-        if (!goesOn) {
-            if (back > 0 && key >= fedFrom_) break;
-            // A picture that needs no other is decoded alone. Going on behind it empties the decoder again.
-            stopsAtWanted_ = key == sample && back == 0 && !isNext;
-            if (!Go_To(key)) return nullptr;
-        } else {
-            stopsAtWanted_ = false;
-        }
-        if (Decode_To(shown) == Outcome::Found) return Find_Kept(shown, false);
+        if (back > 0 && fedFrom_ >= 0 && key >= fedFrom_) break;
+        if (Try(shown, key, back == 0)) return Find_Kept(shown, false);
         // A sample without a picture of its own leaves on what was shown before it.
         if (troubles_ == 0 && (key == 0 || back > 0))
             if (AVFrame const* before = Find_Kept(shown, true)) return before;
@@ -335,5 +427,14 @@ bool MoviePictures::Read(std::int64_t frame, void* pixels, std::size_t rowBytes,
 {
     if (!track_.isReadable || frame < 0 || frame >= index_.Frames()) return false;
     AVFrame const* picture = Fetch(index_.Shown_At(frame));
-    return picture && converter_.To_RGBA(*picture, track_.width, track_.height, pixels, rowBytes, layout);
+    if (!picture) return false;
+    if (turn_.Is_None())
+        return converter_.To_RGBA(*picture, track_.width, track_.height, pixels, rowBytes, layout);
+    int const width = turn_.swaps ? track_.height : track_.width;
+    int const height = turn_.swaps ? track_.width : track_.height;
+    std::size_t const storedRowBytes = static_cast<std::size_t>(width) * Host_Pixel_Bytes(layout);
+    stored_.resize(storedRowBytes * static_cast<std::size_t>(height));
+    if (!converter_.To_RGBA(*picture, width, height, stored_.data(), storedRowBytes, layout)) return false;
+    Turn_Picture(turn_, width, height, layout, stored_.data(), storedRowBytes, pixels, rowBytes);
+    return true;
 }

@@ -1,11 +1,14 @@
-// A look at the tables of a movie file before the libraries read them: a count of samples in it costs memory
-// for each one, whether they are there or not.
+// A look of our own at the tables of a movie file. Before the libraries read them: a count of samples in it
+// costs memory for each one, whether they are there or not. And for what they keep to themselves: how much
+// later than it is decoded a sample is shown.
 #include "MovieLibrary.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -18,17 +21,17 @@ struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-class TableCheck {
+/// The boxes of a file, each with a type and maybe others inside.
+class BoxWalk {
 public:
-    explicit TableCheck(char const* path) : file_(std::fopen(path, "rbe"))
+    explicit BoxWalk(char const* path) : file_(std::fopen(path, "rbe"))
     {
         if (file_ && fseeko(file_.get(), 0, SEEK_END) == 0)
             size_ = static_cast<std::uint64_t>(ftello(file_.get()));
     }
 
-    bool Passes() { return size_ == 0 || Walk(0, size_, 0); }
+    std::uint64_t Size() const { return size_; }
 
-private:
     static std::uint64_t Big(std::uint8_t const* bytes, int count)
     {
         std::uint64_t value = 0;
@@ -41,13 +44,22 @@ private:
     template <std::size_t count> std::array<std::uint8_t, count> At(std::uint64_t offset)
     {
         std::array<std::uint8_t, count> bytes{};
-        if (fseeko(file_.get(), static_cast<off_t>(offset), SEEK_SET) == 0) {
-            std::size_t const got = std::fread(bytes.data(), 1, count, file_.get());
-            std::memset(bytes.data() + got, 0, count - got);
-        }
+        Read(offset, bytes.data(), count);
         return bytes;
     }
+    void Read(std::uint64_t offset, std::uint8_t* bytes, std::size_t count)
+    {
+        std::size_t got = 0;
+        if (fseeko(file_.get(), static_cast<off_t>(offset), SEEK_SET) == 0)
+            got = std::fread(bytes, 1, count, file_.get());
+        std::memset(bytes + got, 0, count - got);
+    }
 
+    /// Calls `visit` with the type of each box and where its body begins and ends, in the order of the file.
+    /// False once that says so.
+    template <typename Visit> bool Walk(Visit&& visit) { return size_ == 0 || Walk(0, size_, 0, visit); }
+
+private:
     static bool Holds_Others(std::string_view type)
     {
         for (std::string_view known : {"moov", "trak", "mdia", "minf", "stbl", "moof", "traf"})
@@ -55,21 +67,7 @@ private:
         return false;
     }
 
-    /// Whether a table's count can be meant.
-    bool Is_Count_Plausible(std::string_view type, std::uint64_t body)
-    {
-        if (type == "stsz") {
-            auto const fields = At<12>(body);
-            return Big(&fields[4], 4) == 0 || Big(&fields[8], 4) <= size_ * SamplesPerByte;
-        }
-        if (type == "trun") {
-            auto const fields = At<8>(body);
-            return Big(&fields[4], 4) <= size_;
-        }
-        return true;
-    }
-
-    bool Walk(std::uint64_t at, std::uint64_t end, int depth)
+    template <typename Visit> bool Walk(std::uint64_t at, std::uint64_t end, int depth, Visit& visit)
     {
         while (at + 8 <= end) {
             auto const head = At<16>(at);
@@ -80,8 +78,9 @@ private:
             if (length == 0) length = end - at;
             if (length < headBytes) return true;  // no such file, or one that ends here
             std::uint64_t const last = length > end - at ? end : at + length;
-            if (!Is_Count_Plausible(type, at + headBytes)) return false;
-            if (Holds_Others(type) && depth < Deepest && !Walk(at + headBytes, last, depth + 1)) return false;
+            if (!visit(type, at + headBytes, last)) return false;
+            if (Holds_Others(type) && depth < Deepest && !Walk(at + headBytes, last, depth + 1, visit))
+                return false;
             at = last;
         }
         return true;
@@ -91,9 +90,56 @@ private:
     std::uint64_t size_ = 0;
 };
 
+/// Turns runs of equal offsets into one for each sample.
+bool Take_Offsets(BoxWalk& file, std::uint64_t body, std::uint64_t end, std::vector<std::int32_t>& offsets)
+{
+    std::uint64_t const runs = BoxWalk::Big(&file.At<8>(body)[4], 4);
+    if (runs * 8 > end - body - std::min<std::uint64_t>(8, end - body)) return false;
+    std::vector<std::uint8_t> table(static_cast<std::size_t>(runs) * 8);
+    file.Read(body + 8, table.data(), table.size());
+    std::size_t filled = 0;
+    for (std::size_t i = 0; i < table.size() && filled < offsets.size(); i += 8) {
+        std::uint64_t const count = BoxWalk::Big(&table[i], 4);
+        auto const offset = static_cast<std::int32_t>(BoxWalk::Big(&table[i + 4], 4));
+        std::size_t const last = filled + static_cast<std::size_t>(std::min(count, offsets.size() - filled));
+        std::fill(offsets.begin() + static_cast<std::ptrdiff_t>(filled),
+                  offsets.begin() + static_cast<std::ptrdiff_t>(last), offset);
+        filled = last;
+    }
+    return filled == offsets.size();
+}
+
 }  // namespace
 
 bool Movie_Tables_Fit(char const* path)
 {
-    return TableCheck(path).Passes();
+    BoxWalk file(path);
+    return file.Walk([&](std::string_view type, std::uint64_t body, std::uint64_t) {
+        if (type == "stsz") return BoxWalk::Big(&file.At<12>(body)[8], 4) <= file.Size() * SamplesPerByte;
+        if (type == "trun") return BoxWalk::Big(&file.At<8>(body)[4], 4) <= file.Size();
+        return true;
+    });
+}
+
+bool Read_Movie_Offsets(char const* path, int track, std::vector<std::int32_t>& offsets)
+{
+    BoxWalk file(path);
+    std::uint64_t current = 0;
+    bool isFound = false, isGood = true;
+    std::ranges::fill(offsets, 0);
+    file.Walk([&](std::string_view type, std::uint64_t body, std::uint64_t end) {
+        if (type == "tkhd") {
+            auto const fields = file.At<24>(body);
+            current = BoxWalk::Big(&fields[fields[0] == 1 ? 20 : 12], 4);
+        }
+        if (type == "trak") current = 0;
+        if (current != static_cast<std::uint64_t>(track)) return true;
+        if (type == "stsz") {
+            isFound = true;
+            isGood = isGood && BoxWalk::Big(&file.At<12>(body)[8], 4) == offsets.size();
+        }
+        if (type == "ctts") isGood = isGood && Take_Offsets(file, body, end, offsets);
+        return isGood;
+    });
+    return isFound && isGood;
 }

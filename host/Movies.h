@@ -30,8 +30,8 @@ inline std::size_t Host_Pixel_Bytes(HostPixels layout)
 }
 
 struct HostVideoTrack {
-    int width = 0, height = 0;
-    int bitDepth = 8;  ///< 8, 10 or 16, by the widest channel
+    int width = 0, height = 0;  ///< as it is shown: a movie that says so is turned by quarters, or mirrored
+    int bitDepth = 8;           ///< 8, 10 or 16, by the widest channel
     bool hasAlpha = false;
     double frameRate = 0;
     std::int64_t frames = 0;

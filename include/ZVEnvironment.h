@@ -119,7 +119,7 @@ struct ZVEnvironment {
     int32_t eraseOnDestroy;
     int32_t modalResult, requestResult;
     int32_t modalDepth, guiLevel;
-    int32_t jobsBlocked;
+    int32_t jobsBlocked;  ///< number of reasons to hold jobs back
     int32_t busyLevel;
     int32_t exitRequested;  ///< ExitZV was called
     List formats;           ///< format modules; the order decides which one claims a file
@@ -129,8 +129,8 @@ struct ZVEnvironment {
     ZVPalette* activeDocument;
     ZVPalette* activePalette;
     ZVPalette* pendingPalette;
-    int32_t hasMovies;  ///< the movie layer is there
-    int32_t processors;
+    int32_t hasMovies;     ///< the movie layer is there
+    int32_t processors;    ///< number of processors
     int32_t monitorCount;  ///< 1 to 4
     ZVMonitor monitors[4];
     uint32_t errorMode;  ///< see SetErrorModeZV

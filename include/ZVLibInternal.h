@@ -4,6 +4,8 @@
 
 #include "ZVLib.h"
 
+#include <atomic>
+
 // ---- foundation -------------------------------------------------------------------------------------------
 
 /// Shows "Assertion Failure in file "%s", line %d." and throws ZVAssertFail.
@@ -27,15 +29,6 @@ ZV_API char* Find_Library_File(char const* name);
 /// Set `homeDir` and `userDataDir`.
 ZV_API void SetHomeDir();
 ZV_API void SetUserDataDir();
-
-/// Sets `processors`.
-ZV_API void Init_MP();
-
-ZV_API ZVCriticalRegion*
-CreateCriticalRegionZV();  ///< A region that a thread may enter again; null without memory.
-ZV_API void FreeCriticalRegionZV(ZVCriticalRegion* region);
-ZV_API long EnterCriticalRegionZV(ZVCriticalRegion* region);  ///< 0; a null region does nothing.
-ZV_API long ExitCriticalRegionZV(ZVCriticalRegion* region);
 
 // ---- the platform -----------------------------------------------------------------------------------------
 
@@ -186,6 +179,76 @@ ZV_API void OS_Beep();  ///< The terminal's bell, for a process that has one.
 /// @return  a claim above 0; 0 when another process has the directory, -1 when it cannot be made or opened
 ZV_API long OS_Claim_Directory(char const* spec);
 ZV_API void OS_Release_Directory(long claim);
+
+struct OSThread;
+
+/// Runs entry(argument) on a new thread. Null when there is none to be had.
+ZV_API OSThread* OS_Start_Thread(void (*entry)(void*), void* argument);
+
+/// Waits until the thread has ended, and releases the handle.
+ZV_API void OS_Join_Thread(OSThread* thread);
+
+/// Ends the thread where it stands, without unwinding, and releases the handle. When this returns the thread
+/// executes no further instruction of the program. Not on the thread itself.
+ZV_API void OS_Terminate_Thread(OSThread* thread);
+
+/// Gives the thread a share of the processor of `weight` beside those of 100, as far as the user's limits
+/// allow; a thread that has ended has none. False on any other failure.
+ZV_API bool OS_Set_Thread_Weight(OSThread* thread, long weight);
+
+/// Waits until the word is no longer `value`, at most so many milliseconds (below 0 without limit). It can
+/// return early. A thread that is terminated while it waits leaves nothing behind in the word.
+/// @return  false when the time is up
+ZV_API bool OS_Wait_On_Word(std::atomic<uint32_t>& word, uint32_t value, long milliseconds);
+
+/// Wakes one waiting thread, or all of them. The word itself is not touched and may be gone.
+ZV_API void OS_Wake_Word(std::atomic<uint32_t>& word, bool all);
+
+/// What ZVCPUSupport tells.
+struct OSProcessor {
+    bool hasMMX, hasSSE, hasSSE2, has3DNow, hasHyperThreading, hasVE;
+};
+ZV_API OSProcessor OS_Inspect_Processor();
+ZV_API long OS_Processor_Count();  ///< Processors that this process may run on; at least 1.
+
+ZV_API long OS_Events_Waiting();  ///< 1 if events wait in the desktop's queue.
+
+// ---- threads ----------------------------------------------------------------------------------------------
+
+ZV_API void Init_MP();          ///< Sets `processors`.
+ZV_API void Init_Threads();     ///< Makes the pool: a worker for each processor, none with a single one.
+ZV_API void Cleanup_Threads();  ///< Waits for the workers' tasks and ends the pool.
+
+/// Starts a thread that runs entry(param). The info's task and queues are filled in; its semaphores stay as
+/// they are. 1, or 0 with nothing made.
+ZV_API long Create_Task(TaskInfoZV* info, long (*entry)(void*), void* param);
+
+/// Waits without limit for the end of a task of Create_Task and releases its thread and queues. Null, and an
+/// info without a task, are ignored.
+ZV_API void Task_Wait(TaskInfoZV* info);
+
+/// Ends a task of Create_Task by force; see OS_Terminate_Thread. Task_Wait remains to be called.
+ZV_API void Terminate_Task(TaskInfoZV* info);
+
+/// Sets the task's share of the processor; see OS_Set_Thread_Weight. False without a task too.
+ZV_API bool Set_Task_Weight(TaskInfoZV* info, long weight);
+
+/// True from the moment on when the function of the task has returned or the task was terminated.
+ZV_API bool Task_Has_Ended(TaskInfoZV const* info);
+
+/// One pass over the jobs: the routine of each that runs and is not held back is called for a slice.
+ZV_API void HandleJobs();
+
+/// Gives each running job that has not had a slice by this call since its start one slice, held back or not.
+ZV_API void HandlePriorityJobs();
+
+/// What the event loop's job timer calls: a pass when a job is busy, none is held back by `jobsBlocked` and
+/// the loop is not nested.
+ZV_API void AppJobTimerProcZV();
+inline constexpr double JobTimerInterval = 0.001;  ///< Of that timer, in seconds.
+
+/// Unlinks the jobs that are left; they stay their owners'.
+ZV_API void Cleanup_Jobs();
 
 // ---- pixels -----------------------------------------------------------------------------------------------
 

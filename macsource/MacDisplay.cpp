@@ -16,3 +16,8 @@ void GetMonitorInfoZV(long* count, ZVRectT<long>* first, ZVRectT<long>* second, 
     for (ZVRectT<long>* missing : {second, third, fourth})
         Store(missing, {});
 }
+
+long OS_Events_Waiting()
+{
+    return 0;  // without an interface no event arrives
+}

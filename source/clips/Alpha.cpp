@@ -19,7 +19,8 @@ std::array<double, 3> Matte_Of(ZVClip const& clip)
 
 // ---- reading ----------------------------------------------------------------------------------------------
 
-void Read_Row(ZVClip const& clip, ZVRowMath const& math, void* row, long pixels)
+void Read_Row(ZVClip const& clip, ZVRowMath const& math, ZVMatteRemoval const& removal, void* row,
+              long pixels)
 {
     bool const isInverted = clip.AlphaInvert != 0;
     switch (clip.AlphaType) {
@@ -29,7 +30,7 @@ void Read_Row(ZVClip const& clip, ZVRowMath const& math, void* row, long pixels)
         break;
     case ZV_ALPHA_CHANNEL:
         if (clip.AlphaPremultiplied)
-            math.removeMatte(row, Matte_Of(clip).data(), isInverted, pixels);
+            math.removeMatte(row, removal, pixels);
         else if (isInverted)
             math.invertAlpha(row, pixels);
         break;
@@ -117,8 +118,9 @@ void Interpret_Alpha(Buffer* bitmap, ZVClip* clip, long left, long top, long rig
     bottom = std::min<long>(bottom, bitmap->Height);
     if (left >= right) return;
     ZVRowMath const& math = *Get_Row_Math(bitmap->Type);
+    ZVMatteRemoval const removal(Matte_Of(*clip).data(), clip->AlphaInvert != 0, bitmap->Type);
     for (long y = top; y < bottom; ++y)
-        Read_Row(*clip, math, Row_Of(*bitmap, y) + left * bitmap->PackSize, right - left);
+        Read_Row(*clip, math, removal, Row_Of(*bitmap, y) + left * bitmap->PackSize, right - left);
 }
 
 template ZV_API void Interpret_Alpha<ZVBufferRGBA8, ZVPixelRGBA8>(ZVBufferRGBA8*, ZVClip*, long, long, long,

@@ -59,6 +59,19 @@ public:
         return Format::Load(first_[std::clamp(lastPlace + static_cast<long>(channel) - 1, 0L, lastPlace)]);
     }
 
+    /// Whether the frame of sound behind the one at the cursor lies in the buffer.
+    bool HasNext() const
+    {
+        return static_cast<Stored const*>(last) - static_cast<Stored*>(current) >= 2 * channels - 1;
+    }
+
+    /// What Get answers there.
+    long GetInside(unsigned long index, unsigned long channel) const
+    {
+        return Format::Load(static_cast<Stored const*>(
+            current)[static_cast<long>(index) * channels + static_cast<long>(channel)]);
+    }
+
     void Set(unsigned long offset, long value) override
     {
         static_cast<Stored*>(current)[offset] = Format::Store(value);

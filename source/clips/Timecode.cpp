@@ -30,11 +30,12 @@ bool Is_Drop_Frame(double rate)
 /// The label that a frame bears in drop-frame numbering.
 double Drop_Frame_Label(double frame)
 {
-    // Ten minutes skip 18 labels; stepping over them whole keeps the walk below short.
-    double const tens = std::floor(frame / 17982.0);
-    double label = frame + tens * 18.0;
+    // Ten minutes skip 18 labels; stepping over them whole keeps the walk below short. The remainder is exact
+    // for a frame of any size.
+    double rest = std::fmod(frame, 17982.0);
+    double label = frame + (frame - rest) / 17982.0 * 18.0;
     int minute = 0;
-    for (double rest = frame - tens * 17982.0; rest >= 1800.0; rest -= 1800.0) {
+    for (; rest >= 1800.0; rest -= 1800.0) {
         if (++minute == 10) {
             minute = 0;
         } else {

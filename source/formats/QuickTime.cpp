@@ -16,6 +16,8 @@ constexpr long Properties = 0xB2000 | 0x100 | ZV_FORMAT_ALPHA | ZV_FORMAT_MULTIF
                             ZV_FORMAT_WRITE | ZV_FORMAT_DEFAULT | ZV_FORMAT_AUDIO_WRITE;
 constexpr uint32_t FileType = ZV_FourCC("MooV");
 constexpr uint32_t Creator = ZV_FourCC("TVOD");
+constexpr uint32_t SystemOfLargeFiles = 0x1000;
+constexpr long LargestOldFile = 0x79999999;
 constexpr double SoundFrameRate = 30.0;  // of a movie without pictures
 
 struct AudioBuffer_Freer {
@@ -108,11 +110,27 @@ void QuickTime_Close(ZVClip* clip)
     Release_Movie(clip);
 }
 
+/// Older systems have files of less than two gigabytes, and the largest that a compressed frame can get is
+/// taken to be its pixels.
+bool Fits_Into_File(ZVClip const* clip)
+{
+    if (ZVEnv->systemVersion >= SystemOfLargeFiles) return true;
+    long const pixelBytes = clip->BitDepth > 8 ? 8 : 4;
+    auto const bytes = static_cast<__int128>(clip->Width) * clip->Height * pixelBytes * clip->Frames;
+    return bytes <= LargestOldFile;
+}
+
 long QuickTime_BeginIO(ZVClip* clip, long writing)
 {
     if (!State_Of_Movie(clip)) return 0;
     if (writing && (clip->Media & ZV_MEDIA_AUDIO) && !Upgrade_Audio_Options(clip)) return 0;
-    return !(clip->Media & ZV_MEDIA_VIDEO) || Upgrade_Video_Options(clip);
+    if (!(clip->Media & ZV_MEDIA_VIDEO)) return 1;
+    if (!Upgrade_Video_Options(clip)) return 0;
+    if (writing && !Fits_Into_File(clip)) {
+        SetError(ZV_ERR_MOVIE_SIZE);
+        return 0;
+    }
+    return 1;
 }
 
 long QuickTime_EndIO(ZVClip*, long)

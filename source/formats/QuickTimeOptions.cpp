@@ -229,6 +229,46 @@ void Complete_Video_Options(ZVClip* clip)
 
 // The dialogs that choose other settings belong to an interface; without one the defaults are what is chosen.
 
+/// Settings of streaming: a container of one atom, the bytes that a packet holds at most. Big-endian, as
+/// atoms are.
+constexpr uint8_t StreamingSettings[] = {0, 0, 0, 44, 's', 'e', 'a', 'n', 0,  0,   0,   1,   0,   0,   0,
+                                         1, 0, 0, 0,  0,   0,   0,   0,   24, 'p', 'k', 's', 'z', 0,   0,
+                                         0, 1, 0, 0,  0,   0,   0,   0,   0,  0,   0,   0,   5,   0xAA};
+
+/// The block with the usual settings behind it; the block itself when it has some. Null with error 1.
+static ZVFormatParams* With_Streaming(ZVFormatParams* old, long size, long flagOffset)
+{
+    if (Get_Option(old, flagOffset)) return old;
+    ZVFormatParams* made = New_Block(size + static_cast<long>(sizeof StreamingSettings));
+    if (!made) return nullptr;
+    std::memcpy(Bytes_Of(made), Bytes_Of(old), static_cast<std::size_t>(size));
+    std::memcpy(Bytes_Of(made) + size, StreamingSettings, sizeof StreamingSettings);
+    Set_Option(made, flagOffset, 1);
+    Set_Option(made, flagOffset + 4, sizeof StreamingSettings);
+    // Once an address, which only tells now that there is something.
+    Set_Option(made, flagOffset + 8, static_cast<uint32_t>(size));
+    return made;
+}
+
+long Quicktime_StreamingOptions(ZVClip* clip, bool)
+{
+    if (!clip->VideoParams && !clip->AudioParams) return 0;
+    if (clip->VideoParams && !Upgrade_Video_Options(clip)) return 0;
+    if (clip->AudioParams && !Upgrade_Audio_Options(clip)) return 0;
+    ZVFormatParams* video = clip->VideoParams;
+    ZVFormatParams* audio = clip->AudioParams;
+    if (video) video = With_Streaming(video, VideoOptionsSize, VIDEO_STREAMING);
+    if (audio) audio = With_Streaming(audio, AudioOptionsSize, AUDIO_STREAMING);
+    if (!video != !clip->VideoParams || !audio != !clip->AudioParams) {
+        if (video != clip->VideoParams) FreeMemZV(video);
+        if (audio != clip->AudioParams) FreeMemZV(audio);
+        return 0;
+    }
+    if (video) Replace(clip->VideoParams, video, nullptr);
+    if (audio) Replace(clip->AudioParams, audio, nullptr);
+    return 1;
+}
+
 void QuickTime_VideoOptions(ZVClip* clip, bool silent)
 {
     bool const isNew = !clip->VideoParams;
@@ -244,7 +284,7 @@ void QuickTime_AudioOptions(ZVClip* clip, bool)
 
 void Video_Options_Stub(ZVClip* clip, bool)
 {
-    if (Make_Video_Defaults(clip)) Make_Audio_Defaults(clip);
+    if (Make_Video_Defaults(clip) && Make_Audio_Defaults(clip)) Quicktime_StreamingOptions(clip, true);
 }
 
 void Audio_Options_Stub(ZVClip* clip, bool silent)

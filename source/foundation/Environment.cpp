@@ -168,6 +168,7 @@ ZVEnvironment* InitZV(void (*callback)(ZVEvent*), char const* prefsName, char co
     if (!Init_OS(ZVEnv->hasRootTag)) return Give_Up();
     AppendStringFileZV(messageFile);
     Init_MP();
+    Init_Threads();
     ZVEnv->region = CreateCriticalRegionZV();
     ZVEnv->hasMovies = OS_Enter_Movies();
     TagItem const* section = keyFile ? FindTagItem(ZV_INIT_KEY_SECTION, ZVEnv->initTags) : nullptr;
@@ -181,7 +182,10 @@ void CleanUpZV()
 {
     ZVEnv = ZVEnvOS = GetEnvironmentZV();
     if (!ZVEnv) return;
+    StopAudioPlaybackZV();
     if (ZVEnv->hasMovies) OS_Exit_Movies();
+    Cleanup_Threads();
+    Cleanup_Jobs();
     FreeCriticalRegionZV(ZVEnv->region);
     Cleanup_OS();
     Free_Format_Modules();

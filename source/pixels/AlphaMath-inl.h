@@ -11,6 +11,7 @@
 #endif
 
 #include "BlendRows-inl.h"
+#include "RowMath.h"
 #include "RowStages-inl.h"
 #include "VectorBytes-inl.h"
 
@@ -182,221 +183,202 @@ template <typename Format, typename Change> void Change_Pixel_Vectors(void* row,
 }
 
 // ---- a matte taken out ------------------------------------------------------------------------------------
-//
-// (c * max - m * (max - t)) / t is m + (c - m) * max / t. For a whole m it is a fraction over t, at least 1 /
-// 2t away from the next half unless it is one; less than that is added, and more than all errors, so halves
-// go up on every path. A matte that was a channel value once is made whole again, as the way through a
-// fraction may have cost it its last bit.
-
-/// A matte on the scale of the channels, each kind with less to work out than the next.
-enum class MatteKind { black, whole, odd };
-
-struct ScaledMatte {
-    double red, green, blue;
-    MatteKind kind;
-};
-
-template <typename Format> ScaledMatte Scale_Matte(double const* matte)
-{
-    constexpr auto max = static_cast<double>(channelMax<Format>);
-    auto kind = MatteKind::black;
-    auto const scale = [&kind](double fraction) {
-        double const exact = fraction * max, whole = std::round(exact);
-        bool const isWhole = whole >= 0 && whole <= max && std::abs(exact - whole) < 1e-6;
-        if (!isWhole) kind = MatteKind::odd;
-        if (isWhole && whole > 0 && kind == MatteKind::black) kind = MatteKind::whole;
-        return isWhole ? whole : exact;
-    };
-    ScaledMatte scaled{scale(matte[0]), scale(matte[1]), scale(matte[2]), MatteKind::odd};
-    scaled.kind = kind;
-    return scaled;
-}
 
 #if ZV_HAS_VECTORS
 
-/// One channel of four, as the lanes of whole pixels; 0 to 3.
-template <int CHANNEL> hn::VFromD<hn::Repartition<int32_t, ByteTag>> Channel_Lanes(ByteVector pixels)
+/// Bytes by their lines, four channels at a time.
+inline void Remove_Matte_From_Bytes(uint8_t* rgba, ZVMatteRemoval const& removal, long pixels)
 {
-    constexpr uint8_t c = CHANNEL, no = 0x80;
-    alignas(16) static constexpr uint8_t places[] = {c,     no, no, no, c + 4,  no, no, no,
-                                                     c + 8, no, no, no, c + 12, no, no, no};
-    return hn::BitCast(hn::Repartition<int32_t, ByteTag>(),
-                       hn::TableLookupBytesOr0(pixels, hn::LoadDup128(ByteTag(), places)));
-}
-
-/// Bytes against a whole matte, in single precision: quotients in range are 1/510 away from the next half,
-/// and the errors stay below 1e-4, fused or not. Packing keeps what is out of range in it.
-template <MatteKind KIND>
-void Remove_Matte_From_Bytes(void* row, ScaledMatte const& matte, bool isInverted, long pixels)
-{
-    ByteTag const d8;
-    SignedWordTag const d16;
-    hn::Repartition<uint32_t, ByteTag> const d32;
-    hn::Repartition<int32_t, ByteTag> const di32;
-    hn::Repartition<float, ByteTag> const df;
-    alignas(16) static constexpr uint8_t pixelOrder[] = {0, 4, 8,  12, 1, 5, 9,  13,
-                                                         2, 6, 10, 14, 3, 7, 11, 15};
-    constexpr float toRound = 0.5F + 1.0F / 1024;
-    struct Channel {
-        hn::VFromD<hn::Repartition<float, ByteTag>> matte, rounding;
+    hn::FixedTag<uint8_t, 4> const d8;
+    hn::FixedTag<int32_t, 4> const di32;
+    hn::FixedTag<float, 4> const df;
+    auto const pure = [&](uint8_t const* pixel) {
+        auto const& line = removal.byAlpha[pixel[3]];
+        auto const mixed = hn::ConvertTo(df, hn::PromoteTo(di32, hn::LoadU(d8, pixel)));
+        return Truncated(hn::MulAdd(mixed, hn::Load(df, line.scale), hn::Load(df, line.bias)));
     };
-    auto const channel = [=](double m) {
-        auto const whole = static_cast<float>(m);
-        return Channel{hn::Set(df, whole), hn::Set(df, whole + toRound)};
-    };
-    Channel const red = channel(matte.red), green = channel(matte.green), blue = channel(matte.blue);
-    auto const order = hn::LoadDup128(d8, pixelOrder);
-    auto const inversion = hn::Set(d32, Inversion<FormatRGBA8>(isInverted));
-    auto const max = hn::Set(df, 255.0F), one = hn::Set(df, 1.0F);
-    auto const opaque = hn::Set(di32, 255);
-    Change_Pixel_Vectors<FormatRGBA8>(row, pixels, [=](auto stored) {
-        auto const words = hn::Xor(stored, inversion);
-        auto const bytes = hn::BitCast(d8, words);
-        auto const alpha = Channel_Lanes<3>(bytes);
-        if (hn::AllTrue(di32, hn::Eq(alpha, opaque))) return words;
-        auto const scale = hn::Div(max, hn::Max(hn::ConvertTo(df, alpha), one));
-        auto const pure = [&](auto value, Channel const& c) {
-            auto const number = hn::ConvertTo(df, value);
-            auto const distance = KIND == MatteKind::black ? number : hn::Sub(number, c.matte);
-            return Truncated(hn::MulAdd(distance, scale, c.rounding));
-        };
-        auto const redGreen = hn::ReorderDemote2To(d16, pure(Channel_Lanes<0>(bytes), red),
-                                                   pure(Channel_Lanes<1>(bytes), green));
-        auto const blueAlpha = hn::ReorderDemote2To(d16, pure(Channel_Lanes<2>(bytes), blue), alpha);
-        auto const result = hn::TableLookupBytes(Packed_Bytes(redGreen, blueAlpha), order);
-        return hn::IfThenElse(hn::RebindMask(d32, hn::Eq(alpha, hn::Zero(di32))), words,
-                              hn::BitCast(d32, result));
-    });
+    for (; pixels >= 2; pixels -= 2, rgba += 8) {
+        auto const both = hn::ReorderDemote2To(hn::FixedTag<int16_t, 8>(), pure(rgba), pure(rgba + 4));
+        hn::StoreU(hn::DemoteTo(hn::FixedTag<uint8_t, 8>(), both), hn::FixedTag<uint8_t, 8>(), rgba);
+    }
+    if (pixels > 0) hn::StoreU(hn::DemoteTo(d8, pure(rgba)), d8, rgba);
 }
 
 #else
 
-inline uint32_t Unmatted_Byte(uint32_t value, double matte, double scale)
+inline void Remove_Matte_From_Bytes(uint8_t* rgba, ZVMatteRemoval const& removal, long pixels)
 {
-    double const pure = (value - matte) * scale + (matte + 0.5 + 1.0 / 1024);
-    return static_cast<uint32_t>(std::clamp(pure, 0.0, 255.0));
-}
-
-template <MatteKind>
-void Remove_Matte_From_Bytes(void* row, ScaledMatte const& matte, bool isInverted, long pixels)
-{
-    uint32_t const inversion = Inversion<FormatRGBA8>(isInverted);
-    Change_Pixels<FormatRGBA8>(row, pixels, [=](uint32_t word) {
-        word ^= inversion;
-        uint32_t const alpha = word >> 24;
-        if (alpha == 0) return word;
-        double const scale = 255.0 / alpha;
-        return Make_Word<FormatRGBA8>(Unmatted_Byte(word & 0xFF, matte.red, scale),
-                                      Unmatted_Byte(word >> 8 & 0xFF, matte.green, scale),
-                                      Unmatted_Byte(word >> 16 & 0xFF, matte.blue, scale), alpha);
-    });
+    for (; pixels > 0; --pixels, rgba += 4) {
+        auto const& line = removal.byAlpha[rgba[3]];
+        for (int i = 0; i < 4; ++i) {
+            float const pure = static_cast<float>(rgba[i]) * line.scale[i] + line.bias[i];
+            rgba[i] = static_cast<uint8_t>(std::clamp(pure, 0.0F, 255.0F));
+        }
+    }
 }
 
 #endif
 
-// 2^52, whose last bit is 1: an integer below it stands in the low bits of their sum.
-constexpr double magic = 0x1p52;
-constexpr uint64_t magicBits = 0x4330000000000000;
-
-/// Words of 16-bit channels up to `maximum`, in double precision. Products and sums are fused only against a
-/// whole matte, where that cannot show. Against black nothing falls below 0.
-template <MatteKind KIND>
-void Remove_Matte_From_Words(void* words, long count, ScaledMatte const& matte, bool isInverted,
-                             uint64_t maximum)
-{
-    hn::ScalableTag<uint64_t> const d64;
-    hn::ScalableTag<double> const dd;
-    constexpr double toRound = 0x1p-32;  // moves halves up, where the sum with the magic would make them even
-    struct Channel {
-        hn::VFromD<hn::ScalableTag<double>> matte, rounding;
-    };
-    // A whole matte is taken away together with the magic.
-    constexpr double together = KIND == MatteKind::odd ? 0.0 : magic;
-    auto const channel = [=](double m) {
-        return Channel{hn::Set(dd, together + m), hn::Set(dd, m + toRound)};
-    };
-    Channel const red = channel(matte.red), green = channel(matte.green), blue = channel(matte.blue);
-    auto const inversion = hn::Set(d64, isInverted ? maximum << 48 : 0);
-    auto const max = hn::Set(dd, static_cast<double>(maximum)), one = hn::Set(dd, 1.0);
-    auto const opaque = hn::Set(d64, maximum);
-    auto const place = hn::Set(d64, 0xFFFF), bits = hn::Set(d64, magicBits);
-    auto const toMagic = hn::Set(dd, magic);
-    Change_Vectors<uint64_t>(words, count, [=](auto stored) {
-        auto const pixels = hn::Xor(stored, inversion);
-        auto const alpha = hn::ShiftRight<48>(pixels);
-        if (hn::AllTrue(d64, hn::Eq(alpha, opaque))) return pixels;
-        auto const divisor = hn::Sub(hn::BitCast(dd, hn::Or(alpha, bits)), toMagic);
-        auto const scale = hn::Div(max, hn::Max(divisor, one));
-        auto const pure = [&](auto value, Channel const& c) {
-            auto const raised = hn::BitCast(dd, hn::Or(value, bits));
-            auto const distance =
-                hn::Sub(KIND == MatteKind::odd ? hn::Sub(raised, toMagic) : raised, c.matte);
-            auto const exact = KIND == MatteKind::odd ? hn::Add(hn::Mul(distance, scale), c.rounding)
-                                                      : hn::MulAdd(distance, scale, c.rounding);
-            auto const positive = KIND == MatteKind::black ? exact : hn::Max(exact, hn::Zero(dd));
-            return hn::BitCast(d64, hn::Add(hn::Min(positive, max), toMagic));
-        };
-        // The shifts push the magic out, whose lower 48 bits are 0.
-        auto const r = hn::And(pure(hn::And(pixels, place), red), place);
-        auto const g = hn::ShiftLeft<16>(pure(hn::And(hn::ShiftRight<16>(pixels), place), green));
-        auto const b = hn::ShiftLeft<32>(pure(hn::And(hn::ShiftRight<32>(pixels), place), blue));
-        auto const result = hn::Or(hn::Or(r, g), hn::Or(b, hn::ShiftLeft<48>(alpha)));
-        return hn::IfThenElse(hn::Eq(alpha, hn::Zero(d64)), pixels, result);
-    });
-}
-
-/// Bytes against a matte that is not whole, by way of words.
-inline void Remove_Odd_Matte_From_Bytes(uint8_t* row, ScaledMatte const& matte, bool isInverted, long pixels)
-{
-    constexpr long stage = ReadRow<FormatRGBA8>::stagePixels;
-    uint64_t words[stage];
-    auto* const channels = reinterpret_cast<AnyPlace<uint16_t>*>(words);
-    for (; pixels > 0; pixels -= stage, row += 4 * stage) {
-        long const count = std::min(stage, pixels);
-        for (long i = 0; i < 4 * count; ++i)
-            channels[i].value = row[i];
-        Remove_Matte_From_Words<MatteKind::odd>(words, count, matte, isInverted, 255);
-        for (long i = 0; i < 4 * count; ++i)
-            row[i] = static_cast<uint8_t>(channels[i].value);
-    }
-}
+// For words the quotient is matte + (value - matte) * max / alpha in double precision. What is added moves
+// halves up, where rounding would make them even; the errors are smaller.
+constexpr double halvesUp = 0x1p-32;
 
 #if ZV_HAS_VECTORS
 
-/// Float pixels, two channels at a time.
-inline void Remove_Matte_From_Floats(float* rgba, long count, double const* matte, bool isInverted)
+// A number between 0 and 65535 plus 2^36, or 1.5 times that, has its whole part in the second word of the
+// double and 16 bits of fraction below.
+constexpr double secondWord = 0x1p36;
+constexpr uint64_t secondWordBits = 0x4230000000000000;
+
+/// How a matte's sums are rounded. A matte of whole or half channels makes them fractions over 2 * alpha,
+/// which stay at least 1 / 131068 below the next whole number, and the 2^-17 to which they are rounded with
+/// the 16 bits cannot lift them there. Any other has to be rounded on its own, and nothing may be fused.
+enum class MatteKind { black, halves, any };
+
+/// Words of 16-bit channels up to `maximum`. Against black nothing falls below 0.
+template <MatteKind KIND>
+void Remove_Matte_From_Words(void* words, ZVMatteRemoval const& removal, uint64_t maximum, long count)
 {
-    hn::FixedTag<float, 4> const df;
-    hn::FixedTag<double, 2> const dd;
-    hn::Half<hn::FixedTag<float, 4>> const half;
-    double const upper[] = {matte[2], 0.0};
-    auto const redGreen = hn::LoadU(dd, matte), blueAlpha = hn::LoadU(dd, upper);
-    for (; count > 0; --count, rgba += 4) {
-        auto const mixed = hn::LoadU(df, rgba);
-        float const alpha = isInverted ? 1.0F - rgba[3] : rgba[3];
-        auto const divisor = hn::Set(dd, static_cast<double>(alpha));
-        auto const rest = hn::Sub(hn::Set(dd, 1.0), divisor);
-        auto const pure = [&](auto values, auto m) {
-            auto const exact = hn::Div(hn::Sub(hn::PromoteTo(dd, values), hn::Mul(m, rest)), divisor);
-            return hn::DemoteTo(half, hn::Min(hn::Max(exact, hn::Zero(dd)), hn::Set(dd, 1.0)));
+    ByteTag const d8;
+    WordTag const d16;
+    hn::Repartition<uint32_t, ByteTag> const d32;
+    hn::Repartition<uint64_t, ByteTag> const d64;
+    hn::Repartition<double, ByteTag> const dd;
+    constexpr bool isAny = KIND == MatteKind::any;
+    constexpr double sumWord = 1.5 * secondWord;
+    constexpr uint8_t no = 0x80;
+    alignas(16) static constexpr uint8_t places[3][16] = {
+        {no, no, 0, 1, no, no, no, no, no, no, 8, 9, no, no, no, no},
+        {no, no, 2, 3, no, no, no, no, no, no, 10, 11, no, no, no, no},
+        {no, no, 4, 5, no, no, no, no, no, no, 12, 13, no, no, no, no}};
+    struct Channel {
+        ByteVector place;
+        hn::VFromD<hn::Repartition<double, ByteTag>> zero, rounding;
+    };
+    auto const channel = [&](int i) {
+        double const m = removal.matte[i];
+        return Channel{hn::LoadDup128(d8, places[i]), hn::Set(dd, isAny ? m : secondWord + m),
+                       hn::Set(dd, isAny ? m + halvesUp : sumWord + m + 0.5)};
+    };
+    Channel const red = channel(0), green = channel(1), blue = channel(2);
+    auto const lowest = hn::Set(dd, isAny ? 0.0 : sumWord);
+    auto const highest = hn::Set(dd, (isAny ? 0.0 : sumWord) + static_cast<double>(maximum));
+    auto const inversion = hn::Set(d64, removal.isInverted ? maximum << 48 : 0);
+    auto const max = hn::Set(dd, static_cast<double>(maximum)), one = hn::Set(dd, 1.0);
+    auto const opaque = hn::Set(d64, maximum);
+    auto const raise = hn::Set(d64, secondWordBits);
+    Change_Vectors<uint64_t>(words, count, [&](auto stored) {
+        auto const pixels = hn::Xor(stored, inversion);
+        auto const alpha = hn::ShiftRight<48>(pixels);
+        if (hn::AllTrue(d64, hn::Eq(alpha, opaque))) return pixels;
+        auto const divisor =
+            hn::Sub(hn::BitCast(dd, hn::Or(hn::ShiftLeft<16>(alpha), raise)), hn::Set(dd, secondWord));
+        auto const scale = hn::Div(max, hn::Max(divisor, one));
+        auto const pure = [&](Channel const& c) {
+            auto const placed = hn::BitCast(d64, hn::TableLookupBytesOr0(hn::BitCast(d8, pixels), c.place));
+            auto const raised = hn::BitCast(dd, hn::Or(placed, raise));
+            auto const distance = hn::Sub(isAny ? hn::Sub(raised, hn::Set(dd, secondWord)) : raised, c.zero);
+            auto const sum = isAny ? hn::Add(hn::Mul(distance, scale), c.rounding)
+                                   : hn::MulAdd(distance, scale, c.rounding);
+            auto const inside = hn::Min(KIND == MatteKind::black ? sum : hn::Max(sum, lowest), highest);
+            return hn::BitCast(d64, isAny ? hn::Add(inside, hn::Set(dd, 0x1p52)) : inside);
         };
-        if (alpha > 0.0F)
-            hn::StoreU(hn::Combine(df, pure(hn::UpperHalf(half, mixed), blueAlpha),
-                                   pure(hn::LowerHalf(half, mixed), redGreen)),
-                       df, rgba);
-        rgba[3] = alpha;
-    }
+        constexpr int bit = isAny ? 0 : 16;  // where whole parts begin
+        auto const redGreen = hn::OddEven(hn::BitCast(d16, hn::ShiftLeft<16 - bit>(pure(green))),
+                                          hn::BitCast(d16, hn::ShiftRight<bit>(pure(red))));
+        auto const blueAlpha =
+            hn::OddEven(hn::BitCast(d16, pixels), hn::BitCast(d16, hn::ShiftLeft<32 - bit>(pure(blue))));
+        auto const result = hn::OddEven(hn::BitCast(d32, blueAlpha), hn::BitCast(d32, redGreen));
+        return hn::IfThenElse(hn::Eq(alpha, hn::Zero(d64)), pixels, hn::BitCast(d64, result));
+    });
+}
+
+inline void Remove_Matte_From_Words(void* words, ZVMatteRemoval const& removal, uint64_t maximum, long count)
+{
+    auto const all = [&](auto isTrue) { return std::all_of(removal.matte, removal.matte + 3, isTrue); };
+    if (all([](double m) { return m == 0; }))
+        Remove_Matte_From_Words<MatteKind::black>(words, removal, maximum, count);
+    else if (all([](double m) { return m >= 0 && m <= 65535 && 2 * m == std::floor(2 * m); }))
+        Remove_Matte_From_Words<MatteKind::halves>(words, removal, maximum, count);
+    else
+        Remove_Matte_From_Words<MatteKind::any>(words, removal, maximum, count);
 }
 
 #else
 
-inline void Remove_Matte_From_Floats(float* rgba, long count, double const* matte, bool isInverted)
+inline void Remove_Matte_From_Words(void* words, ZVMatteRemoval const& removal, uint64_t maximum, long count)
+{
+    auto const max = static_cast<double>(maximum);
+    auto* channels = static_cast<AnyPlace<uint16_t>*>(words);
+    for (; count > 0; --count, channels += 4) {
+        auto const alpha =
+            static_cast<uint16_t>(removal.isInverted ? maximum - channels[3].value : channels[3].value);
+        channels[3].value = alpha;
+        double const scale = max / alpha;
+        for (int i = 0; i < 3 && alpha > 0; ++i) {
+            double const m = removal.matte[i];
+            double const sum = (channels[i].value - m) * scale + (m + halvesUp);
+            // The last bit of 2^52 is 1: a number below it is rounded into the low bits of their sum.
+            auto const bits = std::bit_cast<uint64_t>(std::clamp(sum, 0.0, max) + 0x1p52);
+            channels[i].value = static_cast<uint16_t>(bits);
+        }
+    }
+}
+
+#endif
+
+#if ZV_HAS_VECTORS
+
+/// Two float pixels: red and green of each in one vector of doubles, both blues in a third.
+template <typename Doubles>
+HWY_INLINE void Remove_Matte_From_Two(float* rgba, Doubles redGreen, Doubles blue, bool isInverted)
+{
+    hn::FixedTag<float, 4> const df;
+    hn::FixedTag<double, 2> const dd;
+    hn::Half<hn::FixedTag<float, 4>> const half;
+    auto const first = hn::LoadU(df, rgba), second = hn::LoadU(df, rgba + 4);
+    auto const bluesAndAlphas = hn::InterleaveUpper(df, first, second);
+    auto const stored = hn::UpperHalf(half, bluesAndAlphas);
+    auto const alphas = isInverted ? hn::Sub(hn::Set(half, 1.0F), stored) : stored;
+    auto const divisors = hn::PromoteTo(dd, alphas);
+    auto const zero = hn::Zero(dd), one = hn::Set(dd, 1.0);
+    auto const pure = [=](auto channels, Doubles matte, Doubles divisor) {
+        auto const mixed = hn::PromoteTo(dd, channels);
+        auto const exact = hn::Div(hn::Sub(mixed, hn::Mul(matte, hn::Sub(one, divisor))), divisor);
+        auto const inside = hn::Min(hn::Max(exact, zero), one);
+        return hn::DemoteTo(half, hn::IfThenElse(hn::Gt(divisor, zero), inside, mixed));
+    };
+    auto const blues = pure(hn::LowerHalf(half, bluesAndAlphas), blue, divisors);
+    auto const firstRedGreen =
+        pure(hn::LowerHalf(half, first), redGreen, hn::InterleaveLower(dd, divisors, divisors));
+    auto const secondRedGreen =
+        pure(hn::LowerHalf(half, second), redGreen, hn::InterleaveUpper(dd, divisors, divisors));
+    hn::StoreU(hn::Combine(df, hn::InterleaveLower(half, blues, alphas), firstRedGreen), df, rgba);
+    hn::StoreU(hn::Combine(df, hn::InterleaveUpper(half, blues, alphas), secondRedGreen), df, rgba + 4);
+}
+
+inline void Remove_Matte_From_Floats(float* rgba, ZVMatteRemoval const& removal, long count)
+{
+    hn::FixedTag<double, 2> const dd;
+    auto const redGreen = hn::LoadU(dd, removal.matte), blue = hn::Set(dd, removal.matte[2]);
+    for (; count >= 2; count -= 2, rgba += 8)
+        Remove_Matte_From_Two(rgba, redGreen, blue, removal.isInverted);
+    if (count == 0) return;
+    float last[8] = {};
+    std::copy_n(rgba, 4, last);
+    Remove_Matte_From_Two(last, redGreen, blue, removal.isInverted);
+    std::copy_n(last, 4, rgba);
+}
+
+#else
+
+inline void Remove_Matte_From_Floats(float* rgba, ZVMatteRemoval const& removal, long count)
 {
     for (; count > 0; --count, rgba += 4) {
-        float const alpha = isInverted ? 1.0F - rgba[3] : rgba[3];
+        float const alpha = removal.isInverted ? 1.0F - rgba[3] : rgba[3];
         rgba[3] = alpha;
         for (int i = 0; i < 3 && alpha > 0.0F; ++i) {
-            double const pure = (rgba[i] - matte[i] * (1.0 - static_cast<double>(alpha))) / alpha;
+            double const pure = (rgba[i] - removal.matte[i] * (1.0 - static_cast<double>(alpha))) / alpha;
             rgba[i] = static_cast<float>(pure > 0.0 ? std::min(pure, 1.0) : 0.0);
         }
     }
@@ -404,30 +386,17 @@ inline void Remove_Matte_From_Floats(float* rgba, long count, double const* matt
 
 #endif
 
-template <typename Format> void Remove_Matte(void* row, double const* matte, bool isInverted, long pixels)
+template <typename Format> void Remove_Matte(void* row, ZVMatteRemoval const& removal, long pixels)
 {
-    if constexpr (Format::bits == 32) {
-        Remove_Matte_From_Floats(static_cast<float*>(row), pixels, matte, isInverted);
+    if constexpr (Format::bits == 8) {
+        Remove_Matte_From_Bytes(static_cast<uint8_t*>(row), removal, pixels);
+    } else if constexpr (Format::bits == 32) {
+        Remove_Matte_From_Floats(static_cast<float*>(row), removal, pixels);
     } else {
-        ScaledMatte const scaled = Scale_Matte<Format>(matte);
-        if constexpr (Format::bits == 8) {
-            auto* const bytes = static_cast<uint8_t*>(row);
-            switch (scaled.kind) {
-            case MatteKind::black:
-                return Remove_Matte_From_Bytes<MatteKind::black>(row, scaled, isInverted, pixels);
-            case MatteKind::whole:
-                return Remove_Matte_From_Bytes<MatteKind::whole>(row, scaled, isInverted, pixels);
-            case MatteKind::odd: return Remove_Odd_Matte_From_Bytes(bytes, scaled, isInverted, pixels);
-            }
-        } else {
-            auto const remove = scaled.kind == MatteKind::black   ? Remove_Matte_From_Words<MatteKind::black>
-                                : scaled.kind == MatteKind::whole ? Remove_Matte_From_Words<MatteKind::whole>
-                                                                  : Remove_Matte_From_Words<MatteKind::odd>;
-            auto const change = [&](long count, auto* channels) {
-                remove(channels, count, scaled, isInverted, channelMax<Format>);
-            };
-            Work_On<Format>(pixels, change, ChangedRow<Format>(row));
-        }
+        auto const change = [&](long count, auto* channels) {
+            Remove_Matte_From_Words(channels, removal, channelMax<Format>, count);
+        };
+        Work_On<Format>(pixels, change, ChangedRow<Format>(row));
     }
 }
 

@@ -4,9 +4,9 @@
 // sum in single precision again, then truncated. With bytes A, S and B the exact value is N / 255, N = A*S +
 // (255-A)*B. Unless N is a multiple of 255 the value is at least 1/255 away from the next integer, farther
 // than all the rounding errors together reach, and the result is N / 255 rounded down, which 16-bit lanes
-// work out. A multiple may come out as told or one lower. It can be lower only for odd A from 65 to 127,
-// where 1 - alpha rounds down to its even neighbour, and for A from 128 to 254 with S below B; lanes of these
-// kinds are worked out again by the told formula. The tests go through all A, S and B.
+// work out. A multiple may come out as told or one lower. It can be lower only for A from 65 to 127, where
+// 1 - alpha rounds, and for A from 128 to 254 with S below B; lanes of these kinds are worked out again by
+// the told formula. The tests go through all A, S and B.
 
 // Included once for each target, hence no #pragma once.
 #if defined(ZV_BLEND_ROWS_INL) == defined(HWY_TARGET_TOGGLE)
@@ -42,7 +42,7 @@ struct BlendAlpha {
     }
 };
 
-inline float Blended(BlendAlpha const& alpha, double source, uint8_t back)
+inline float Blended(BlendAlpha const& alpha, double source, float back)
 {
     return static_cast<float>(static_cast<double>(back * alpha.rest) + alpha.scaled * source);
 }
@@ -69,7 +69,7 @@ template <Over OVER> uint8_t Blend_Byte(uint32_t alpha, uint32_t source, uint32_
     uint32_t const quotient = sum / 255;
     bool const isExact = OVER != Over::matte && quotient * 255 == sum && alpha >= 65 && alpha < 255;
     if (!isExact) return static_cast<uint8_t>(quotient);
-    return Truncated_Byte(Blended(BlendAlpha(alpha / 255.0), source / 255.0, static_cast<uint8_t>(back)));
+    return Truncated_Byte(Blended(BlendAlpha(alpha / 255.0), source / 255.0, static_cast<float>(back)));
 }
 
 /// For each byte of a target pixel the channel of the source that it shows.
@@ -158,11 +158,11 @@ public:
                 long const at = first + std::countr_zero(bytes);
                 uint8_t const* const rgba = source + (at & ~3L);
                 int const alpha = rgba[3], value = rgba[order.channels[at & 3]];
-                int const back = (255 * target[at] - alpha * value) / (255 - alpha);
                 BlendAlpha const weights(ZVPixelRGBA8::Fraction(rgba[3]));
-                target[at] = static_cast<uint8_t>(
-                    static_cast<int>(Blended(weights, ZVPixelRGBA8::Fraction(static_cast<uint8_t>(value)),
-                                             static_cast<uint8_t>(back))));
+                float const back =
+                    static_cast<float>(255 * target[at] - alpha * value) / static_cast<float>(255 - alpha);
+                target[at] = static_cast<uint8_t>(static_cast<int>(
+                    Blended(weights, ZVPixelRGBA8::Fraction(rgba[order.channels[at & 3]]), back)));
             }
         }
     }
@@ -193,8 +193,7 @@ void Blend_Vectors(uint8_t const* source, uint8_t const* colour, uint8_t* target
     auto const toSigned = hn::Set(d8, 0x80);
     auto const pad = hn::BitCast(d8, hn::Set(d32, 0xFF000000));
     auto const one = hn::Set(d8, 1);
-    auto const middleBits = hn::Set(di32, static_cast<int32_t>(0xC1000000));
-    auto const middle = hn::Set(di32, 0x41000000);
+    auto const belowMiddle = hn::Set(di32, 0x40FFFFFF);
     auto const opaque = hn::Set(di32, static_cast<int32_t>(0xFF000000));
     uint32_t colourWord;
     std::memcpy(&colourWord, colour, sizeof(colourWord));
@@ -239,9 +238,8 @@ void Blend_Vectors(uint8_t const* source, uint8_t const* colour, uint8_t* target
         auto const lowBytes = Packed_Bytes(hn::And(lowerSums, lowByte), hn::And(upperSums, lowByte));
         auto const isMultiple = hn::VecFromMask(d8, hn::Eq(hn::Add(lowBytes, blended), one));
         auto const pixels = hn::BitCast(di32, rgba);
-        auto const isMiddle =
-            hn::VecFromMask(di32, hn::Eq(hn::And(pixels, middleBits), middle));  // odd, 65 to 127
-        auto const isUpper = hn::VecFromMask(di32, hn::Lt(pixels, opaque));      // 128 to 254
+        auto const isMiddle = hn::VecFromMask(di32, hn::Gt(pixels, belowMiddle));  // 65 to 127
+        auto const isUpper = hn::VecFromMask(di32, hn::Lt(pixels, opaque));        // 128 to 254
         auto const isBelow =
             hn::VecFromMask(di8, hn::Gt(hn::BitCast(di8, signedBack), hn::BitCast(di8, signedSource)));
         auto const isCandidate =

@@ -11,6 +11,7 @@
 #include "FieldMath-inl.h"
 
 #include <algorithm>
+#include <cmath>
 
 HWY_BEFORE_NAMESPACE();
 namespace Rows {
@@ -87,6 +88,37 @@ ZVRowWeight::ZVRowWeight(double weight, ZVBitmapType type, long pixels)
             hasFactor = HWY_DYNAMIC_DISPATCH(Gives_All_Products)(*this, type);
             if (hasFactor) return;
         }
+    }
+}
+
+ZVMatteRemoval::ZVMatteRemoval(double const* fractions, bool inverted, ZVBitmapType type)
+    : isInverted(inverted)
+{
+    bool const isFloat = type == ZV_BITMAP_RGBAFLOAT;
+    double const max = isFloat ? 1.0 : static_cast<double>((1L << GetBitsPerChannelZV(type)) - 1);
+    for (int i = 0; i < 3; ++i) {
+        matte[i] = fractions[i] * max;
+        // What was a channel value once is made whole again: the way through a fraction may have cost it its
+        // last bit.
+        double const whole = std::round(matte[i]);
+        if (!isFloat && whole >= 0 && whole <= max && std::abs(matte[i] - whole) < 1e-6) matte[i] = whole;
+    }
+    if (type != ZV_BITMAP_RGBA8) return;
+    for (int stored = 0; stored < 256; ++stored) {
+        Line& line = byAlpha[stored];
+        int const alpha = inverted ? 255 - stored : stored;
+        for (int i = 0; i < 3; ++i) {
+            // As 255 * c is whole, what stands beside it may be cut to a whole number before the division;
+            // quotients are then fractions over alpha, and half of one more keeps errors from mattering.
+            double const beside =
+                std::floor(alpha * (0.5 + 0x1p-32) - matte[i] * (255 - alpha));  // halves go up
+            line.scale[i] = alpha ? 255.0F / static_cast<float>(alpha) : 1.0F;
+            // Within some channels' worth of what matters, and a number.
+            line.bias[i] =
+                alpha ? static_cast<float>(std::min(std::max(-1e6, (beside + 0.5) / alpha), 1e6)) : 0.0F;
+        }
+        line.scale[3] = inverted ? -1.0F : 1.0F;
+        line.bias[3] = inverted ? 255.0F : 0.0F;
     }
 }
 

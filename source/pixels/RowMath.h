@@ -17,6 +17,24 @@ struct ZVRowWeight {
     ZVRowWeight(double weight, ZVBitmapType type, long pixels);
 };
 
+/// A matte to take out of rows of one type. For a channel c that was mixed with it by alpha, (c * max - matte
+/// * (max - alpha)) / alpha is what was there, within the channel, rounded to nearest with halves up; where
+/// alpha is 0 colours stay. Stored alpha is turned first where it is inverted.
+struct ZVMatteRemoval {
+    double matte[3];  ///< red, green and blue on the scale of the channels
+    bool isInverted;
+
+    /// For bytes, by their stored alpha: channel * scale + bias, cut to an integer and held within a byte, in
+    /// single precision, fused or not.
+    struct alignas(16) Line {
+        float scale[4], bias[4];
+    };
+    Line byAlpha[256];
+
+    /// @param fractions  of the matte
+    ZVMatteRemoval(double const* fractions, bool inverted, ZVBitmapType type);
+};
+
 /// What can be done with rows of one type, compiled for the best instruction set of this processor. Rows lie
 /// at any address and do not overlap, unless a row is said to be changed; nothing beyond the pixels is read
 /// or written.
@@ -42,7 +60,7 @@ struct ZVRowMath {
     void (*addFields)(void const* row, void const* above, void const* below, ZVRowWeight const& weight,
                       ZVRowWeight const& other, void* target, long pixels);
 
-    // Alpha conventions, on one row that is changed. A matte is red, green and blue as fractions.
+    // Alpha conventions, on one row that is changed.
 
     void (*setAlpha)(void* row, bool isOpaque, long pixels);  ///< Full or none.
     void (*invertAlpha)(void* row, long pixels);              ///< Maximum minus alpha.
@@ -51,16 +69,13 @@ struct ZVRowMath {
     /// `background`.
     void (*takeLuminance)(void* row, uint32_t background, bool isInverted, long pixels);
 
-    /// Takes a matte out of colours that were mixed with it by alpha: c = (c * max - matte * (max - alpha)) /
-    /// alpha, within the channel, rounded to nearest with halves up. Where alpha is 0 the colours stay.
-    /// Inverted alpha is turned first.
-    void (*removeMatte)(void* row, double const* matte, bool isInverted, long pixels);
+    void (*removeMatte)(void* row, ZVMatteRemoval const& removal, long pixels);
 
     /// The colours become alpha, or the maximum minus it; alpha becomes full.
     void (*showAlpha)(void* row, bool isInverted, long pixels);
 
-    /// Mixes colours with a matte by alpha: c = (c * alpha + matte * (max - alpha)) / max; in integer types
-    /// the matte is truncated to a channel and so is the result.
+    /// Mixes colours with a matte of three fractions by alpha: c = (c * alpha + matte * (max - alpha)) / max;
+    /// in integer types the matte is truncated to a channel and so is the result.
     void (*addMatte)(void* row, double const* matte, long pixels);
 };
 

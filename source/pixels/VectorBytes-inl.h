@@ -67,17 +67,13 @@ HWY_INLINE ByteVector Packed_Bytes(WordVector lower, WordVector upper)
     return Packed_Bytes(hn::BitCast(SignedWordTag(), lower), hn::BitCast(SignedWordTag(), upper));
 }
 
-/// Floats cut to integers. What does not fit becomes anything: Highway would spend as much again on it.
-HWY_INLINE hn::VFromD<hn::Repartition<int32_t, ByteTag>>
-Truncated(hn::VFromD<hn::Repartition<float, ByteTag>> values)
+/// Floats cut to integers, which they must fit: Highway would spend as much again on those that do not.
+HWY_INLINE hn::VFromD<hn::FixedTag<int32_t, 4>> Truncated(hn::VFromD<hn::FixedTag<float, 4>> values)
 {
-    using Integers = hn::VFromD<hn::Repartition<int32_t, ByteTag>>;
-#if HWY_TARGET == HWY_AVX2
-    return Integers{_mm256_cvttps_epi32(values.raw)};
-#elif HWY_TARGET == HWY_SSE4 || HWY_TARGET == HWY_SSSE3
-    return Integers{_mm_cvttps_epi32(values.raw)};
+#if HWY_ARCH_X86
+    return hn::VFromD<hn::FixedTag<int32_t, 4>>{_mm_cvttps_epi32(values.raw)};
 #else
-    return hn::ConvertTo(hn::DFromV<Integers>(), values);
+    return hn::ConvertTo(hn::FixedTag<int32_t, 4>(), values);
 #endif
 }
 

@@ -17,17 +17,19 @@ namespace {
 fs::path const root = ZV_SOURCE_DIR;
 
 /// Folders of source in their order: each leans on itself and on those in front of it.
-constexpr std::array layers = {"foundation", "files", "pixels", "clips", "formats", "interface", "gadgets"};
+constexpr std::array layers = {"foundation", "threads", "files",     "pixels",
+                               "clips",      "formats", "interface", "gadgets"};
 
 /// Headers of the C library that are no part of the C++ standard and that the portable code may use.
 constexpr std::array portableHeaders = {"strings.h"};
 
-/// Headers of the C library and the kernel, for the desktop layer: by folder and by name.
+/// Headers of the C library, the compiler and the kernel, for the desktop layer: by folder and by name.
 constexpr std::array systemFolders = {"sys/", "linux/", "net/", "netinet/", "arpa/"};
 constexpr std::array systemHeaders = {
-    "dirent.h", "dlfcn.h",     "errno.h",  "fcntl.h",  "fnmatch.h", "ftw.h",     "glob.h",    "grp.h",
-    "iconv.h",  "langinfo.h",  "limits.h", "malloc.h", "mntent.h",  "poll.h",    "pthread.h", "pwd.h",
-    "sched.h",  "semaphore.h", "signal.h", "spawn.h",  "strings.h", "termios.h", "time.h",    "unistd.h",
+    "cpuid.h",   "dirent.h",  "dlfcn.h", "errno.h",    "fcntl.h",     "fnmatch.h", "ftw.h",
+    "glob.h",    "grp.h",     "iconv.h", "langinfo.h", "limits.h",    "malloc.h",  "mntent.h",
+    "poll.h",    "pthread.h", "pwd.h",   "sched.h",    "semaphore.h", "signal.h",  "spawn.h",
+    "strings.h", "termios.h", "time.h",  "unistd.h",
 };
 
 struct Include {

@@ -1,6 +1,6 @@
 // The guess of the alpha convention, from frames and from clips.
 #include "clips/ClipFixture.h"
-#include "clips/TypedBitmaps.h"
+#include "pixels/BitmapVisit.h"
 
 namespace {
 
@@ -44,9 +44,9 @@ Guess const guesses[] = {
 BitmapBlock Make_Frame(std::vector<Pixel> const& pixels, ZVBitmapType type)
 {
     BitmapBlock bitmap = Make_Bitmap(static_cast<long>(pixels.size()), 1, type);
-    PixelTest::Visit_Typed(bitmap.get(), [&](auto* typed) {
+    Visit_RGBA(*bitmap, [&](auto& typed) {
         for (std::size_t i = 0; i < pixels.size(); ++i)
-            typed->GetIterator(static_cast<long>(i), 0)
+            typed.GetIterator(static_cast<long>(i), 0)
                 ->SetFloat(pixels[i][0], pixels[i][1], pixels[i][2], pixels[i][3]);
     });
     return bitmap;
@@ -122,8 +122,8 @@ TEST(AlphaGuessFrame, NothingToLookAtAnswers0)
     EXPECT_EQ(GuessAlphaZV(&clip, nullptr), 0);
     EXPECT_EQ(GuessAlphaZV(nullptr, Make_Frame({red}, ZV_BITMAP_RGBA8).get()), 0);
     EXPECT_EQ(GuessAlphaZV(nullptr), 0);
-    for (ZVBitmapType const type : PixelTest::monoTypes)
-        EXPECT_EQ(GuessAlphaZV(&clip, Make_Bitmap(2, 2, type).get()), 0);
+    for (int type = ZV_BITMAP_MONO8; type <= ZV_BITMAP_MONOFLOAT; ++type)
+        EXPECT_EQ(GuessAlphaZV(&clip, Make_Bitmap(2, 2, static_cast<ZVBitmapType>(type)).get()), 0);
     EXPECT_FALSE(clip.Flags & ZV_CLIP_ALPHA_KNOWN);
     EXPECT_EQ(clip.AlphaInvert, 7);
 }

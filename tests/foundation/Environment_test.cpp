@@ -49,8 +49,9 @@ TEST_F(EnvironmentTest, StartsWithNothingButTheWishForNoInterface)
     EXPECT_EQ(GetErrorZV(), 0UL);
     EXPECT_EQ(GetErrorStringZV(), nullptr);
     for (List const* list :
-         {&ZVEnv->menus, &ZVEnv->windows, &ZVEnv->jobs, &ZVEnv->windowPrefs, &ZVEnv->icons, &ZVEnv->threads})
+         {&ZVEnv->menus, &ZVEnv->windows, &ZVEnv->jobs, &ZVEnv->windowPrefs, &ZVEnv->icons})
         EXPECT_TRUE(List_Empty(list));
+    EXPECT_EQ(List_Entries(&ZVEnv->threads), ZVEnv->processors > 1 ? ZVEnv->processors : 0);
     EXPECT_EQ(ZVEnv->eraseOnDestroy, 1);
     EXPECT_EQ(ZVEnv->toolTipsOn, 1);
     EXPECT_EQ(ZVEnv->pressure, 65535);

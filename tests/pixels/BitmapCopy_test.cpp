@@ -6,7 +6,7 @@
 #include "pixels/ConvertRows.h"
 
 #include <cmath>
-#include <functional>
+#include <optional>
 
 using namespace PixelTest;
 
@@ -21,18 +21,16 @@ uint32_t Mark(long x, long y)
 BitmapPtr Marked(long width, long height)
 {
     BitmapPtr bitmap = Make_Bitmap(width, height, ZV_BITMAP_MONO16);
-    for (long y = 0; y < height; ++y)
-        for (long x = 0; x < width; ++x)
-            Set_Raw(*bitmap, x, y, 0, Mark(x, y));
+    for (long i = 0; i < width * height; ++i)
+        Set_Raw(*bitmap, i % width, i / width, 0, Mark(i % width, i / width));
     return bitmap;
 }
 
 NativePtr Marked_Native(long width, long height)
 {
     NativePtr bitmap = Make_Native(width, height, 32);
-    for (long y = 0; y < height; ++y)
-        for (long x = 0; x < width; ++x)
-            Set_Native(*bitmap, x, y, Mark(x, y));
+    for (long i = 0; i < width * height; ++i)
+        Set_Native(*bitmap, i % width, i / width, Mark(i % width, i / width));
     return bitmap;
 }
 
@@ -45,18 +43,9 @@ struct Coverage {
     uint32_t operator()(long x, long y) const { return covered.IsIn(x, y) ? Mark(x + mx, y + my) : 0; }
 };
 
-void Expect_Marks(ZVBitmap const& bitmap, std::function<uint32_t(long, long)> const& expected)
+template <typename Expected> void Expect_Marks(ZVBitmap const& bitmap, Expected expected)
 {
-    for (long y = 0; y < bitmap.Height; ++y)
-        for (long x = 0; x < bitmap.Width; ++x)
-            ASSERT_EQ(Get_Raw(bitmap, x, y, 0), expected(x, y)) << x << ", " << y;
-}
-
-void Expect_Marks(ZVNativeBitmap const& bitmap, std::function<uint32_t(long, long)> const& expected)
-{
-    for (long y = 0; y < bitmap.Height; ++y)
-        for (long x = 0; x < bitmap.Width; ++x)
-            ASSERT_EQ(Get_Native(bitmap, x, y), expected(x, y)) << x << ", " << y;
+    Expect_Channels(bitmap, [&](long x, long y, long) { return expected(x, y); });
 }
 
 constexpr long far = 1L << 40;
@@ -83,44 +72,37 @@ ClipCase const clipCases[] = {
 
 // ---- clipping ---------------------------------------------------------------------------------------------
 
-TEST(BitmapCopy, IsClippedAtTheTarget)
+TEST(BitmapCopy, IsClippedAtTheTargetWhetherOrNotItConverts)
 {
-    BitmapPtr const source = Marked(12, 8);
+    BitmapPtr const marked = Marked(12, 8), source = Make_Random(12, 8, ZV_BITMAP_RGBA8, 1),
+                    wide = Make_Random(12, 8, ZV_BITMAP_RGBA16, 2);
+    NativePtr const native = Make_Random_Native(12, 8, 32, 3);
     for (ClipCase const& row : clipCases) {
         SCOPED_TRACE(row.why);
-        BitmapPtr const target = Make_Bitmap(10, 10, ZV_BITMAP_MONO16);
-        CopyBitmapZV(source.get(), target.get(), row.sx, row.sy, row.w, row.h, row.dx, row.dy);
-        Expect_Marks(*target, row.expected);
-    }
-}
-
-TEST(BitmapCopy, IsClippedInTheSameWayWhereItConverts)
-{
-    BitmapPtr const source = Make_Bitmap(12, 8, ZV_BITMAP_RGBA8), wide = Make_Bitmap(12, 8, ZV_BITMAP_RGBA16);
-    Fill_Random(*source, 1);
-    Fill_Random(*wide, 2);
-    NativePtr const native = Make_Native(12, 8, 32);
-    Fill_Random(*native, 3);
-    for (ClipCase const& row : clipCases) {
-        SCOPED_TRACE(row.why);
-        auto const isCopied = [&](long x, long y) { return row.expected.covered.IsIn(x, y); };
-        BitmapPtr const from8 = Make_Bitmap(10, 10, ZV_BITMAP_RGBA16),
-                        fromNative = Make_Bitmap(10, 10, ZV_BITMAP_RGBA8);
-        NativePtr const to = Make_Native(10, 10, 32);
-        CopyBitmapZV(source.get(), from8.get(), row.sx, row.sy, row.w, row.h, row.dx, row.dy);
-        CopyBitmapZV(native.get(), fromNative.get(), row.sx, row.sy, row.w, row.h, row.dx, row.dy);
-        CopyBitmapZV(wide.get(), to.get(), row.sx, row.sy, row.w, row.h, row.dx, row.dy);
-        for (long y = 0; y < 10; ++y) {
-            for (long x = 0; x < 10; ++x) {
-                long const fromX = x + row.expected.mx, fromY = y + row.expected.my;
-                ASSERT_EQ(Get_Raw(*from8, x, y, 1),
-                          isCopied(x, y) ? Get_Raw(*source, fromX, fromY, 1) * 257 : 0);
-                ASSERT_EQ(Get_Raw(*fromNative, x, y, 2),
-                          isCopied(x, y) ? Get_Native(*native, fromX, fromY) & 0xFF : 0);
-                ASSERT_EQ(Get_Native(*to, x, y) >> 16,
-                          isCopied(x, y) ? Get_Raw(*wide, fromX, fromY, 0) >> 8 : 0);
-            }
-        }
+        auto const copied = [&](auto const& from, auto to) {
+            CopyBitmapZV(from.get(), to.get(), row.sx, row.sy, row.w, row.h, row.dx, row.dy);
+            return to;
+        };
+        auto const told = [&](long x, long y, auto value) {
+            return row.expected.covered.IsIn(x, y) ? value(x + row.expected.mx, y + row.expected.my) : 0U;
+        };
+        Expect_Marks(*copied(marked, Make_Bitmap(10, 10, ZV_BITMAP_MONO16)), row.expected);
+        Expect_Channels(
+            *copied(source, Make_Bitmap(10, 10, ZV_BITMAP_RGBA16)), [&](long x, long y, long channel) {
+                return told(x, y, [&](long sx, long sy) { return Get_Raw(*source, sx, sy, channel) * 257; });
+            });
+        Expect_Channels(
+            *copied(native, Make_Bitmap(10, 10, ZV_BITMAP_RGBA8)), [&](long x, long y, long channel) {
+                return told(x, y, [&](long sx, long sy) {
+                    return channel == 3 ? 255U : Get_Native(*native, sx, sy) >> (16 - 8 * channel) & 0xFF;
+                });
+            });
+        Expect_Words(*copied(wide, Make_Native(10, 10, 32)), [&](long x, long y) {
+            return told(x, y, [&](long sx, long sy) {
+                auto const byte = [&](long channel) { return Get_Raw(*wide, sx, sy, channel) >> 8; };
+                return byte(0) << 16 | byte(1) << 8 | byte(2);
+            });
+        });
     }
 }
 
@@ -139,27 +121,23 @@ TEST(BitmapCopy, OfNothingDoesNothing)
     CopyBitmapZV(empty.get(), bitmap.get(), 0, 0, -1, -1, 0, 0);
     CopyBitmapZV(bitmap.get(), empty.get(), 0, 0, -1, -1, 0, 0);
     Expect_Marks(*bitmap, Mark);
-    Expect_Marks(*native, Mark);
+    Expect_Words(*native, Mark);
 }
 
 // ---- between bitmaps --------------------------------------------------------------------------------------
 
 TEST(BitmapCopy, OfOneTypeIsRawForAllTen)
 {
-    for (int type = ZV_BITMAP_RGBA8; type <= ZV_BITMAP_MONOFLOAT; ++type) {
-        SCOPED_TRACE(type);
-        BitmapPtr const source = Make_Bitmap(9, 7, static_cast<ZVBitmapType>(type));
-        BitmapPtr const whole = Make_Bitmap(9, 7, static_cast<ZVBitmapType>(type));
-        BitmapPtr const part = Make_Bitmap(11, 5, static_cast<ZVBitmapType>(type));
-        Fill_Random(Bytes(*source), static_cast<unsigned>(type));
+    for (ZVBitmapType const type : allTypes) {
+        BitmapPtr const source = Make_Bitmap(9, 7, type), whole = Make_Bitmap(9, 7, type),
+                        part = Make_Bitmap(11, 5, type);
+        Fill_Random(Bytes(*source), 7);  // unused bits too
         CopyBitmapZV(source.get(), whole.get(), 0, 0, -1, -1, 0, 0);
-        EXPECT_TRUE(std::ranges::equal(Bytes(*source), Bytes(*whole)));
+        EXPECT_TRUE(Are_Equal(*source, *whole)) << int{type};
         CopyBitmapZV(source.get(), part.get(), 1, 2, 8, 4, 3, 1);
-        for (long y = 0; y < 4; ++y)
-            EXPECT_EQ(std::memcmp(Pixel_Bytes(*part, 3, y + 1), Pixel_Bytes(*source, 1, y + 2),
-                                  static_cast<std::size_t>(8 * part->PackSize)),
-                      0);
-        EXPECT_TRUE(std::all_of(part->Pixels, Pixel_Bytes(*part, 3, 1), [](int byte) { return byte == 0; }));
+        Expect_Channels(*part, [&](long x, long y, long channel) {
+            return x >= 3 && y >= 1 ? Get_Raw(*source, x - 2, y + 1, channel) : 0;
+        });
     }
 }
 
@@ -174,12 +152,12 @@ TEST(BitmapCopy, BetweenMonoAndAnythingElseDoesNothing)
         CopyBitmapZV(rgba.get(), mono.get(), 0, 0, -1, -1, 0, 0);
         CopyBitmapZV(other.get(), mono.get(), 0, 0, -1, -1, 0, 0);
         CopyBitmapZV(native.get(), mono.get(), 0, 0, -1, -1, 0, 0);
-        EXPECT_TRUE(std::ranges::all_of(Bytes(*mono), [](int byte) { return byte == 3; }));
         CopyBitmapZV(mono.get(), rgba.get(), 0, 0, -1, -1, 0, 0);
         CopyBitmapZV(mono.get(), native.get(), 0, 0, -1, -1, 0, 0);
+        EXPECT_TRUE(Is_All(*mono, 3)) << int{type};
     }
-    EXPECT_TRUE(std::ranges::all_of(Bytes(*rgba), [](int byte) { return byte == 1; }));
-    EXPECT_TRUE(std::ranges::all_of(Bytes(*native), [](int byte) { return byte == 2; }));
+    EXPECT_TRUE(Is_All(*rgba, 1));
+    EXPECT_TRUE(Is_All(*native, 2));
 }
 
 TEST(BitmapCopy, WithinOneBitmapReadsBeforeItWrites)
@@ -196,16 +174,15 @@ TEST(BitmapCopy, WithinOneBitmapReadsBeforeItWrites)
             return covered.IsIn(x, y) ? Mark(x - dx, y - dy) : Mark(x, y);
         };
         Expect_Marks(*bitmap, expected);
-        Expect_Marks(*native, expected);
+        Expect_Words(*native, expected);
     }
 }
 
 TEST(BitmapCopy, BeyondTheCacheGivesTheSame)
 {
     constexpr long width = 2041, height = 1301;  // some 10 MB at 32 bits, at odd addresses
-    BitmapPtr const source = Make_Bitmap(width, height, ZV_BITMAP_RGBA8),
+    BitmapPtr const source = Make_Random(width, height, ZV_BITMAP_RGBA8, 5),
                     twin = Make_Bitmap(width, height, ZV_BITMAP_RGBA8);
-    Fill_Random(*source, 5);
     for (ZVBitmapType const type : rgbaTypes) {
         BitmapPtr const target = Make_Bitmap(width + 2, height, type, 0x77);
         ZVRowConverter const convert = Get_Row_Converter(ZV_BITMAP_RGBA8, type);
@@ -218,9 +195,9 @@ TEST(BitmapCopy, BeyondTheCacheGivesTheSame)
                 ASSERT_EQ(std::memcmp(Pixel_Bytes(*target, 0, y), expected.data(), expected.size()), 0) << y;
             }
         });
-        CopyBitmapZV(source.get(), twin.get(), 0, 0, -1, -1, 0, 0);
-        EXPECT_TRUE(std::ranges::equal(Bytes(*source), Bytes(*twin)));
     }
+    CopyBitmapZV(source.get(), twin.get(), 0, 0, -1, -1, 0, 0);
+    EXPECT_TRUE(Are_Equal(*source, *twin));
 }
 
 TEST(BitmapCopy, LeavesOutTheExcludedRectangle)
@@ -276,11 +253,11 @@ TEST(NativeCopy, IsKeptInsideBothBitmapsAndTheClip)
         NativePtr const target = Make_Native(10, 10, 32);
         CopyBitmapZV(source.get(), target.get(), row.clip ? &*row.clip : nullptr, row.sx, row.sy, row.w,
                      row.h, row.dx, row.dy);
-        Expect_Marks(*target, row.expected);
+        Expect_Words(*target, row.expected);
     }
     NativePtr const target = Make_Native(10, 10, 32);
     CopyBitmapZV(source.get(), target.get(), 0, 0, -1, -1, 1, 1);
-    Expect_Marks(*target, Coverage{{1, 1, 9, 8}, -1, -1});
+    Expect_Words(*target, Coverage{{1, 1, 9, 8}, -1, -1});
 }
 
 TEST(NativeCopy, OfOneDepthIsRawAndOtherwiseGoesThroughBytes)
@@ -316,25 +293,24 @@ TEST(NativeCopy, OfOneDepthIsRawAndOtherwiseGoesThroughBytes)
 
 TEST(NativeCopy, StepsByRowBytesAndAddsTheOffset)
 {
-    BitmapPtr const source = Make_Bitmap(5, 4, ZV_BITMAP_RGBA8), back = Make_Bitmap(5, 4, ZV_BITMAP_RGBA8);
-    Fill_Random(*source, 9);
+    BitmapPtr const source = Make_Random(5, 4, ZV_BITMAP_RGBA8, 9), back = Make_Bitmap(5, 4, ZV_BITMAP_RGBA8);
     NativePtr const native = Make_Native(13, 6, 32, 0x11);
     native->Offset = static_cast<int32_t>(native->RowBytes + 3 * 4);
     native->Width = 5;
     native->Height = 4;
     CopyBitmapZV(source.get(), native.get(), 0, 0, -1, -1, 0, 0);
     CopyBitmapZV(native.get(), back.get(), 0, 0, -1, -1, 0, 0);
-    for (long y = 0; y < 4; ++y) {
-        for (long x = 0; x < 5; ++x) {
-            uint32_t const expected = 0x11000000 | Get_Raw(*source, x, y, 0) << 16 |
-                                      Get_Raw(*source, x, y, 1) << 8 | Get_Raw(*source, x, y, 2);
-            EXPECT_EQ(Get_Native(*native, x, y), expected);
-            EXPECT_EQ(Get_Raw(*back, x, y, 0), Get_Raw(*source, x, y, 0));
-            EXPECT_EQ(Get_Raw(*back, x, y, 3), 255U);
-        }
-        EXPECT_EQ(Get_Native(*native, 5, y), 0x11111111U);
-        EXPECT_EQ(Get_Native(*native, -1, y), 0x11111111U);
-    }
+    Expect_Channels(*back, [&](long x, long y, long channel) {
+        return channel == 3 ? 255U : Get_Raw(*source, x, y, channel);
+    });
+    native->Offset = 0;
+    native->Width = 13;
+    native->Height = 6;
+    Expect_Words(*native, [&](long x, long y) {
+        if (!ZVRectT<long>{3, 1, 5, 4}.IsIn(x, y)) return 0x11111111U;
+        auto const byte = [&](long channel) { return Get_Raw(*source, x - 3, y - 1, channel); };
+        return 0x11000000 | byte(0) << 16 | byte(1) << 8 | byte(2);
+    });
 }
 
 TEST(NativeCopy, GivesEachTypeItsComponents)
@@ -369,15 +345,12 @@ TEST(MonoToRGBA, RoundsEachByteIntoTheType)
     for (ZVBitmapType const type : rgbaTypes) {
         BitmapPtr const target = Make_Bitmap(16, 16, type, 0x55);
         ConvertMonoToRGBA(static_cast<ZVBufferMono8*>(mono.get()), target.get());
-        uint32_t const max = type == ZV_BITMAP_RGBAFLOAT ? 0 : (1U << GetBitsPerChannelZV(type)) - 1;
-        for (long i = 0; i < 256; ++i) {
-            double const fraction = static_cast<double>(i) / 255.0;
-            uint32_t const grey = max ? static_cast<uint32_t>(std::lrint(fraction * max))
-                                      : std::bit_cast<uint32_t>(static_cast<float>(fraction));
-            for (long channel = 0; channel < 3; ++channel)
-                ASSERT_EQ(Get_Raw(*target, i % 16, i / 16, channel), grey) << type << " " << i;
-            ASSERT_EQ(Get_Raw(*target, i % 16, i / 16, 3), max ? max : std::bit_cast<uint32_t>(1.0F));
-        }
+        Expect_Channels(*target, [&](long x, long y, long channel) {
+            double const fraction = channel == 3 ? 1.0 : static_cast<double>(x + 16 * y) / 255.0;
+            return Is_Float(type)
+                       ? std::bit_cast<uint32_t>(static_cast<float>(fraction))
+                       : static_cast<uint32_t>(std::lrint(fraction * static_cast<double>(Max_Of(type))));
+        });
     }
 }
 
@@ -388,7 +361,7 @@ TEST(MonoToRGBA, NeedsEqualSizesAndAMono8Source)
     ConvertMonoToRGBA(static_cast<ZVBufferMono8*>(mono.get()), other.get());
     ConvertMonoToRGBA(nullptr, other.get());
     ConvertMonoToRGBA(static_cast<ZVBufferMono8*>(mono.get()), nullptr);
-    EXPECT_TRUE(std::ranges::all_of(Bytes(*other), [](int byte) { return byte == 1; }));
+    EXPECT_TRUE(Is_All(*other, 1));
     testing::internal::CaptureStderr();
     EXPECT_THROW(ConvertMonoToRGBA(reinterpret_cast<ZVBufferMono8*>(wide.get()), same.get()), ZVAssertFail);
     EXPECT_NE(testing::internal::GetCapturedStderr().find("Bitmap"), std::string::npos);
@@ -397,27 +370,23 @@ TEST(MonoToRGBA, NeedsEqualSizesAndAMono8Source)
 TEST(AlphaFirst, RotatesTheChannelsOfEachType)
 {
     for (ZVBitmapType const type : rgbaTypes) {
-        SCOPED_TRACE(type);
-        BitmapPtr const source = Make_Bitmap(7, 5, type), target = Make_Bitmap(7, 5, type);
-        BitmapPtr const inPlace = Make_Bitmap(7, 5, type);
-        Fill_Random(*source, 4);
-        CopyBitmapZV(source.get(), inPlace.get(), 0, 0, -1, -1, 0, 0);
+        BitmapPtr const source = Make_Random(7, 5, type, 4), target = Make_Bitmap(7, 5, type),
+                        inPlace = Copy_Of(*source);
         ConvertRGBAToARGBZV(source.get(), target.get());
         ConvertRGBAToARGBZV(inPlace.get(), inPlace.get());
-        for (long y = 0; y < 5; ++y)
-            for (long x = 0; x < 7; ++x)
-                for (long channel = 0; channel < 4; ++channel)
-                    ASSERT_EQ(Get_Raw(*target, x, y, (channel + 1) % 4), Get_Raw(*source, x, y, channel));
-        EXPECT_TRUE(std::ranges::equal(Bytes(*target), Bytes(*inPlace)));
-        std::vector<unsigned char> out(static_cast<std::size_t>(source->Size), 0xEE);
-        ConvertRGBAToARGBZV(source.get(), out.data(), 3L * source->PackSize);
-        EXPECT_EQ(std::memcmp(out.data(), target->Pixels, static_cast<std::size_t>(3 * source->PackSize)), 0);
-        EXPECT_EQ(out[static_cast<std::size_t>(3 * source->PackSize)], 0xEE);
+        Expect_Channels(
+            *target, [&](long x, long y, long channel) { return Get_Raw(*source, x, y, (channel + 3) % 4); });
+        EXPECT_TRUE(Are_Equal(*target, *inPlace)) << int{type};
+        long const count = 3 * source->PackSize;
+        std::vector<unsigned char> out(static_cast<std::size_t>(count) + 1, 0xEE);
+        ConvertRGBAToARGBZV(source.get(), out.data(), count);
+        EXPECT_TRUE(std::equal(out.begin(), out.end() - 1, target->Pixels)) << int{type};
+        EXPECT_EQ(out.back(), 0xEE);
     }
     BitmapPtr const mono = Make_Bitmap(7, 5, ZV_BITMAP_MONO8, 1),
                     still = Make_Bitmap(7, 5, ZV_BITMAP_MONO8, 2);
     ConvertRGBAToARGBZV(mono.get(), still.get());
-    EXPECT_EQ(still->Pixels[0], 2);
+    EXPECT_TRUE(Is_All(*still, 2));
 }
 
 TEST(AlphaFirst, PackedPixelsHaveATemplateOfTheirOwn)
@@ -429,5 +398,5 @@ TEST(AlphaFirst, PackedPixelsHaveATemplateOfTheirOwn)
     static_cast<ZVBufferRGBA10&>(*expected).GetIterator(0, 0)->SetRGBA(4, 1, 2, 3);
     unsigned char out[10] = {};
     RGBA_To_ARGB<ZVBufferRGBA10, ZVPixelRGBA10, unsigned short>(&buffer, out, 5);
-    EXPECT_EQ(std::memcmp(out, expected->Pixels, 10), 0);
+    EXPECT_TRUE(std::ranges::equal(out, Bytes(*expected)));
 }

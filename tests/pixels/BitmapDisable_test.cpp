@@ -1,7 +1,7 @@
 // Colours shaded and disabled, and bitmaps dimmed.
 #include "PixelTestTools.h"
 
-#include "ZVEnvironment.h"
+#include "TestEnvironment.h"
 
 using namespace PixelTest;
 
@@ -9,14 +9,9 @@ namespace {
 
 /// An environment whose interface background makes the disabled shade 0x963C00: three quarters of each
 /// component.
-class Disabling : public testing::Test {
+class Disabling : public EnvironmentTest {
 protected:
-    void SetUp() override
-    {
-        ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 1, 0), nullptr);
-        SetStylePenZV(ZV_PEN_PALETTE, 0x00C85000UL);
-    }
-    void TearDown() override { CleanUpZV(); }
+    Disabling() { SetStylePenZV(ZV_PEN_PALETTE, 0x00C85000UL); }
 };
 
 constexpr long shade[] = {0x96, 0x3C, 0x00};
@@ -71,23 +66,16 @@ TEST_F(Disabling, ColorsMoveTowardTheShade)
 
 TEST_F(Disabling, NativePixelsMoveOnceAndPadBytesStay)
 {
+    ZVRectT<long> const rect{3, 1, 20, 2};
     for (long const depth : nativeDepths) {
         for (bool const isWhole : {false, true}) {
-            SCOPED_TRACE(depth);
-            NativePtr const bitmap = Make_Native(37, 5, depth), before = Make_Native(37, 5, depth);
-            Fill_Random(*bitmap, 2);
-            Fill_Random(*before, 2);
-            ZVRectT<long> const rect{3, 1, 20, 2};
+            NativePtr const before = Make_Random_Native(37, 5, depth, 2), bitmap = Copy_Of(*before);
             DisableBitmapZV(bitmap.get(), isWhole ? nullptr : &rect);
-            for (long y = 0; y < 5; ++y) {
-                for (long x = 0; x < 37; ++x) {
-                    uint32_t const word = Get_Native(*before, x, y);
-                    uint32_t const kept = depth == 16 ? word & 0x7FFF : word;
-                    bool const isInside = isWhole || rect.IsIn(x, y);
-                    ASSERT_EQ(Get_Native(*bitmap, x, y), isInside ? Dimmed_Native(kept, depth) : word)
-                        << x << ", " << y;
-                }
-            }
+            Expect_Words(*bitmap, [&](long x, long y) {
+                uint32_t const word = Get_Native(*before, x, y);
+                return isWhole || rect.IsIn(x, y) ? Dimmed_Native(depth == 16 ? word & 0x7FFF : word, depth)
+                                                  : word;
+            });
         }
     }
 }
@@ -95,15 +83,13 @@ TEST_F(Disabling, NativePixelsMoveOnceAndPadBytesStay)
 TEST_F(Disabling, EveryByteOfRGBA8MovesButAlpha)
 {
     BitmapPtr const bitmap = Make_Bitmap(256, 1, ZV_BITMAP_RGBA8);
-    for (uint32_t value = 0; value < 256; ++value)
-        for (long channel = 0; channel < 4; ++channel)
-            Set_Raw(*bitmap, static_cast<long>(value), 0, channel, value);
+    for (long i = 0; i < bitmap->Size; ++i)
+        bitmap->Pixels[i] = static_cast<unsigned char>(i / 4);
     DisableBitmapZV(bitmap.get(), nullptr);
-    for (uint32_t value = 0; value < 256; ++value) {
-        for (long channel = 0; channel < 3; ++channel)
-            EXPECT_EQ(Get_Raw(*bitmap, static_cast<long>(value), 0, channel), Dimmed(value, shade[channel]));
-        EXPECT_EQ(Get_Raw(*bitmap, static_cast<long>(value), 0, 3), value);
-    }
+    Expect_Channels(*bitmap, [](long x, long, long channel) {
+        auto const value = static_cast<uint32_t>(x);
+        return channel == 3 ? value : Dimmed(value, shade[channel]);
+    });
 }
 
 TEST_F(Disabling, OtherTypesScaleTheShadeToTheirChannels)

@@ -1,67 +1,44 @@
 // Fills of bitmaps: what each channel gets, and what is left alone.
 #include "PixelTestTools.h"
 
-#include "ZVEnvironment.h"
+#include "TestEnvironment.h"
 
 using namespace PixelTest;
 
 namespace {
 
-constexpr auto allTypes = [] {
-    std::array<ZVBitmapType, 10> types{};
-    std::copy(rgbaTypes.begin(), rgbaTypes.end(), types.begin());
-    std::copy(monoTypes.begin(), monoTypes.end(), types.begin() + 5);
-    return types;
-}();
-
-// Sizes around vectors and around the block that a fill repeats.
-struct Size {
-    long width, height;
-};
-constexpr Size sizes[] = {{1, 1}, {3, 1}, {17, 5}, {961, 3}};
-
 /// A component as a raw channel, worked out in integers.
 uint32_t Raw_Component(ZVBitmapType type, uint32_t component)
 {
-    if (GetBitsPerChannelZV(type) == 32)
-        return std::bit_cast<uint32_t>(static_cast<float>(component / 255.0));
-    return component * ((1U << GetBitsPerChannelZV(type)) - 1) / 255;
+    if (Is_Float(type)) return std::bit_cast<uint32_t>(static_cast<float>(component / 255.0));
+    return component * static_cast<uint32_t>(Max_Of(type)) / 255;
 }
 
-/// The raw channels that a pixel of a colour has, mono pixels by the component that they show.
-std::array<uint32_t, 4> Raw_Channels(ZVBitmapType type, uint32_t color, int monoShift)
+/// A channel of a colour; a mono pixel shows the component at `monoShift`.
+uint32_t Raw_Channel(ZVBitmapType type, uint32_t color, long channel, int monoShift)
 {
-    if (GetChannelsZV(type) == 1) return {Raw_Component(type, color >> monoShift & 0xFF)};
-    return {Raw_Component(type, color >> 16 & 0xFF), Raw_Component(type, color >> 8 & 0xFF),
-            Raw_Component(type, color & 0xFF), Raw_Component(type, color >> 24)};
+    static constexpr int shifts[] = {16, 8, 0, 24};
+    return Raw_Component(type, color >> (GetChannelsZV(type) == 1 ? monoShift : shifts[channel]) & 0xFF);
 }
 
-/// Counts the channels that differ from what is expected of pixel (x, y) before and after.
-template <typename Expected> long Count_Wrong(ZVBitmap const& bitmap, Expected expected)
+bool Is_Alpha(ZVBitmapType type, long channel)
 {
-    long wrong = 0;
-    for (long y = 0; y < bitmap.Height; ++y)
-        for (long x = 0; x < bitmap.Width; ++x)
-            for (long channel = 0; channel < GetChannelsZV(&bitmap); ++channel)
-                wrong += Get_Raw(bitmap, x, y, channel) != expected(x, y, channel);
-    return wrong;
+    return channel == 3 || GetChannelsZV(type) == 1;
 }
 
-/// Fills a bitmap of random pixels and compares with what each channel should then hold.
-template <typename Fill, typename Expected>
-void Check_Fill(ZVBitmapType type, Size const& size, Fill fill, Expected expected)
+/// Fills random pixels of all types, in sizes around vectors and around the block that a fill repeats, and
+/// compares with `expected` of what each channel held.
+template <typename Fill, typename Expected> void Check_Fill(Fill fill, Expected expected)
 {
-    SCOPED_TRACE(testing::Message() << "type " << int{type} << ", " << size.width << "x" << size.height);
-    BitmapPtr const bitmap = Make_Bitmap(size.width, size.height, type),
-                    before = Make_Bitmap(size.width, size.height, type);
-    Fill_Random(*bitmap, 1);
-    Fill_Random(*before, 1);
-    fill(bitmap.get());
-    EXPECT_EQ(Count_Wrong(*bitmap,
-                          [&](long x, long y, long channel) {
-                              return expected(Get_Raw(*before, x, y, channel), x, y, channel);
-                          }),
-              0);
+    for (ZVBitmapType const type : allTypes) {
+        for (auto const& [width, height] : {std::pair(1L, 1L), {3, 1}, {17, 5}, {961, 3}}) {
+            BitmapPtr const before = Make_Random(width, height, type, 1), bitmap = Copy_Of(*before);
+            fill(bitmap.get());
+            Expect_Channels(*bitmap, [&](long x, long y, long channel) {
+                return expected(*before, x, y, channel, Get_Raw(*before, x, y, channel));
+            });
+        }
+    }
 }
 
 }  // namespace
@@ -72,139 +49,97 @@ TEST(BitmapFill, EveryComponentIsScaledAndTruncated)
         BitmapPtr const bitmap = Make_Bitmap(1, 1, type);
         for (uint32_t component = 1; component < 256; ++component) {
             FillBitmapZV(bitmap.get(), component << 24 | component << 16);
-            EXPECT_EQ(Get_Raw(*bitmap, 0, 0, 0), Raw_Component(type, component))
-                << int{type} << " " << component;
+            EXPECT_EQ(Get_Raw(*bitmap, 0, 0, 0), Raw_Component(type, component)) << int{type};
         }
     }
 }
 
 TEST(BitmapFill, KnownColors)
 {
-    BitmapPtr const bytes = Make_Bitmap(2, 1, ZV_BITMAP_RGBA8);
+    BitmapPtr const bytes = Make_Bitmap(1, 1, ZV_BITMAP_RGBA8), packed = Make_Bitmap(1, 1, ZV_BITMAP_RGBA10);
     FillBitmapZV(bytes.get(), 0x80FF0000UL);
-    unsigned char const expected[] = {0xFF, 0, 0, 0x80, 0xFF, 0, 0, 0x80};
-    EXPECT_EQ(std::memcmp(bytes->Pixels, expected, sizeof(expected)), 0);
-
-    BitmapPtr const packed = Make_Bitmap(1, 1, ZV_BITMAP_RGBA10);
+    EXPECT_TRUE(std::ranges::equal(Bytes(*bytes), std::array{0xFF, 0, 0, 0x80}));
     FillBitmapZV(packed.get(), 0x00FF8040UL);
-    EXPECT_EQ(Get_Raw(*packed, 0, 0, 0), 1023U);
-    EXPECT_EQ(Get_Raw(*packed, 0, 0, 1), 513U);
-    EXPECT_EQ(Get_Raw(*packed, 0, 0, 2), 256U);
-    EXPECT_EQ(Get_Raw(*packed, 0, 0, 3), 0U);
+    Expect_Channels(*packed, [](long, long, long channel) {
+        return std::array{1023U, 513U, 256U, 0U}[static_cast<std::size_t>(channel)];
+    });
 }
 
 TEST(BitmapFill, ReachesEveryPixelOfEveryType)
 {
-    for (ZVBitmapType const type : allTypes) {
-        for (Size const& size : sizes) {
-            auto const pixel = Raw_Channels(type, 0x4080FF20, 16);
-            Check_Fill(
-                type, size, [](ZVBitmap* bitmap) { FillBitmapZV(bitmap, 0x4080FF20UL); },
-                [&](uint32_t, long, long, long channel) { return pixel[static_cast<std::size_t>(channel)]; });
-        }
-    }
-}
-
-TEST(BitmapFill, TheWordZeroClearsAlphaToo)
-{
-    for (ZVBitmapType const type : allTypes)
-        Check_Fill(
-            type, {5, 3}, [](ZVBitmap* bitmap) { FillBitmapZV(bitmap, 0UL); },
-            [](uint32_t, long, long, long) { return 0U; });
+    for (uint32_t const color : {0x4080FF20U, 0U})
+        Check_Fill([=](ZVBitmap* bitmap) { FillBitmapZV(bitmap, color); },
+                   [=](ZVBitmap const& before, long, long, long channel, uint32_t) {
+                       return Raw_Channel(before.Type, color, channel, 16);
+                   });
 }
 
 TEST(BitmapFill, ColorsLeaveAlphaAsItWas)
 {
-    for (ZVBitmapType const type : allTypes) {
-        for (Size const& size : sizes) {
-            auto const pixel = Raw_Channels(type, 0xFF123456, 0);  // mono shows blue here
-            Check_Fill(
-                type, size, [](ZVBitmap* bitmap) { FillColorZV(bitmap, 0xFF123456UL); },
-                [&](uint32_t before, long, long, long channel) {
-                    return channel == 3 ? before : pixel[static_cast<std::size_t>(channel)];
-                });
-        }
-    }
+    Check_Fill([](ZVBitmap* bitmap) { FillColorZV(bitmap, 0xFF123456UL); },
+               [](ZVBitmap const& before, long, long, long channel, uint32_t raw) {
+                   return channel == 3 ? raw : Raw_Channel(before.Type, 0x123456, channel, 0);
+               });
 }
 
 TEST(BitmapFill, AlphaLeavesColorsAsTheyWereAndKeepsToItsRectangle)
 {
-    for (ZVBitmapType const type : allTypes) {
-        bool const isMono = GetChannelsZV(type) == 1;
-        uint32_t const alpha = Raw_Component(type, 0x80);
-        for (Size const& size : sizes) {
-            Check_Fill(
-                type, size, [](ZVBitmap* bitmap) { FillAlphaZV(bitmap, 0x80); },
-                [&](uint32_t before, long, long, long channel) {
-                    return isMono || channel == 3 ? alpha : before;
-                });
-            ZVRectT<long> const rect{size.width / 3, size.height / 3, size.width - size.width / 2,
-                                     size.height - size.height / 2};
-            Check_Fill(
-                type, size, [&](ZVBitmap* bitmap) { FillAlphaRectZV(bitmap, 0x80, &rect); },
-                [&](uint32_t before, long x, long y, long channel) {
-                    return rect.IsIn(x, y) && (isMono || channel == 3) ? alpha : before;
-                });
-        }
-    }
-}
-
-TEST(BitmapFill, AnEmptyAlphaRectangleDoesNothing)
-{
-    for (ZVRectT<long> const& rect : {ZVRectT<long>{1, 1, 2, 0}, ZVRectT<long>{1, 1, 0, 2}})
-        Check_Fill(
-            ZV_BITMAP_RGBA12, {4, 4}, [&](ZVBitmap* bitmap) { FillAlphaRectZV(bitmap, 9, &rect); },
-            [](uint32_t before, long, long, long) { return before; });
+    Check_Fill([](ZVBitmap* bitmap) { FillAlphaZV(bitmap, 0x80); },
+               [](ZVBitmap const& before, long, long, long channel, uint32_t raw) {
+                   return Is_Alpha(before.Type, channel) ? Raw_Component(before.Type, 0x80) : raw;
+               });
+    auto const part = [](ZVBitmap const& bitmap) {
+        long const w = bitmap.Width, h = bitmap.Height;
+        return ZVRectT<long>{w / 3, h / 3, w - w / 2, h - h / 2};
+    };
+    Check_Fill(
+        [&](ZVBitmap* bitmap) {
+            ZVRectT<long> const rect = part(*bitmap), flat{0, 0, 1, 0}, narrow{0, 0, 0, 1};
+            FillAlphaRectZV(bitmap, 0x80, &rect);
+            FillAlphaRectZV(bitmap, 9, &flat);
+            FillAlphaRectZV(bitmap, 9, &narrow);
+        },
+        [&](ZVBitmap const& before, long x, long y, long channel, uint32_t raw) {
+            bool const isFilled = part(before).IsIn(x, y) && Is_Alpha(before.Type, channel);
+            return isFilled ? Raw_Component(before.Type, 0x80) : raw;
+        });
 }
 
 TEST(BitmapFill, NativePixelsTakeTheColorInTheirLayoutAndPaddingStays)
 {
-    struct Case {
-        long depth;
-        uint32_t word;
-    };
     // 0xF9 is 31 in five bits, 0x80 is 16, 0x47 is 8.
-    for (Case const& row : {Case{32, 0xFFF98047}, Case{24, 0xF98047}, Case{16, 31 << 10 | 16 << 5 | 8}}) {
-        SCOPED_TRACE(row.depth);
-        NativePtr const bitmap = Make_Native(5, 3, row.depth, 0x11);
-        bitmap->Offset = static_cast<int32_t>(row.depth / 8);
+    for (auto const& [depth, word] :
+         {std::pair(32L, 0xFFF98047), {24L, 0xF98047}, {16L, 31 << 10 | 16 << 5 | 8}}) {
+        NativePtr const bitmap = Make_Native(5, 3, depth, 0x11);
+        bitmap->Offset = static_cast<int32_t>(depth / 8);
         bitmap->Height = 2;  // the offset moves the last row out of the memory
         FillBitmapZV(bitmap.get(), 0x00F98047UL);
-        for (long y = 0; y < bitmap->Height; ++y) {
-            for (long x = 0; x < bitmap->Width; ++x)
-                EXPECT_EQ(Get_Native(*bitmap, x, y), row.word);
-            unsigned char const* const rowEnd =
-                bitmap->Pixels + bitmap->Offset + y * bitmap->RowBytes + 5 * bitmap->PackSize;
-            EXPECT_EQ(*rowEnd, 0x11);
-        }
+        Expect_Words(*bitmap, [=](long, long) { return word; });
         EXPECT_EQ(bitmap->Pixels[0], 0x11);
+        for (long y = 0; y < 2; ++y)
+            EXPECT_EQ(bitmap->Pixels[bitmap->Offset + y * bitmap->RowBytes + 5 * bitmap->PackSize], 0x11);
     }
-    NativePtr const index = Make_Native(5, 3, 8);
-    FillBitmapZV(index.get(), 0x00F98047UL);
-    EXPECT_EQ(Bytes(*index).front(), 0x47);
-    EXPECT_EQ(Bytes(*index).back(), 0x47);
-    NativePtr const odd = Make_Native(2, 2, 32, 0x22);
+    NativePtr const indexed = Make_Native(5, 3, 8), odd = Make_Native(2, 2, 32, 0x22);
+    FillBitmapZV(indexed.get(), 0x00F98047UL);
+    EXPECT_TRUE(Is_All(*indexed, 0x47));
     odd->Depth = 15;
     FillBitmapZV(odd.get(), 0x00F98047UL);
-    EXPECT_EQ(Bytes(*odd).front(), 0x22);
+    EXPECT_TRUE(Is_All(*odd, 0x22));
 }
 
 TEST(BitmapFill, PensAreResolved)
 {
-    ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 1, 0), nullptr);
-    SetStylePenZV(ZV_PEN_MARKED, 0x00102030UL);
-    BitmapPtr const bitmap = Make_Bitmap(1, 1, ZV_BITMAP_RGBA8);
-    FillBitmapZV(bitmap.get(), ZV_PEN_MARKED);
-    EXPECT_EQ(Get_Raw(*bitmap, 0, 0, 0), 0x10U);
-    EXPECT_EQ(Get_Raw(*bitmap, 0, 0, 3), 0U);
+    TestEnvironment const environment;
+    BitmapPtr const bitmap = Make_Bitmap(1, 1, ZV_BITMAP_RGBA8, 0x33);
     NativePtr const native = Make_Native(1, 1, 32);
+    SetStylePenZV(ZV_PEN_MARKED, 0x00102030UL);
+    FillBitmapZV(bitmap.get(), ZV_PEN_MARKED);
     FillBitmapZV(native.get(), ZV_PEN_MARKED);
+    EXPECT_TRUE(std::ranges::equal(Bytes(*bitmap), std::array{0x10, 0x20, 0x30, 0}));
     EXPECT_EQ(Get_Native(*native, 0, 0), 0xFF102030U);
     SetStylePenZV(ZV_PEN_MARKED, 0UL);
-    Fill_Random(*bitmap, 1);
     FillBitmapZV(bitmap.get(), ZV_PEN_MARKED);
-    EXPECT_EQ(Get_Raw(*bitmap, 0, 0, 3), 0U) << "a pen of the word 0 clears";
-    CleanUpZV();
+    EXPECT_TRUE(Is_All(*bitmap, 0)) << "a pen of the word 0 clears";
 }
 
 TEST(BitmapFill, NullDoesNothing)

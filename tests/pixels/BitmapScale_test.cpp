@@ -1,8 +1,6 @@
 // Point sampling: which pixel a target takes, all pairs of formats, on every vector path.
 #include "PixelTestTools.h"
 
-#include "pixels/ConvertRows.h"
-
 using namespace PixelTest;
 
 namespace {
@@ -47,6 +45,7 @@ TEST(BitmapScale, TargetPixelTakesTheColumnUnderItsLeftEdge)
 
 TEST(BitmapScale, RectanglesChooseWhatGoesWhere)
 {
+    std::vector<long> const nothing(6, none);
     struct {
         char const* why;
         ZVRectT<long> srcRect, dstRect;
@@ -58,12 +57,12 @@ TEST(BitmapScale, RectanglesChooseWhatGoesWhere)
          {-2, 0, 6, 1},
          {4, 6, 8, 10, none, none}},
         {"a target past the edge keeps its step", {0, 0, 10, 1}, {1, 0, 10, 1}, {none, 0, 1, 2, 3, 4}},
-        {"no width", {0, 0, 10, 1}, {1, 0, 0, 1}, {none, none, none, none, none, none}},
-        {"no height", {0, 0, 10, 1}, {1, 0, 5, 0}, {none, none, none, none, none, none}},
-        {"a negative width", {0, 0, 10, 1}, {4, 0, -2, 1}, {none, none, none, none, none, none}},
-        {"beyond the right edge", {0, 0, 10, 1}, {6, 0, 4, 1}, {none, none, none, none, none, none}},
-        {"before the left edge", {0, 0, 10, 1}, {-4, 0, 4, 1}, {none, none, none, none, none, none}},
-        {"far outside", {0, 0, 10, 1}, {-2000000000, 0, 5, 1}, {none, none, none, none, none, none}},
+        {"no width", {0, 0, 10, 1}, {1, 0, 0, 1}, nothing},
+        {"no height", {0, 0, 10, 1}, {1, 0, 5, 0}, nothing},
+        {"a negative width", {0, 0, 10, 1}, {4, 0, -2, 1}, nothing},
+        {"beyond the right edge", {0, 0, 10, 1}, {6, 0, 4, 1}, nothing},
+        {"before the left edge", {0, 0, 10, 1}, {-4, 0, 4, 1}, nothing},
+        {"far outside", {0, 0, 10, 1}, {-2000000000, 0, 5, 1}, nothing},
         {"the step's truncation adds up from far outside",
          {0, 0, 12, 1},
          {-119994, 0, 120000, 1},
@@ -92,9 +91,8 @@ TEST(BitmapScale, SetupGivesStepsAndStarts)
 
 TEST(BitmapScale, ReachesTheLastColumnOfTheWidestSource)
 {
-    std::vector<long> const columns = Sampled_Columns(32767, 32766);
-    EXPECT_EQ(columns.back(), 32765);
-    EXPECT_EQ(Sampled_Columns(32767, 65534)[65533], 32766);
+    EXPECT_EQ(Sampled_Columns(32767, 32766).back(), 32765);
+    EXPECT_EQ(Sampled_Columns(32767, 65534).back(), 32766);
 }
 
 // ---- all formats ------------------------------------------------------------------------------------------
@@ -123,35 +121,6 @@ Geometry const geometries[] = {
     {"a right edge beside the source's", 40, 3, {43, 8, 40, 3}, {0, 0, 40, 3}},
 };
 
-/// A source or target of any format, behind one face.
-struct Picture {
-    BitmapPtr bitmap;
-    NativePtr native;
-    ZVRowFormat format = ROW_NONE;
-    long width = 0, height = 0;
-
-    Picture(int kind, long w, long h, int byte = 0) : width(w), height(h)
-    {
-        if (kind <= ZV_BITMAP_MONOFLOAT) {
-            bitmap = Make_Bitmap(w, h, static_cast<ZVBitmapType>(kind), byte);
-            format = Row_Format(bitmap->Type);
-        } else {
-            native = Make_Native(w, h, nativeDepths[static_cast<std::size_t>(kind - ZV_BITMAP_MONOFLOAT - 1)],
-                                 byte);
-            format = Row_Format(*native);
-        }
-    }
-    std::span<unsigned char> All() const { return native ? Bytes(*native) : Bytes(*bitmap); }
-    long Pack() const { return native ? native->PackSize : bitmap->PackSize; }
-    unsigned char* Pixel(long x, long y) const
-    {
-        return native ? native->Pixels + y * native->RowBytes + x * native->PackSize
-                      : Pixel_Bytes(*bitmap, x, y);
-    }
-};
-
-constexpr int kinds = ZV_BITMAP_MONOFLOAT + 3;  // the ten types and three native depths
-
 void Scale(Picture const& from, Picture const& to, Geometry const& geometry)
 {
     auto const run = [&](auto const& source, auto const& target) {
@@ -167,13 +136,13 @@ void Scale(Picture const& from, Picture const& to, Geometry const& geometry)
 void Scale_By_Rules(Picture const& from, Picture const& to, Geometry const& geometry)
 {
     bool const isRaw = from.bitmap && to.bitmap && from.bitmap->Type == to.bitmap->Type;
-    ZVRowConverter const convert = Get_Row_Converter(from.format, to.format);
+    ZVRowConverter const convert = Get_Row_Converter(from.Format(), to.Format());
     if (!isRaw && !convert) return;
     ZVRectT<long> const& source = geometry.srcRect;
     ZVRectT<long> const& target = geometry.dstRect;
     long const stepX = source.width * 65536 / target.width, stepY = source.height * 65536 / target.height;
-    for (long y = std::max(0L, target.y); y < std::min(to.height, target.y + target.height); ++y) {
-        for (long x = std::max(0L, target.x); x < std::min(to.width, target.x + target.width); ++x) {
+    for (long y = std::max(0L, target.y); y < std::min(to.Height(), target.y + target.height); ++y) {
+        for (long x = std::max(0L, target.x); x < std::min(to.Width(), target.x + target.width); ++x) {
             unsigned char const* const pixel = from.Pixel((source.x * 65536 + (x - target.x) * stepX) >> 16,
                                                           (source.y * 65536 + (y - target.y) * stepY) >> 16);
             if (isRaw)
@@ -188,10 +157,10 @@ void Scale_By_Rules(Picture const& from, Picture const& to, Geometry const& geom
 
 TEST(BitmapScale, FollowsTheRulesBetweenAllFormats)
 {
-    for (int fromKind = ZV_BITMAP_RGBA8; fromKind <= kinds; ++fromKind) {
+    for (int fromKind = ZV_BITMAP_RGBA8; fromKind <= Picture::kinds; ++fromKind) {
         Picture const from(fromKind, fromWidth, fromHeight);
         Fill_Random(from.All(), static_cast<unsigned>(fromKind));
-        for (int toKind = ZV_BITMAP_RGBA8; toKind <= kinds; ++toKind) {
+        for (int toKind = ZV_BITMAP_RGBA8; toKind <= Picture::kinds; ++toKind) {
             for (Geometry const& geometry : geometries) {
                 Picture const expected(toKind, geometry.toWidth, geometry.toHeight, 0x3C);
                 Scale_By_Rules(from, expected, geometry);
@@ -235,7 +204,7 @@ TEST(BitmapScale, OfNothingDoesNothing)
     ScaleBitmapZV(indexed.get(), native.get(), nullptr, nullptr);
     ScaleBitmapZV(indexed.get(), bitmap.get(), nullptr, nullptr);
     ScaleBitmapZV(native.get(), indexed.get(), nullptr, nullptr);
-    EXPECT_TRUE(std::ranges::all_of(Bytes(*bitmap), [](int byte) { return byte == 1; }));
-    EXPECT_TRUE(std::ranges::all_of(Bytes(*native), [](int byte) { return byte == 1; }));
-    EXPECT_TRUE(std::ranges::all_of(Bytes(*indexed), [](int byte) { return byte == 0; }));
+    EXPECT_TRUE(Is_All(*bitmap, 1));
+    EXPECT_TRUE(Is_All(*native, 1));
+    EXPECT_TRUE(Is_All(*indexed, 0));
 }

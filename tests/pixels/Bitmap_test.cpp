@@ -1,7 +1,7 @@
 // Types, layouts and single pixels of bitmaps.
 #include "PixelTestTools.h"
 
-#include "ZVLibInternal.h"
+#include "TestEnvironment.h"
 #include "pixels/BitmapVisit.h"
 
 #include <limits>
@@ -23,15 +23,7 @@ TypeCase const typeCases[] = {
     {ZV_BITMAP_MONOFLOAT, 1, 32, 32, 4},
 };
 
-/// An environment without an interface: without one there is no error number.
-class BitmapFailure : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 1, 0), nullptr);
-    }
-    void TearDown() override { CleanUpZV(); }
-};
+class BitmapFailure : public EnvironmentTest {};
 
 /// The bytes of a bitmap of one pixel with these raw channels.
 template <typename Buffer, typename... Channels>
@@ -50,16 +42,15 @@ TEST(BitmapTypes, AreMadeOfTheirChannels)
 {
     for (TypeCase const& row : typeCases) {
         SCOPED_TRACE(row.type);
-        EXPECT_EQ(GetChannelsZV(row.type), row.channels);
-        EXPECT_EQ(GetBitsPerChannelZV(row.type), row.bitsPerChannel);
-        EXPECT_EQ(GetBitsPerPixelZV(row.type), row.bitsPerPixel);
-        EXPECT_EQ(GetPackSizeZV(row.type), row.packSize);
+        EXPECT_EQ((std::array{GetChannelsZV(row.type), GetBitsPerChannelZV(row.type),
+                              GetBitsPerPixelZV(row.type), GetPackSizeZV(row.type)}),
+                  (std::array{row.channels, row.bitsPerChannel, row.bitsPerPixel, row.packSize}));
         BitmapPtr const bitmap(AllocBitmapZV(7, 3, row.type, "label"));
         ASSERT_EQ(bitmap != nullptr, row.type != ZV_BITMAP_NONE);
-        EXPECT_EQ(GetChannelsZV(bitmap.get()), row.channels);
-        EXPECT_EQ(GetBitsPerChannelZV(bitmap.get()), row.bitsPerChannel);
-        EXPECT_EQ(GetBitsPerPixelZV(bitmap.get()), row.bitsPerPixel);
-        EXPECT_EQ(GetPackSizeZV(bitmap.get()), row.packSize);
+        ZVBitmap const* const its = bitmap.get();
+        EXPECT_EQ((std::array{GetChannelsZV(its), GetBitsPerChannelZV(its), GetBitsPerPixelZV(its),
+                              GetPackSizeZV(its)}),
+                  (std::array{row.channels, row.bitsPerChannel, row.bitsPerPixel, row.packSize}));
         if (!bitmap) continue;
         EXPECT_EQ(bitmap->Type, row.type);
         EXPECT_EQ(bitmap->PackSize, row.packSize);
@@ -149,9 +140,7 @@ TEST(PixelLayout, WritingOneChannelKeepsTheOthers)
 {
     for (ZVBitmapType const type : rgbaTypes) {
         SCOPED_TRACE(type);
-        BitmapPtr const actual = Make_Bitmap(64, 4, type), expected = Make_Bitmap(64, 4, type);
-        Fill_Random(*actual, 1);
-        std::memcpy(expected->Pixels, actual->Pixels, static_cast<std::size_t>(actual->Size));
+        BitmapPtr const actual = Make_Random(64, 4, type, 1), expected = Copy_Of(*actual);
         Visit_RGBA(*actual, [&](auto& buffer) {
             std::mt19937 random(2);
             for (long i = 0; i < 256; ++i) {
@@ -170,26 +159,21 @@ TEST(PixelLayout, WritingOneChannelKeepsTheOthers)
                 EXPECT_EQ(std::memcmp(pixel, Pixel_Bytes(*expected, i % 64, i / 64), Pixel::packSize), 0);
             }
         });
-        EXPECT_TRUE(std::ranges::equal(Bytes(*actual), Bytes(*expected)));
+        EXPECT_TRUE(Are_Equal(*actual, *expected));
     }
 }
 
 TEST(PixelFractions, RoundHalvesToEvenAndAnySign)
 {
-    struct {
-        double value;
-        int32_t rounded;
-    } const cases[] = {{2.5, 2},
-                       {3.5, 4},
-                       {-0.4, 0},
-                       {-1.6, -2},
-                       {-2.5, -2},
-                       {0.5, 0},
-                       {1e9, 1000000000},
-                       {2147483647.0, 2147483647},
-                       {-2147483648.0, std::numeric_limits<int32_t>::min()}};
-    for (auto const& row : cases)
-        EXPECT_EQ(f_round(row.value), row.rounded) << row.value;
+    for (auto const& [value, rounded] : {std::pair(2.5, 2L),
+                                         {3.5, 4L},
+                                         {-0.4, 0L},
+                                         {-1.6, -2L},
+                                         {-2.5, -2L},
+                                         {0.5, 0L},
+                                         {2147483647.0, 2147483647L},
+                                         {-2147483648.0, -2147483648L}})
+        EXPECT_EQ(f_round(value), rounded) << value;
 }
 
 TEST(PixelFractions, AreTheValueTimesTheToldConstant)
@@ -229,10 +213,9 @@ TEST(PixelFractions, OneIsTheMaximumAndBeyondItWraps)
         uint32_t const max = (1U << GetBitsPerChannelZV(type)) - 1;
         ZVFloatRGB const in{1.0, 0.0, 2.0, -1.0 / max};
         WriteFloatPixelZV(bitmap.get(), 0, 0, &in);
-        EXPECT_EQ(Get_Raw(*bitmap, 0, 0, 0), max);
-        EXPECT_EQ(Get_Raw(*bitmap, 0, 0, 1), 0U);
-        EXPECT_EQ(Get_Raw(*bitmap, 0, 0, 2), max - 1);
-        EXPECT_EQ(Get_Raw(*bitmap, 0, 0, 3), max);
+        Expect_Channels(*bitmap, [=](long, long, long channel) {
+            return std::array{max, 0U, max - 1, max}[static_cast<std::size_t>(channel)];
+        });
     }
     BitmapPtr const bitmap = Make_Bitmap(1, 1, ZV_BITMAP_RGBA10);
     auto* const pixel = static_cast<ZVBufferRGBA10&>(*bitmap).GetIterator(0, 0);
@@ -273,5 +256,5 @@ TEST(SinglePixels, OutsideTheBitmapDoNothing)
     WriteFloatPixelZV(none.get(), 0, 0, &pixel);
     ReadFloatPixelZV(static_cast<ZVBitmap*>(nullptr), 0, 0, &pixel);
     EXPECT_EQ(pixel.red, 1.0);
-    EXPECT_TRUE(std::ranges::all_of(Bytes(*bitmap), [](unsigned char byte) { return byte == 0; }));
+    EXPECT_TRUE(Is_All(*bitmap, 0));
 }

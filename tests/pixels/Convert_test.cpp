@@ -2,8 +2,6 @@
 // channel in all its places, on every vector path.
 #include "PixelTestTools.h"
 
-#include "pixels/ConvertRows.h"
-
 #include <cmath>
 #include <limits>
 #include <map>
@@ -15,21 +13,16 @@ namespace {
 constexpr ZVRowFormat allFormats[] = {ROW_RGBA8,     ROW_RGBA10,   ROW_RGBA12,   ROW_RGBA16,
                                       ROW_RGBAFLOAT, ROW_NATIVE16, ROW_NATIVE24, ROW_NATIVE32};
 
-bool Is_Native(ZVRowFormat format)
-{
-    return format >= ROW_NATIVE16;
-}
-
 // ---- the rules --------------------------------------------------------------------------------------------
 
-uint32_t Max_Of(long bits)
+uint32_t Max_Of_Bits(long bits)
 {
     return (1U << bits) - 1;
 }
 
 uint32_t Between_Integers(uint32_t value, long from, long to)
 {
-    if (to > from) return static_cast<uint32_t>(uint64_t{value} * Max_Of(to) / Max_Of(from));
+    if (to > from) return static_cast<uint32_t>(uint64_t{value} * Max_Of_Bits(to) / Max_Of_Bits(from));
     return value >> (from - to);
 }
 
@@ -52,8 +45,8 @@ uint32_t From_Float(float value, long bits, bool isAlpha)
     }
     double fraction = value;
     if (!isAlpha) fraction = fraction >= 0 ? std::fmin(fraction, 1.0) : 0.0;
-    double const sum = fraction * Max_Of(bits) + 4503603922337792.0;
-    return static_cast<uint32_t>(std::bit_cast<uint64_t>(sum)) & Max_Of(bits);
+    double const sum = fraction * Max_Of_Bits(bits) + 4503603922337792.0;
+    return static_cast<uint32_t>(std::bit_cast<uint64_t>(sum)) & Max_Of_Bits(bits);
 }
 
 /// Raw channel from one RGBA type to another; bit patterns for float.
@@ -79,24 +72,12 @@ uint32_t From_Component(uint32_t component, long bits)
 
 // ---- rows of one format -----------------------------------------------------------------------------------
 
-/// A bitmap of one row in any format.
-struct Row {
-    ZVRowFormat format;
-    BitmapPtr bitmap;
-    NativePtr native;
-
-    Row(ZVRowFormat rowFormat, long count, int byte = 0) : format(rowFormat)
+/// A picture of one row in any format.
+struct Row : Picture {
+    Row(ZVRowFormat format, long count, int byte = 0)
+        : Picture(format < ROW_NATIVE16 ? int{format} : format - ROW_NATIVE16 + native16, count, 1, byte)
     {
-        if (Is_Native(format))
-            native = Make_Native(count, 1,
-                                 format == ROW_NATIVE16   ? 16
-                                 : format == ROW_NATIVE24 ? 24
-                                                          : 32,
-                                 byte);
-        else
-            bitmap = Make_Bitmap(count, 1, static_cast<ZVBitmapType>(format), byte);
     }
-    unsigned char* Pixels() const { return native ? native->Pixels : bitmap->Pixels; }
     long Bits() const { return native ? 8 : GetBitsPerChannelZV(bitmap.get()); }
 };
 
@@ -109,14 +90,14 @@ uint32_t Get_Component(Row const& row, long x, long channel)
     }
     uint32_t const word = Get_Native(*row.native, x, 0);
     if (channel == 3) return 255;
-    if (row.format == ROW_NATIVE16) return (word >> (10 - 5 * channel) & 31) << 3;
+    if (row.Format() == ROW_NATIVE16) return (word >> (10 - 5 * channel) & 31) << 3;
     return word >> (16 - 8 * channel) & 255;
 }
 
 void Set_Components(Row& row, long x, uint32_t red, uint32_t green, uint32_t blue)
 {
     uint32_t const pad = Get_Native(*row.native, x, 0) & 0xFF000000;
-    if (row.format == ROW_NATIVE16)
+    if (row.Format() == ROW_NATIVE16)
         Set_Native(*row.native, x, 0, red >> 3 << 10 | green >> 3 << 5 | blue >> 3);
     else
         Set_Native(*row.native, x, 0, pad | red << 16 | green << 8 | blue);
@@ -152,53 +133,22 @@ void Add_Neighbours(std::vector<float>& values, double value)
 /// what is not a fraction at all.
 std::vector<float> Hard_Floats()
 {
-    constexpr float infinity = std::numeric_limits<float>::infinity();
-    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-    std::vector<float> values = {0.0F,
-                                 -0.0F,
-                                 1e-45F,
-                                 -1e-45F,
-                                 1e-39F,
-                                 -1e-39F,
-                                 1e-30F,
-                                 -1e-30F,
-                                 0.5F,
-                                 -0.2F,
-                                 1.5F,
-                                 0.999F,
-                                 255.0F / 256,
-                                 256.0F / 255,
-                                 -1.0F / 255,
-                                 2.0F,
-                                 -3.0F,
-                                 65536.0F,
-                                 65537.5F,
-                                 -65537.5F,
-                                 4194304.0F,
-                                 8388609.0F,
-                                 2147483648.0F,
-                                 -2147483648.0F,
-                                 3e9F,
-                                 -3e9F,
-                                 1e15F,
-                                 -1e15F,
-                                 3e38F,
-                                 -3e38F,
-                                 infinity,
-                                 -infinity,
-                                 nan,
-                                 -nan,
-                                 std::bit_cast<float>(0x7F800001),
-                                 std::bit_cast<float>(0xFFFFFFFF),
-                                 std::bit_cast<float>(0x7FFFFFFF)};
+    std::vector<float> values;
+    for (double const magnitude :
+         {0.0,         1e-45,        1e-39, 1e-30, 0.2,  0.5,      0.999,       255.0 / 256,
+          256.0 / 255, 1.0 / 255,    1.5,   2.0,   3.0,  65536.0,  65537.5,     4194304.0,
+          8388609.0,   2147483648.0, 3e9,   1e15,  3e38, HUGE_VAL, std::nan("")})
+        values.insert(values.end(), {static_cast<float>(magnitude), static_cast<float>(-magnitude)});
+    for (uint32_t const word : {0x7F800001U, 0xFFFFFFFFU, 0x7FFFFFFFU})
+        values.push_back(std::bit_cast<float>(word));
     for (long const bits : {8, 10, 12, 16}) {
-        for (uint32_t step = 0; step <= Max_Of(bits) + 1; ++step) {
-            Add_Neighbours(values, step / static_cast<double>(Max_Of(bits)));
-            Add_Neighbours(values, (step + 0.5) / Max_Of(bits));
+        for (uint32_t step = 0; step <= Max_Of_Bits(bits) + 1; ++step) {
+            Add_Neighbours(values, step / static_cast<double>(Max_Of_Bits(bits)));
+            Add_Neighbours(values, (step + 0.5) / Max_Of_Bits(bits));
         }
         for (uint32_t step = 0; step < 64; ++step)  // alpha wraps
             for (double const base : {-2.0, 1.0, 1000.0, 40000.0, 70000.0, 1e6})
-                Add_Neighbours(values, base + (step + 0.5) / Max_Of(bits));
+                Add_Neighbours(values, base + (step + 0.5) / Max_Of_Bits(bits));
     }
     std::mt19937 random(7);
     for (int i = 0; i < 50000; ++i)
@@ -209,7 +159,7 @@ std::vector<float> Hard_Floats()
 /// A row that holds every value of a channel, or every hard float, in each of the four places.
 Row All_Values(ZVRowFormat format)
 {
-    if (Is_Native(format)) {
+    if (format >= ROW_NATIVE16) {
         Row row(format, 65536);
         Fill_Random(*row.native, 3);
         for (long x = 0; x < 65536; ++x) {
@@ -223,13 +173,13 @@ Row All_Values(ZVRowFormat format)
     static constexpr uint32_t factors[] = {1, 3, 77, 12345};  // odd, so that each gives a permutation
     std::vector<float> const floats = format == ROW_RGBAFLOAT ? Hard_Floats() : std::vector<float>();
     long const bits = GetBitsPerChannelZV(static_cast<ZVBitmapType>(format));
-    long const count = floats.empty() ? Max_Of(bits) + 1L : static_cast<long>(floats.size());
+    long const count = floats.empty() ? Max_Of_Bits(bits) + 1L : static_cast<long>(floats.size());
     Row row(format, count);
     for (long x = 0; x < count; ++x) {
         for (long channel = 0; channel < 4; ++channel) {
             auto const i = static_cast<uint32_t>(x);
             if (floats.empty())
-                Set_Raw(*row.bitmap, x, 0, channel, i * factors[channel] & Max_Of(bits));
+                Set_Raw(*row.bitmap, x, 0, channel, i * factors[channel] & Max_Of_Bits(bits));
             else
                 Set_Float(*row.bitmap, x, 0, channel,
                           floats[static_cast<std::size_t>((x + channel * 9973) % count)]);
@@ -246,11 +196,6 @@ Row const& Source(ZVRowFormat format)
     return found != rows.end() ? found->second : rows.emplace(format, All_Values(format)).first->second;
 }
 
-long Count(Row const& row)
-{
-    return row.native ? row.native->Width : row.bitmap->Width;
-}
-
 class ConvertRowsFrom : public testing::TestWithParam<ZVRowFormat> {};
 
 }  // namespace
@@ -258,21 +203,19 @@ class ConvertRowsFrom : public testing::TestWithParam<ZVRowFormat> {};
 TEST_P(ConvertRowsFrom, FollowTheRulesForEveryValue)
 {
     Row const& from = Source(GetParam());
-    long const count = Count(from);
+    long const count = from.Width();
     for (ZVRowFormat const format : allFormats) {
-        Row actual(format, count, 0x5A), expected(format, count, 0x5A);
-        auto const size = static_cast<std::size_t>(count * Row_Pack_Size(format));
+        Row expected(format, count, 0x5A);
         Convert_By_Rules(from, expected, count);
         On_Each_Target([&] {
-            std::memset(actual.Pixels(), 0x5A, size);
-            Get_Row_Converter(from.format, format)(from.Pixels(), actual.Pixels(), count);
+            Row const actual(format, count, 0x5A);
+            Get_Row_Converter(GetParam(), format)(from.Pixel(0, 0), actual.Pixel(0, 0), count);
+            auto const size = static_cast<std::size_t>(count * actual.Pack());
             auto const [wrong, right] =
-                std::mismatch(actual.Pixels(), actual.Pixels() + size, expected.Pixels());
-            EXPECT_EQ(wrong, actual.Pixels() + size)
-                << "to format " << int{format} << ", pixel "
-                << (wrong - actual.Pixels()) / Row_Pack_Size(format) << ", byte "
-                << (wrong - actual.Pixels()) % Row_Pack_Size(format) << ": " << int{*wrong} << " for "
-                << int{*right};
+                std::ranges::mismatch(actual.All().first(size), expected.All().first(size));
+            if (wrong != actual.All().begin() + static_cast<long>(size))
+                ADD_FAILURE() << "to format " << int{format} << ", byte " << wrong - actual.All().begin()
+                              << ": " << int{*wrong} << " for " << int{*right};
         });
     }
 }
@@ -284,14 +227,14 @@ TEST_P(ConvertRowsFrom, WorkAtAnyAddressAndTouchNothingBesideThePixels)
     for (ZVRowFormat const format : allFormats) {
         auto const toPack = static_cast<std::size_t>(Row_Pack_Size(format));
         std::vector<unsigned char> expected(250 * toPack, 0xC3);
-        Get_Row_Converter(GetParam(), format)(source.Pixels(), expected.data(), 250);
+        Get_Row_Converter(GetParam(), format)(source.Pixel(0, 0), expected.data(), 250);
         On_Each_Target([&] {
             for (std::size_t count = 1; count <= 250; count += count < 40 ? 1 : 70) {
                 std::size_t const shift = count % 7;
                 // Blocks of the exact size, so that the address sanitizer sees a byte too far.
                 std::vector<unsigned char> from(shift + count * fromPack),
                     to(shift + count * toPack + 3, 0xC3);
-                std::copy_n(source.Pixels(), count * fromPack, from.data() + shift);
+                std::copy_n(source.Pixel(0, 0), count * fromPack, from.data() + shift);
                 Get_Row_Converter(GetParam(), format)(from.data() + shift, to.data() + shift,
                                                       static_cast<long>(count));
                 ASSERT_EQ(std::count(to.begin(), to.begin() + static_cast<long>(shift), 0xC3),
@@ -310,41 +253,36 @@ INSTANTIATE_TEST_SUITE_P(All, ConvertRowsFrom, testing::ValuesIn(allFormats),
 
 TEST(ConvertRows, ValuesWorkedOutByHand)
 {
+    auto const number = [](float value) { return std::bit_cast<uint32_t>(value); };
     struct {
         ZVRowFormat from;
         uint32_t value;
         ZVRowFormat to;
         uint32_t expected;
     } const cases[] = {
-        {ROW_RGBA8, 255, ROW_RGBA10, 1023},    {ROW_RGBA8, 255, ROW_RGBA12, 4095},
-        {ROW_RGBA8, 255, ROW_RGBA16, 65535},   {ROW_RGBA8, 1, ROW_RGBA10, 4},
-        {ROW_RGBA8, 1, ROW_RGBA12, 16},        {ROW_RGBA8, 1, ROW_RGBA16, 257},
-        {ROW_RGBA10, 1023, ROW_RGBA8, 255},    {ROW_RGBA10, 1023, ROW_RGBA12, 4095},
-        {ROW_RGBA10, 512, ROW_RGBA8, 128},     {ROW_RGBA10, 512, ROW_RGBA12, 2049},
-        {ROW_RGBA12, 4095, ROW_RGBA16, 65535}, {ROW_RGBA12, 0xABC, ROW_RGBA10, 0x2AF},
+        {ROW_RGBA8, 255, ROW_RGBA10, 1023},
+        {ROW_RGBA8, 255, ROW_RGBA12, 4095},
+        {ROW_RGBA8, 1, ROW_RGBA10, 4},
+        {ROW_RGBA8, 1, ROW_RGBA12, 16},
+        {ROW_RGBA8, 1, ROW_RGBA16, 257},
+        {ROW_RGBA10, 512, ROW_RGBA8, 128},
+        {ROW_RGBA10, 512, ROW_RGBA12, 2049},
+        {ROW_RGBA12, 4095, ROW_RGBA16, 65535},
+        {ROW_RGBA12, 0xABC, ROW_RGBA10, 0x2AF},
         {ROW_RGBA16, 0xABCD, ROW_RGBA8, 0xAB},
+        {ROW_RGBAFLOAT, number(1.5F), ROW_RGBA8, 255},
+        {ROW_RGBAFLOAT, number(-0.2F), ROW_RGBA8, 0},
+        {ROW_RGBAFLOAT, number(0.999F), ROW_RGBA8, 254},
+        {ROW_RGBAFLOAT, number(0.5F), ROW_RGBA8, 127},
+        {ROW_RGBAFLOAT, number(0.999F), ROW_RGBA10, 1022},
+        {ROW_RGBAFLOAT, number(0.5F), ROW_RGBA10, 512},
     };
     for (auto const& row : cases) {
         Row from(row.from, 1), to(row.to, 1);
         for (long channel = 0; channel < 4; ++channel)
             Set_Raw(*from.bitmap, 0, 0, channel, row.value);
-        Get_Row_Converter(row.from, row.to)(from.Pixels(), to.Pixels(), 1);
-        for (long channel = 0; channel < 4; ++channel)
-            EXPECT_EQ(Get_Raw(*to.bitmap, 0, 0, channel), row.expected)
-                << row.value << " channel " << channel;
-    }
-    struct {
-        float value;
-        uint32_t in8, in10;
-    } const floats[] = {
-        {1.5F, 255, 1023}, {-0.2F, 0, 0}, {0.999F, 254, 1022}, {1.0F, 255, 1023}, {0.5F, 127, 512}};
-    for (auto const& row : floats) {
-        Row from(ROW_RGBAFLOAT, 1), to8(ROW_RGBA8, 1), to10(ROW_RGBA10, 1);
-        Set_Float(*from.bitmap, 0, 0, 0, row.value);
-        Get_Row_Converter(ROW_RGBAFLOAT, ROW_RGBA8)(from.Pixels(), to8.Pixels(), 1);
-        Get_Row_Converter(ROW_RGBAFLOAT, ROW_RGBA10)(from.Pixels(), to10.Pixels(), 1);
-        EXPECT_EQ(Get_Raw(*to8.bitmap, 0, 0, 0), row.in8) << row.value;
-        EXPECT_EQ(Get_Raw(*to10.bitmap, 0, 0, 0), row.in10) << row.value;
+        Get_Row_Converter(row.from, row.to)(from.Pixel(0, 0), to.Pixel(0, 0), 1);
+        Expect_Channels(*to.bitmap, [&](long, long, long) { return row.expected; });
     }
 }
 

@@ -1,7 +1,7 @@
 // Allocation and single pixels of native bitmaps.
 #include "PixelTestTools.h"
 
-#include "ZVLibInternal.h"
+#include "TestEnvironment.h"
 
 #include <limits>
 
@@ -9,14 +9,7 @@ using namespace PixelTest;
 
 namespace {
 
-class NativeBitmap : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 1, 0), nullptr);
-    }
-    void TearDown() override { CleanUpZV(); }
-};
+class NativeBitmap : public EnvironmentTest {};
 
 }  // namespace
 
@@ -41,7 +34,7 @@ TEST_F(NativeBitmap, AllocationKnowsFourDepths)
         EXPECT_GE(bitmap->RowBytes, 13 * row.packSize);
         EXPECT_EQ(bitmap->Size, bitmap->RowBytes * 5);
         EXPECT_EQ(bitmap->Offset, 0);
-        EXPECT_TRUE(std::ranges::all_of(Bytes(*bitmap), [](unsigned char byte) { return byte == 0; }));
+        EXPECT_TRUE(Is_All(*bitmap, 0));
         EXPECT_EQ(ConvertDDBitmapZV(bitmap.get()), 1);
     }
 }
@@ -76,18 +69,16 @@ TEST_F(NativeBitmap, ReadsComponentsInBothHalvesOfAWord)
             row.depth == 8 ? NativePtr(AllocNativeBitmapZV(3, 3, 8)) : Make_Native(3, 3, row.depth);
         Set_Native(*bitmap, 2, 1, row.word);
         ZVRGB out{7, 7, 7, 7};
-        ReadPixelZV(bitmap.get(), 2, 1, &out);
-        EXPECT_EQ(out.red, row.expected.red);
-        EXPECT_EQ(out.green, row.expected.green);
-        EXPECT_EQ(out.blue, row.expected.blue);
-        EXPECT_EQ(out.extra, row.expected.extra);
         ZVFloatRGB fractions{7, 7, 7, 7};
+        ReadPixelZV(bitmap.get(), 2, 1, &out);
         ReadFloatPixelZV(bitmap.get(), 2, 1, &fractions);
-        bool const isRead = row.depth != 24;
-        EXPECT_EQ(fractions.red, isRead ? (row.expected.red >> 8) / 255.0 : 7);
-        EXPECT_EQ(fractions.green, row.expected.green == 7 ? 7 : (row.expected.green >> 8) / 255.0);
-        EXPECT_EQ(fractions.blue, row.expected.blue == 7 ? 7 : (row.expected.blue >> 8) / 255.0);
-        EXPECT_EQ(fractions.alpha, isRead ? 65535.0 : 7);
+        auto const fraction = [](unsigned word) { return word == 7 ? 7 : (word >> 8) / 255.0; };
+        EXPECT_EQ((std::array{out.red, out.green, out.blue, out.extra}),
+                  (std::array{row.expected.red, row.expected.green, row.expected.blue, row.expected.extra}));
+        EXPECT_EQ(fractions.red, fraction(row.expected.red));
+        EXPECT_EQ(fractions.green, fraction(row.expected.green));
+        EXPECT_EQ(fractions.blue, fraction(row.expected.blue));
+        EXPECT_EQ(fractions.alpha, row.depth == 24 ? 7 : 65535.0) << "no single pixels of 24 bits";
     }
 }
 
@@ -113,14 +104,10 @@ TEST_F(NativeBitmap, WritesTheHighBitsOfEachComponent)
         EXPECT_EQ(Get_Native(*bitmap, 0, 1), 0U);
         EXPECT_EQ(Get_Native(*bitmap, 2, 1), 0U);
     }
-}
-
-TEST_F(NativeBitmap, FractionsOutsideTheRangeAreStoredAsTheNearerEnd)
-{
     NativePtr const bitmap(AllocNativeBitmapZV(1, 1, 32));
     ZVFloatRGB const wild{1e30, -1.0, std::numeric_limits<double>::quiet_NaN(), 0.0};
     WriteFloatPixelZV(bitmap.get(), 0, 0, &wild);
-    EXPECT_EQ(Get_Native(*bitmap, 0, 0), 0xFFFF0000U);
+    EXPECT_EQ(Get_Native(*bitmap, 0, 0), 0xFFFF0000U) << "what is outside becomes the nearer end";
 }
 
 TEST_F(NativeBitmap, PixelsOutsideDoNothing)
@@ -137,5 +124,5 @@ TEST_F(NativeBitmap, PixelsOutsideDoNothing)
     }
     ReadPixelZV(nullptr, 0, 0, &color);
     EXPECT_EQ(color.extra, 4);
-    EXPECT_TRUE(std::ranges::all_of(Bytes(*bitmap), [](unsigned char byte) { return byte == 0; }));
+    EXPECT_TRUE(Is_All(*bitmap, 0));
 }

@@ -1,7 +1,7 @@
 // Locking of large pixel blocks, the memory reserve, and the blocks kept for reuse.
 #include "PixelTestTools.h"
 
-#include "ZVLibInternal.h"
+#include "TestEnvironment.h"
 
 #include <cstdio>
 #include <malloc.h>
@@ -51,23 +51,17 @@ protected:
     void TearDown() override { Empty_Block_Cache(); }
 };
 
-/// Runs in an environment whose reserve is larger than any memory.
+/// An environment whose reserve is larger than any memory.
 class MemoryReserve : public ResidentBlock {
 protected:
-    void SetUp() override
+    MemoryReserve()
     {
-        ResidentBlock::SetUp();
-        ASSERT_NE(InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 1, 0), nullptr);
         ZVEnv->residentLimit = 0xFFFFFFFF;
         handlerSize = 0;
         set_new_handler(Answer_Handler);
     }
-    void TearDown() override
-    {
-        set_new_handler(nullptr);
-        CleanUpZV();
-        ResidentBlock::TearDown();
-    }
+    ~MemoryReserve() override { set_new_handler(nullptr); }
+
     /// What is said on standard error, and whether the block was locked, when one of this length is
     /// allocated.
     static std::pair<std::string, bool> Allocate(long length)
@@ -82,6 +76,9 @@ protected:
         EXPECT_EQ(Locked_Bytes(), before);
         return {said, isLocked};
     }
+
+private:
+    TestEnvironment environment_;
 };
 
 }  // namespace

@@ -1,19 +1,12 @@
-// Critical regions, and the number of processors.
-#include "ZVLibInternal.h"
+// Critical regions.
+#include "ZVTask.h"
 
-#include <algorithm>
 #include <mutex>
 #include <new>
-#include <thread>
 
 struct ZVCriticalRegion {
     std::recursive_mutex mutex;
 };
-
-void Init_MP()
-{
-    ZVEnv->processors = static_cast<int32_t>(std::max(std::thread::hardware_concurrency(), 1U));
-}
 
 ZVCriticalRegion* CreateCriticalRegionZV()
 {
