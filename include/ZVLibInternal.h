@@ -90,8 +90,8 @@ ZV_API bool OS_Open_URL(char const* url);
 ZV_API void* OS_Open_Module(char const* path);
 ZV_API void* OS_Open_Bundle(char const* path);
 ZV_API void OS_Close_Module(void* module);
-ZV_API void (*OS_Find_Function(void* module, char const* symbol))();  ///< Null when there is none.
-ZV_API char const* OS_Module_Error();                                 ///< Of the last failure; never null.
+ZV_API ZVPluginProc OS_Find_Function(void* module, char const* symbol);  ///< Null when there is none.
+ZV_API char const* OS_Module_Error();                                    ///< Of the last failure; never null.
 
 /// The file seam. Results are 1 or 0 with the error number set; see ZVFileInfo.
 ZV_API long File_Create(ZVFileInfo* file, char const* spec, ZVFilePermission permission, uint32_t type,

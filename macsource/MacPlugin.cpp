@@ -37,9 +37,9 @@ void OS_Close_Module(void* module)
     if (module) dlclose(module);
 }
 
-void (*OS_Find_Function(void* module, char const* symbol))()
+ZVPluginProc OS_Find_Function(void* module, char const* symbol)
 {
-    return reinterpret_cast<void (*)()>(dlsym(module, symbol));
+    return reinterpret_cast<ZVPluginProc>(dlsym(module, symbol));
 }
 
 char const* OS_Module_Error()

@@ -254,7 +254,6 @@ void Unload_IFM(ZVFormatDesc* desc)
     Put_Stubs(desc);
 }
 
-/// FIXME: shows string 106 and the module's name in the scan's rectangle, once there are draw contexts.
 long Init_IFM(char const* spec, ZVScanDesc*)
 {
     if (!spec || !ZVEnv) return 0;
@@ -272,5 +271,6 @@ long Init_IFM(char const* spec, ZVScanDesc*)
     Unload_IFM(desc);
     if (!desc->Node.name) AddName(&desc->Node, "");
     Insert_Loaded_Format(desc);
+    // FIXME: shows string 106 and the module's name in the scan's rectangle, once there are draw contexts.
     return 1;
 }

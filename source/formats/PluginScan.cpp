@@ -4,6 +4,7 @@
 
 #include <new>
 #include <string>
+#include <string_view>
 
 /// From this bit up a plug-in's lowest byte of flags tells that it comes with the loaded modules.
 static constexpr unsigned long FirstPlaceFlag = ZV_PLUGIN_MODULE;
@@ -23,13 +24,11 @@ void Insert_Loaded_Format(ZVFormatDesc* desc)
 
 long FormatModule_CheckFile(char const* spec, unsigned long type, long data, long*)
 {
-    constexpr char module[] = {'I', 'F', 'M', ' '};
-    unsigned long moduleType = 0;
-    for (int i = 3; i >= 0; --i)
-        moduleType = moduleType << 8 | static_cast<unsigned char>(module[i]);
+    char const text[] = {static_cast<char>(type), static_cast<char>(type >> 8), static_cast<char>(type >> 16),
+                         static_cast<char>(type >> 24)};
     // FIXME: files of the types 8BA, 8BE, 8BF, 8BI, 8BP, 8BX, 8BY, 8BIF, 8BPI, 8BAM, 8BEM, 8BFM, 8BXM and
     // 8BYM are looked into for PiPL resources, or PiMI resources, once there is a host for format plug-ins.
-    if (type == moduleType) Init_IFM(spec, reinterpret_cast<ZVScanDesc*>(data));
+    if (std::string_view(text, sizeof text) == "IFM ") Init_IFM(spec, reinterpret_cast<ZVScanDesc*>(data));
     return 1;
 }
 
