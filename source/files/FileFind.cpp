@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <chrono>
 #include <climits>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <string>
@@ -92,7 +91,9 @@ char Lower(char c)
 
 bool Contains(std::string_view name, std::string_view pattern)
 {
-    return !std::ranges::search(name, pattern, {}, Lower, Lower).empty() || pattern.empty();
+    auto const isSame = [](char a, char b) { return Lower(a) == Lower(b); };
+    return pattern.empty() ||
+           std::search(name.begin(), name.end(), pattern.begin(), pattern.end(), isSame) != name.end();
 }
 
 /// A text of the criteria, which fills its field or ends before.

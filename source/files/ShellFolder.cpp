@@ -6,9 +6,6 @@
 
 #include "Locale/ZVLibStr.h"
 
-#include "foundation/HeapBlock.h"
-
-#include <climits>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -77,7 +74,9 @@ SpecText Directory_Spec(char const* spec)
 /// A copy on the heap; null for an empty text.
 char* Copy_Of(std::string_view text)
 {
-    return text.empty() ? nullptr : AllocString(std::string(text).c_str());
+    if (text.empty()) return nullptr;
+    auto* const copy = static_cast<char*>(AllocMemZV(text.size() + 1, ZV_MEM_CLEAR));
+    return static_cast<char*>(std::memcpy(copy, text.data(), text.size()));
 }
 
 /// The object's own spec. A link stays itself.
