@@ -123,7 +123,7 @@ MonitorCase const monitorCases[] = {
     {"nothing told: one monitor of 1600 by 1200", -1, {}, -1, 1, 1600, 14},
     {"a count of 0 asks the platform", 0, {}, -1, 1, 1600, 14},
     {"a count without rectangles keeps the platform's", 1, {}, -1, 1, 1600, 14},
-    {"seven monitors become one", 7, {}, -1, 1, 1600, 14},
+    {"five monitors become one", 5, {}, -1, 1, 1600, 14},
     {"a negative count becomes one", -5, {1024}, -1, 1, 1024, 10},
     {"a rectangle without a count", -1, {1300}, -1, 1, 1300, 12},
     {"two told: the first sets the metrics", 2, {1280, 800}, -1, 2, 1280, 12},
