@@ -209,6 +209,7 @@ TEST_F(FileSeam, DescriptorsStayClearOfTheStandardOnesAndOfChildren)
     ASSERT_TRUE(file);
     EXPECT_GT(file->forkRef, 2);
     EXPECT_EQ(fcntl(file->forkRef, F_GETFD), FD_CLOEXEC);
+    EXPECT_EQ(fcntl(Open_File(environment.Spec("file"))->forkRef, F_GETFD), FD_CLOEXEC);
     EXPECT_EQ(file->volumeRef, static_cast<int32_t>(Native_Info(environment.Path("file")).st_dev));
 }
 
