@@ -46,8 +46,6 @@ TEST_F(Clip, ClipsThatLiveAtOneTimeNeverShareAScratchNumber)
     }
 }
 
-// ---- open, closed, in I/O ---------------------------------------------------------------------------------
-
 TEST_F(Clip, EachOpenIsClosedOnce)
 {
     for (bool const usesModuleData : {true, false}) {
@@ -144,8 +142,6 @@ TEST_F(Clip, AWrittenClipOpensForReading)
     EXPECT_EQ(CreateClipZV(clip, 0), 1);
     EXPECT_EQ(format.Count("Close"), 2) << "an open clip is closed before it is created anew";
 }
-
-// ---- clones -----------------------------------------------------------------------------------------------
 
 TEST_F(Clip, ACloneOwnsCopiesOfAllThatIsCloned)
 {
@@ -257,16 +253,18 @@ TEST_F(Clip, ACloneOfAnOpenClipReadsThroughItsOwnModule)
     EXPECT_EQ(format.Count("Close"), 1);
 }
 
-TEST_F(Clip, SettingsCanBeCopiedBackIntoAnOpenClip)
+TEST_F(Clip, AModuleAtWorkGoesOnWithItsFileAndEndsWithAnother)
 {
+    TestFormat other("oth");
     Open();
     ZVClip* const edited = CloneClipZV(clip, nullptr);
     edited->Background = 0xFF123456;
     CloseClipZV(edited);
     CloneClipZV(edited, clip);
+    ChangeClipFormatParamsZV(clip, format.desc, false);
     EXPECT_EQ(clip->Background, 0xFF123456u);
     EXPECT_EQ(clip->Flags & (ZV_CLIP_OPEN | ZV_CLIP_IO), ZV_CLIP_OPEN | ZV_CLIP_IO)
-        << "same file, same module";
+        << "settings copied back, the same format set: same file, same module";
     EXPECT_EQ(format.Count("Close"), 0);
 
     FreeFileSpecZV(edited->FileName);
@@ -275,23 +273,14 @@ TEST_F(Clip, SettingsCanBeCopiedBackIntoAnOpenClip)
     EXPECT_EQ(format.Count("Close"), 1) << "the module had another file open";
     EXPECT_EQ(clip->Flags & (ZV_CLIP_OPEN | ZV_CLIP_IO), 0u);
     FreeClipZV(edited);
-}
 
-TEST_F(Clip, AnotherFormatClosesTheModuleAtWork)
-{
-    TestFormat other("oth");
     Open();
-    ChangeClipFormatParamsZV(clip, format.desc, false);
-    EXPECT_EQ(format.Count("Close"), 0) << "the same one goes on";
     SetClipOptionsZV(clip, ZV_CLIP_FORMAT, "oth\0");
     EXPECT_EQ(clip->Format, other.desc);
-    EXPECT_EQ(format.Count("Close"), 1);
-    EXPECT_EQ(other.Count("Close"), 0);
+    EXPECT_EQ(format.Count("Close"), 2) << "the clip has another format";
     FreeClipZV(std::exchange(clip, nullptr));
     EXPECT_EQ(other.Count("Close"), 0);
 }
-
-// ---- names ------------------------------------------------------------------------------------------------
 
 TEST_F(Clip, ADefaultNameHasNumberingAndExtension)
 {
@@ -320,8 +309,6 @@ TEST_F(Clip, ADefaultNameHasNumberingAndExtension)
     EXPECT_STREQ(MakeDefaultClipNameZV(clip, "shot", out), "shot");
     EXPECT_STREQ(out, "");
 }
-
-// ---- scratch files ----------------------------------------------------------------------------------------
 
 class Scratch : public Clip {
 protected:
@@ -389,24 +376,20 @@ TEST_F(Scratch, AProcessThatRunsBesideKeepsItsFrames)
     OS_Release_Directory(claim);
 }
 
-TEST_F(Scratch, WhatACrashLeftBehindGoes)
+TEST_F(Scratch, WhatACrashLeftBehindGoesAndWhatIsMissingIsMadeAgain)
 {
-    std::filesystem::create_directory(environment.Path("Brinmoor User Data/ZVScratch"));
+    environment.Make_Directory("Brinmoor User Data/ZVScratch");
     std::string const stale = environment.Write("Brinmoor User Data/ZVScratch/00010000.01V", "old");
     EXPECT_EQ(Make_TempName(1, -1, 0), stale);
     EXPECT_FALSE(FileExistsZV(stale.c_str())) << "when the directory is used";
+    std::filesystem::remove_all(environment.Path("Brinmoor User Data/ZVScratch"));
+    Write(Make_TempName(1, -1, 0));
+    EXPECT_EQ(OS_Claim_Directory(Default_Dir().c_str()), 0)
+        << "a directory deleted from outside is ours again";
     Cleanup_Clip();
     environment.Write("Brinmoor User Data/ZVScratch/00010000.01V", "old");
     Cleanup_Clip();
-    EXPECT_FALSE(FileExistsZV(Default_Dir().c_str())) << "and at the end at the latest";
-}
-
-TEST_F(Scratch, ADirectoryDeletedFromOutsideIsMadeAgain)
-{
-    Write(Make_TempName(1, -1, 0));
-    std::filesystem::remove_all(environment.Path("Brinmoor User Data/ZVScratch"));
-    Write(Make_TempName(1, -1, 0));
-    EXPECT_EQ(OS_Claim_Directory(Default_Dir().c_str()), 0) << "and is ours";
+    EXPECT_FALSE(FileExistsZV(Default_Dir().c_str())) << "at the end at the latest";
 }
 
 TEST_F(Scratch, FreeingAClipDeletesItsFrames)

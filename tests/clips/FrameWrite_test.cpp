@@ -230,18 +230,17 @@ TEST_F(FrameWrite, AConvertedFrameOutlivesTheCallersBitmap)
 {
     format.desc->AddFrameAsync = TestFormat::AddFrameAsync;
     format.completesAtOnce = false;
-    for (bool withCompletion : {false, true}) {
+    for (unsigned long tag : {static_cast<unsigned long>(ZV_TAG_IGNORE), +ZV_ADD_COMPLETION}) {
         bitmap = New_Bitmap(ZV_BITMAP_RGBA16);
         Completion done{&format};
-        EXPECT_TRUE(withCompletion ? Add(0, ZV_ADD_COMPLETION, Completion::Run, ZV_ADD_COMPLETION_DATA, &done)
-                                   : Add(0));
-        EXPECT_EQ(done.count, withCompletion);
+        bool const isCalled = tag == ZV_ADD_COMPLETION;
+        EXPECT_TRUE(Add(0, tag, Completion::Run, ZV_ADD_COMPLETION_DATA, &done));
+        EXPECT_EQ(done.count, isCalled);
         bitmap.reset();
         ZVBitmap const* copy = format.pending.at(0).params->Bitmap;
-        Pixels const pixels(copy->Pixels, copy->Pixels + copy->Size);
-        EXPECT_EQ(pixels, format.Last("AddFrameAsync").data);
+        EXPECT_EQ(Pixels(copy->Pixels, copy->Pixels + copy->Size), format.Last("AddFrameAsync").data);
         format.Complete_Pending();
-        EXPECT_EQ(done.count, withCompletion) << "it ran already";
+        EXPECT_EQ(done.count, isCalled) << "it ran already";
     }
 }
 

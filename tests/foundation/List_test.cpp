@@ -116,26 +116,6 @@ TEST(List, RandomOperationsAgreeWithAVectorOfNodes)
     }
 }
 
-TEST(List, BareNodesLinkLikeNamedOnes)
-{
-    List list;
-    NewList(&list);
-    MinNode a, b, c;
-    AddTail(&list, &c);
-    AddHead(&list, &a);
-    Insert(&list, &b, &a);
-    EXPECT_EQ(c.prev, &b);
-    Remove(&b);
-    EXPECT_EQ(a.next, &c);
-    EXPECT_EQ(b.next, nullptr);
-    InsertBefore(&list, &b, &c);
-    EXPECT_EQ(a.next, &b);
-    auto* block = static_cast<MinNode*>(AllocMemZV(sizeof(MinNode), ZV_MEM_CLEAR));
-    AddTail(&list, block);
-    FreeNode(block);
-    EXPECT_EQ(List_Entries(&list), 3);
-}
-
 TEST(List, PositionsOutsideAreClampedOrNull)
 {
     std::pair<long, char const*> const rows[] = {

@@ -35,19 +35,6 @@ TEST_F(StyleTest, DefaultPensAreCorrectedForTheDisplay)
     EXPECT_EQ(GetColorZV(ZV_PEN_ROOT), 0x949494UL) << "a root window lends its colour to the palettes";
 }
 
-TEST_F(StyleTest, GammaIsCorrectedPerChannelAndTheTopByteGoes)
-{
-    for (unsigned long c = 0; c < 256; ++c) {
-        unsigned long colour = 0xFF000000 | c << 16 | (255 - c) << 8 | (c ^ 0x5A);
-        GammaCorrect(&colour);
-        auto const expected = [](unsigned long channel) {
-            return static_cast<unsigned long>(255.0L *
-                                              powl(static_cast<long double>(channel) / 255.0L, 9.0L / 11.0L));
-        };
-        EXPECT_EQ(colour, expected(c) << 16 | expected(255 - c) << 8 | expected(c ^ 0x5A)) << c;
-    }
-}
-
 TEST_F(StyleTest, OnlyPenIdsNameAPen)
 {
     SetStylePenZV(ZV_PEN_TEXT, 0x123456);
@@ -136,16 +123,6 @@ TEST_F(StyleTest, AnOwnFontSizeSetsTheGadgetHeight)
         EXPECT_EQ(ZVEnv->style->smallFontSize, 11);
         EXPECT_GT(ZVEnv->style->gadgetHeight, size == 24 ? 24 * 7 / 4 : 0) << size;
     }
-}
-
-TEST_F(StyleTest, SpacingStartsAsDesigned)
-{
-    Start();
-    ZVStyle const& s = *ZVEnv->style;
-    EXPECT_EQ((std::vector<int>{s.gapWide, s.gapNormal, s.gapExtra, s.groupGap, s.groupMargin,
-                                s.paletteMargin, s.pseudoGroupGap, s.paletteGap, s.pseudoGroupMargin,
-                                s.pseudoPaletteMargin, s.screenMargin, s.flat3D}),
-              (std::vector<int>{4, 2, 12, 12, 12, 12, 12, 2, 0, 0, 0, 1}));
 }
 
 }  // namespace
