@@ -87,8 +87,6 @@ protected:
     }
 };
 
-// ---- layout ---------------------------------------------------------------------------------
-
 TEST_F(Filmstrip, AStripIsFramesLeadersABlankAndATrailer)
 {
     ByteWriter expected;
@@ -137,22 +135,6 @@ TEST_F(Filmstrip, RatesAreStoredAsWholeNumbers)
         EXPECT_EQ(file[file.size() - 18] << 8 | file[file.size() - 17], stored) << rate;
     }
 }
-
-TEST_F(Filmstrip, AReducedClipReadsScaledFrames)
-{
-    ByteWriter file;
-    file.Put(Random_Pixels(8, 6, 1)).Put(Trailer(1, 0, 8, 6, 0, 25));
-    ClipPtr const clip = Open(Write("proxy.flm", file.bytes));
-    clip->ProxyScale = 1;
-    SetClipOptionsZV(clip.get(), ZV_CLIP_WIDTH, 8, ZV_CLIP_HEIGHT, 6, 0);
-    Bytes const half = Clip_Frame(clip.get(), 0);
-    ASSERT_EQ(half.size(), 4u * 4 * 3);
-    for (std::size_t y = 0; y < 3; ++y)
-        for (std::size_t x = 0; x < 4; ++x)
-            EXPECT_EQ(half[4 * (4 * y + x)], file.bytes[4 * (8 * 2 * y + 2 * x)]);
-}
-
-// ---- leader ---------------------------------------------------------------------------------
 
 TEST_F(Filmstrip, LeadersShowTimecodeAndNumber)
 {
@@ -223,8 +205,6 @@ TEST_F(Filmstrip, DropFrameTimecodeLeavesOutTwoNumbersAMinuteButTheTenth)
         ASSERT_EQ(leaders[i], Drawn_Leader(150, timecodes[i], text)) << frames[i];
     }
 }
-
-// ---- damaged files ---------------------------------------------------------------------------------
 
 TEST_F(Filmstrip, OnlyFramesThatLieWholeInTheFileCount)
 {
@@ -317,8 +297,6 @@ TEST_F(Filmstrip, AFrameThatDoesNotFitTheDiskKeepsItsPlace)
     EXPECT_EQ(Clip_Frame(read.get(), 0), Random_Pixels(64, 48, 0));
     EXPECT_EQ(Clip_Frame(read.get(), 2), Random_Pixels(64, 48, 2));
 }
-
-// ---- exchange ---------------------------------------------------------------------------------
 
 TEST_F(Filmstrip, StripsOfAnotherProgramReadPixelForPixelAndOursThere)
 {

@@ -96,8 +96,6 @@ Bytes Decoded_Row(Bytes const& row)
     return pixels;
 }
 
-// ---- colours ----------------------------------------------------------------------------------------------
-
 TEST(VPBPixels, KnownColours)
 {
     struct {
@@ -162,8 +160,6 @@ TEST(VPBPixels, EveryColourIsStoredToTheBit)
     }
 }
 
-// ---- files that are written -------------------------------------------------------------------------------
-
 long Little16(Bytes const& bytes, std::size_t at)
 {
     return bytes[at] | bytes[at + 1] << 8;
@@ -172,13 +168,10 @@ long Little16(Bytes const& bytes, std::size_t at)
 /// The moment in a time record; its weekday must be that of its date.
 std::time_t Time_In(Bytes const& bytes, std::size_t at)
 {
+    auto const field = [&](std::size_t i) { return static_cast<int>(Little16(bytes, at + 2 * i)); };
     std::tm local{};
-    local.tm_mday = static_cast<int>(Little16(bytes, at + 2));
-    local.tm_mon = static_cast<int>(Little16(bytes, at + 4)) - 1;
-    local.tm_year = static_cast<int>(Little16(bytes, at + 6)) + 80;
-    local.tm_hour = static_cast<int>(Little16(bytes, at + 8));
-    local.tm_min = static_cast<int>(Little16(bytes, at + 10));
-    local.tm_sec = static_cast<int>(Little16(bytes, at + 12));
+    local.tm_mday = field(1), local.tm_mon = field(2) - 1, local.tm_year = field(3) + 80;
+    local.tm_hour = field(4), local.tm_min = field(5), local.tm_sec = field(6);
     local.tm_isdst = -1;
     std::time_t const time = std::mktime(&local);
     EXPECT_EQ(Little16(bytes, at), local.tm_wday);
@@ -316,8 +309,6 @@ TEST_F(VPB, WritingThatCannotBeDoneAnswers0)
     BitmapPtr const deep = Make_Bitmap(8, 2, {}, ZV_BITMAP_RGBA16);
     EXPECT_FALSE(format->AddFrame(clip.get(), deep.get(), 0, nullptr)) << "the module takes 8 bits";
 }
-
-// ---- files that are read ----------------------------------------------------------------------------------
 
 TEST_F(VPB, TheWalkFindsTheImageRecord)
 {

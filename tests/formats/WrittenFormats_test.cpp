@@ -66,6 +66,23 @@ TEST_P(WrittenFormats, DeepFramesAreConverted)
     EXPECT_EQ(Clip_Frame(Open(environment.Spec(name)).get(), 0), pixels);
 }
 
+TEST_P(WrittenFormats, AReducedClipReadsScaledFrames)
+{
+    {
+        ClipPtr const clip = Create(8, 6);
+        ASSERT_TRUE(Add_Frame_At(clip.get(), 0, Random_Pixels(8, 6, 1)));
+        Close(clip);
+    }
+    ClipPtr const clip = Open(environment.Spec(name));
+    clip->ProxyScale = 1;
+    SetClipOptionsZV(clip.get(), ZV_CLIP_WIDTH, 8, ZV_CLIP_HEIGHT, 6, 0);
+    Bytes const half = Clip_Frame(clip.get(), 0), whole = Random_Pixels(8, 6, 1);
+    ASSERT_EQ(half.size(), 4u * 4 * 3);
+    for (std::size_t y = 0; y < 3; ++y)
+        for (std::size_t x = 0; x < 4; ++x)
+            EXPECT_EQ(half[4 * (4 * y + x)], whole[4 * (8 * 2 * y + 2 * x)]);
+}
+
 TEST_P(WrittenFormats, AFileThatCannotBeFinishedSaysSoAtClose)
 {
     ClipPtr const clip = Create(64, 48);
