@@ -13,24 +13,22 @@
 #include <string>
 #include <string_view>
 
-class TestEnvironment {
+/// A new directory below the system's temporary one, removed with all in it.
+class ScratchDir {
 public:
-    enum class Home { Program, Directory };
-
-    /// The home directory is worked out from the program, or is the test's own directory.
-    explicit TestEnvironment(Home home = Home::Program) : TestEnvironment(home, nullptr) {}
-
-    /// The home directory is that path or spec.
-    explicit TestEnvironment(char const* homeDir) : TestEnvironment(Home::Program, homeDir) {}
-
-    TestEnvironment(TestEnvironment const&) = delete;
-    TestEnvironment& operator=(TestEnvironment const&) = delete;
-
-    ~TestEnvironment()
+    ScratchDir()
     {
-        CleanUpZV();
-        Remove_Directory();
+        std::string pattern = std::filesystem::temp_directory_path() / "zvtest.XXXXXX";
+        if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary directory");
+        directory_ = pattern;
     }
+    ~ScratchDir()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(directory_, ignored);
+    }
+    ScratchDir(ScratchDir const&) = delete;
+    ScratchDir& operator=(ScratchDir const&) = delete;
 
     /// Native path of a file in the directory; of the directory itself without a name.
     std::string Path(std::string const& name = "") const { return directory_ + "/" + name; }
@@ -42,6 +40,8 @@ public:
         std::replace(spec.begin(), spec.end(), '/', '\\');
         return "Root:" + spec;
     }
+
+    void Make_Directory(std::string const& name) const { std::filesystem::create_directories(Path(name)); }
 
     /// Writes a file of that name, in a directory that is made for it, and returns its spec.
     std::string Write(std::string const& name, std::string_view bytes) const
@@ -55,28 +55,36 @@ public:
     }
 
 private:
-    TestEnvironment(Home home, char const* homeDir)
+    std::string directory_;
+};
+
+class TestEnvironment : public ScratchDir {
+public:
+    enum class Home { Program, Directory };
+
+    /// The home directory is worked out from the program, or is the test's own directory.
+    explicit TestEnvironment(Home home = Home::Program) { Start(home == Home::Directory ? Path() : ""); }
+
+    /// The home directory is that path or spec.
+    explicit TestEnvironment(char const* homeDir) { Start(homeDir); }
+
+    ~TestEnvironment()
     {
-        std::string pattern = std::filesystem::temp_directory_path() / "zvtest.XXXXXX";
-        if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary directory");
-        directory_ = pattern;
-        setenv("KL_APP_DATA_DIR", directory_.c_str(), 1);
-        if (home == Home::Directory) homeDir = directory_.c_str();
-        if (InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 1, ZV_INIT_HOME_DIR, homeDir, 0))
+        CleanUpZV();
+        unsetenv("KL_APP_DATA_DIR");
+    }
+
+private:
+    void Start(std::string const& homeDir)
+    {
+        setenv("KL_APP_DATA_DIR", Path().c_str(), 1);
+        if (InitZV(nullptr, nullptr, nullptr, nullptr, ZV_INIT_NO_GUI, 1, ZV_INIT_HOME_DIR, homeDir.c_str(),
+                   0))
             return;
-        Remove_Directory();
+        unsetenv("KL_APP_DATA_DIR");
         char const* const reason = GetErrorStringZV();
         throw std::runtime_error(reason ? reason : "InitZV failed");
     }
-
-    void Remove_Directory()
-    {
-        unsetenv("KL_APP_DATA_DIR");
-        std::error_code ignored;
-        std::filesystem::remove_all(directory_, ignored);
-    }
-
-    std::string directory_;
 };
 
 /// Base of fixtures that need nothing more than that.

@@ -6,6 +6,7 @@
 
 #include "ZVClip.h"
 #include "ZVLibInternal.h"
+#include "foundation/HeapBlock.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,10 +15,7 @@
 
 namespace {
 
-struct AudioBufferFreer {
-    void operator()(ZVAudioBuffer* buffer) const { FreeAudioBufferZV(buffer); }
-};
-using AudioBufferHolder = std::unique_ptr<ZVAudioBuffer, AudioBufferFreer>;
+using AudioBufferHolder = std::unique_ptr<ZVAudioBuffer, Released_By<FreeAudioBufferZV>>;
 
 /// Bytes of the samples; -1 when there are too many to count.
 long Size_Of(ZVAudioFormat const& format, double samples)

@@ -1,16 +1,14 @@
 // Opening: a file by its name, a layer of another clip, and a closed clip again.
 #include "ClipRecord.h"
 #include "FormatMatch.h"
+#include "foundation/HeapBlock.h"
 
 #include <cmath>
 #include <memory>
 
 namespace {
 
-struct ClipFreer {
-    void operator()(ZVClip* clip) const { FreeClipZV(clip); }
-};
-using ClipHolder = std::unique_ptr<ZVClip, ClipFreer>;
+using ClipHolder = std::unique_ptr<ZVClip, Released_By<FreeClipZV>>;
 
 /// Frees the clip, then stores the number: nothing that freeing does hides the cause.
 ZVClip* Fail(ClipHolder& clip, unsigned long error)

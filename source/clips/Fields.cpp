@@ -2,6 +2,7 @@
 // into an average. The arithmetic of rows is in pixels/RowMath.h; here stands which rows it mixes.
 #include "RowsOf.h"
 #include "ZVLibInternal.h"
+#include "foundation/HeapBlock.h"
 #include "pixels/RowMath.h"
 
 #include <cstring>
@@ -9,10 +10,7 @@
 
 namespace {
 
-struct Free_Memory {
-    void operator()(void* block) const { FreeMemZV(block); }
-};
-using RowBlock = std::unique_ptr<void, Free_Memory>;
+using RowBlock = HeapBlock<void>;
 
 void Copy_Row(ZVBitmap& bitmap, long from, long to)
 {

@@ -3,6 +3,7 @@
 
 #include "BitmapBlock.h"
 #include "TimeIntegration.h"
+#include "foundation/HeapBlock.h"
 #include "pixels/BitmapVisit.h"
 
 #include <algorithm>
@@ -13,15 +14,7 @@
 
 namespace {
 
-struct FileCloser {
-    void operator()(ZVFileInfo* file) const { CloseFileZV(file); }
-};
-using FileHolder = std::unique_ptr<ZVFileInfo, FileCloser>;
-
-struct BlockFreer {
-    void operator()(void* block) const { FreeMemZV(block); }
-};
-using BlockHolder = std::unique_ptr<void, BlockFreer>;
+using FileHolder = std::unique_ptr<ZVFileInfo, Released_By<CloseFileZV>>;
 
 // ---- placement --------------------------------------------------------------------------------------------
 
@@ -128,7 +121,7 @@ private:
 struct FrameData {
     void* bytes = nullptr;
     long size = 0;
-    BlockHolder owned;  // empty for a buffer of the module
+    HeapBlock<void> owned;  // empty for a buffer of the module
 };
 
 /// Reads what the module asked for. A file that cannot be opened or read gives no data; false for an empty

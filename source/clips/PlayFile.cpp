@@ -3,6 +3,7 @@
 
 #include "ZVClip.h"
 #include "ZVLibInternal.h"
+#include "foundation/HeapBlock.h"
 
 #include <algorithm>
 #include <chrono>
@@ -15,11 +16,8 @@ namespace {
 constexpr auto pollInterval = std::chrono::milliseconds(5);
 constexpr double longestSeconds = 5.0;
 
-template <auto function> struct Freer {
-    template <typename T> void operator()(T* object) const { function(object); }
-};
-using ClipHolder = std::unique_ptr<ZVClip, Freer<FreeClipZV>>;
-using AudioHolder = std::unique_ptr<ZVAudioBuffer, Freer<FreeAudioBufferZV>>;
+using ClipHolder = std::unique_ptr<ZVClip, Released_By<FreeClipZV>>;
+using AudioHolder = std::unique_ptr<ZVAudioBuffer, Released_By<FreeAudioBufferZV>>;
 
 ClipHolder Open_Sound(char const* name)
 {

@@ -456,26 +456,6 @@ void EIDI_Close(ZVClip* clip)
     if (!isWritten) SetError(failure);
 }
 
-long EIDI_BeginIO(ZVClip*, long)
-{
-    return 1;
-}
-
-long EIDI_EndIO(ZVClip*, long)
-{
-    return 1;
-}
-
-long EIDI_GetImportProperties(ZVFormatDesc*)
-{
-    return Properties;
-}
-
-long EIDI_GetExportProperties(ZVFormatDesc*, ZVClip*)
-{
-    return Properties;
-}
-
 }  // namespace
 
 long Add_EIDI_Format(ZVScanDesc*)
@@ -488,13 +468,13 @@ long Add_EIDI_Format(ZVScanDesc*)
     desc->Open = EIDI_Open;
     desc->Close = EIDI_Close;
     desc->Create = EIDI_Create;
-    desc->BeginIO = EIDI_BeginIO;
-    desc->EndIO = EIDI_EndIO;
+    desc->BeginIO = Always_Ready;
+    desc->EndIO = Always_Ready;
     desc->GetFrame = EIDI_GetFrame;
     desc->AddFrame = EIDI_AddFrame;
     desc->CanLoad = Standard_CanLoad;
-    desc->GetImportProperties = EIDI_GetImportProperties;
-    desc->GetExportProperties = EIDI_GetExportProperties;
+    desc->GetImportProperties = Import_Properties<Properties>;
+    desc->GetExportProperties = Export_Properties<Properties>;
     AddTail(&ZVEnv->formats, &desc->Node);
     return 1;
 }

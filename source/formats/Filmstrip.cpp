@@ -173,16 +173,6 @@ long Filmstrip_Create(ZVClip* clip, unsigned long)
     return 1;
 }
 
-long Filmstrip_BeginIO(ZVClip*, long)
-{
-    return 1;
-}
-
-long Filmstrip_EndIO(ZVClip*, long)
-{
-    return 1;
-}
-
 /// A frame that is not whole in the file answers 0: the caller's stand-in is shown rather than stray memory.
 long Filmstrip_GetFrame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long>*, long, long, long, void*,
                         long)
@@ -256,16 +246,6 @@ long Filmstrip_AddFrame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long
     return isWritten;
 }
 
-long Filmstrip_GetImportProperties(ZVFormatDesc*)
-{
-    return Properties;
-}
-
-long Filmstrip_GetExportProperties(ZVFormatDesc*, ZVClip*)
-{
-    return Properties;
-}
-
 }  // namespace
 
 long Add_Filmstrip_Format(ZVScanDesc*)
@@ -278,13 +258,13 @@ long Add_Filmstrip_Format(ZVScanDesc*)
     desc->Open = Filmstrip_Open;
     desc->Close = Filmstrip_Close;
     desc->Create = Filmstrip_Create;
-    desc->BeginIO = Filmstrip_BeginIO;
-    desc->EndIO = Filmstrip_EndIO;
+    desc->BeginIO = Always_Ready;
+    desc->EndIO = Always_Ready;
     desc->GetFrame = Filmstrip_GetFrame;
     desc->AddFrame = Filmstrip_AddFrame;
     desc->CanLoad = Standard_CanLoad;
-    desc->GetImportProperties = Filmstrip_GetImportProperties;
-    desc->GetExportProperties = Filmstrip_GetExportProperties;
+    desc->GetImportProperties = Import_Properties<Properties>;
+    desc->GetExportProperties = Export_Properties<Properties>;
     AddTail(&ZVEnv->formats, &desc->Node);
     return 1;
 }

@@ -1,6 +1,11 @@
 // See FormatModule.h.
 #include "FormatModule.h"
 
+long Always_Ready(ZVClip*, long)
+{
+    return 1;
+}
+
 char const* Format_Name(unsigned long stringId, char const* fallback)
 {
     char const* name = GetStringZV(stringId);

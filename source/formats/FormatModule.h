@@ -3,20 +3,27 @@
 #pragma once
 
 #include "ZVLibInternal.h"
+#include "clips/BitmapBlock.h"
+#include "foundation/HeapBlock.h"
 
 #include <algorithm>
 #include <cstring>
 #include <memory>
 
-struct File_Closer {
-    void operator()(ZVFileInfo* file) const { CloseFileZV(file); }
-};
-using FilePtr = std::unique_ptr<ZVFileInfo, File_Closer>;
+using FilePtr = std::unique_ptr<ZVFileInfo, Released_By<CloseFileZV>>;
+using BitmapPtr = BitmapBlock;
 
-struct Bitmap_Freer {
-    void operator()(ZVBitmap* bitmap) const { FreeBitmapZV(bitmap); }
-};
-using BitmapPtr = std::unique_ptr<ZVBitmap, Bitmap_Freer>;
+/// Entries of modules whose files are ready as soon as they are open, and of modules whose properties never
+/// change.
+long Always_Ready(ZVClip* clip, long writing);
+template <long properties> long Import_Properties(ZVFormatDesc*)
+{
+    return properties;
+}
+template <long properties> long Export_Properties(ZVFormatDesc*, ZVClip*)
+{
+    return properties;
+}
 
 /// The string that names a module in dialogs, or `fallback` when the string file lacks it: a nameless entry
 /// could not be picked.

@@ -58,16 +58,6 @@ long RAM_Create(ZVClip* clip, unsigned long)
     return 1;
 }
 
-long RAM_BeginIO(ZVClip*, long)
-{
-    return 1;
-}
-
-long RAM_EndIO(ZVClip*, long)
-{
-    return 1;
-}
-
 long RAM_GetFrame(ZVClip* clip, ZVBitmap* bitmap, long frame, ZVRectT<long>*, long, long, long, void*, long)
 {
     List const* frames = Frames_Of(clip);
@@ -103,16 +93,6 @@ long RAM_CanLoad(ZVFormatDesc*, char const*, unsigned long, unsigned long, unsig
     return 0;
 }
 
-long RAM_GetImportProperties(ZVFormatDesc*)
-{
-    return Properties;
-}
-
-long RAM_GetExportProperties(ZVFormatDesc*, ZVClip*)
-{
-    return Properties;
-}
-
 }  // namespace
 
 long Add_RAM_Format(ZVScanDesc*)
@@ -122,13 +102,13 @@ long Add_RAM_Format(ZVScanDesc*)
     desc->Open = RAM_Open;
     desc->Close = RAM_Close;
     desc->Create = RAM_Create;
-    desc->BeginIO = RAM_BeginIO;
-    desc->EndIO = RAM_EndIO;
+    desc->BeginIO = Always_Ready;
+    desc->EndIO = Always_Ready;
     desc->GetFrame = RAM_GetFrame;
     desc->AddFrame = RAM_AddFrame;
     desc->CanLoad = RAM_CanLoad;
-    desc->GetImportProperties = RAM_GetImportProperties;
-    desc->GetExportProperties = RAM_GetExportProperties;
+    desc->GetImportProperties = Import_Properties<Properties>;
+    desc->GetExportProperties = Export_Properties<Properties>;
     AddTail(&ZVEnv->formats, &desc->Node);
     return 1;
 }

@@ -89,16 +89,6 @@ long VPB_Create(ZVClip* clip, unsigned long)
     return 1;
 }
 
-long VPB_BeginIO(ZVClip*, long)
-{
-    return 1;
-}
-
-long VPB_EndIO(ZVClip*, long)
-{
-    return 1;
-}
-
 /// The whole file is wanted.
 long VPB_GetFrameDataReference(ZVClip*, long, long, long long* offset, long* size, void** data)
 {
@@ -238,16 +228,6 @@ long VPB_AddFrame(ZVClip* clip, ZVBitmap* bitmap, long, ZVRectT<long>* region)
     return 1;
 }
 
-long VPB_GetImportProperties(ZVFormatDesc*)
-{
-    return Properties;
-}
-
-long VPB_GetExportProperties(ZVFormatDesc*, ZVClip*)
-{
-    return Properties;
-}
-
 }  // namespace
 
 long Add_VPB_Format(ZVScanDesc*)
@@ -260,14 +240,14 @@ long Add_VPB_Format(ZVScanDesc*)
     desc->Open = VPB_Open;
     desc->Close = VPB_Close;
     desc->Create = VPB_Create;
-    desc->BeginIO = VPB_BeginIO;
-    desc->EndIO = VPB_EndIO;
+    desc->BeginIO = Always_Ready;
+    desc->EndIO = Always_Ready;
     desc->GetFrame = VPB_GetFrame;
     desc->AddFrame = VPB_AddFrame;
     desc->GetFrameDataReference = VPB_GetFrameDataReference;
     desc->CanLoad = Standard_CanLoad;
-    desc->GetImportProperties = VPB_GetImportProperties;
-    desc->GetExportProperties = VPB_GetExportProperties;
+    desc->GetImportProperties = Import_Properties<Properties>;
+    desc->GetExportProperties = Export_Properties<Properties>;
     AddTail(&ZVEnv->formats, &desc->Node);
     return 1;
 }

@@ -1,4 +1,4 @@
-// A guard for blocks of AllocMemZV: freed on every way out of a function unless they were handed on by
+// Guards for what the library hands out: released on every way out of a function unless it was handed on by
 // release().
 #pragma once
 
@@ -6,7 +6,10 @@
 
 #include <memory>
 
-struct Free_Mem {
-    void operator()(void* block) const { FreeMemZV(block); }
+/// Deleter that calls a function of the library.
+template <auto function> struct Released_By {
+    template <typename T> void operator()(T* object) const { function(object); }
 };
-template <typename T> using HeapBlock = std::unique_ptr<T, Free_Mem>;
+
+/// A block of AllocMemZV.
+template <typename T> using HeapBlock = std::unique_ptr<T, Released_By<FreeMemZV>>;

@@ -40,73 +40,58 @@ long User_Req(long, long, char const* text, char const*, char const*)
     return 0;
 }
 
+// The arguments behind `last`, asked with the rest: only the function that has them can begin and end them.
+#define ASK(last, ...)                                                                                       \
+    va_list arguments;                                                                                       \
+    va_start(arguments, last);                                                                               \
+    [[maybe_unused]] long const answer = Ask(__VA_ARGS__, arguments);                                        \
+    va_end(arguments)
+
 void UserMessageZV(char const* format, ...)
 {
-    va_list arguments;
-    va_start(arguments, format);
-    Ask(0, nullptr, nullptr, format, arguments);
-    va_end(arguments);
+    ASK(format, 0, nullptr, nullptr, format);
 }
 
 void UserMessageZV(unsigned long id, ...)
 {
-    va_list arguments;
-    va_start(arguments, id);
-    Ask(0, nullptr, nullptr, GetStringZV(id), arguments);
-    va_end(arguments);
+    ASK(id, 0, nullptr, nullptr, GetStringZV(id));
 }
 
 void StopAlertZV(char const* format, ...)
 {
-    va_list arguments;
-    va_start(arguments, format);
-    Ask(0, nullptr, nullptr, format, arguments);
-    va_end(arguments);
+    ASK(format, 0, nullptr, nullptr, format);
 }
 
 void StopAlertZV(unsigned long id, ...)
 {
-    va_list arguments;
-    va_start(arguments, id);
-    Ask(0, nullptr, nullptr, GetStringZV(id), arguments);
-    va_end(arguments);
+    ASK(id, 0, nullptr, nullptr, GetStringZV(id));
 }
 
 long AskUserZV(char const* format, ...)
 {
-    va_list arguments;
-    va_start(arguments, format);
-    long const answer = Ask(1, nullptr, nullptr, format, arguments);
-    va_end(arguments);
+    ASK(format, 1, nullptr, nullptr, format);
     return answer;
 }
 
 long AskUserZV(unsigned long id, ...)
 {
-    va_list arguments;
-    va_start(arguments, id);
-    long const answer = Ask(1, nullptr, nullptr, GetStringZV(id), arguments);
-    va_end(arguments);
+    ASK(id, 1, nullptr, nullptr, GetStringZV(id));
     return answer;
 }
 
 long AskUser2ZV(char const* first, char const* second, char const* format, ...)
 {
-    va_list arguments;
-    va_start(arguments, format);
-    long const answer = Ask(1, first, second, format, arguments);
-    va_end(arguments);
+    ASK(format, 1, first, second, format);
     return answer;
 }
 
 long AskUser2ZV(unsigned long first, unsigned long second, unsigned long format, ...)
 {
-    va_list arguments;
-    va_start(arguments, format);
-    long const answer = Ask(1, GetStringZV(first), GetStringZV(second), GetStringZV(format), arguments);
-    va_end(arguments);
+    ASK(format, 1, GetStringZV(first), GetStringZV(second), GetStringZV(format));
     return answer;
 }
+
+#undef ASK
 
 void UserScrollMessageZV(char const* heading, char* body)
 {

@@ -15,13 +15,6 @@
 #include <unordered_set>
 
 namespace {
-struct Free_Spec {
-    void operator()(char* spec) const { FreeFileSpecZV(spec); }
-};
-struct Close_File {
-    void operator()(ZVFileInfo* file) const { CloseFileZV(file); }
-};
-
 struct FileText {
     HeapBlock<char> block;
     std::size_t size = 0;
@@ -50,9 +43,9 @@ template <typename T> static bool Allocate(HeapBlock<T>& block, std::size_t size
 
 static bool Read_File(char const* name, FileText& text)
 {
-    std::unique_ptr<char, Free_Spec> const spec(Find_Library_File(name));
+    std::unique_ptr<char, Released_By<FreeFileSpecZV>> const spec(Find_Library_File(name));
     if (!spec) return false;
-    std::unique_ptr<ZVFileInfo, Close_File> const file(
+    std::unique_ptr<ZVFileInfo, Released_By<CloseFileZV>> const file(
         OpenFileZV(spec.get(), ZVFilePermReadLarge, ZVFileFlagNone));
     if (!file) return false;
 

@@ -5,8 +5,7 @@
 #include "clips/BitmapBlock.h"
 #include "clips/TestFormat.h"
 
-#include <gtest/gtest.h>
-
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -43,6 +42,41 @@ inline BitmapBlock Make_Bitmap(long width, long height, ZVBitmapType type = ZV_B
 inline std::vector<unsigned char> Bytes_Of(BitmapBlock const& bitmap)
 {
     return {bitmap->Pixels, bitmap->Pixels + bitmap->Size};
+}
+
+/// Reads a frame by its number.
+template <typename... Tags>
+long Read_Frame(ZVClip* clip, BitmapBlock const& bitmap, double frame, Tags... tags)
+{
+    ZVTimeValue const time = Frame_Time(frame, clip->FrameRate);
+    return GetFrameZV(clip, bitmap.get(), &time, nullptr, ZV_TAG_IGNORE, 0, tags...);
+}
+
+/// The pixels of a frame at the clip's size, read over what it should not leave there.
+inline std::vector<unsigned char> Frame_Bytes(ZVClip* clip, double frame)
+{
+    BitmapBlock const bitmap = Make_Bitmap(clip->Width, clip->Height);
+    std::memset(bitmap->Pixels, 0xA5, static_cast<std::size_t>(bitmap->Size));
+    EXPECT_TRUE(Read_Frame(clip, bitmap, frame)) << frame;
+    return Bytes_Of(bitmap);
+}
+
+/// A clip of 8 bits that is being written.
+inline ZVClip* Create_Output(ZVFormatDesc* format, std::string const& spec, long width, long height,
+                             double rate, double fileRate)
+{
+    ZVClip* const clip = NewClipZV();
+    clip->Format = format;
+    clip->FileName = CopyFileSpecZV(spec.c_str());
+    clip->Width = width;
+    clip->Height = height;
+    clip->BitDepth = 8;
+    clip->Media = ZV_MEDIA_VIDEO;
+    clip->FrameRate = rate;
+    clip->FileFrameRate = fileRate;
+    clip->Frames = 100;
+    EXPECT_TRUE(CreateClipZV(clip, 0));
+    return clip;
 }
 
 /// The pixels of a picture of the test module.

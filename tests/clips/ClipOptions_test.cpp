@@ -10,25 +10,6 @@ protected:
     ClipOptions() { clip = NewClipZV(); }
 };
 
-TEST_F(ClipOptions, EachTagSetsItsField)
-{
-    double const aspect = 1.2, matte[4] = {0.1, 0.2, 0.3, 0.4};
-    SetClipOptionsZV(clip, ZV_CLIP_FIELD_ORDER, 2, ZV_CLIP_ALPHA_TYPE, 1, ZV_CLIP_ALPHA_INVERT, 1,
-                     ZV_CLIP_ALPHA_PREMULTIPLIED, 0, ZV_CLIP_MATTE_COLOR, matte, ZV_CLIP_PIXEL_ASPECT,
-                     &aspect, ZV_CLIP_USER1, -1, ZV_CLIP_USER2, 2, ZV_CLIP_USER3, 3);
-    EXPECT_EQ(clip->FieldOrder, ZV_FIELDS_LOWER_FIRST);
-    EXPECT_EQ(clip->AlphaType, ZV_ALPHA_LUMINANCE);
-    EXPECT_EQ(clip->AlphaInvert, 1);
-    EXPECT_EQ(clip->AlphaPremultiplied, 0);
-    EXPECT_EQ(clip->MatteRed, 0.1);
-    EXPECT_EQ(clip->MatteAlpha, 0.4);
-    EXPECT_EQ(clip->PixelAspect, 1.2);
-    EXPECT_EQ(clip->User1, -1);
-    EXPECT_EQ(clip->User2, 2);
-    EXPECT_EQ(clip->User3, 3);
-    SetClipOptionsZV(nullptr, ZV_CLIP_USER1, 1);
-}
-
 TEST_F(ClipOptions, AReducedSizeKeepsTheFullOne)
 {
     struct {
@@ -57,8 +38,16 @@ TEST_F(ClipOptions, AReducedSizeKeepsTheFullOne)
     }
 }
 
-TEST_F(ClipOptions, AFormatIsChosenByItsExtension)
+TEST_F(ClipOptions, TagsSetFieldsAndChooseAFormatByItsExtension)
 {
+    double const matte[4] = {0.1, 0.2, 0.3, 0.4};
+    SetClipOptionsZV(clip, ZV_CLIP_ALPHA_INVERT, 1, ZV_CLIP_ALPHA_PREMULTIPLIED, 0, ZV_CLIP_MATTE_COLOR,
+                     matte, ZV_CLIP_USER1, -1, ZV_CLIP_USER2, 2, ZV_CLIP_USER3, 3);
+    EXPECT_TRUE(clip->AlphaInvert == 1 && clip->AlphaPremultiplied == 0);
+    EXPECT_TRUE(clip->MatteRed == 0.1 && clip->MatteBlue == 0.3 && clip->MatteAlpha == 0.4);
+    EXPECT_TRUE(clip->User1 == -1 && clip->User2 == 2 && clip->User3 == 3);
+    SetClipOptionsZV(nullptr, ZV_CLIP_USER1, 1);
+
     TestFormat other("OTHR"), twin("othr");
     format.options = {1};
     clip->Format = format.desc;
@@ -70,16 +59,14 @@ TEST_F(ClipOptions, AFormatIsChosenByItsExtension)
     EXPECT_FALSE(clip->Format);
 }
 
-struct RateCase {
+struct {
     char const* why;
     double rate, fileRate, baseRate;  // before
     uint8_t pullDown;                 // before
     std::optional<double> newRate;
     std::optional<long> newPullDown;
     double rateAfter, fileRateAfter;
-};
-
-RateCase const rateCases[] = {
+} const rateCases[] = {
     {"pull-down works from the rate at open", 30, 30, 30, 0, {}, 1, 24, 30},
     {"a given film rate sets the video's", 30, 30, 30, 0, 24.0, 1, 24, 30},
     {"another", 25, 25, 25, 0, 20.0, 3, 20, 25},
@@ -100,7 +87,7 @@ TEST_F(ClipOptions, RatesFollowPullDown)
     // Size, aspect and fields of a preset of 29.97 frames a second.
     SetClipOptionsZV(clip, ZV_CLIP_WIDTH, 720, ZV_CLIP_HEIGHT, 480, ZV_CLIP_FIELD_ORDER, 2);
     clip->PixelAspect = 0.9;
-    for (RateCase const& row : rateCases) {
+    for (auto const& row : rateCases) {
         clip->FrameRate = row.rate;
         clip->FileFrameRate = row.fileRate;
         clip->BaseFrameRate = row.baseRate;

@@ -7,16 +7,14 @@
 
 namespace {
 
-struct SizeCase {
+struct {
     char const* why;
     long width, height;
     long isFound;
     unsigned long type;
     double rate, aspect;
     FieldOrder order;
-};
-
-SizeCase const sizeCases[] = {
+} const sizeCases[] = {
     {"the first row of a size wins", 640, 480, 1, 1, 29.97, 1.0, ZV_FIELDS_UPPER_FIRST},
     {"", 720, 480, 1, 14, 29.97, 0.9, ZV_FIELDS_LOWER_FIRST},
     {"", 720, 486, 1, 4, 29.97, 0.9, ZV_FIELDS_LOWER_FIRST},
@@ -39,18 +37,15 @@ using Footage = EnvironmentTest;
 
 TEST_F(Footage, ASizeTellsRateAspectAndFieldOrder)
 {
-    for (SizeCase const& row : sizeCases) {
+    for (auto const& row : sizeCases) {
+        SCOPED_TRACE(testing::Message() << row.width << " x " << row.height << " " << row.why);
         unsigned long type;
         char name[256];
         double rate, aspect;
         FieldOrder order;
         EXPECT_EQ(FindFootagePresetsZV(row.width, row.height, &type, name, &rate, &aspect, &order),
-                  row.isFound)
-            << row.width << " x " << row.height << " " << row.why;
-        EXPECT_EQ(type, row.type) << row.width << " x " << row.height;
-        EXPECT_EQ(rate, row.rate);
-        EXPECT_EQ(aspect, row.aspect);
-        EXPECT_EQ(order, row.order);
+                  row.isFound);
+        EXPECT_TRUE(type == row.type && rate == row.rate && aspect == row.aspect && order == row.order);
         ZVFootagePreset const* preset = FindFootagePresetsZV(static_cast<long>(type));
         EXPECT_STREQ(name, GetStringZV(preset->Name));
     }

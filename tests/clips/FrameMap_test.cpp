@@ -60,15 +60,13 @@ bool Apply(ZVClip& clip, Edit edit, long frame, long scratch)
     }
 }
 
-struct MapCase {
+struct {
     char const* why;
     Runs before;
     Edit edit;
     long frame;
     Runs after;
-};
-
-MapCase const mapCases[] = {
+} const mapCases[] = {
     {"replacing inside a run leaves three", {{0, 10}}, Edit::Replace, 4, {{0, 4}, {-9, 1}, {5, 5}}},
     {"replacing the first frame leaves two", {{0, 10}}, Edit::Replace, 0, {{-9, 1}, {1, 9}}},
     {"replacing the last frame leaves two", {{0, 10}}, Edit::Replace, 9, {{0, 9}, {-9, 1}}},
@@ -118,7 +116,7 @@ MapCase const mapCases[] = {
 
 TEST(FrameMap, EditsSplitAndJoinRuns)
 {
-    for (MapCase const& row : mapCases) {
+    for (auto const& row : mapCases) {
         MapClip map(row.before);
         EXPECT_TRUE(Apply(map.clip, row.edit, row.frame, newScratch)) << row.why;
         EXPECT_EQ(map.Table(), row.after) << row.why;
@@ -127,15 +125,12 @@ TEST(FrameMap, EditsSplitAndJoinRuns)
 
 TEST(FrameMap, FramesOutsideAreRefused)
 {
-    struct {
-        Edit edit;
-        long frame;
-    } const rows[] = {{Edit::Replace, 5}, {Edit::Replace, -1}, {Edit::Insert, 6},
-                      {Edit::Insert, -1}, {Edit::Delete, 5},   {Edit::Delete, LONG_MIN}};
-    for (auto const& row : rows) {
+    std::pair<Edit, long> const rows[] = {{Edit::Replace, 5}, {Edit::Replace, -1}, {Edit::Insert, 6},
+                                          {Edit::Insert, -1}, {Edit::Delete, 5},   {Edit::Delete, LONG_MIN}};
+    for (auto const& [edit, frame] : rows) {
         MapClip map(Runs{{0, 4}, {-1, 1}});
-        EXPECT_FALSE(Apply(map.clip, row.edit, row.frame, newScratch)) << row.frame;
-        EXPECT_EQ(map.Table(), (Runs{{0, 4}, {-1, 1}})) << row.frame;
+        EXPECT_FALSE(Apply(map.clip, edit, frame, newScratch)) << frame;
+        EXPECT_EQ(map.Table(), (Runs{{0, 4}, {-1, 1}})) << frame;
     }
 }
 

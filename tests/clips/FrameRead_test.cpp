@@ -5,17 +5,13 @@
 #include <algorithm>
 #include <cstring>
 #include <random>
+#include <utility>
 
 namespace {
 
 using Bytes = std::vector<unsigned char>;
 
 constexpr unsigned long background = 0xFF204060;
-
-long Depth_Of(ZVBitmapType type)
-{
-    return GetBitsPerChannelZV(type);
-}
 
 /// A place for a frame: the point of it that falls on pixel (0, 0), and the size it is scaled to.
 struct Place {
@@ -43,16 +39,11 @@ Bytes Placed(BitmapBlock const& frame, BitmapBlock const& bitmap, Place const& p
 
 class FrameRead : public ClipTest {
 protected:
-    long Read(BitmapBlock const& bitmap, double frame)
-    {
-        ZVTimeValue const time = Frame_Time(frame, clip->FrameRate);
-        return GetFrameZV(clip, bitmap.get(), &time, nullptr, nullptr);
-    }
+    long Read(BitmapBlock const& bitmap, double frame) { return Read_Frame(clip, bitmap, frame); }
     long Read(BitmapBlock const& bitmap, double frame, Place const& place)
     {
-        ZVTimeValue const time = Frame_Time(frame, clip->FrameRate);
-        return GetFrameZV(clip, bitmap.get(), &time, nullptr, ZV_FRAME_RECT, &place.offset, ZV_FRAME_WIDTH,
-                          place.width, ZV_FRAME_HEIGHT, place.height);
+        return Read_Frame(clip, bitmap, frame, ZV_FRAME_RECT, &place.offset, ZV_FRAME_WIDTH, place.width,
+                          ZV_FRAME_HEIGHT, place.height);
     }
     /// A bitmap that holds what a read should not leave there.
     BitmapBlock Used_Bitmap(long width, long height, ZVBitmapType type = ZV_BITMAP_RGBA8)
@@ -80,7 +71,7 @@ TEST_F(FrameRead, AFrameIsPlacedScaledAndConverted)
     for (ZVBitmapType const type : rgbaTypes) {
         for (int i = 0; i < 120; ++i) {
             ZVBitmapType const clipType = i % 3 ? type : rgbaTypes[random() % 5];
-            Open_Sized(1 + below(12), 1 + below(12), Depth_Of(clipType));
+            Open_Sized(1 + below(12), 1 + below(12), GetBitsPerChannelZV(clipType));
             BitmapBlock const bitmap = Used_Bitmap(1 + below(12), 1 + below(12), type);
             Place place{{below(30) - 15, below(30) - 15, 0, 0}, 1 + below(20), 1 + below(20)};
             if (i % 4 == 0) place = {{}, bitmap->Width, bitmap->Height};
@@ -96,7 +87,7 @@ TEST_F(FrameRead, AFrameIsPlacedScaledAndConverted)
     }
 }
 
-TEST_F(FrameRead, AModuleThatScalesIsGivenTheCallersPlace)
+TEST_F(FrameRead, AModuleThatScalesIsGivenTheCallersPlaceAndAnotherItsBitmap)
 {
     format.properties |= ZV_FORMAT_SELF_SCALE;
     Open_Sized(8, 6);
@@ -113,24 +104,13 @@ TEST_F(FrameRead, AModuleThatScalesIsGivenTheCallersPlace)
     ASSERT_TRUE(Read(deep, 3, place));
     EXPECT_NE(format.Last("GetFrame").bitmap, deep.get()) << "it scales within its own pixel type only";
     EXPECT_EQ(Bytes_Of(deep), Placed(frame, deep, place));
-}
 
-TEST_F(FrameRead, AFrameThatFitsGoesStraightIntoTheBitmap)
-{
-    Open_Sized(8, 6);
-    BitmapBlock const bitmap = Used_Bitmap(8, 6);
-    struct {
-        char const* why;
-        Place place;
-        bool isDirect;
-    } const cases[] = {
-        {"same size", {{}, 8, 6}, true},
-        {"scaled", {{}, 9, 6}, false},
-        {"moved", {{0, 1, 0, 0}, 8, 6}, false},
-    };
-    for (auto const& row : cases) {
-        ASSERT_TRUE(Read(bitmap, 0, row.place));
-        EXPECT_EQ(format.Last("GetFrame").bitmap == bitmap.get(), row.isDirect) << row.why;
+    format.properties &= ~ZV_FORMAT_SELF_SCALE;
+    for (Place const& each : {Place{{}, 8, 6}, Place{{}, 9, 6}, Place{{0, 1, 0, 0}, 8, 6}}) {
+        BitmapBlock const same = Used_Bitmap(8, 6);
+        bool const fits = each.width == 8 && each.offset.y == 0;
+        ASSERT_TRUE(Read(same, 0, each));
+        EXPECT_EQ(format.Last("GetFrame").bitmap == same.get(), fits) << "only what fits goes straight in";
     }
 }
 
@@ -186,8 +166,6 @@ TEST_F(FrameRead, AReadThatFailsLeavesBackground)
     EXPECT_EQ(Bytes_Of(untouched), Bytes(8 * 6 * 4, 0xA5)) << "outside I/O";
 }
 
-// ---- choice of frame and field ----------------------------------------------------------------------------
-
 TEST_F(FrameRead, TheRequestChoosesFrameOrField)
 {
     enum class Kept { All, Upper, Lower };
@@ -224,40 +202,6 @@ TEST_F(FrameRead, TheRequestChoosesFrameOrField)
     }
 }
 
-/// Field choice over random rates and start times, told by how the time was made.
-TEST_F(FrameRead, EveryFieldIsFoundAtItsTime)
-{
-    std::mt19937 random(3);
-    double const rates[] = {12.5, 23.976, 24.0, 25.0, 29.97, 30000.0 / 1001, 50.0, 59.94};
-    format.frames = 40;
-    Open_Sized(2, 4);
-    Bytes fields[40][2];
-    for (long frame = 0; frame < 40; ++frame)
-        for (int lower = 0; lower < 2; ++lower) {
-            BitmapBlock const picture = Make_Bitmap(2, 4);
-            Draw_Test_Picture(picture.get(), frame);
-            lower ? Interpolate_Upper_Field(picture.get()) : Interpolate_Lower_Field(picture.get());
-            fields[frame][lower] = Bytes_Of(picture);
-        }
-    for (int i = 0; i < 4000; ++i) {
-        double const rate = rates[random() % std::size(rates)];
-        long const start = static_cast<long>(random() % 1000) - 500;
-        long const frame = static_cast<long>(random() % 40);
-        long const second = random() % 2;
-        clip->FrameRate = rate;
-        clip->StartTime = {static_cast<double>(start), rate};
-        clip->FieldOrder = random() % 2 ? ZV_FIELDS_UPPER_FIRST : ZV_FIELDS_LOWER_FIRST;
-        ZVTimeValue const time{static_cast<double>(start + frame) + 0.5 * static_cast<double>(second), rate};
-        ZVTimeValue const duration{1.0, 2.0 * rate};
-        BitmapBlock const bitmap = Make_Bitmap(2, 4);
-        ASSERT_TRUE(GetFrameZV(clip, bitmap.get(), &time, &duration, nullptr));
-        bool const isLower = (clip->FieldOrder == ZV_FIELDS_LOWER_FIRST) != (second == 1);
-        ASSERT_EQ(Bytes_Of(bitmap), fields[frame][isLower])
-            << rate << " " << start << " " << frame << " " << second;
-        ASSERT_EQ(clip->LastFrame, frame);
-    }
-}
-
 TEST_F(FrameRead, ASkippedFrameSucceedsUnread)
 {
     Open_Sized(8, 6);
@@ -290,82 +234,44 @@ TEST_F(FrameRead, AFilteredFrameOwesNothingToWhatTheBitmapHeld)
     }
 }
 
-// ---- sequences --------------------------------------------------------------------------------------------
-
-class SequenceRead : public FrameRead {
-protected:
-    /// A clip over s1, s2 and s10, of which s2 has no file.
-    SequenceRead()
-    {
-        format.properties &= ~ZV_FORMAT_MULTIFRAME;
-        environment.Write("s1.tst", "1");
-        environment.Write("s10.tst", "10");
-        mask = environment.Spec("s[##].tst");
-        Open_Sized(8, 6);
-        FreeFileSpecZV(clip->FileName);
-        clip->FileName = CopyFileSpecZV(mask.c_str());
-        clip->Frames = clip->RawFrames = 3;
-        clip->SequenceNumbers = static_cast<long*>(AllocMemZV(3 * sizeof(long), 0));
-        std::copy_n(std::initializer_list<long>{1, 2, 10}.begin(), 3, clip->SequenceNumbers);
-    }
-    std::string mask;
-};
-
-TEST_F(SequenceRead, EachFrameIsFrame0OfItsFile)
+TEST_F(FrameRead, AFrameOfASequenceIsReadByTheNameOfItsFile)
 {
+    format.properties &= ~ZV_FORMAT_MULTIFRAME;
+    format.desc->GetFrameDataReference = TestFormat::GetFrameDataReference;
+    format.desc->GetFrameData = TestFormat::GetFrameData;
+    environment.Write("s1.tst", "1");
+    environment.Write("s10.tst", "10");
+    std::string const mask = environment.Spec("s[##].tst"), third = environment.Spec("s10.tst");
+    Open_Sized(8, 6);
+    FreeFileSpecZV(clip->FileName);
+    clip->FileName = CopyFileSpecZV(mask.c_str());
+    clip->Frames = clip->RawFrames = 3;
+    clip->SequenceNumbers = static_cast<long*>(AllocMemZV(3 * sizeof(long), 0));
+    std::copy_n(std::initializer_list<long>{1, 2, 10}.begin(), 3, clip->SequenceNumbers);
+    clip->FrameDataMask = 6;
+
     BitmapBlock const bitmap = Used_Bitmap(8, 6);
-    struct {
-        double frame;
-        char const* file;
-    } const cases[] = {{0, "s1.tst"}, {2, "s10.tst"}};
-    for (auto const& row : cases) {
-        EXPECT_EQ(Read(bitmap, row.frame), 1);
-        EXPECT_EQ(format.Last("GetFrame").fileName, environment.Spec(row.file));
-        EXPECT_EQ(format.Last("GetFrame").frame, 0);
-        EXPECT_EQ(clip->FileName, mask);
-    }
     EXPECT_EQ(Read(bitmap, 1), 0) << "a hole";
     EXPECT_EQ(Bytes_Of(bitmap), Filled_Bytes(background, 8, 6));
     EXPECT_EQ(Read(bitmap, 2), 1) << "reading goes on behind it";
+    TestCall const& read = format.Last("GetFrame");
+    EXPECT_TRUE(read.fileName == third && read.frame == 0 && read.data == (Bytes{'1', '0'}));
+
+    Bytes buffer(4);
+    ZVTimeValue const last = Frame_Time(2), hole = Frame_Time(1);
+    EXPECT_EQ(GetFrameDataZV(clip, &last, 2, buffer.data(), 4), 1);
+    EXPECT_TRUE(format.Last("GetFrameData").fileName == third && format.Last("GetFrameData").frame == 0);
+    EXPECT_EQ(GetFrameDataZV(clip, &hole, 2, buffer.data(), 4), 0);
 
     format.throwing = {"GetFrame"};
     EXPECT_ANY_THROW(Read(bitmap, 0));
-    EXPECT_EQ(clip->FileName, mask);
+    EXPECT_EQ(clip->FileName, mask) << "the name comes back on every way out";
     format.throwing.clear();
-
     clip->Frames = 1;
     EXPECT_EQ(Read(bitmap, 0), 1) << "also when editing has left one frame";
     EXPECT_EQ(format.Last("GetFrame").fileName, environment.Spec("s1.tst"));
-}
-
-TEST_F(SequenceRead, WithoutATableFrameIIsFileI)
-{
-    FreeMemZV(clip->SequenceNumbers);
-    clip->SequenceNumbers = nullptr;
-    BitmapBlock const bitmap = Used_Bitmap(8, 6);
-    EXPECT_EQ(Read(bitmap, 0), 0);
-    EXPECT_EQ(Read(bitmap, 1), 1);
-    EXPECT_EQ(format.Last("GetFrame").fileName, environment.Spec("s1.tst"));
-}
-
-TEST_F(SequenceRead, FrameDataComesFromTheFileToo)
-{
-    format.desc->GetFrameDataReference = TestFormat::GetFrameDataReference;
-    BitmapBlock const bitmap = Used_Bitmap(8, 6);
-    ASSERT_EQ(Read(bitmap, 2), 1);
-    EXPECT_EQ(format.Last("GetFrame").data, (Bytes{'1', '0'}));
-    EXPECT_EQ(format.Last("GetFrame").fileName, environment.Spec("s10.tst"));
-    EXPECT_EQ(clip->FileName, mask);
-
-    format.desc->GetFrameData = TestFormat::GetFrameData;
-    clip->FrameDataMask = 6;
-    Bytes buffer(4);
-    ZVTimeValue const third = Frame_Time(2), second = Frame_Time(1);
-    EXPECT_EQ(GetFrameDataZV(clip, &third, 2, buffer.data(), 4), 1);
-    EXPECT_EQ(format.Last("GetFrameData").fileName, environment.Spec("s10.tst"));
-    EXPECT_EQ(format.Last("GetFrameData").frame, 0);
-    EXPECT_EQ(GetFrameDataZV(clip, &second, 2, buffer.data(), 4), 0) << "no file";
-    EXPECT_EQ(clip->FileName, mask);
+    FreeMemZV(std::exchange(clip->SequenceNumbers, nullptr));
+    EXPECT_EQ(Read(bitmap, 0), 0) << "without a table frame i is file i";
 }
 
 /// A single picture into which frames were inserted is still the one file.
@@ -376,18 +282,12 @@ TEST_F(FrameRead, AnEditedSinglePictureIsNoSequence)
     ASSERT_EQ(clip->RawFrames, 1);
     ZVTimeValue const start{};
     ASSERT_TRUE(InsertFrameBeforeZV(clip, &start));
-    BitmapBlock const bitmap = Used_Bitmap(8, 6);
-    EXPECT_EQ(Read(bitmap, 1), 1);
-    EXPECT_EQ(Bytes_Of(bitmap), Picture_Bytes(0, 8, 6));
+    EXPECT_EQ(Frame_Bytes(clip, 1), Picture_Bytes(0, 8, 6));
 }
 
-// ---- data for the module ----------------------------------------------------------------------------------
-
 long pollAnswer;
-long pollCalls;
 long Poll()
 {
-    ++pollCalls;
     return pollAnswer;
 }
 
@@ -433,15 +333,12 @@ TEST_F(FrameRead, ACallerWhoGivesUpFindsTheBitmapAsItWas)
     format.desc->GetFrameDataReference = TestFormat::GetFrameDataReference;
     Open_Sized(8, 6);
     BitmapBlock const bitmap = Used_Bitmap(8, 6);
-    ZVTimeValue const time{};
     pollAnswer = 1;
-    pollCalls = 0;
-    EXPECT_EQ(GetFrameZV(clip, bitmap.get(), &time, nullptr, ZV_FRAME_POLL, &Poll), 0);
-    EXPECT_EQ(pollCalls, 1);
+    EXPECT_EQ(Read_Frame(clip, bitmap, 0, ZV_FRAME_POLL, &Poll), 0);
     EXPECT_EQ(format.Count("GetFrame"), 0);
     EXPECT_EQ(Bytes_Of(bitmap), Bytes(8 * 6 * 4, 0xA5));
     pollAnswer = 0;
-    EXPECT_EQ(GetFrameZV(clip, bitmap.get(), &time, nullptr, ZV_FRAME_POLL, &Poll), 1);
+    EXPECT_EQ(Read_Frame(clip, bitmap, 0, ZV_FRAME_POLL, &Poll), 1);
     EXPECT_EQ(format.Last("GetFrame").data.size(), 4u);
 }
 
@@ -480,8 +377,6 @@ TEST_F(FrameRead, DataOfAFrameComesFromTheModule)
     format.desc->GetFrameData = nullptr;
     EXPECT_EQ(GetFrameDataZV(clip, &last, 2, buffer.data(), 3), 0);
 }
-
-// ---- scratch frames ---------------------------------------------------------------------------------------
 
 class ScratchRead : public FrameRead {
 protected:
@@ -522,31 +417,19 @@ TEST_F(ScratchRead, ScratchFramesAreReadAsTheyWereStored)
     EXPECT_EQ(format.Last("GetFrame").frame, 9) << "the map's own end counts";
 }
 
-TEST_F(ScratchRead, AScratchFrameThatIsNotThereReadsAsBackground)
+TEST_F(ScratchRead, AScratchFrameThatIsNotThereReadsAsBackgroundUnlessItIsGivenUp)
 {
-    std::vector<Bytes> const damaged = {Bytes(8 * 6 * 4 - 1, 1), Bytes(8 * 6 * 4 + 1, 1), Bytes()};
-    for (Bytes const& bytes : damaged) {
-        Write_Scratch(bytes);
-        BitmapBlock const bitmap = Used_Bitmap(8, 6);
-        EXPECT_EQ(Read(bitmap, 0), 1);
-        EXPECT_EQ(Bytes_Of(bitmap), Filled_Bytes(background, 8, 6)) << bytes.size();
+    for (std::size_t size : {8 * 6 * 4 - 1, 8 * 6 * 4 + 1, 0, -1}) {
+        Write_Scratch(Bytes(size + 1 ? size : 0, 1));
+        if (size + 1 == 0) DeleteFileZV(Make_TempName(clip->ClipID, -1, 0));
+        EXPECT_EQ(Frame_Bytes(clip, 0), Filled_Bytes(background, 8, 6)) << size;
     }
-    DeleteFileZV(Make_TempName(clip->ClipID, -1, 0));
-    BitmapBlock const bitmap = Used_Bitmap(8, 6);
-    EXPECT_EQ(Read(bitmap, 0), 1);
-    EXPECT_EQ(Bytes_Of(bitmap), Filled_Bytes(background, 8, 6));
-}
-
-TEST_F(ScratchRead, ALongReadOfAScratchFrameCanBeGivenUp)
-{
     Write_Scratch(Picture_Bytes(50, 8, 6));
     BitmapBlock const bitmap = Used_Bitmap(16, 6);
     pollAnswer = 1;
-    EXPECT_EQ(GetFrameZV(clip, bitmap.get(), nullptr, nullptr, ZV_FRAME_POLL, &Poll), 0);
+    EXPECT_EQ(Read_Frame(clip, bitmap, 0, ZV_FRAME_POLL, &Poll), 0);
     EXPECT_EQ(Bytes_Of(bitmap), Bytes(16 * 6 * 4, 0xA5));
 }
-
-// ---- pull-down --------------------------------------------------------------------------------------------
 
 /// Video frames of film frames 0 to 3, by phase; the second is -1 where the film frame stands whole. The next
 /// four film frames lie five video frames on.
@@ -573,22 +456,12 @@ TEST_F(FrameRead, AFilmFrameIsGatheredFromItsVideoFrames)
                         std::copy_n(other.begin() + static_cast<long>(row) * 16, 16,
                                     expected.begin() + static_cast<long>(row) * 16);
                 }
-                BitmapBlock const bitmap = Used_Bitmap(4, 6);
-                ASSERT_EQ(Read(bitmap, static_cast<double>(film)), 1);
-                ASSERT_EQ(Bytes_Of(bitmap), expected) << "phase " << int{phase} << ", film frame " << film;
+                ASSERT_EQ(Frame_Bytes(clip, static_cast<double>(film)), expected)
+                    << "phase " << int{phase} << ", film frame " << film;
             }
+            for (double const outside : {-2.0, phase == 1 ? -1.0 : -2.0, 33.0, 1e12})
+                EXPECT_EQ(Frame_Bytes(clip, outside), Filled_Bytes(background, 4, 6)) << outside;
         }
-    }
-}
-
-TEST_F(FrameRead, FilmFramesOutsideTheClipAreBackground)
-{
-    Open_Sized(4, 6);
-    SetClipOptionsZV(clip, ZV_CLIP_PULLDOWN, 1, ZV_CLIP_FIELD_ORDER, 1);
-    for (double const film : {-1.0, -2.0, 8.0, 1e12}) {
-        BitmapBlock const bitmap = Used_Bitmap(4, 6);
-        EXPECT_EQ(Read(bitmap, film), 1);
-        EXPECT_EQ(Bytes_Of(bitmap), Filled_Bytes(background, 4, 6)) << film;
     }
 }
 

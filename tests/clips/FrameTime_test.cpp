@@ -18,14 +18,12 @@ protected:
     ZVClip* clip;
 };
 
-struct TimeCase {
+struct {
     char const* why;
     double rate;
     ZVTimeValue start, time;
     long frame, field;
-};
-
-TimeCase const timeCases[] = {
+} const timeCases[] = {
     {"1/25 x 25 may fall short of 1", 25.0, {}, {1.0, 25.0}, 1, 2},
     {"second half of a frame", 25.0, {}, {1.5, 25.0}, 1, 3},
     {"no scale means time 0", 25.0, {}, {7.0, 0.0}, 0, 0},
@@ -39,7 +37,7 @@ TimeCase const timeCases[] = {
 
 TEST_F(FrameTime, ATimeFallsIntoItsFrame)
 {
-    for (TimeCase const& row : timeCases) {
+    for (auto const& row : timeCases) {
         clip->FrameRate = row.rate;
         clip->StartTime = row.start;
         EXPECT_EQ(Get_Frame(clip, &row.time), row.frame) << row.why;

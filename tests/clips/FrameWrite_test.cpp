@@ -14,21 +14,8 @@ namespace {
 using Pixels = std::vector<unsigned char>;
 
 /// A clip under way to a directory of the test's own.
-class FrameWrite : public ::testing::Test {
+class FrameWrite : public EnvironmentTest {
 protected:
-    FrameWrite()
-    {
-        clip = NewClipZV();
-        clip->Format = format.desc;
-        clip->FileName = CopyFileSpecZV(Spec("shot[###].tst").c_str());
-        clip->Width = 8;
-        clip->Height = 6;
-        clip->BitDepth = 8;
-        clip->Media = ZV_MEDIA_VIDEO;
-        clip->FrameRate = clip->FileFrameRate = 25.0;
-        clip->Frames = 100;
-        EXPECT_TRUE(CreateClipZV(clip, 0));
-    }
     ~FrameWrite() override { FreeClipZV(clip); }
 
     std::string Spec(std::string const& name) const { return environment.Spec(name); }
@@ -40,18 +27,16 @@ protected:
         return made;
     }
 
-    long Add(long frame) { return Add(frame, ZV_TAG_END); }
     template <typename... Tags> long Add(long frame, Tags... tags)
     {
         ZVTimeValue const time = Frame_Time(static_cast<double>(frame));
-        return AddFrameZV(clip, bitmap.get(), &time, nullptr, tags...);
+        return AddFrameZV(clip, bitmap.get(), &time, nullptr, ZV_TAG_IGNORE, 0, tags...);
     }
 
     std::string Written_Name() const { return format.Last("AddFrame").fileName; }
 
-    TestEnvironment environment;
     TestFormat format{"tst", ZV_FORMAT_READ | ZV_FORMAT_WRITE};
-    ZVClip* clip;
+    ZVClip* clip = Create_Output(format.desc, Spec("shot[###].tst"), 8, 6, 25.0, 25.0);
     BitmapBlock bitmap = New_Bitmap(ZV_BITMAP_RGBA8);
 };
 
@@ -72,16 +57,14 @@ struct Completion {
     }
 };
 
-struct NumberCase {
-    char const* why;
-    ZVTimeValue time, start;
-    std::vector<TagItem> tags;
-    long frame;
-};
-
 TEST_F(FrameWrite, TheTimeNamesTheFrame)
 {
-    NumberCase const rows[] = {
+    struct {
+        char const* why;
+        ZVTimeValue time, start;
+        std::vector<TagItem> tags;
+        long frame;
+    } rows[] = {
         {"a product a hair under a whole number counts as that", {1, 25}, {}, {}, 1},
         {"no scale is time 0", {7, 0}, {}, {}, 0},
         {"inside a frame", {2.9, 25}, {}, {}, 2},
@@ -95,7 +78,7 @@ TEST_F(FrameWrite, TheTimeNamesTheFrame)
          {{ZV_ADD_USE_DIVISOR, 0}, {ZV_ADD_FRAME_DIVISOR, 4}},
          11},
     };
-    for (NumberCase row : rows) {
+    for (auto& row : rows) {
         clip->StartTime = row.start;
         row.tags.push_back({});
         EXPECT_TRUE(AddFrameZV(clip, bitmap.get(), &row.time, nullptr, row.tags.data())) << row.why;
@@ -105,8 +88,8 @@ TEST_F(FrameWrite, TheTimeNamesTheFrame)
 
 TEST_F(FrameWrite, WhatCannotBeWrittenIsRefused)
 {
-    EXPECT_FALSE(AddFrameZV(nullptr, bitmap.get(), nullptr, nullptr, nullptr));
-    EXPECT_FALSE(AddFrameZV(clip, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_FALSE(AddFrameZV(nullptr, bitmap.get(), nullptr, nullptr, nullptr) ||
+                 AddFrameZV(clip, nullptr, nullptr, nullptr, nullptr));
     EXPECT_FALSE(Add(0, ZV_ADD_TO_BITMAP, nullptr)) << "neither a target nor a writer";
     ZVTimeValue const never{1e300, 1.0};
     EXPECT_FALSE(AddFrameZV(clip, bitmap.get(), &never, nullptr, ZV_ADD_FRAME_DIVISOR, -1));
@@ -132,24 +115,22 @@ TEST_F(FrameWrite, WhatCannotBeWrittenIsRefused)
     EXPECT_TRUE(Add(1)) << "a lost frame does not end the clip";
 }
 
-struct NameCase {
-    char const* why;
-    long frames;
-    unsigned long flags;
-    long properties;
-    char const* name;
-};
-
 TEST_F(FrameWrite, ASequenceHasAFileForEachFrame)
 {
-    NameCase const rows[] = {
+    struct {
+        char const* why;
+        long frames;
+        unsigned long flags;
+        long properties;
+        char const* name;
+    } const rows[] = {
         {"one planned frame has the clip's own name", 1, 0, ZV_FORMAT_WRITE, "shot[###].tst"},
         {"numbered because the caller says so", 1, ZV_CLIP_NUMBERED, ZV_FORMAT_WRITE, "shot007.tst"},
         {"two planned frames are a sequence", 2, 0, ZV_FORMAT_WRITE, "shot007.tst"},
         {"one file holds them all", 2, ZV_CLIP_NUMBERED, ZV_FORMAT_WRITE | ZV_FORMAT_MULTIFRAME,
          "shot[###].tst"},
     };
-    for (NameCase const& row : rows) {
+    for (auto const& row : rows) {
         clip->Frames = row.frames;
         clip->Flags = (clip->Flags & ~ZV_CLIP_NUMBERED) | row.flags;
         format.properties = row.properties;
@@ -173,18 +154,12 @@ TEST_F(FrameWrite, AFileWithDataIsKeptOnRequest)
     EXPECT_EQ(GetErrorZV(), ZV_ERR_NONE) << "a refusal is told apart from a failure";
     EXPECT_EQ(clip->FileName, Spec("shot[###].tst"));
     EXPECT_EQ(format.Count("AddFrame"), 0);
-    EXPECT_TRUE(Add(2, ZV_ADD_NO_OVERWRITE, 1)) << "an empty file is no frame";
+    ZVRectT<long> region{1, 2, 3, 4};
+    EXPECT_TRUE(Add(2, ZV_ADD_NO_OVERWRITE, 1, ZV_ADD_RECT, &region)) << "an empty file is no frame";
+    EXPECT_EQ(format.Last("AddFrame").rect, region);
     EXPECT_TRUE(Add(3, ZV_ADD_NO_OVERWRITE, 1)) << "no file";
     EXPECT_TRUE(Add(1, ZV_ADD_NO_OVERWRITE, 0));
-}
-
-TEST_F(FrameWrite, TheRegionIsTheWholeBitmapOrTheCallers)
-{
-    EXPECT_TRUE(Add(0));
     EXPECT_EQ(format.Last("AddFrame").rect, (ZVRectT<long>{0, 0, 8, 6}));
-    ZVRectT<long> region{1, 2, 3, 4};
-    EXPECT_TRUE(Add(0, ZV_ADD_RECT, &region));
-    EXPECT_EQ(format.Last("AddFrame").rect, region);
 }
 
 TEST_F(FrameWrite, FramesAreConvertedToTheClipsType)
@@ -234,8 +209,6 @@ TEST_F(FrameWrite, FramesGoToABitmapOrAFunctionInstead)
     EXPECT_EQ(format.Count("AddFrame"), 0);
 }
 
-// ---- modules that finish a frame later --------------------------------------------------------------------
-
 TEST_F(FrameWrite, AnAsynchronousFrameCompletesWhenTheModuleSaysSo)
 {
     format.desc->AddFrameAsync = TestFormat::AddFrameAsync;
@@ -257,18 +230,17 @@ TEST_F(FrameWrite, AConvertedFrameOutlivesTheCallersBitmap)
 {
     format.desc->AddFrameAsync = TestFormat::AddFrameAsync;
     format.completesAtOnce = false;
-    for (bool withCompletion : {false, true}) {
+    for (unsigned long tag : {static_cast<unsigned long>(ZV_TAG_IGNORE), +ZV_ADD_COMPLETION}) {
         bitmap = New_Bitmap(ZV_BITMAP_RGBA16);
         Completion done{&format};
-        EXPECT_TRUE(withCompletion ? Add(0, ZV_ADD_COMPLETION, Completion::Run, ZV_ADD_COMPLETION_DATA, &done)
-                                   : Add(0));
-        EXPECT_EQ(done.count, withCompletion);
+        bool const isCalled = tag == ZV_ADD_COMPLETION;
+        EXPECT_TRUE(Add(0, tag, Completion::Run, ZV_ADD_COMPLETION_DATA, &done));
+        EXPECT_EQ(done.count, isCalled);
         bitmap.reset();
         ZVBitmap const* copy = format.pending.at(0).params->Bitmap;
-        Pixels const pixels(copy->Pixels, copy->Pixels + copy->Size);
-        EXPECT_EQ(pixels, format.Last("AddFrameAsync").data);
+        EXPECT_EQ(Pixels(copy->Pixels, copy->Pixels + copy->Size), format.Last("AddFrameAsync").data);
         format.Complete_Pending();
-        EXPECT_EQ(done.count, withCompletion) << "it ran already";
+        EXPECT_EQ(done.count, isCalled) << "it ran already";
     }
 }
 

@@ -89,15 +89,13 @@ protected:
     }
 };
 
-struct ReadCase {
+struct {
     char const* why;
     long loop, begin, end, offset, position;
     double speed;
     std::vector<long> frames;  ///< of a buffer of ten
     long after;                ///< position
-};
-
-ReadCase const readCases[] = {
+} const readCases[] = {
     {"frame by frame", 0, 0, 10, 0, 3, 1.0, {3, 4, 5, 6}, 7},
     {"nothing is asked for", 0, 0, 10, 0, 3, 1.0, {}, 3},
     {"the end of the region repeats its last frame", 0, 2, 6, 0, 4, 1.0, {4, 5, 5, 5}, 5},
@@ -119,7 +117,7 @@ ReadCase const readCases[] = {
 TEST_F(Playback, FramesAreTakenFromThePositionOn)
 {
     Buffer const buffer = Make_Buffer(10);
-    for (ReadCase const& row : readCases) {
+    for (auto const& row : readCases) {
         SCOPED_TRACE(row.why);
         Set_Looping(row.loop);
         EXPECT_EQ(SetAudioPlaybackBufferZV(buffer.get()), 1);
@@ -167,35 +165,28 @@ TEST_F(Playback, PositionAndRegionKeepInLine)
     EXPECT_EQ(GetAudioPositionZV(), 199) << "a new region takes the position along";
 }
 
-TEST_F(Playback, TheBufferInUseChangesNothing)
+TEST_F(Playback, ANewBufferEndsWhatPlaysAndSpeedsAreBroughtIntoRange)
 {
     Buffer const first = Make_Buffer(10), second = Make_Buffer(10);
     EXPECT_EQ(StartAudioPlaybackZV(0), 0) << "nothing to play";
     EXPECT_EQ(SetAudioPlaybackBufferZV(first.get()), 1);
     EXPECT_EQ(GetAudioPlaybackBufferZV(), first.get());
-    SetAudioFrequencyZV(3.5);
+    std::pair<double, double> const speeds[] = {{1.5, 1.0},     {0.99, 0.0},        {-2.0, 0.0},
+                                                {1e9, 65535.0}, {65535.5, 65535.0}, {std::nan(""), 0.0},
+                                                {3.5, 3.0}};
+    for (auto const& [speed, whole] : speeds) {
+        SetAudioFrequencyZV(speed);
+        EXPECT_EQ(GetAudioFrequencyZV(), whole) << speed;
+    }
     EXPECT_EQ(StartAudioPlaybackZV(1), 1);
     EXPECT_EQ(StartAudioPlaybackZV(1), 1) << "playing already";
     EXPECT_EQ(SetAudioPlaybackBufferZV(first.get()), 1);
-    EXPECT_EQ(AudioIsPlayingZV(), 1);
-    EXPECT_EQ(GetAudioFrequencyZV(), 3.0) << "the whole part";
+    EXPECT_TRUE(AudioIsPlayingZV() == 1 && GetAudioFrequencyZV() == 3.0)
+        << "the buffer in use changes nothing";
     EXPECT_EQ(SetAudioPlaybackBufferZV(second.get()), 1);
-    EXPECT_EQ(AudioIsPlayingZV(), 0);
-    EXPECT_EQ(GetAudioFrequencyZV(), 1.0);
+    EXPECT_TRUE(AudioIsPlayingZV() == 0 && GetAudioFrequencyZV() == 1.0);
     EXPECT_EQ(SetAudioPlaybackBufferZV(nullptr), 0);
     EXPECT_EQ(GetAudioPlaybackBufferZV(), nullptr);
-}
-
-TEST_F(Playback, SpeedsAreBroughtIntoRange)
-{
-    struct {
-        double speed, whole;
-    } const cases[] = {{1.5, 1.0},     {0.99, 0.0},        {-2.0, 0.0},
-                       {1e9, 65535.0}, {65535.5, 65535.0}, {std::nan(""), 0.0}};
-    for (auto const& row : cases) {
-        SetAudioFrequencyZV(row.speed);
-        EXPECT_EQ(GetAudioFrequencyZV(), row.whole) << row.speed;
-    }
 }
 
 TEST_F(Playback, WhatTheOutputDoesNotTakeIsNotStarted)
@@ -210,8 +201,6 @@ TEST_F(Playback, WhatTheOutputDoesNotTakeIsNotStarted)
     }
 }
 
-// ---- what is heard ----------------------------------------------------------------------------------------
-
 /// The output goes to a file.
 class HeardPlayback : public Playback {
 protected:
@@ -225,6 +214,16 @@ protected:
     {
         unsetenv("SDL_DISKAUDIOFILE");
         unsetenv("SDL_DISKAUDIODELAY");
+    }
+
+    /// Starts a new output.
+    void Play(Buffer const& buffer, long begin, long end, long position = 0, long loop = 0) const
+    {
+        std::filesystem::remove(path);
+        SetAudioPlaybackBufferZV(buffer.get());
+        SetAudioPlaybackRegionZV(begin, end);
+        SetAudioPositionZV(position);
+        ASSERT_EQ(StartAudioPlaybackZV(loop), 1);
     }
 
     /// Everything that went out so far, without the silence ahead of the start.
@@ -256,15 +255,13 @@ protected:
     std::string path;
 };
 
-struct HeardCase {
-    char const* why;
-    long loop, begin, end, offset, position;
-    double speed;
-};
-
 TEST_F(HeardPlayback, IsTheBufferWordForWord)
 {
-    HeardCase const cases[] = {
+    struct {
+        char const* why;
+        long loop, begin, end, offset, position;
+        double speed;
+    } const cases[] = {
         {"all of it, then its last frame", 0, 0, 5000, 0, 0, 1.0},
         {"a loop", 1, 1000, 4000, 0, 1500, 1.0},
         {"a loop shorter than a buffer", 1, 100, 400, 0, 399, 1.0},
@@ -275,17 +272,14 @@ TEST_F(HeardPlayback, IsTheBufferWordForWord)
         {"a third of the speed", 0, 0, 100000, 0, 10, 0.333},
     };
     Buffer const buffer = Make_Buffer(5000);
-    for (HeardCase const& row : cases) {
+    for (auto const& row : cases) {
         SCOPED_TRACE(row.why);
         Set_Looping(row.loop);
         setenv("SDL_AUDIODRIVER", "disk", 1);
-        std::filesystem::remove(path);
         SetAudioPlaybackBufferZV(buffer.get());
         SetAudioBufferTimeOffsetZV(row.offset);
-        SetAudioPlaybackRegionZV(row.begin, row.end);
-        SetAudioPositionZV(row.position);
         SetAudioFrequencyZV(row.speed);
-        ASSERT_EQ(StartAudioPlaybackZV(row.loop), 1);
+        Play(buffer, row.begin, row.end, row.position, row.loop);
         Hear(9000);
         StopAudioPlaybackZV();
         Words const heard = Heard();
@@ -314,19 +308,14 @@ TEST_F(HeardPlayback, IsTheBufferWordForWord)
 TEST_F(HeardPlayback, ThePositionIsTheFrameHeard)
 {
     Buffer const buffer = Make_Buffer(200000);
-    SetAudioPlaybackBufferZV(buffer.get());
-    SetAudioPlaybackRegionZV(1000, 200000);
-    SetAudioPositionZV(5000);
-    ASSERT_EQ(StartAudioPlaybackZV(0), 1);
+    Play(buffer, 1000, 200000, 5000);
     Hear(20000);
     StopAudioPlaybackZV();
     // The output has taken what was heard and no more than two buffers of it.
     long const heard = 5000 + static_cast<long>(Heard().size());
     EXPECT_LE(std::abs(GetAudioPositionZV() - heard), 2 * fillFrames);
 
-    SetAudioPlaybackRegionZV(1000, 9000);
-    SetAudioPositionZV(5000);
-    ASSERT_EQ(StartAudioPlaybackZV(0), 1);
+    Play(buffer, 1000, 9000, 5000);
     Hear(12000);
     EXPECT_EQ(AudioIsPlayingZV(), 1) << "until somebody stops it";
     StopAudioPlaybackZV();
@@ -336,9 +325,7 @@ TEST_F(HeardPlayback, ThePositionIsTheFrameHeard)
 TEST_F(HeardPlayback, ChangesTakeEffectWithTheNextBuffer)
 {
     Buffer const buffer = Make_Buffer(400000);
-    SetAudioPlaybackBufferZV(buffer.get());
-    SetAudioPlaybackRegionZV(0, 400000);
-    ASSERT_EQ(StartAudioPlaybackZV(0), 1);
+    Play(buffer, 0, 400000);
     Hear(4000);
     SetAudioFrequencyZV(2.0);
     Hear(8000);
@@ -351,15 +338,11 @@ TEST_F(HeardPlayback, ChangesTakeEffectWithTheNextBuffer)
     for (std::size_t i = 1; i < heard.size(); ++i)
         if (steps.empty() || heard[i] - heard[i - 1] != steps.back().second)
             steps.emplace_back(i, heard[i] - heard[i - 1]);
-    std::vector<uint32_t> sizes;
-    for (auto const& [word, step] : steps)
-        sizes.push_back(step);
     // The offset moves the buffer by 50 frames once; the two settings may fall into one fill or two.
-    ASSERT_GE(steps.size(), 4u) << testing::PrintToString(sizes);
-    EXPECT_EQ(sizes[0], 1u);
-    EXPECT_EQ(sizes[1], 2u);
+    ASSERT_GE(steps.size(), 4u) << testing::PrintToString(steps);
+    EXPECT_TRUE(steps[0].second == 1 && steps[1].second == 2 && steps.back().second == 1)
+        << testing::PrintToString(steps);
     EXPECT_EQ(steps[1].first % fillFrames, 1u) << "a whole buffer had the old speed";
-    EXPECT_EQ(sizes.back(), 1u);
 }
 
 TEST_F(HeardPlayback, IsAsLoudAsTheVolumeSays)
@@ -390,13 +373,9 @@ TEST_F(HeardPlayback, IsAsLoudAsTheVolumeSays)
                                  : sample;
         };
         std::fill_n(samples, 6000, order(row.sample));
-        std::filesystem::remove(path);
-        SetAudioPlaybackBufferZV(buffer.get());
-        SetAudioPlaybackRegionZV(0, 3000);
-        SetAudioPositionZV(0);
         SetAudioVolumeZV(row.volume);
         MuteAudioZV(row.muted);
-        ASSERT_EQ(StartAudioPlaybackZV(0), 1);
+        Play(buffer, 0, 3000);
         Hear(3000);
         StopAudioPlaybackZV();
         Words const heard = Heard();
@@ -411,11 +390,9 @@ TEST_F(HeardPlayback, IsAsLoudAsTheVolumeSays)
 TEST_F(HeardPlayback, MutingTakesSoundAwayAndGivesItBack)
 {
     Buffer const buffer = Make_Buffer(400000);
-    SetAudioPlaybackBufferZV(buffer.get());
-    SetAudioPlaybackRegionZV(0, 400000);
     MuteAudioZV(1);
     EXPECT_EQ(GetAudioMuteStateZV(), 1);
-    ASSERT_EQ(StartAudioPlaybackZV(0), 1);
+    Play(buffer, 0, 400000);
     Hear(4000);
     SetAudioVolumeZV(0.75);
     Hear(4000);
@@ -430,8 +407,6 @@ TEST_F(HeardPlayback, MutingTakesSoundAwayAndGivesItBack)
     for (std::size_t i = 1; i < heard.size(); ++i)
         ASSERT_EQ(heard[i], heard[i - 1] + 1);
 }
-
-// ---- sound files ------------------------------------------------------------------------------------------
 
 class PlaySound : public testing::Test {
 protected:
@@ -475,38 +450,28 @@ TEST_F(PlaySound, AFileIsPlayedToItsEnd)
     EXPECT_EQ(ZVCAudio::PlayFile("ping.tst"), 1);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(120))
         << "three of 25 frames";
-    EXPECT_EQ(AudioIsPlayingZV(), 0);
-    EXPECT_EQ(GetAudioPlaybackBufferZV(), nullptr);
-    EXPECT_EQ(GetAudioBufferTimeOffsetZV(), 7);
+    EXPECT_TRUE(AudioIsPlayingZV() == 0 && !GetAudioPlaybackBufferZV());
     long begin, end;
     GetAudioPlaybackRegionZV(&begin, &end);
-    EXPECT_EQ(begin, 11);
-    EXPECT_EQ(end, 22);
+    EXPECT_TRUE(GetAudioBufferTimeOffsetZV() == 7 && begin == 11 && end == 22);
     EXPECT_GT(std::filesystem::file_size(environment.Path("heard.raw")), 4096u);
     SetAudioBufferTimeOffsetZV(0);
-}
 
-TEST_F(PlaySound, AMutedPlayerAnswersAtOnce)
-{
     MuteAudioZV(1);
     format.frames = 1000;
-    auto const start = std::chrono::steady_clock::now();
-    EXPECT_EQ(ZVCAudio::PlayFile("ping.tst"), 1);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    EXPECT_EQ(ZVCAudio::PlayFile("ping.tst"), 1) << "a muted player answers at once";
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
     MuteAudioZV(0);
 }
 
 TEST_F(PlaySound, WhatHasNoSoundIsNotPlayed)
 {
-    EXPECT_EQ(ZVCAudio::PlayFile(nullptr), 0);
-    EXPECT_EQ(ZVCAudio::PlayFile("absent.tst"), 0);
-    EXPECT_EQ(ZVCAudio::PlayFile(std::string(3 * ZV_SPEC_SIZE, 'x').c_str()), 0);
     format.media = ZV_MEDIA_VIDEO;
-    EXPECT_EQ(ZVCAudio::PlayFile("ping.tst"), 0);
+    std::string const tooLong(3 * ZV_SPEC_SIZE, 'x');
+    for (char const* name : {static_cast<char const*>(nullptr), "absent.tst", tooLong.c_str(), "ping.tst"})
+        EXPECT_EQ(ZVCAudio::PlayFile(name), 0);
     EXPECT_EQ(ZVCAudio::Beep(1), 1);
 }
-
-// ---- threads ----------------------------------------------------------------------------------------------
 
 /// Run under the thread sanitizer; the checks are that nothing races and that every frame comes from the
 /// buffer.

@@ -51,11 +51,10 @@ Pixels Film_Frame(long moment)
 Pixels Combed_Frame(unsigned char comb)
 {
     Pixels pixels;
-    for (long y = 0; y < height; ++y)
-        for (long x = 0; x < width; ++x) {
-            auto const value = static_cast<unsigned char>(y % 2 ? comb : 0);
-            pixels.insert(pixels.end(), {value, value, value, 255});
-        }
+    for (long i = 0; i < width * height; ++i) {
+        auto const value = static_cast<unsigned char>(i / width % 2 ? comb : 0);
+        pixels.insert(pixels.end(), {value, value, value, 255});
+    }
     return pixels;
 }
 
@@ -76,19 +75,10 @@ protected:
     void Telecine(long phase, uint8_t fieldOrder, long filmFrames, long still = 0)
     {
         VideoStore::frames.clear();
-        ZVClip* const out = NewClipZV();
-        out->Format = format.desc;
-        out->FileName = CopyFileSpecZV(environment.Spec("film.tst").c_str());
-        out->Width = width;
-        out->Height = height;
-        out->BitDepth = 8;
-        out->Media = ZV_MEDIA_VIDEO;
-        out->FrameRate = 24.0;
-        out->FileFrameRate = 30.0;
+        ZVClip* const out =
+            Create_Output(format.desc, environment.Spec("film.tst"), width, height, 24.0, 30.0);
         out->PullDown = static_cast<uint8_t>(phase);
         out->FieldOrder = fieldOrder;
-        out->Frames = filmFrames;
-        ASSERT_TRUE(CreateClipZV(out, 0));
         BitmapBlock const bitmap = Make_Bitmap(width, height);
         for (long frame = 0; frame < filmFrames; ++frame) {
             Pixels const pixels = Film_Frame(std::max(frame - still, 0L));
@@ -119,14 +109,6 @@ protected:
         Open_Video();
         return GuessPullDownZV(clip);
     }
-
-    Pixels Read(double frame)
-    {
-        BitmapBlock const bitmap = Make_Bitmap(width, height);
-        ZVTimeValue const time = Frame_Time(frame, clip->FrameRate);
-        EXPECT_TRUE(GetFrameZV(clip, bitmap.get(), &time, nullptr, nullptr));
-        return Bytes_Of(bitmap);
-    }
 };
 
 TEST_F(PullDownGuess, WrittenFilmIsRecognisedAndReadBack)
@@ -147,7 +129,7 @@ TEST_F(PullDownGuess, WrittenFilmIsRecognisedAndReadBack)
             // The first film frame of phases 4 and 5 has one field on video and is not to be had back.
             long const shift = phase >= 4;
             for (long film = 0; film + shift < filmFrames - 1; ++film)
-                EXPECT_EQ(Read(static_cast<double>(film)), Film_Frame(film + shift)) << film;
+                EXPECT_EQ(Frame_Bytes(clip, static_cast<double>(film)), Film_Frame(film + shift)) << film;
         }
     }
 }
@@ -176,23 +158,27 @@ TEST_F(PullDownGuess, MotionThatBeginsLateIsFoundInTheMiddleOrAtTheEnd)
 
 TEST_F(PullDownGuess, StillFootageIsLookedAtUpToThreeTimes)
 {
-    struct {
-        long frames;
-        std::size_t reads;
-    } const cases[] = {{10, 12}, {20, 22}, {39, 22}, {40, 44}, {45, 44}, {59, 44}, {60, 66}, {1000, 66}};
-    for (auto const& row : cases) {
-        Fill(row.frames, Film_Frame(0));
-        EXPECT_EQ(Guess(), 0) << row.frames;
-        EXPECT_EQ(clip->PullDown, 1) << row.frames;
-        EXPECT_EQ(VideoStore::reads.size(), row.reads) << row.frames;
+    std::pair<long, std::size_t> const cases[] = {{10, 12}, {20, 22}, {39, 22}, {40, 44},
+                                                  {45, 44}, {59, 44}, {60, 66}, {1000, 66}};
+    for (auto const& [frames, reads] : cases) {
+        Fill(frames, Film_Frame(0));
+        EXPECT_EQ(Guess(), 0) << frames;
+        EXPECT_EQ(clip->PullDown, 1) << frames;
+        EXPECT_EQ(VideoStore::reads.size(), reads) << frames;
     }
+}
+
+/// Twenty frames of which two in five have a comb, as film has under pull-down.
+void Fill_With_Cadence(unsigned char comb)
+{
+    VideoStore::frames.assign(20, Combed_Frame(0));
+    for (std::size_t i = 0; i < 20; ++i)
+        if (i % 5 >= 3) VideoStore::frames[i] = Combed_Frame(comb);
 }
 
 TEST_F(PullDownGuess, FourteenOfTwentyFramesAreTooFew)
 {
-    Fill(20, Combed_Frame(0));
-    for (std::size_t i = 0; i < 20; ++i)
-        if (i % 5 >= 3) VideoStore::frames[i] = Combed_Frame(100);
+    Fill_With_Cadence(100);
     for (std::size_t wrong : {0u, 6u, 12u, 15u, 11u})
         VideoStore::frames[wrong] = Combed_Frame(100);
     EXPECT_EQ(Guess(), 1) << "fifteen";
@@ -204,20 +190,11 @@ TEST_F(PullDownGuess, FourteenOfTwentyFramesAreTooFew)
 
 TEST_F(PullDownGuess, AFaintCombIsNotTrusted)
 {
-    struct {
-        unsigned char comb;
-        long answer;
-    } const cases[] = {
-        // Two of five frames have a comb of half the difference of their rows, so the mean is a fifth of it.
-        {2, 0},
-        {3, 1},
-    };
-    for (auto const& row : cases) {
-        Fill(20, Combed_Frame(0));
-        for (std::size_t i = 0; i < 20; ++i)
-            if (i % 5 >= 3) VideoStore::frames[i] = Combed_Frame(row.comb);
-        EXPECT_EQ(Guess(), row.answer) << int{row.comb};
-    }
+    // Two of five frames have a comb of half the difference of their rows, so the mean is a fifth of it.
+    Fill_With_Cadence(2);
+    EXPECT_EQ(Guess(), 0);
+    Fill_With_Cadence(3);
+    EXPECT_EQ(Guess(), 1);
 }
 
 TEST_F(PullDownGuess, AFrameThatCannotBeReadMakesItsSampleUnsure)
@@ -271,8 +248,6 @@ TEST_F(PullDownGuess, TheClipIsLeftAsItWas)
     EXPECT_EQ(clip->FieldOrder, 2);
 }
 
-// ---- footage of another tool ------------------------------------------------------------------------------
-
 constexpr long shotWidth = 96;
 constexpr long shotHeight = 64;
 
@@ -314,13 +289,11 @@ TEST_F(PullDownGuess, FootageOfAnotherToolIsRecognised)
             EXPECT_EQ(clip->FieldOrder, fieldOrder);
 
             ASSERT_TRUE(BeginClipIOZV(clip, nullptr));
-            BitmapBlock const bitmap = Make_Bitmap(shotWidth, shotHeight);
             for (long frame = 0; frame < 40; ++frame) {
-                ZVTimeValue const time = Frame_Time(static_cast<double>(frame), clip->FrameRate);
-                ASSERT_TRUE(GetFrameZV(clip, bitmap.get(), &time, nullptr, nullptr));
                 std::size_t const at = static_cast<std::size_t>(row.firstFilm + frame) * frameSize;
                 ASSERT_LE(at + frameSize, film.size());
-                EXPECT_EQ(std::memcmp(bitmap->Pixels, &film[at], frameSize), 0) << frame;
+                Pixels const pixels = Frame_Bytes(clip, static_cast<double>(frame));
+                EXPECT_EQ(std::memcmp(pixels.data(), &film[at], frameSize), 0) << frame;
             }
         }
     }

@@ -1,9 +1,7 @@
 // The scan for the other files of a numbered series, and reading the clip that it makes.
 #include "clips/ClipFixture.h"
 
-#include <cstring>
 #include <ctime>
-#include <filesystem>
 #include <random>
 #include <set>
 
@@ -50,15 +48,13 @@ protected:
     }
 };
 
-struct ScanCase {
-    char const* why;
-    std::vector<std::string> files;  ///< in a directory of their own; the clip points at the first one
-    Found found;
-};
-
 TEST_F(Sequence, AFileBringsTheOthersOfItsSeries)
 {
-    ScanCase const cases[] = {
+    struct {
+        char const* why;
+        std::vector<std::string> files;  ///< in a directory of their own; the clip points at the first one
+        Found found;
+    } const cases[] = {
         {"widths differ: the mask has room for the largest number",
          {"s1.tif", "s2.tif", "s10.tif"},
          {"s[##].tif", 3, {1, 2, 10}}},
@@ -83,34 +79,20 @@ TEST_F(Sequence, AFileBringsTheOthersOfItsSeries)
         {"brackets of the name's own stay as they are",
          {"a[b]1.tif", "a[b]10.tif"},
          {"a[b][##].tif", 2, {1, 10}}},
+        {"directories are no frames, and their files are not",
+         {"s1.tif", "s2.tif", "s3.tif/s5.tif"},
+         {"s[#].tif", 2, {1, 2}}},
         {"a name with a mask of its own cannot be masked", {"a[]1.tif", "a[]2.tif"}, {"a[]1.tif", 1, {}}},
     };
     int directory = 0;
-    for (ScanCase const& row : cases) {
+    for (auto const& row : cases) {
         std::string const folder = "case" + std::to_string(directory++);
         for (std::string const& file : row.files)
             environment.Write(folder + "/" + file, "x");
         EXPECT_EQ(Scan(folder + "\\" + row.files.front()), row.found) << row.why;
     }
-}
-
-TEST_F(Sequence, DirectoriesAreNoFramesAndTheirFilesAreNot)
-{
-    Write_All({"s1.tif", "s2.tif", "s4.tif/s5.tif"});
-    std::filesystem::create_directory(environment.Path("s3.tif"));
-    EXPECT_EQ(Scan("s1.tif"), (Found{"s[#].tif", 2, {1, 2}}));
-}
-
-TEST_F(Sequence, ASingleFrameIsTakenWithoutAScan)
-{
-    Write_All({"s5.tif", "s6.tif"});
-    EXPECT_EQ(Scan("s5.tif", ZV_OPEN_SINGLE_FRAME), (Found{"s5.tif", 1, {}}));
-}
-
-TEST_F(Sequence, ASeriesWhoseFilesAreAllGoneHasNoFrames)
-{
-    Write_All({"t1.tif"});
-    EXPECT_EQ(Scan("s5.tif"), (Found{"s[#].tif", 0, {}}));
+    EXPECT_EQ(Scan("case0\\s2.tif", ZV_OPEN_SINGLE_FRAME), (Found{"s2.tif", 1, {}})) << "without a scan";
+    EXPECT_EQ(Scan("gone5.tif"), (Found{"gone[#].tif", 0, {}})) << "all files are gone";
 }
 
 /// Series with gaps and numbers of several widths, beside files of other series that are much alike.
@@ -151,16 +133,13 @@ TEST_F(Sequence, ASeriesAmongOthersIsFoundWhole)
 
 TEST_F(Sequence, AFolderOfTenThousandFilesIsScannedInNoTime)
 {
-    std::string const folder = environment.Path("long");
-    std::filesystem::create_directory(folder);
+    environment.Make_Directory("long");
     for (int i = 0; i < 10000; ++i)
-        std::ofstream(folder + "/s" + std::to_string(i) + ".tst");
+        std::ofstream(environment.Path("long/s" + std::to_string(i) + ".tst"));
     std::clock_t const start = std::clock();  // of the processor, however busy the machine is
     EXPECT_EQ(Scan("long\\s77.tst"), (Found{"s[####].tst", 10000, {}}));
     EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC / 2);
 }
-
-// ---- reading ----------------------------------------------------------------------------------------------
 
 class SequenceClip : public Sequence {
 protected:
@@ -209,17 +188,6 @@ TEST_F(SequenceClip, EachFrameIsReadFromItsFile)
         EXPECT_EQ(File_Of(frame), files[frame]);
     EXPECT_EQ(File_Of(4), "none");
     EXPECT_EQ(clip->FileName, environment.Spec("s[###].tst"));
-}
-
-TEST_F(SequenceClip, AFileThatHasGoneSinceLeavesAHole)
-{
-    Write_All({"s0.tst", "s1.tst", "s2.tst"});
-    Open_Sequence("s0.tst");
-    EXPECT_FALSE(clip->SequenceNumbers);
-    std::filesystem::remove(environment.Path("s1.tst"));
-    EXPECT_EQ(File_Of(0), "s0.tst");
-    EXPECT_EQ(File_Of(1), "none");
-    EXPECT_EQ(File_Of(2), "s2.tst");
 }
 
 TEST_F(SequenceClip, AClosedSequenceOpensAgainByItsFirstFile)

@@ -65,12 +65,8 @@ TestFormat::TestFormat(char const* extension, long props) : properties(props)
     desc->GetFrame = GetFrame;
     desc->AddFrame = AddFrame;
     desc->CanLoad = Standard_CanLoad;
-    desc->GetImportProperties = [](ZVFormatDesc* d) {
-        return static_cast<TestFormat*>(d->ModuleInfo)->properties;
-    };
-    desc->GetExportProperties = [](ZVFormatDesc* d, ZVClip*) {
-        return static_cast<TestFormat*>(d->ModuleInfo)->properties;
-    };
+    desc->GetImportProperties = [](ZVFormatDesc* d) { return Of(d).properties; };
+    desc->GetExportProperties = [](ZVFormatDesc* d, ZVClip*) { return Of(d).properties; };
     desc->Cleanup = Cleanup;
     AddTail(&ZVEnv->formats, &desc->Node);
 }
@@ -84,9 +80,8 @@ TestFormat::~TestFormat()
 
 void TestFormat::Cleanup(ZVFormatDesc* d)
 {
-    auto* format = static_cast<TestFormat*>(d->ModuleInfo);
-    format->calls.emplace_back().entry = "Cleanup";
-    format->desc = nullptr;
+    Of(d).calls.emplace_back().entry = "Cleanup";
+    Of(d).desc = nullptr;
 }
 
 TestCall& TestFormat::Note(char const* entry, ZVClip* clip)
@@ -247,34 +242,22 @@ long TestFormat::GetFrameDataReference(ZVClip* clip, long frame, long layer, lon
     return self.Answer("GetFrameDataReference");
 }
 
-/// A block as modules make them: header and bytes in one allocation.
-static ZVFormatParams* Make_Params(std::vector<unsigned char> const& bytes)
+void TestFormat::Set_Options(char const* entry, ZVClip* clip, bool silent, ZVFormatParams*& params)
 {
-    if (bytes.empty()) return nullptr;
-    auto* params =
-        static_cast<ZVFormatParams*>(AllocMemZV(sizeof(ZVFormatParams) + bytes.size(), ZV_MEM_CLEAR));
-    params->Data = params + 1;
-    params->Size = static_cast<long>(bytes.size());
-    std::memcpy(params->Data, bytes.data(), bytes.size());
-    return params;
+    Note(entry, clip).argument = silent;
+    ZVFormatParams const block{options.data(), static_cast<long>(options.size())};
+    FreeMemZV(params);
+    params = options.empty() ? nullptr : Copy_Format_Params(&block);
 }
 
 void TestFormat::Options(ZVClip* clip, bool silent)
 {
-    TestFormat& self = Of(clip);
-    self.Note("Options", clip).argument = silent;
-    if (!self.Answer("Options")) return;
-    FreeMemZV(clip->VideoParams);
-    clip->VideoParams = Make_Params(self.options);
+    Of(clip).Set_Options("Options", clip, silent, clip->VideoParams);
 }
 
 void TestFormat::AudioOptions(ZVClip* clip, bool silent)
 {
-    TestFormat& self = Of(clip);
-    self.Note("AudioOptions", clip).argument = silent;
-    if (!self.Answer("AudioOptions")) return;
-    FreeMemZV(clip->AudioParams);
-    clip->AudioParams = Make_Params(self.options);
+    Of(clip).Set_Options("AudioOptions", clip, silent, clip->AudioParams);
 }
 
 long TestFormat::GetFrameData(ZVClip* clip, long frame, unsigned long what, void* buffer, long size)
@@ -291,10 +274,4 @@ long TestFormat::GetFrameData(ZVClip* clip, long frame, unsigned long what, void
 void TestFormat::ConvertEndianOptions(ZVClip* clip)
 {
     Of(clip).Note("ConvertEndianOptions", clip);
-}
-
-unsigned long TestFormat::GetCodecFcc(ZVClip* clip)
-{
-    Of(clip).Note("GetCodecFcc", clip);
-    return ZV_FourCC("tcod");
 }

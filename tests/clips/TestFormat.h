@@ -96,10 +96,10 @@ public:
     static void AudioOptions(ZVClip*, bool silent);
     static long GetFrameData(ZVClip*, long frame, unsigned long what, void* buffer, long size);
     static void ConvertEndianOptions(ZVClip*);
-    static unsigned long GetCodecFcc(ZVClip*);
 
 private:
-    static TestFormat& Of(ZVClip* clip) { return *static_cast<TestFormat*>(clip->Format->ModuleInfo); }
+    static TestFormat& Of(ZVFormatDesc* format) { return *static_cast<TestFormat*>(format->ModuleInfo); }
+    static TestFormat& Of(ZVClip* clip) { return Of(clip->Format); }
     static long Open(ZVClip*, TagItem*);
     static void Close(ZVClip*);
     static long Create(ZVClip*, unsigned long createFlags);
@@ -112,6 +112,7 @@ private:
 
     TestCall& Note(char const* entry, ZVClip* clip);
     long Answer(char const* entry);
+    void Set_Options(char const* entry, ZVClip* clip, bool silent, ZVFormatParams*& params);
 };
 
 /// Channel of a pixel of a picture, 0 to `max`: no two neighbours in time or space look alike.

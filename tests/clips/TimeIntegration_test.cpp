@@ -130,12 +130,8 @@ TEST_F(TimeIntegration, OneWholeFrameIsItself)
         Open_Blended(6, ZV_FIELDS_NONE, 8);
         clip->FieldOrder = order;
         clip->LastFrame = 77;
-        BitmapBlock const bitmap = Make_Bitmap(width, 6);
-        ZVTimeValue const time = Frame_Time(3);
-        ASSERT_TRUE(GetFrameZV(clip, bitmap.get(), &time, nullptr, nullptr));
-        if (order == ZV_FIELDS_NONE) {
-            EXPECT_EQ(Bytes_Of(bitmap), Picture_Bytes(3, width, 6));
-        }
+        auto const pixels = Frame_Bytes(clip, 3);
+        EXPECT_TRUE(order != ZV_FIELDS_NONE || pixels == Picture_Bytes(3, width, 6));
         EXPECT_EQ(format.Count("GetFrame"), order == ZV_FIELDS_NONE ? 1 : 2);
         EXPECT_EQ(clip->LastFrame, 77) << "which frame was asked for last is not known here";
     }
@@ -166,11 +162,6 @@ TEST_F(TimeIntegration, UnderPullDownFilmFramesAreAveraged)
         EXPECT_NEAR(pixels.GetIterator(x, 1)->Get(0), (Source(1, x, 1, 0) + Source(2, x, 1, 0)) / 2.0, 1e-6);
 }
 
-long Give_Up()
-{
-    return 1;
-}
-
 TEST_F(TimeIntegration, FailuresDoNotEndTheAverageButGivingUpDoes)
 {
     Open_Blended(6, ZV_FIELDS_NONE, 8);
@@ -184,7 +175,8 @@ TEST_F(TimeIntegration, FailuresDoNotEndTheAverageButGivingUpDoes)
 
     format.failing.clear();
     format.desc->GetFrameDataReference = TestFormat::GetFrameDataReference;
-    EXPECT_EQ(GetFrameZV(clip, bitmap.get(), &time, &duration, ZV_FRAME_POLL, &Give_Up), 0);
+    ZVPollFunc const giveUp = []() -> long { return 1; };
+    EXPECT_EQ(GetFrameZV(clip, bitmap.get(), &time, &duration, ZV_FRAME_POLL, giveUp), 0);
     EXPECT_EQ(format.Count("GetFrameDataReference"), 1);
 }
 

@@ -3,23 +3,13 @@
 
 namespace {
 
-std::string Text_Of(double frame, double rate, ZVTimeUnits units = ZV_UNITS_TIMECODE, long zeroBased = 0)
-{
-    char text[32];
-    ZVTimeValue const time{frame, rate};
-    TimecodeToStringZV(text, &time, units, zeroBased);
-    return text;
-}
-
-struct TextCase {
+struct {
     char const* why;
     double frame, rate;
     ZVTimeUnits units;
     long zeroBased;
     char const* text;
-};
-
-TextCase const textCases[] = {
+} const textCases[] = {
     {"drop-frame, last label of a minute", 1799, 29.97, ZV_UNITS_TIMECODE, 0, "00;00;59;29"},
     {"drop-frame skips two labels", 1800, 29.97, ZV_UNITS_TIMECODE, 0, "00;01;00;02"},
     {"drop-frame before the tenth minute", 17981, 29.97, ZV_UNITS_TIMECODE, 0, "00;09;59;29"},
@@ -41,20 +31,20 @@ TextCase const textCases[] = {
 
 TEST(Timecode, FramesReadAsTheyShould)
 {
-    for (TextCase const& row : textCases)
-        EXPECT_EQ(Text_Of(row.frame, row.rate, row.units, row.zeroBased), row.text) << row.why;
+    for (auto const& row : textCases) {
+        char text[32];
+        ZVTimeValue const time{row.frame, row.rate};
+        TimecodeToStringZV(text, &time, row.units, row.zeroBased);
+        EXPECT_STREQ(text, row.text) << row.why;
+    }
 }
 
-struct ParseCase {
-    char const* why;
-    char const* text;
+struct {
+    char const *why, *text;
     double rate;
     ZVTimeUnits units;
-    long zeroBased;
-    long frame;
-};
-
-ParseCase const parseCases[] = {
+    long zeroBased, frame;
+} const parseCases[] = {
     {"a number is frames", "12", 25, ZV_UNITS_TIMECODE, 0, 12},
     {"two fields are seconds and frames", "1:00", 25, ZV_UNITS_TIMECODE, 0, 25},
     {"frame units read a timecode all the same", "1:00", 25, ZV_UNITS_FRAMES, 0, 25},
@@ -73,7 +63,7 @@ ParseCase const parseCases[] = {
 
 TEST(Timecode, TextsAreReadFromTheirEnd)
 {
-    for (ParseCase const& row : parseCases)
+    for (auto const& row : parseCases)
         EXPECT_EQ(StringToTimecodeZV(row.text, row.rate, row.units, row.zeroBased), row.frame) << row.why;
     std::string const endless(5000, '9');
     EXPECT_EQ(StringToTimecodeZV(endless.c_str(), 25, ZV_UNITS_TIMECODE, 0), LONG_MAX);
@@ -93,7 +83,7 @@ TEST(Timecode, EveryFrameOfADayComesBack)
     }
 }
 
-class DurationText : public EnvironmentTest {};
+using DurationText = EnvironmentTest;
 
 TEST_F(DurationText, ShowsTheTwoLeadingUnits)
 {

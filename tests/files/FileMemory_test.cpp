@@ -34,7 +34,7 @@ TEST_F(FileMemory, OpeningDoesWithoutABufferAndCreatingFails)
     char text[4] = {};
     EXPECT_TRUE(ReadFileZV(opened.get(), text, 3));
     EXPECT_STREQ(text, "abc");
-    EXPECT_EQ(SeekFileZV(opened.get(), 0, 1), 3);
+    EXPECT_EQ(Position(opened), 3);
     {
         FailingHeap heap(1);
         file = CreateFileZV(created.c_str(), ZVFilePermWrite, ZV_BLANK_CODE, ZV_BLANK_CODE, ZVFileFlagNone);
@@ -50,10 +50,9 @@ TEST_F(FileMemory, EveryOtherCallFailsWithTheNumberOfMemory)
     std::string directory = environment.Spec("dir\\");
     std::string const doomed = environment.Spec("doomed");
     char* paths[] = {directory.data(), nullptr};
-    std::string const nines = std::string(5000, 'x');
     FSSpec place;
     GetFSSpecZV(spec.c_str(), &place);
-    OpenFile const memory(OpenFileinMemoryZV(record.data(), record.size(), ZVFilePermReadWrite));
+    OpenFile const memory = Open_Block(record);
     WriteFileSpecZV(memory.get(), spec.c_str());
     auto kept = [](char* made) {
         FreeFileSpecZV(made);
@@ -69,16 +68,8 @@ TEST_F(FileMemory, EveryOtherCallFailsWithTheNumberOfMemory)
         {"making", [&] { return kept(MakeFileSpecZV(spec.c_str())); }},
         {"another extension", [&] { return kept(MakeNewFileSpecZV(spec.c_str(), "x")); }},
         {"counting", [&] { return kept(ManageIncrementFileSpecZV("a1", '.', ZVIncFileSpecUp, nullptr)); }},
-        {"reading",
-         [&] {
-             SeekFileZV(memory.get(), 0, 0);
-             return kept(ReadFileSpecZV(memory.get(), nullptr));
-         }},
-        {"writing",
-         [&] {
-             SeekFileZV(memory.get(), 0, 0);
-             return WriteFileSpecZV(memory.get(), spec.c_str()) != 0;
-         }},
+        {"reading", [&] { return kept(ReadFileSpecZV(memory.get(), nullptr)); }},
+        {"writing", [&] { return WriteFileSpecZV(memory.get(), spec.c_str()) != 0; }},
         {"finding", [&] { return kept(MakeFileSpecValidateZV("Gone:\\file", ZVFSV_SearchPaths, paths)); }},
         {"naming", [&] { return GetDOSPathZV(buffer, &place) == 0; }},
         {"walking", [&] { return OS_Walk_Directory(directory.c_str(), walk, nullptr); }},
@@ -88,6 +79,7 @@ TEST_F(FileMemory, EveryOtherCallFailsWithTheNumberOfMemory)
         bool done = false;
         for (long after = 0; !done && after < 200; ++after) {
             environment.Write("doomed/" + std::string(100, 'x'), "");
+            SeekFileZV(memory.get(), 0, 0);
             SetError(0);
             FailingHeap heap(after);
             done = row.call();

@@ -21,17 +21,11 @@ std::string To_Native(std::string const& spec)
     return OS_Native_Path(spec.c_str(), path, sizeof path) ? path : "(none)";
 }
 
-FSSpec Place(std::string const& path)
-{
-    FSSpec place{};
-    std::strncpy(place.path, path.c_str(), sizeof place.path - 1);
-    return place;
-}
-
 std::string To_Spec(std::string const& path)
 {
     char spec[ZV_SPEC_SIZE] = "#";
-    FSSpec const place = Place(path);
+    FSSpec place{};
+    std::strncpy(place.path, path.c_str(), sizeof place.path - 1);
     long const result = GetDOSPathZV(spec, &place);
     EXPECT_TRUE(result == 0 || (result == -1 && spec[0] == '#'));
     return result == 0 ? spec : "(none)";
@@ -87,10 +81,7 @@ TEST(FilePath, LongSpecsFitOrAreLeftAlone)
     EXPECT_TRUE(OS_Native_Path("Root:\\ab", small, 4));
 }
 
-class FilePathOnDisk : public ::testing::Test {
-protected:
-    TestEnvironment environment;
-};
+using FilePathOnDisk = EnvironmentTest;
 
 TEST_F(FilePathOnDisk, PlacesHaveOneSpec)
 {
@@ -121,9 +112,8 @@ TEST_F(FilePathOnDisk, PlacesHaveOneSpec)
     for (auto const& row : rows)
         EXPECT_EQ(To_Spec(base + row.path), spec + row.spec) << row.why;
 
-    EXPECT_EQ(To_Spec("/"), "Root:\\");
-    EXPECT_EQ(To_Spec("//"), "Root:\\");
-    EXPECT_EQ(To_Spec("/.."), "Root:\\");
+    for (char const* root : {"/", "//", "/.."})
+        EXPECT_EQ(To_Spec(root), "Root:\\");
     EXPECT_EQ(To_Spec("/proc"), "Root:\\proc\\");
     EXPECT_EQ(To_Spec("sub/file"), "(none)") << "a relative path";
     EXPECT_EQ(To_Spec(""), "(none)");
@@ -184,10 +174,8 @@ TEST_F(FilePathOnDisk, PlacesTellWhatIsThere)
     }
     FSSpec place;
     EXPECT_EQ(GetFSSpecZV(environment.Spec("missing").c_str(), &place), -43);
-    EXPECT_EQ(std::string(place.path), environment.Path("missing"));
-    EXPECT_EQ(GetFSSpecZV(nullptr, &place), -1);
-    EXPECT_EQ(GetFSSpecZV("Root:\\", nullptr), -1);
-    EXPECT_EQ(GetFSRefZV(nullptr, &place), -1);
+    EXPECT_EQ(place.path, environment.Path("missing"));
+    EXPECT_TRUE(GetFSSpecZV(nullptr, &place) == -1 && GetFSSpecZV("Root:\\", nullptr) == -1);
 }
 
 TEST(Volumes, ComeFromTheMountTable)
@@ -206,15 +194,11 @@ TEST(Volumes, ComeFromTheMountTable)
                                    "broken\n"
                                    "\n"
                                    "host:/x /mnt/last";
-    std::vector<std::pair<std::string, std::string>> volumes;
+    std::string volumes;
     for (MacVolume const& volume : Mac_Parse_Mounts(table))
-        volumes.emplace_back(volume.name, volume.root);
-    std::vector<std::pair<std::string, std::string>> const expected = {
-        {"CARD", "/media/jo/CARD"}, {"My Disk\\x", "/run/media/jo/My Disk\\x"},
-        {"card", "/mnt/card"},      {"odd\\09\\04", "/mnt/odd\\09\\04"},
-        {"last", "/mnt/last"},
-    };
-    EXPECT_EQ(volumes, expected);
+        volumes += volume.name + "=" + volume.root + ";";
+    EXPECT_EQ(volumes, "CARD=/media/jo/CARD;My Disk\\x=/run/media/jo/My Disk\\x;card=/mnt/card;"
+                       "odd\\09\\04=/mnt/odd\\09\\04;last=/mnt/last;");
     EXPECT_TRUE(Mac_Parse_Mounts("").empty());
 }
 

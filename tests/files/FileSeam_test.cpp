@@ -14,8 +14,9 @@ namespace {
 constexpr uint32_t TypeA = ZV_FourCC("AAAA");
 constexpr uint32_t CreatorA = ZV_FourCC("aaaa");
 constexpr uint32_t TypeB = ZV_FourCC("BBBB");
+constexpr uint32_t Pict = ZV_FourCC("PICT");
 
-class FileSeam : public ::testing::Test {
+class FileSeam : public EnvironmentTest {
 protected:
     OpenFile Create(std::string const& name, uint32_t type, uint32_t creator)
     {
@@ -25,7 +26,13 @@ protected:
     unsigned long Open_Error(std::string const& spec, ZVFilePermission permission = ZVFilePermRead)
     {
         SetError(0);
-        return OpenFile(OpenFileZV(spec.c_str(), permission, ZVFileFlagNone)) ? 0 : GetErrorZV();
+        return Open_File(spec, permission) ? 0 : GetErrorZV();
+    }
+    ZVCreatorPair Codes_Of(std::string const& name)
+    {
+        ZVCreatorPair codes;
+        Get_FileInfo(environment.Spec(name).c_str(), &codes.creator, &codes.type);
+        return codes;
     }
     bool Has_Attributes()
     {
@@ -33,9 +40,9 @@ protected:
         Write_Native(path, "");
         return setxattr(path.c_str(), "user.zvtest", "1", 1, 0) == 0;
     }
-
-    TestEnvironment environment;
 };
+
+constexpr ZVCreatorPair Blank = {ZV_BLANK_CODE, ZV_BLANK_CODE};
 
 TEST_F(FileSeam, CreatingKeepsAFileOfTheSameCodesAndReplacesOthers)
 {
@@ -45,42 +52,30 @@ TEST_F(FileSeam, CreatingKeepsAFileOfTheSameCodesAndReplacesOthers)
         char const* name;
         ZVCreatorPair first, second;
         bool isKept;
+        uint32_t typeAfter;
     } const rows[] = {
-        {"same codes", "a", {TypeA, CreatorA}, {TypeA, CreatorA}, true},
-        {"another type", "a", {TypeA, CreatorA}, {TypeB, CreatorA}, false},
-        {"another creator", "a", {TypeA, CreatorA}, {TypeA, TypeB}, false},
-        {"blank ones instead", "a", {TypeA, CreatorA}, {ZV_BLANK_CODE, ZV_BLANK_CODE}, false},
-        {"no codes at all", "a", {ZV_BLANK_CODE, ZV_BLANK_CODE}, {ZV_BLANK_CODE, ZV_BLANK_CODE}, true},
-        {"the type of the extension",
-         "a.PCT",
-         {ZV_BLANK_CODE, ZV_BLANK_CODE},
-         {ZV_FourCC("PICT"), ZV_BLANK_CODE},
-         true},
-        {"blank in spite of the extension",
-         "a.pct",
-         {ZV_BLANK_CODE, ZV_BLANK_CODE},
-         {ZV_BLANK_CODE, ZV_BLANK_CODE},
-         true},
+        {"same codes", "a", {TypeA, CreatorA}, {TypeA, CreatorA}, true, TypeA},
+        {"another type", "a", {TypeA, CreatorA}, {TypeB, CreatorA}, false, TypeB},
+        {"another creator", "a", {TypeA, CreatorA}, {TypeA, TypeB}, false, TypeA},
+        {"blank ones instead", "a", {TypeA, CreatorA}, Blank, false, ZV_BLANK_CODE},
+        {"no codes at all", "a", Blank, Blank, true, ZV_BLANK_CODE},
+        {"the type of the extension", "a.PCT", Blank, {Pict, ZV_BLANK_CODE}, true, Pict},
+        {"blank in spite of the extension", "a.pct", Blank, Blank, true, Pict},
     };
+    std::string const second = environment.Path("second");
     for (auto const& row : rows) {
         std::string const path = environment.Path(row.name);
         unlink(path.c_str());
-        OpenFile file = Create(row.name, row.first.type, row.first.creator);
-        WriteFileZV(file.get(), "old", 3);
-        file.reset();
+        WriteFileZV(Create(row.name, row.first.type, row.first.creator).get(), "old", 3);
         // A second name keeps the old file's number from being used again.
-        std::string const second = environment.Path("second");
         unlink(second.c_str());
         ASSERT_EQ(link(path.c_str(), second.c_str()), 0);
 
         ASSERT_TRUE(Create(row.name, row.second.type, row.second.creator)) << row.why;
         EXPECT_EQ(Native_Info(path).st_size, 0) << row.why;
         EXPECT_EQ(Native_Info(path).st_ino == Native_Info(second).st_ino, row.isKept) << row.why;
-        uint32_t type, creator;
-        Get_FileInfo(environment.Spec(row.name).c_str(), &creator, &type);
-        bool const byExtension = row.second.type == ZV_BLANK_CODE && std::string(row.name) != "a";
-        EXPECT_EQ(type, byExtension ? ZV_FourCC("PICT") : row.second.type) << row.why;
-        EXPECT_EQ(creator, row.second.creator) << row.why;
+        EXPECT_EQ(Codes_Of(row.name).type, row.typeAfter) << row.why;
+        EXPECT_EQ(Codes_Of(row.name).creator, row.second.creator) << row.why;
     }
 }
 
@@ -112,29 +107,26 @@ TEST_F(FileSeam, CodesLieInTheFinderAttribute)
         std::string const path = environment.Path(row.file);
         Write_Native(path, "");
         ASSERT_EQ(setxattr(path.c_str(), name, row.attribute.data(), row.attribute.size(), 0), 0);
-        uint32_t type, creator;
-        Get_FileInfo(environment.Spec(row.file).c_str(), &creator, &type);
-        EXPECT_EQ(type, row.type) << row.why;
-        EXPECT_EQ(creator, row.creator) << row.why;
+        EXPECT_EQ(Codes_Of(row.file).type, row.type) << row.why;
+        EXPECT_EQ(Codes_Of(row.file).creator, row.creator) << row.why;
     }
 }
 
 TEST_F(FileSeam, CodesThatCannotBeHadAreBlank)
 {
-    uint32_t type = 0, creator = 0;
-    Get_FileInfo(environment.Spec("missing.pct").c_str(), &creator, &type);
-    EXPECT_EQ(type, ZV_BLANK_CODE);
-    EXPECT_EQ(creator, ZV_BLANK_CODE);
-    std::filesystem::create_directory(environment.Path("folder.pct"));
-    Get_FileInfo(environment.Spec("folder.pct").c_str(), nullptr, &type);
-    EXPECT_EQ(type, ZV_BLANK_CODE) << "a directory has no type";
+    environment.Make_Directory("folder.pct");
+    for (char const* name : {"missing.pct", "folder.pct"}) {
+        EXPECT_EQ(Codes_Of(name).type, ZV_BLANK_CODE) << name;
+        EXPECT_EQ(Codes_Of(name).creator, ZV_BLANK_CODE) << name;
+    }
+    uint32_t creator = 0;
     Get_FileInfo(nullptr, &creator, nullptr);
     EXPECT_EQ(creator, ZV_BLANK_CODE);
 }
 
 TEST_F(FileSeam, RefusalsTellWhy)
 {
-    std::filesystem::create_directory(environment.Path("folder"));
+    environment.Make_Directory("folder");
     mkfifo(environment.Path("pipe").c_str(), 0666);
     Write_Native(environment.Path("file"), "abc");
     struct {
@@ -211,12 +203,13 @@ TEST_F(FileSeam, DescriptorsStayClearOfTheStandardOnesAndOfChildren)
     Write_Native(environment.Path("file"), "abc");
     int const saved = dup(STDIN_FILENO);
     close(STDIN_FILENO);
-    OpenFile const file(OpenFileZV(environment.Spec("file").c_str(), ZVFilePermRead, ZVFileFlagNone));
+    OpenFile const file = Open_File(environment.Spec("file"));
     dup2(saved, STDIN_FILENO);
     close(saved);
     ASSERT_TRUE(file);
     EXPECT_GT(file->forkRef, 2);
     EXPECT_EQ(fcntl(file->forkRef, F_GETFD), FD_CLOEXEC);
+    EXPECT_EQ(fcntl(Open_File(environment.Spec("file"))->forkRef, F_GETFD), FD_CLOEXEC);
     EXPECT_EQ(file->volumeRef, static_cast<int32_t>(Native_Info(environment.Path("file")).st_dev));
 }
 

@@ -10,24 +10,22 @@ namespace {
 
 using namespace std::string_literals;
 
-class FileSpecStored : public ::testing::Test {
+class FileSpecStored : public EnvironmentTest {
 protected:
     /// The spec read from those bytes, and where the reading ended.
     std::pair<std::string, long> Read(std::string bytes, unsigned long tag = ZV_TAG_IGNORE)
     {
-        OpenFile const memory(OpenFileinMemoryZV(bytes.data(), bytes.size(), ZVFilePermRead));
+        OpenFile const memory = Open_Block(bytes);
         std::string const spec = Text(ReadFileSpecZV(memory.get(), tag, 1, ZVFSV_StoredPath, stored));
-        long const end = SeekFileZV(memory.get(), 0, 1);
-        environment.Write("record", bytes);
+        long const end = Position(memory);
         for (ZVFilePermission permission : {ZVFilePermRead, ZVFilePermReadWrite}) {
-            OpenFile const disk(OpenFileZV(environment.Spec("record").c_str(), permission, ZVFileFlagNone));
+            OpenFile const disk = Open_File(environment.Write("record", bytes), permission);
             EXPECT_EQ(Text(ReadFileSpecZV(disk.get(), tag, 1)), spec) << "from disk as from memory";
-            EXPECT_TRUE(bytes.size() < 4 || SeekFileZV(disk.get(), 0, 1) == end);
+            EXPECT_TRUE(bytes.size() < 4 || Position(disk) == end);
         }
         return {spec, end};
     }
 
-    TestEnvironment environment;
     std::string const file = environment.Write("file", "");
     char stored[512] = "#";
 };
@@ -42,40 +40,35 @@ std::string Record(std::string const& rest)
 
 TEST_F(FileSpecStored, IsLengthPathAndAnEvenEnd)
 {
-    for (std::string const& name : {"even"s, "odd"s}) {
-        std::string const spec = environment.Write(name, "");
-        std::string block(1000, '#');
-        OpenFile const memory(OpenFileinMemoryZV(block.data(), block.size(), ZVFilePermReadWrite));
-        EXPECT_TRUE(WriteFileSpecZV(memory.get(), spec.c_str()));
-        std::string path = spec + '\0';
-        if (path.size() % 2) path += '\0';
-        EXPECT_EQ(block.substr(0, static_cast<std::size_t>(SeekFileZV(memory.get(), 0, 1))), Record(path));
+    struct {
+        std::string given, stored;
+    } const rows[] = {{environment.Write("even", ""), environment.Spec("even")},
+                      {environment.Write("odd", ""), environment.Spec("odd")},
+                      {environment.Spec(".\\\\file"), file},  // the place rather than the spelling
+                      {environment.Spec(), environment.Spec()}};
+    std::string block(1000, '#'), expected;
+    OpenFile const memory = Open_Block(block);
+    for (auto const& row : rows) {
+        EXPECT_TRUE(WriteFileSpecZV(memory.get(), row.given.c_str())) << row.given;
+        std::string const path = row.stored + '\0';
+        expected += Record(path.size() % 2 ? path + '\0' : path);
     }
-}
-
-TEST_F(FileSpecStored, HoldsThePlaceRatherThanTheSpelling)
-{
-    std::string block(1000, '#');
-    OpenFile memory(OpenFileinMemoryZV(block.data(), block.size(), ZVFilePermReadWrite));
-    std::string const odd = environment.Spec(".\\\\file");
-    EXPECT_TRUE(WriteFileSpecZV(memory.get(), odd.c_str()));
-    EXPECT_STREQ(&block[4], file.c_str());
-    EXPECT_TRUE(WriteFileSpecZV(memory.get(), environment.Spec().c_str())) << "a directory";
+    EXPECT_EQ(block.substr(0, static_cast<std::size_t>(Position(memory))), expected);
     SeekFileZV(memory.get(), 0, 0);
-    EXPECT_EQ(Text(ReadFileSpecZV(memory.get(), nullptr)), file);
-    EXPECT_EQ(Text(ReadFileSpecZV(memory.get(), nullptr)), environment.Spec());
+    for (auto const& row : rows)
+        EXPECT_EQ(Text(ReadFileSpecZV(memory.get(), nullptr)), row.stored);
 }
 
 TEST_F(FileSpecStored, WritesNothingWhenItFails)
 {
     std::string block(file.size() + 4, '#');
-    OpenFile const memory(OpenFileinMemoryZV(block.data(), block.size(), ZVFilePermReadWrite));
+    OpenFile const memory = Open_Block(block);
     EXPECT_FALSE(WriteFileSpecZV(memory.get(), environment.Spec("missing").c_str()));
     EXPECT_EQ(GetErrorZV(), ZV_ERR_NOT_FOUND);
     EXPECT_FALSE(WriteFileSpecZV(memory.get(), nullptr));
     EXPECT_FALSE(WriteFileSpecZV(memory.get(), file.c_str())) << "one byte short";
     EXPECT_FALSE(WriteFileSpecZV(nullptr, file.c_str()));
-    EXPECT_EQ(SeekFileZV(memory.get(), 0, 1), 0);
+    EXPECT_EQ(Position(memory), 0);
     EXPECT_EQ(block, std::string(block.size(), '#'));
 }
 
@@ -89,13 +82,13 @@ TEST_F(FileSpecStored, TakesPathsUpToTheLengthThatCanBeRead)
                           "");
         ASSERT_TRUE(FileExistsZV(spec.c_str()));
         std::string block(600, '#');
-        OpenFile const memory(OpenFileinMemoryZV(block.data(), block.size(), ZVFilePermReadWrite));
+        OpenFile const memory = Open_Block(block);
         EXPECT_EQ(WriteFileSpecZV(memory.get(), spec.c_str()), length <= 509) << length;
         if (length > 509) continue;
         long const end = SeekFileZV(memory.get(), 0, 0);
         EXPECT_EQ(Text(ReadFileSpecZV(memory.get(), ZVFSV_StoredPath, stored)), spec) << length;
         EXPECT_EQ(stored, spec) << length;
-        EXPECT_EQ(SeekFileZV(memory.get(), 0, 1), end) << length;
+        EXPECT_EQ(Position(memory), end) << length;
     }
 }
 
@@ -103,6 +96,8 @@ TEST_F(FileSpecStored, ReadsWhatOthersWrote)
 {
     std::string const path = file + '\0';
     std::string const missing = environment.Spec("missing");
+    std::string classic = "Root:" + file.substr(6);
+    std::replace(classic.begin(), classic.end(), '\\', ':');
     struct {
         char const* why;
         std::string rest;
@@ -112,8 +107,7 @@ TEST_F(FileSpecStored, ReadsWhatOthersWrote)
         {"an odd length", path, file, file, file},
         {"a path without its NUL", file, file, file, file},
         {"ended by a line feed", file + "\n", file, file, file},
-        {"a classic path", "Root:" + environment.Spec("file").substr(6) + "\0"s, file, file,
-         "Root:" + environment.Spec("file").substr(6)},
+        {"a classic path", classic + "\0"s, file, file, classic},
         {"with an alias", path + "alias bytes", "(null)", "(null)", file},
         {"with an alias of two bytes", path + "ab", "(null)", "(null)", file},
         {"a file that is gone", missing + "\0"s, "(null)", missing, missing},
@@ -122,11 +116,7 @@ TEST_F(FileSpecStored, ReadsWhatOthersWrote)
         {"only line ends", std::string(2000, '\n'), "(null)", "(null)", ""},
         {"a long alias", path + std::string(20000, 'x'), "(null)", "(null)", file},
     };
-    for (auto row : rows) {
-        for (char& c : row.rest)
-            if (std::strcmp(row.why, "a classic path") == 0 && c == '\\') c = ':';
-        for (char& c : row.stored)
-            if (std::strcmp(row.why, "a classic path") == 0 && c == '\\') c = ':';
+    for (auto const& row : rows) {
         std::string const record = Record(row.rest);
         auto const end = static_cast<long>(record.size());
         EXPECT_EQ(Read(record + "next"), std::pair(row.spec, end)) << row.why;
@@ -159,7 +149,7 @@ TEST_F(FileSpecStored, AListStaysInStepWhateverItHolds)
 {
     std::string list = Record(file + "\0"s) + Record(file + "\0alias"s) + Record("Nowhere:\\x\0"s) +
                        Record(""s) + Record(file + "\n"s);
-    OpenFile const memory(OpenFileinMemoryZV(list.data(), list.size(), ZVFilePermRead));
+    OpenFile const memory = Open_Block(list);
     std::vector<std::string> read;
     for (int i = 0; i < 5; ++i)
         read.push_back(Text(ReadFileSpecZV(memory.get(), nullptr)));

@@ -8,70 +8,67 @@
 
 namespace {
 
-struct TextCase {
-    char const* why;
-    char const* in;
-    char const* out;
-};
+/// A text before and after a conversion.
+using TextCase = std::pair<char const*, char const*>;
+
+/// What a conversion in place makes of a text.
+template <typename Convert> std::string Converted(char const* text, Convert convert)
+{
+    char buffer[ZV_SPEC_SIZE];
+    std::strcpy(buffer, text);
+    convert(buffer);
+    return buffer;
+}
 
 TEST(FileSpec, IsMadeFromClassicPaths)
 {
     TextCase const rows[] = {
-        {"a classic path", "Volume:dir:file", "Volume:\\dir\\file"},
-        {"a volume alone", "Volume:", "Volume:\\"},
-        {"a spec stays", "Volume:\\dir\\file", "Volume:\\dir\\file"},
-        {"so does a text with the mark further on", "a:b:\\c", "a:b:\\c"},
-        {"a classic directory", "Volume:dir:", "Volume:\\dir\\"},
-        {"the first colon is that of the volume", ":dir:file", ":\\dir\\file"},
-        {"a name", "file.ext", "file.ext"},
-        {"a native path", "/srv/shots/a.mov", "/srv/shots/a.mov"},
-        {"backslashes without a volume", "dir\\file", "dir\\file"},
-        {"nothing", "", ""},
-        {"a bar in front", "|a:b:c", "|a:b:c"},
-        {"a bar ahead of the colon", "a|b:c:d", "a|b:c:d"},
-        {"a bar behind it", "a:b|c:d", "a:\\b|c\\d"},
-        {"doubled colons", "a::b", "a:\\\\b"},
+        {"Volume:dir:file", "Volume:\\dir\\file"},
+        {"Volume:", "Volume:\\"},
+        {"Volume:\\dir\\file", "Volume:\\dir\\file"},  // a spec stays
+        {"a:b:\\c", "a:b:\\c"},                        // with its mark further on too
+        {"Volume:dir:", "Volume:\\dir\\"},
+        {":dir:file", ":\\dir\\file"},  // the first colon is that of the volume
+        {"file.ext", "file.ext"},
+        {"/srv/shots/a.mov", "/srv/shots/a.mov"},
+        {"dir\\file", "dir\\file"},
+        {"", ""},
+        {"|a:b:c", "|a:b:c"},  // a bar ahead of the colon protects
+        {"a|b:c:d", "a|b:c:d"},
+        {"a:b|c:d", "a:\\b|c\\d"},
+        {"a::b", "a:\\\\b"},
     };
-    for (TextCase const& row : rows) {
-        EXPECT_EQ(Text(MakeFileSpecZV(row.in)), row.out) << row.why;
-        EXPECT_EQ(Text(CopyFileSpecZV(row.in)), row.out) << row.why;
+    for (auto const& [path, spec] : rows) {
+        EXPECT_EQ(Text(MakeFileSpecZV(path)), spec) << path;
+        EXPECT_EQ(Text(CopyFileSpecZV(path)), spec) << path;
     }
-    EXPECT_EQ(MakeFileSpecZV(nullptr), nullptr);
     std::string const longPath = "Volume:" + std::string(5000, 'x');
     EXPECT_EQ(Text(MakeFileSpecZV(longPath.c_str())), "Volume:\\" + std::string(5000, 'x'));
-    FreeFileSpecZV(nullptr);
+    EXPECT_EQ(MakeFileSpecZV(nullptr), nullptr);
 }
 
 TEST(FileSpec, ClassicPathsConvertInPlaceAndBack)
 {
-    TextCase const rows[] = {
-        {"a classic path", "Volume:dir:file", "Volume:\\dir\\file"},
-        {"without a look for a spec", "Volume:\\dir", "Volume:\\\\dir"},
-        {"no colon", "file", "file"},
-        {"a bar in front", "|a:b", "|a:b"},
-        {"nothing", "", ""},
+    TextCase const there[] = {
+        {"Volume:dir:file", "Volume:\\dir\\file"},
+        {"Volume:\\dir", "Volume:\\\\dir"},  // without a look for a spec
+        {"file", "file"},
+        {"|a:b", "|a:b"},
+        {"", ""},
     };
-    for (TextCase const& row : rows) {
-        char text[64];
-        std::strcpy(text, row.in);
-        ConvertPathtoDOSZV(text);
-        EXPECT_STREQ(text, row.out) << row.why;
-    }
+    for (auto const& [path, spec] : there)
+        EXPECT_EQ(Converted(path, ConvertPathtoDOSZV), spec) << path;
     TextCase const back[] = {
-        {"a spec", "Volume:\\dir\\file", "Volume:dir:file"},
-        {"a volume", "Volume:\\", "Volume:"},
-        {"no volume", "dir\\file", "dir:file"},
-        {"no backslash", "Volume:dir:file", "Volume:dir:file"},
-        {"a bar first", "a|b:\\c", "a|b:\\c"},
-        {"a bar behind", "a:\\b|c", "a:b|c"},
-        {"nothing", "", ""},
+        {"Volume:\\dir\\file", "Volume:dir:file"},
+        {"Volume:\\", "Volume:"},
+        {"dir\\file", "dir:file"},
+        {"Volume:dir:file", "Volume:dir:file"},
+        {"a|b:\\c", "a|b:\\c"},
+        {"a:\\b|c", "a:b|c"},
+        {"", ""},
     };
-    for (TextCase const& row : back) {
-        char text[ZV_SPEC_SIZE];
-        std::strcpy(text, row.in);
-        ConvertDOStoPathZV(text, false);
-        EXPECT_STREQ(text, row.out) << row.why;
-    }
+    for (auto const& [spec, path] : back)
+        EXPECT_EQ(Converted(spec, [](char* text) { ConvertDOStoPathZV(text, false); }), path) << spec;
     ConvertPathtoDOSZV(nullptr);
     ConvertDOStoPathZV(nullptr, false);
 }
@@ -79,10 +76,7 @@ TEST(FileSpec, ClassicPathsConvertInPlaceAndBack)
 TEST(FileSpec, ComesApartIntoPathNameAndExtension)
 {
     struct {
-        char const* spec;
-        char const* path;
-        char const* name;
-        char const* extension;  ///< null for none
+        char const *spec, *path, *name, *extension;  ///< no extension is null
     } const rows[] = {
         {"Root:\\dir\\file.ext", "Root:\\dir\\", "file.ext", "ext"},
         {"Root:\\dir\\", "Root:\\dir\\", "", nullptr},
@@ -136,19 +130,14 @@ TEST(FileSpec, TextsTooLongForABufferAreRefused)
         check(GetPathZV(path.c_str(), out.buffer));
         check(FileSpecToDosZV(out.buffer, name.c_str()));
     }
-    EXPECT_EQ(GetFileNameZV(nullptr, nullptr), nullptr);
-    EXPECT_EQ(GetExtensionZV(nullptr, nullptr), nullptr);
-    EXPECT_FALSE(GetPathZV(nullptr, nullptr));
-    EXPECT_EQ(FileSpecToDosZV(nullptr, nullptr), nullptr);
+    EXPECT_FALSE(GetFileNameZV(nullptr, nullptr) || GetExtensionZV(nullptr, nullptr));
+    EXPECT_FALSE(GetPathZV(nullptr, nullptr) || FileSpecToDosZV(nullptr, nullptr));
 }
 
 TEST(FileSpec, TakesAnotherExtension)
 {
     struct {
-        char const* why;
-        char const* spec;
-        char const* extension;
-        char const* out;
+        char const *why, *spec, *extension, *out;
     } const rows[] = {
         {"four characters are an extension", "a.b.cdef", "x", "a.b.x"},
         {"five are none", "a.abcde", "x", "a.abcde.x"},
@@ -162,20 +151,12 @@ TEST(FileSpec, TakesAnotherExtension)
     };
     for (auto const& row : rows)
         EXPECT_EQ(Text(MakeNewFileSpecZV(row.spec, row.extension)), row.out) << row.why;
-    EXPECT_EQ(MakeNewFileSpecZV(nullptr, "x"), nullptr);
-    EXPECT_EQ(MakeNewFileSpecZV("a", nullptr), nullptr);
+    EXPECT_FALSE(MakeNewFileSpecZV(nullptr, "x") || MakeNewFileSpecZV("a", nullptr));
 
-    TextCase const truncated[] = {
-        {"an extension", "a.b", "a"},   {"the last one only", "a.b.c", "a.b"},
-        {"a dot in front", ".a", ".a"}, {"a second dot", ".a.b", ".a"},
-        {"no dot", "abc", "abc"},       {"nothing", "", ""},
-    };
-    for (TextCase const& row : truncated) {
-        char text[16];
-        std::strcpy(text, row.in);
-        TruncateExtensionZV(text);
-        EXPECT_STREQ(text, row.out) << row.why;
-    }
+    TextCase const truncated[] = {{"a.b", "a"},   {"a.b.c", "a.b"}, {".a", ".a"},
+                                  {".a.b", ".a"}, {"abc", "abc"},   {"", ""}};
+    for (auto const& [spec, rest] : truncated)
+        EXPECT_EQ(Converted(spec, TruncateExtensionZV), rest) << spec;
     TruncateExtensionZV(nullptr);
 }
 
@@ -216,12 +197,9 @@ TEST(FileSpec, RemotePathsHaveAFormOfTheirOwn)
     EXPECT_TRUE(GetPathZV("abc/def/ghi/jkl.PGT", buffer));
     EXPECT_STREQ(buffer, "abcdef\\");
 
-    EXPECT_TRUE(isPondgateZV("a/b/c.pgt"));
-    EXPECT_TRUE(isPondgateZV(".Pgt"));
-    EXPECT_FALSE(isPondgateZV("a.pgt\\b"));
-    EXPECT_FALSE(isPondgateZV("pgt"));
-    EXPECT_FALSE(isPondgateZV(""));
-    EXPECT_FALSE(isPondgateZV(nullptr));
+    EXPECT_TRUE(isPondgateZV("a/b/c.pgt") && isPondgateZV(".Pgt"));
+    for (char const* other : {"a.pgt\\b", "pgt", "", static_cast<char const*>(nullptr)})
+        EXPECT_FALSE(isPondgateZV(other));
 }
 
 }  // namespace

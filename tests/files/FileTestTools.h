@@ -1,24 +1,12 @@
-// Files as the system sees them, for comparing with what the library says.
+// Files as the system sees them, for comparing with what the library says, and guards for what it gives.
 #pragma once
 
-#include <cstdint>
-#include <fstream>
-#include <iterator>
-#include <memory>
-#include <string>
-#include <string_view>
-#include <sys/stat.h>
-#include <vector>
+#include "TestBytes.h"
 
 #include <ZVLibInternal.h>
 
-using Bytes = std::vector<uint8_t>;
-
-inline Bytes Native_Bytes(std::string const& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(file), {});
-}
+#include <memory>
+#include <sys/stat.h>
 
 inline void Write_Native(std::string const& path, std::string_view bytes)
 {
@@ -27,7 +15,7 @@ inline void Write_Native(std::string const& path, std::string_view bytes)
 
 inline void Write_Native(std::string const& path, Bytes const& bytes)
 {
-    Write_Native(path, std::string_view(reinterpret_cast<char const*>(bytes.data()), bytes.size()));
+    Write_Native(path, As_Text(bytes));
 }
 
 inline struct stat Native_Info(std::string const& path)
@@ -56,14 +44,33 @@ struct Close_File {
 };
 using OpenFile = std::unique_ptr<ZVFileInfo, Close_File>;
 
-struct Free_Spec {
-    void operator()(char* spec) const { FreeFileSpecZV(spec); }
-};
-using Spec = std::unique_ptr<char, Free_Spec>;
+inline OpenFile Create_File(std::string const& spec, ZVFilePermission permission = ZVFilePermWrite,
+                            ZVFileFlags flags = ZVFileFlagNone)
+{
+    return OpenFile(CreateFileZV(spec.c_str(), permission, ZV_BLANK_CODE, ZV_BLANK_CODE, flags));
+}
+
+inline OpenFile Open_File(std::string const& spec, ZVFilePermission permission = ZVFilePermRead,
+                          ZVFileFlags flags = ZVFileFlagNone)
+{
+    return OpenFile(OpenFileZV(spec.c_str(), permission, flags));
+}
+
+/// A file over the bytes of a block.
+inline OpenFile Open_Block(std::string& block)
+{
+    return OpenFile(OpenFileinMemoryZV(block.data(), block.size(), ZVFilePermReadWrite));
+}
+
+inline long Position(OpenFile const& file)
+{
+    return SeekFileZV(file.get(), 0, 1);
+}
 
 /// The text of a spec that is freed, or "(null)".
 inline std::string Text(char* spec)
 {
-    Spec const owned(spec);
-    return spec ? spec : "(null)";
+    std::string const text = spec ? spec : "(null)";
+    FreeFileSpecZV(spec);
+    return text;
 }

@@ -9,54 +9,37 @@
 
 namespace {
 
-OpenFile In_Memory(std::string& block)
-{
-    return OpenFile(OpenFileinMemoryZV(block.data(), block.size(), ZVFilePermReadWrite));
-}
-
-TEST(FileNumbers, AreBigEndian)
+TEST(FileNumbers, AreBigEndianAndAllOrNothing)
 {
     TestEnvironment const environment;
     std::string const spec = environment.Spec("numbers");
-    OpenFile file(CreateFileZV(spec.c_str(), ZVFilePermWrite, ZV_BLANK_CODE, ZV_BLANK_CODE, ZVFileFlagNone));
-    EXPECT_TRUE(PutLongZV(file.get(), 0x01020304));
-    EXPECT_TRUE(PutLongZV(file.get(), static_cast<uint32_t>(-2)));
-    EXPECT_TRUE(PutShortZV(file.get(), 0x8001));
+    OpenFile file = Create_File(spec);
+    EXPECT_TRUE(PutLongZV(file.get(), 0x01020304) && PutLongZV(file.get(), static_cast<uint32_t>(-2)) &&
+                PutShortZV(file.get(), 0x8001));
     file.reset();
-    Bytes const expected = {1, 2, 3, 4, 0xFF, 0xFF, 0xFF, 0xFE, 0x80, 1};
-    EXPECT_EQ(Native_Bytes(environment.Path("numbers")), expected);
+    std::string block = "\1\2\3\4\xFF\xFF\xFF\xFE\x80\1";
+    EXPECT_EQ(Bytes_In_File(environment.Path("numbers")), To_Bytes(block));
 
-    file.reset(OpenFileZV(spec.c_str(), ZVFilePermRead, ZVFileFlagNone));
-    uint32_t unsignedLong;
-    int32_t signedLong;
-    int16_t signedShort;
-    uint16_t unsignedShort;
-    EXPECT_TRUE(GetULongZV(file.get(), &unsignedLong));
-    EXPECT_EQ(unsignedLong, 0x01020304U);
-    EXPECT_TRUE(GetLongZV(file.get(), &signedLong));
-    EXPECT_EQ(signedLong, -2);
-    EXPECT_TRUE(GetShortZV(file.get(), &signedShort));
-    EXPECT_EQ(signedShort, -32767);
-    SeekFileZV(file.get(), 8, 0);
-    EXPECT_TRUE(GetUShortZV(file.get(), &unsignedShort));
-    EXPECT_EQ(unsignedShort, 0x8001);
-    EXPECT_FALSE(GetLongZV(file.get(), &signedLong));
-    EXPECT_EQ(signedLong, -2) << "not written on failure";
-}
-
-TEST(FileNumbers, FromMemoryAreAllOrNothing)
-{
-    std::string block("\1\2\3", 3);
-    OpenFile const file = In_Memory(block);
-    int32_t longValue = 5;
-    EXPECT_FALSE(GetLongZV(file.get(), &longValue));
-    EXPECT_EQ(longValue, 5);
-    uint16_t shortValue = 0;
-    EXPECT_TRUE(GetUShortZV(file.get(), &shortValue));
-    EXPECT_EQ(shortValue, 0x0102);
-    EXPECT_FALSE(GetUShortZV(nullptr, &shortValue));
-    EXPECT_FALSE(PutLongZV(file.get(), 1));
-    EXPECT_FALSE(GetShortZV(file.get(), nullptr));
+    for (OpenFile const& opened : {Open_File(spec), Open_Block(block)}) {
+        uint32_t unsignedLong;
+        int32_t signedLong;
+        int16_t signedShort;
+        uint16_t unsignedShort;
+        EXPECT_TRUE(GetULongZV(opened.get(), &unsignedLong) && GetLongZV(opened.get(), &signedLong));
+        EXPECT_TRUE(GetShortZV(opened.get(), &signedShort));
+        EXPECT_FALSE(GetLongZV(opened.get(), &signedLong));
+        SeekFileZV(opened.get(), 8, 0);
+        EXPECT_TRUE(GetUShortZV(opened.get(), &unsignedShort));
+        EXPECT_EQ(unsignedLong, 0x01020304U);
+        EXPECT_EQ(signedLong, -2) << "not written on failure";
+        EXPECT_EQ(signedShort, -32767);
+        EXPECT_EQ(unsignedShort, 0x8001);
+        EXPECT_FALSE(GetUShortZV(nullptr, &unsignedShort) || GetShortZV(opened.get(), nullptr));
+    }
+    std::string small = "abc";
+    int32_t untouched = 5;
+    EXPECT_FALSE(PutLongZV(Open_Block(small).get(), 1) || GetLongZV(Open_Block(small).get(), &untouched));
+    EXPECT_EQ(untouched, 5);
 }
 
 std::vector<std::string> Lines(ZVFileInfo* file, long size)
@@ -93,49 +76,41 @@ TEST(FileLines, EndWithAnyOfTheUsualEnds)
     };
     for (auto const& row : rows) {
         std::string block = row.text;
-        EXPECT_EQ(Lines(In_Memory(block).get(), row.size), row.lines) << row.why;
+        EXPECT_EQ(Lines(Open_Block(block).get(), row.size), row.lines) << row.why;
         std::string const spec = environment.Write("lines", row.text);
-        for (ZVFilePermission permission : {ZVFilePermRead, ZVFilePermReadWrite, ZVFilePermReadLarge}) {
-            OpenFile const file(OpenFileZV(spec.c_str(), permission, ZVFileFlagNone));
-            EXPECT_EQ(Lines(file.get(), row.size), row.lines) << row.why;
-        }
+        for (ZVFilePermission permission : {ZVFilePermRead, ZVFilePermReadWrite, ZVFilePermReadLarge})
+            EXPECT_EQ(Lines(Open_File(spec, permission).get(), row.size), row.lines) << row.why;
     }
 }
 
 TEST(FileLines, LeaveThePositionBehindTheirEnd)
 {
     TestEnvironment const environment;
-    std::string const spec = environment.Write("lines", "one\ntwo\n");
-    OpenFile const file(OpenFileZV(spec.c_str(), ZVFilePermRead, ZVFileFlagNone));
+    OpenFile const file = Open_File(environment.Write("lines", "one\ntwo\n"));
     char line[80];
     SetError(7);
     EXPECT_EQ(FGetStringZV(file.get(), line, 80), line);
     EXPECT_EQ(GetErrorZV(), 0U);
-    EXPECT_EQ(SeekFileZV(file.get(), 0, 1), 4);
+    EXPECT_EQ(Position(file), 4);
     EXPECT_STREQ(FGetStringZV(file.get(), line, 1), "") << "room for no character";
-    EXPECT_EQ(SeekFileZV(file.get(), 0, 1), 4) << "reads nothing";
-    EXPECT_EQ(FGetStringZV(file.get(), line, 0), nullptr);
-    EXPECT_EQ(FGetStringZV(file.get(), nullptr, 80), nullptr);
-    EXPECT_EQ(FGetStringZV(nullptr, line, 80), nullptr);
+    EXPECT_EQ(Position(file), 4) << "reads nothing";
+    EXPECT_FALSE(FGetStringZV(file.get(), line, 0) || FGetStringZV(file.get(), nullptr, 80) ||
+                 FGetStringZV(nullptr, line, 80));
 }
 
 TEST(FileLines, AreWrittenWithACarriageReturn)
 {
     TestEnvironment const environment;
-    std::string const spec = environment.Spec("lines");
     std::string const longLine(3000, 'x');
-    OpenFile file(CreateFileZV(spec.c_str(), ZVFilePermWrite, ZV_BLANK_CODE, ZV_BLANK_CODE, ZVFileFlagNone));
-    EXPECT_TRUE(FPutStringZV(file.get(), "one"));
-    EXPECT_TRUE(FPutStringZV(file.get(), ""));
-    EXPECT_TRUE(FPutStringZV(file.get(), longLine.c_str()));
-    EXPECT_FALSE(FPutStringZV(file.get(), nullptr));
-    EXPECT_FALSE(FPutStringZV(nullptr, "one"));
+    OpenFile file = Create_File(environment.Spec("lines"));
+    for (char const* line : {"one", "", longLine.c_str()})
+        EXPECT_TRUE(FPutStringZV(file.get(), line));
+    EXPECT_FALSE(FPutStringZV(file.get(), nullptr) || FPutStringZV(nullptr, "one"));
     file.reset();
-    EXPECT_EQ(Native_Bytes(environment.Path("lines")), To_Bytes("one\r\r" + longLine + "\r"));
+    EXPECT_EQ(Bytes_In_File(environment.Path("lines")), To_Bytes("one\r\r" + longLine + "\r"));
 
     std::string block = "....";
-    OpenFile const memory = In_Memory(block);
-    EXPECT_FALSE(FPutStringZV(memory.get(), "four")) << "no room for the CR";
+    EXPECT_FALSE(FPutStringZV(Open_Block(block).get(), "four")) << "no room for the CR";
     EXPECT_EQ(block, "....") << "nothing is half written";
 }
 

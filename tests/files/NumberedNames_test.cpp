@@ -44,9 +44,7 @@ TEST(NumberedNames, CrossAPowerOfTenByTheFilesThatAreThere)
     TestEnvironment const environment;
     environment.Write("wide0999.tif", "");
     environment.Write("bare0999.mqd", "");
-    std::string const directory = environment.Spec();
-    std::string const closed = directory.ends_with('\\') ? directory : directory + '\\';
-    std::string const open = closed.substr(0, closed.size() - 1);
+    std::string const closed = environment.Spec(), open = closed.substr(0, closed.size() - 1);
     struct {
         char const* why;
         char const* spec;
@@ -66,20 +64,16 @@ TEST(NumberedNames, CrossAPowerOfTenByTheFilesThatAreThere)
         {"the directory of the spec is dropped", "Root:\\x\\shot009", ZVIncFileSpecUp, "shot010"},
         {"no digits", "shot.tif", ZVIncFileSpecUp, "shot0.tif"},
     };
-    for (auto const& row : rows) {
-        EXPECT_EQ(Text(ManageIncrementFileSpecZV(row.spec, '.', row.direction, closed.c_str())), row.next)
-            << row.why;
-        EXPECT_EQ(Text(ManageIncrementFileSpecZV(row.spec, '.', row.direction, open.c_str())), row.next)
-            << row.why;
-    }
+    for (auto const& row : rows)
+        for (std::string const& directory : {closed, open})
+            EXPECT_EQ(Text(ManageIncrementFileSpecZV(row.spec, '.', row.direction, directory.c_str())),
+                      row.next)
+                << row.why;
     EXPECT_EQ(Text(ManageIncrementFileSpecZV("wide1000.tif", '.', ZVIncFileSpecDown, nullptr)), "wide999.tif")
         << "nowhere to look";
     EXPECT_EQ(ManageIncrementFileSpecZV(nullptr, '.', ZVIncFileSpecUp, nullptr), nullptr);
-}
 
-TEST(NumberedNames, TooLongForABufferAreRefused)
-{
-    TestEnvironment const environment;
+    // The longest that fits a buffer, and one digit more.
     std::string const nines = "a" + std::string(1022, '9');
     EXPECT_EQ(ManageIncrementFileSpecZV(nines.c_str(), '.', ZVIncFileSpecUp, nullptr), nullptr);
     EXPECT_EQ(GetErrorZV(), ZV_ERR_NOT_FOUND);

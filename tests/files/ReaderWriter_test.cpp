@@ -1,30 +1,15 @@
 // Readers and writers against simple models.
 #include "TestEnvironment.h"
+#include "files/FileTestTools.h"
 
-#include <numeric>
-#include <random>
-#include <vector>
+#include <climits>
 
 namespace {
 
-std::vector<uint8_t> Random_Bytes(std::size_t count, std::mt19937& random)
-{
-    std::vector<uint8_t> bytes(count);
-    for (uint8_t& byte : bytes)
-        byte = static_cast<uint8_t>(random());
-    return bytes;
-}
-
-class ReaderWriter : public EnvironmentTest {
-protected:
-    std::string File_Of(std::vector<uint8_t> const& bytes)
-    {
-        return environment.Write("bytes", {reinterpret_cast<char const*>(bytes.data()), bytes.size()});
-    }
-};
+using ReaderWriter = EnvironmentTest;
 
 /// One step of a walk over known bytes, compared with the bytes themselves.
-void Check_Step(ZVReader& reader, std::vector<uint8_t> const& bytes, long& position, std::mt19937& random)
+void Check_Step(ZVReader& reader, Bytes const& bytes, long& position, std::mt19937& random)
 {
     auto const length = static_cast<long>(bytes.size());
     auto const at = [&](long i) {
@@ -46,7 +31,7 @@ void Check_Step(ZVReader& reader, std::vector<uint8_t> const& bytes, long& posit
         break;
     }
     case 2: {
-        std::vector<uint8_t> out(random() % 20000);
+        Bytes out(random() % 20000);
         long const got = reader.Read(out.data(), static_cast<long>(out.size()));
         ASSERT_EQ(got, std::min(left, static_cast<long>(out.size())));
         ASSERT_TRUE(std::equal(out.begin(), out.begin() + got, bytes.begin() + position));
@@ -83,9 +68,9 @@ TEST_F(ReaderWriter, WalksOverAFileAndABlockDeliverItsBytes)
 {
     std::mt19937 random(1);
     for (std::size_t size : {1, 100, 8191, 8192, 8193, 40000}) {
-        std::vector<uint8_t> const bytes = Random_Bytes(size, random);
-        ZVFileInfo* file = OpenFileZV(File_Of(bytes).c_str(), ZVFilePermRead, ZVFileFlagNone);
-        ZVFileReader fileReader(file);
+        Bytes const bytes = Random_Bytes(random, size);
+        OpenFile const file = Open_File(environment.Write("bytes", As_Text(bytes)));
+        ZVFileReader fileReader(file.get());
         ZVBufferReader blockReader(bytes.data(), static_cast<long>(size));
         long inFile = 0, inBlock = 0;
         for (int i = 0; i < 2000 && !HasFatalFailure(); ++i) {
@@ -93,21 +78,18 @@ TEST_F(ReaderWriter, WalksOverAFileAndABlockDeliverItsBytes)
             Check_Step(blockReader, bytes, inBlock, random);
         }
         EXPECT_FALSE(fileReader.HasError());
-        CloseFileZV(file);
     }
 }
 
 TEST_F(ReaderWriter, AReaderPastTheEndKeepsItsErrorAndGivesZero)
 {
-    std::string const spec = environment.Write("empty", "");
-    ZVFileInfo* file = OpenFileZV(spec.c_str(), ZVFilePermRead, ZVFileFlagNone);
-    ZVFileReader reader(file);
+    OpenFile const file = Open_File(environment.Write("empty", ""));
+    ZVFileReader reader(file.get());
     EXPECT_TRUE(reader.End());
     EXPECT_FALSE(reader.HasError());
     EXPECT_EQ(reader.ReadByte(), 0);
     EXPECT_TRUE(reader.HasError());
     EXPECT_EQ(reader.ReadLongBE(), 0u);
-    CloseFileZV(file);
 }
 
 TEST(BufferReader, SeeksFromTheEndSubtractAndStayInside)
@@ -158,9 +140,8 @@ TEST_F(ReaderWriter, ARandomRunOfWritesLeavesTheBytesOfTheModel)
     std::mt19937 random(2);
     std::string const spec = environment.Spec("out");
     for (long bufferSize : {0L, 1L, 4L, 100L}) {
-        ZVFileInfo* file =
-            CreateFileZV(spec.c_str(), ZVFilePermReadWrite, ZV_BLANK_CODE, ZV_BLANK_CODE, ZVFileFlagNone);
-        std::vector<uint8_t> model;
+        OpenFile file = Create_File(spec, ZVFilePermReadWrite);
+        Bytes model;
         std::size_t position = 0;
         auto const put = [&](std::initializer_list<unsigned> values) {
             for (unsigned value : values) {
@@ -169,22 +150,28 @@ TEST_F(ReaderWriter, ARandomRunOfWritesLeavesTheBytesOfTheModel)
             }
         };
         {
-            ZVFileWriter writer(file, bufferSize);
+            ZVFileWriter writer(file.get(), bufferSize);
             for (int i = 0; i < 500; ++i) {
                 auto const v = static_cast<uint32_t>(random());
                 switch (v % 6) {
                 case 0:
-                    ASSERT_TRUE(writer.WriteByte(static_cast<uint8_t>(v >> 8))), put({v >> 8 & 255});
+                    ASSERT_TRUE(writer.WriteByte(static_cast<uint8_t>(v >> 8)));
+                    put({v >> 8 & 255});
                     break;
                 case 1:
-                    ASSERT_TRUE(writer.WriteShortBE(static_cast<uint16_t>(v))), put({v >> 8 & 255, v & 255});
+                    ASSERT_TRUE(writer.WriteShortBE(static_cast<uint16_t>(v)));
+                    put({v >> 8 & 255, v & 255});
                     break;
                 case 2:
-                    ASSERT_TRUE(writer.WriteLongLE(v)), put({v & 255, v >> 8 & 255, v >> 16 & 255, v >> 24});
+                    ASSERT_TRUE(writer.WriteLongLE(v));
+                    put({v & 255, v >> 8 & 255, v >> 16 & 255, v >> 24});
                     break;
-                case 3: ASSERT_TRUE(writer.WriteFloatBE(1.0F)), put({0x3F, 0x80, 0, 0}); break;
+                case 3:
+                    ASSERT_TRUE(writer.WriteFloatBE(1.0F));
+                    put({0x3F, 0x80, 0, 0});
+                    break;
                 case 4: {
-                    std::vector<uint8_t> const block = Random_Bytes(v >> 8 & 255, random);
+                    Bytes const block = Random_Bytes(random, v >> 8 & 255);
                     ASSERT_TRUE(writer.Write(block.data(), static_cast<long>(block.size())));
                     for (uint8_t byte : block)
                         put({byte});
@@ -200,10 +187,8 @@ TEST_F(ReaderWriter, ARandomRunOfWritesLeavesTheBytesOfTheModel)
             }
             ASSERT_TRUE(writer.Flush());
         }
-        CloseFileZV(file);
-        std::ifstream stream(environment.Path("out"), std::ios::binary);
-        std::vector<uint8_t> const written{std::istreambuf_iterator<char>(stream), {}};
-        EXPECT_EQ(written, model) << "buffer of " << bufferSize;
+        file.reset();
+        EXPECT_EQ(Bytes_In_File(environment.Path("out")), model) << "buffer of " << bufferSize;
     }
 }
 

@@ -27,32 +27,23 @@ TEST(ValidExtension, IsAppendedUnlessItIsThere)
     EXPECT_EQ(MakeValidExtensionZV(nullptr, 0, nullptr, nullptr, 0), nullptr);
 }
 
-long One_File_Of_Many_Frames(ZVFormatDesc*)
+ZVFormatDesc* Add_Format(char const* name, uint32_t const* extension)
 {
-    return ZV_FORMAT_MULTIFRAME | ZV_FORMAT_WRITE;
+    ZVFormatDesc* desc =
+        Make_Format_Desc({name, ZV_BLANK_CODE, ZV_BLANK_CODE, nullptr, 0, extension, extension ? 1 : 0});
+    desc->CanLoad = Standard_CanLoad;
+    desc->GetImportProperties = [](ZVFormatDesc*) -> long { return ZV_FORMAT_MULTIFRAME | ZV_FORMAT_WRITE; };
+    AddTail(&ZVEnv->formats, &desc->Node);
+    return desc;
 }
 
-class FormatExtension : public ::testing::Test {
-protected:
-    ZVFormatDesc* Add(char const* name, uint32_t const* extension)
-    {
-        ZVFormatDesc* desc =
-            Make_Format_Desc({name, ZV_BLANK_CODE, ZV_BLANK_CODE, nullptr, 0, extension, extension ? 1 : 0});
-        desc->CanLoad = Standard_CanLoad;
-        desc->GetImportProperties = One_File_Of_Many_Frames;
-        AddTail(&ZVEnv->formats, &desc->Node);
-        return desc;
-    }
-
-    TestEnvironment environment;
-};
-
-TEST_F(FormatExtension, IsThatOfTheFormat)
+TEST(ValidExtension, IsThatOfTheFormat)
 {
+    TestEnvironment const environment;
     uint32_t const one = ZV_FourCC("one\0"), two = ZV_FourCC("two\0");
-    ZVFormatDesc* const first = Add("First", &one);
-    ZVFormatDesc* const second = Add("Second", &two);
-    ZVFormatDesc* const bare = Add("Bare", nullptr);
+    ZVFormatDesc* const first = Add_Format("First", &one);
+    ZVFormatDesc* const second = Add_Format("Second", &two);
+    ZVFormatDesc* const bare = Add_Format("Bare", nullptr);
     struct {
         char const* why;
         char const* spec;

@@ -2,16 +2,13 @@
 // units, however it is cut.
 #include "formats/EIDIPackets.h"
 
+#include "TestBytes.h"
+
 #include <algorithm>
-#include <cstring>
+#include <array>
 #include <gtest/gtest.h>
-#include <random>
-#include <string>
-#include <vector>
 
 namespace {
-
-using Bytes = std::vector<uint8_t>;
 
 /// Bytes with the slack that the packer and the unpacker ask for. Under the address sanitizer, one byte more
 /// is an error.
@@ -57,13 +54,6 @@ Bytes Simple_Unpack(Bytes const& packets, long unitBytes)
     return units;
 }
 
-struct PackCase {
-    char const* why;
-    long unitBytes;
-    std::string row;
-    std::vector<std::pair<int, std::string>> packets;  ///< control byte and units
-};
-
 std::string Many(std::size_t count, char letter)
 {
     return std::string(count, letter);
@@ -79,7 +69,12 @@ std::string Alternating(std::size_t count)
 
 TEST(EIDIPackets, RowsBecomeTheseVeryPackets)
 {
-    PackCase const cases[] = {
+    struct {
+        char const* why;
+        long unitBytes;
+        std::string row;
+        std::vector<std::pair<int, std::string>> packets;  ///< control byte and units
+    } const cases[] = {
         {"128 equal pixels are one run", 3, Many(128, 'a'), {{0x7F, "a"}}},
         {"of 129 the last is left to a literal", 3, Many(129, 'a'), {{0x7F, "a"}, {0x80, "a"}}},
         {"of 130 the last two are a run again", 4, Many(130, 'a'), {{0x7F, "a"}, {0x01, "a"}}},
@@ -99,7 +94,7 @@ TEST(EIDIPackets, RowsBecomeTheseVeryPackets)
         {"four equal bytes alone are literals", 1, "aaaa", {{0x83, "aaaa"}}},
         {"a run of bytes ends at 128 too", 1, Many(132, 'a'), {{0x7F, "a"}, {0x83, "aaaa"}}},
     };
-    for (PackCase const& row : cases) {
+    for (auto const& row : cases) {
         Bytes expected;
         for (auto const& [control, letters] : row.packets) {
             expected.push_back(static_cast<uint8_t>(control));
@@ -108,17 +103,13 @@ TEST(EIDIPackets, RowsBecomeTheseVeryPackets)
         }
         EXPECT_EQ(Pack(Units(row.row, row.unitBytes), row.unitBytes), expected) << row.why;
     }
-}
-
-TEST(EIDIPackets, PixelsThatDifferInOneByteAloneAreNoRun)
-{
-    for (long unitBytes : {3L, 4L}) {
+    // Pixels that differ in one byte alone are no run.
+    for (long unitBytes : {3L, 4L})
         for (long byte = 0; byte < unitBytes; ++byte) {
             Bytes units = Units("aa", unitBytes);
             units[static_cast<std::size_t>(byte)] ^= 1;
             EXPECT_EQ(Pack(units, unitBytes)[0], 0x81) << unitBytes << " bytes, byte " << byte;
         }
-    }
 }
 
 /// A row with runs and noise mixed; `colours` small makes neighbours equal by chance.
@@ -187,8 +178,9 @@ TEST(EIDIPackets, AnyStreamUnpacksWhereverItIsCut)
             unsigned long const length = 1 + random() % longest;
             bool const isRun = random() % 2;
             packets.push_back(static_cast<uint8_t>(isRun ? length - 1 : length + 127));
-            for (long bytes = unitBytes * static_cast<long>(isRun ? 1 : length); bytes > 0; --bytes)
-                packets.push_back(static_cast<uint8_t>(random()));
+            Bytes const units =
+                Random_Bytes(random, static_cast<std::size_t>(unitBytes) * (isRun ? 1 : length));
+            packets.insert(packets.end(), units.begin(), units.end());
         }
         long const longestPiece = turn % 2 ? 5 : 200;
         ASSERT_EQ(Unpack_In_Pieces(packets, unitBytes, random, longestPiece),

@@ -3,11 +3,7 @@
 
 #include <array>
 #include <cmath>
-#include <functional>
 #include <limits>
-#include <malloc.h>
-#include <random>
-#include <unistd.h>
 
 namespace {
 
@@ -41,33 +37,31 @@ Bytes File_Of(std::vector<FrameSpec> const& frames, long count = -1)
     return file.bytes;
 }
 
-Bytes Random_Bytes(std::mt19937& random, std::size_t count)
+/// A frame of 16 by 3 pixels of one value.
+FrameSpec Filled_Frame(uint8_t value, float time = 0.0f)
 {
-    Bytes bytes(count);
-    for (uint8_t& byte : bytes)
-        byte = static_cast<uint8_t>(random());
-    return bytes;
+    FrameSpec frame;
+    frame.time = time;
+    frame.data = Bytes(16 * 3 * 3, value);
+    return frame;
 }
 
-/// Cuts units into packets at random, single-unit packets and packets across rows included. Repetitions
-/// become runs or not, as it happens.
-Bytes Random_Packets(std::mt19937& random, Bytes const& units, long unitBytes, unsigned longest)
+/// Units as packets, which do not end with their rows: runs where units repeat, and literals of three.
+Bytes Packets_Of(Bytes const& units, long unitBytes)
 {
-    Bytes packets;
+    ByteWriter packets;
     long const count = static_cast<long>(units.size()) / unitBytes;
     auto const unit = [&](long i) { return units.begin() + i * unitBytes; };
     for (long i = 0; i < count;) {
-        long const room = std::min<long>(count - i, 1 + static_cast<long>(random() % longest));
         long equal = 1;
-        while (equal < room && std::equal(unit(i), unit(i + 1), unit(i + equal)))
+        while (i + equal < count && equal < 128 && std::equal(unit(i), unit(i + 1), unit(i + equal)))
             ++equal;
-        bool const isRun = equal > 1 || random() % 8 == 0;
-        long const length = isRun ? equal : room;
-        packets.push_back(static_cast<uint8_t>(isRun ? length - 1 : length + 127));
-        packets.insert(packets.end(), unit(i), unit(i + (isRun ? 1 : length)));
-        i += length;
+        long const literal = std::min(count - i, 3L);
+        packets.Put8(equal > 1 ? equal - 1 : literal + 127);
+        packets.Put(Bytes(unit(i), unit(i + (equal > 1 ? 1 : literal))));
+        i += equal > 1 ? equal : literal;
     }
-    return packets;
+    return packets.bytes;
 }
 
 /// Pixel x of a stored row, worked out bit by bit.
@@ -97,18 +91,27 @@ class EIDI : public FormatTest {
 protected:
     ZVFormatDesc* const format = Module(ZV_FourCC("EIDI"));
 
+    /// What the module tells of the rate; -1 when it does not know.
+    double Rate_In(std::string const& spec) const
+    {
+        ClipPtr clip{NewClipZV()};
+        clip->Format = format;
+        clip->FileName = CopyFileSpecZV(spec.c_str());
+        EXPECT_TRUE(format->Open(clip.get(), nullptr));
+        EXPECT_EQ(format->Open(clip.get(), nullptr), 1) << "open already";
+        double const rate = clip->FileFrameRate;
+        format->Close(clip.get());
+        return rate;
+    }
+
     ClipPtr Open_Bytes(Bytes const& bytes) const { return Open(Write("read.ei", bytes)); }
 
-    static Bytes Random_Pixels(long width, long height, unsigned seed, bool isOpaque = false)
+    /// Pixels that repeat now and then, for packets of both kinds.
+    static Bytes Random_Pixels(long width, long height, unsigned seed)
     {
-        std::mt19937 random(seed);
-        Bytes pixels(static_cast<std::size_t>(4 * width * height));
-        for (std::size_t i = 0; i < pixels.size(); i += 4) {
-            bool const repeats = i > 0 && random() % 3;
-            for (std::size_t c = 0; c < 4; ++c)
-                pixels[i + c] = repeats ? pixels[i + c - 4] : static_cast<uint8_t>(random());
-            if (isOpaque) pixels[i + 3] = 255;
-        }
+        Bytes pixels = FormatTest::Random_Pixels(width, height, seed);
+        for (std::size_t i = 4; i < pixels.size(); i += 4)
+            if (pixels[i] % 3) std::copy_n(&pixels[i - 4], 4, &pixels[i]);
         return pixels;
     }
 };
@@ -117,7 +120,7 @@ TEST_F(EIDI, EveryDepthReadsPlainAndPacked)
 {
     std::mt19937 random(1);
     for (long bits : {1L, 2L, 4L, 8L, 16L, 24L, 32L}) {
-        for (unsigned longestPacket : {0u, 1u, 128u}) {
+        for (bool isPacked : {false, true}) {
             FrameSpec frame;
             frame.bits = bits;
             frame.height = 37;
@@ -126,9 +129,8 @@ TEST_F(EIDI, EveryDepthReadsPlainAndPacked)
             std::size_t const rowBytes = static_cast<std::size_t>(frame.width * bits / 8);
             Bytes units = Random_Bytes(random, rowBytes * 37);
             std::fill(units.begin(), units.begin() + static_cast<long>(units.size() / 2), uint8_t{0x5A});
-            frame.isCompressed = longestPacket > 0;
-            frame.data =
-                longestPacket ? Random_Packets(random, units, std::max(bits / 8, 1L), longestPacket) : units;
+            frame.isCompressed = isPacked;
+            frame.data = isPacked ? Packets_Of(units, std::max(bits / 8, 1L)) : units;
 
             ClipPtr const clip = Open_Bytes(File_Of({frame}));
             ASSERT_TRUE(clip) << bits << " bits";
@@ -142,8 +144,7 @@ TEST_F(EIDI, EveryDepthReadsPlainAndPacked)
                     expected.insert(expected.end(), pixel.begin(), pixel.end());
                 }
             }
-            EXPECT_EQ(Clip_Frame(clip.get(), 0), expected)
-                << bits << " bits, packets of up to " << longestPacket;
+            EXPECT_EQ(Clip_Frame(clip.get(), 0), expected) << bits << " bits, packed " << isPacked;
         }
     }
 }
@@ -165,15 +166,13 @@ TEST_F(EIDI, PixelsBeyondTheLastWholeByteTakeTheFirstColour)
                         "41111111111");
 }
 
-struct HeaderCase {
-    char const* why;
-    std::size_t offset;  ///< in the frame header
-    Bytes bytes;
-};
-
 TEST_F(EIDI, HeadersThatBreakARuleAreRefused)
 {
-    HeaderCase const cases[] = {
+    struct {
+        char const* why;
+        std::size_t offset;  ///< in the frame header
+        Bytes bytes;
+    } const cases[] = {
         {"depth 3", 12, {3}},
         {"depth 32", 12, {32}},
         {"depth 0", 12, {0}},
@@ -190,11 +189,9 @@ TEST_F(EIDI, HeadersThatBreakARuleAreRefused)
         {"a picture that the file cannot hold", 8, {0x7F, 0xFF, 0x7F, 0xFF}},
         {"a palette beyond the end of the file", 28, {1, 0}},
     };
-    FrameSpec frame;
-    frame.data = Bytes(16 * 3 * 3, 9);
-    Bytes const good = File_Of({frame});
+    Bytes const good = File_Of({Filled_Frame(9)});
     ASSERT_TRUE(Open_Bytes(good));
-    for (HeaderCase const& row : cases) {
+    for (auto const& row : cases) {
         Bytes bad = good;
         std::copy(row.bytes.begin(), row.bytes.end(), bad.begin() + 6 + static_cast<long>(row.offset));
         EXPECT_FALSE(Open_Bytes(bad)) << row.why;
@@ -203,9 +200,7 @@ TEST_F(EIDI, HeadersThatBreakARuleAreRefused)
 
 TEST_F(EIDI, APictureLiesWhereverItsRectangleDoes)
 {
-    FrameSpec frame;
-    frame.data = Bytes(16 * 3 * 3, 9);
-    Bytes bytes = File_Of({frame});
+    Bytes bytes = File_Of({Filled_Frame(9)});
     for (std::size_t side : {4u, 6u, 8u, 10u}) {
         int const moved = (bytes[6 + side] << 8 | bytes[6 + side + 1]) - 100;
         bytes[6 + side] = static_cast<uint8_t>(moved >> 8);
@@ -213,20 +208,17 @@ TEST_F(EIDI, APictureLiesWhereverItsRectangleDoes)
     }
     ClipPtr const clip = Open_Bytes(bytes);
     ASSERT_TRUE(clip);
-    EXPECT_EQ(clip->Width, 16);
-    EXPECT_EQ(clip->Height, 3);
+    EXPECT_TRUE(clip->Width == 16 && clip->Height == 3);
 }
-
-struct RateCase {
-    char const* why;
-    std::vector<float> times;
-    double rate;
-};
 
 TEST_F(EIDI, TheRateFollowsFromTheLastTwoTimes)
 {
     float const infinite = std::numeric_limits<float>::infinity();
-    RateCase const cases[] = {
+    struct {
+        char const* why;
+        std::vector<float> times;
+        double rate;
+    } const cases[] = {
         {"one frame at time 0 tells nothing", {0.0f}, -1.0},
         {"one frame later than 0 does", {0.5f}, 2.0},
         {"25 a second", {0.0f, 0.04f, 0.08f}, 25.0},
@@ -240,53 +232,32 @@ TEST_F(EIDI, TheRateFollowsFromTheLastTwoTimes)
          {0.0f, std::numeric_limits<float>::denorm_min()},
          1.0 / 1.401298464324817e-45},
     };
-    for (RateCase const& row : cases) {
+    for (auto const& row : cases) {
         std::vector<FrameSpec> frames;
-        for (float time : row.times) {
-            FrameSpec frame;
-            frame.time = time;
-            frame.data = Bytes(16 * 3 * 3, 1);
-            frames.push_back(frame);
-        }
-        ClipPtr clip{NewClipZV()};
-        clip->Format = format;
-        clip->FileName = CopyFileSpecZV(Write("rate.ei", File_Of(frames)).c_str());
-        ASSERT_TRUE(format->Open(clip.get(), nullptr)) << row.why;
-        EXPECT_NEAR(clip->FileFrameRate, row.rate, std::fabs(row.rate) * 1e-5) << row.why;
-        format->Close(clip.get());
+        for (float time : row.times)
+            frames.push_back(Filled_Frame(1, time));
+        double const rate = Rate_In(Write("rate.ei", File_Of(frames)));
+        EXPECT_NEAR(rate, row.rate, std::fabs(row.rate) * 1e-5) << row.why;
     }
 }
 
 TEST_F(EIDI, FramesBehindABadHeaderFailAndTheOthersStay)
 {
-    FrameSpec frame;
-    frame.data = Bytes(16 * 3 * 3, 1);
-    FrameSpec second = frame;
-    second.time = 0.5f;
-    second.data = Bytes(16 * 3 * 3, 2);
-    FrameSpec bad = frame;
-    bad.time = 9.0f;
+    FrameSpec const first = Filled_Frame(1), second = Filled_Frame(2, 0.5f);
+    FrameSpec bad = Filled_Frame(1, 9.0f);
     bad.bits = 7;
-    ClipPtr const clip = Open_Bytes(File_Of({frame, second, bad, frame}, 1000000));
-    ASSERT_TRUE(clip);
-    EXPECT_EQ(clip->RawFrames, 1000000);
-    EXPECT_DOUBLE_EQ(clip->FileFrameRate, 2.0);
-    EXPECT_EQ(Module_Frame(clip.get(), 0)[0], 1);
-    EXPECT_EQ(Module_Frame(clip.get(), 1)[0], 2);
-    for (long beyond : {-1L, 2L, 3L, 999999L, 1L << 40})
-        EXPECT_TRUE(Module_Frame(clip.get(), beyond).empty()) << beyond;
-    EXPECT_TRUE(Clip_Frame(clip.get(), 2).empty());
-    EXPECT_EQ(GetErrorZV(), ZV_ERR_CLIP);
-}
-
-TEST_F(EIDI, AnAbsurdFrameCountCostsNothing)
-{
-    FrameSpec frame;
-    frame.data = Bytes(16 * 3 * 3, 1);
-    ClipPtr const clip = Open_Bytes(File_Of({frame}, 0xFFFFFFFF));
-    ASSERT_TRUE(clip);
-    EXPECT_FALSE(Module_Frame(clip.get(), 0).empty());
-    EXPECT_TRUE(Module_Frame(clip.get(), 0xFFFFFFFE).empty());
+    for (long count : {1000000L, 0xFFFFFFFFL}) {
+        ClipPtr const clip = Open_Bytes(File_Of({first, second, bad, first}, count));
+        ASSERT_TRUE(clip) << "an absurd count costs nothing";
+        EXPECT_EQ(clip->RawFrames, count);
+        EXPECT_DOUBLE_EQ(clip->FileFrameRate, 2.0);
+        EXPECT_EQ(Module_Frame(clip.get(), 0)[0], 1);
+        EXPECT_EQ(Module_Frame(clip.get(), 1)[0], 2);
+        for (long beyond : {-1L, 2L, 3L, count - 1, 1L << 40})
+            EXPECT_TRUE(Module_Frame(clip.get(), beyond).empty()) << beyond;
+        EXPECT_TRUE(Clip_Frame(clip.get(), 2).empty());
+        EXPECT_EQ(GetErrorZV(), ZV_ERR_CLIP);
+    }
 }
 
 TEST_F(EIDI, AFileCutShortAnywhereFailsOrReadsItsWholeFrames)
@@ -295,7 +266,7 @@ TEST_F(EIDI, AFileCutShortAnywhereFailsOrReadsItsWholeFrames)
     FrameSpec packed;
     packed.bits = 32;
     packed.isCompressed = true;
-    packed.data = Random_Packets(random, Random_Bytes(random, 4 * 16 * 3), 4, 20);
+    packed.data = Packets_Of(Random_Bytes(random, 4 * 16 * 3), 4);
     FrameSpec plain;
     plain.data = Random_Bytes(random, 3 * 16 * 3);
     Bytes const whole = File_Of({packed, plain});
@@ -305,8 +276,7 @@ TEST_F(EIDI, AFileCutShortAnywhereFailsOrReadsItsWholeFrames)
     ASSERT_FALSE(Module_Frame(good.get(), 1).empty());
 
     for (std::size_t length = 0; length < whole.size(); ++length) {
-        ClipPtr const clip =
-            Open(Write("cut.ei", Bytes(whole.begin(), whole.begin() + static_cast<long>(length))));
+        ClipPtr const clip = Open_Bytes(Head(whole, length));
         if (length < 6 + 35) {
             EXPECT_FALSE(clip) << length;
             continue;
@@ -319,22 +289,16 @@ TEST_F(EIDI, AFileCutShortAnywhereFailsOrReadsItsWholeFrames)
 
 TEST_F(EIDI, FramesBeyondFourGigabytesAreFound)
 {
-    FrameSpec frame;
-    frame.data = Bytes(16 * 3 * 3, 1);
-    ByteWriter file;
-    file.Put(File_Of({frame}, 2));
-    std::size_t const dataSize = 6 + 24;
-    for (std::size_t i = 0; i < 4; ++i)
-        file.bytes[dataSize + i] = 0xFF;
-    std::string const spec = Write("large.ei", file.bytes);
+    Bytes file = File_Of({Filled_Frame(1)}, 2);
+    std::fill_n(&file[6 + 24], 4, uint8_t{0xFF});  // the size of its data
+    std::string const spec = Write("large.ei", file);
     ByteWriter tail;
-    frame.data = Bytes(16 * 3 * 3, 2);
-    Put_Frame(tail, frame);
+    Put_Frame(tail, Filled_Frame(2));
     {
         std::fstream stream(environment.Path("large.ei"), std::ios::binary | std::ios::in | std::ios::out);
         stream.seekp(6 + 35 + 0xFFFFFFFFL);
-        stream.write(reinterpret_cast<char const*>(tail.bytes.data()), static_cast<long>(tail.bytes.size()));
-        if (!stream) GTEST_SKIP() << "no room for a sparse file of 4 GiB";
+        stream << As_Text(tail.bytes);
+        if (!stream.flush()) GTEST_SKIP() << "no room for a sparse file of 4 GiB";
     }
     ClipPtr const clip = Open(spec);
     ASSERT_TRUE(clip);
@@ -344,11 +308,8 @@ TEST_F(EIDI, FramesBeyondFourGigabytesAreFound)
 
 TEST_F(EIDI, ADataSizeLeftAtZeroReadsToTheEndOfTheFile)
 {
-    FrameSpec frame;
-    frame.data = Bytes(16 * 3 * 3, 7);
-    Bytes file = File_Of({frame});
-    file[6 + 27] = 0;
-    ASSERT_EQ(file[6 + 26], 0);
+    Bytes file = File_Of({Filled_Frame(7)});
+    std::fill_n(&file[6 + 24], 4, uint8_t{0});
     ClipPtr const clip = Open_Bytes(file);
     ASSERT_TRUE(clip);
     EXPECT_FALSE(Module_Frame(clip.get(), 0).empty());
@@ -356,203 +317,98 @@ TEST_F(EIDI, ADataSizeLeftAtZeroReadsToTheEndOfTheFile)
 
 TEST_F(EIDI, AFrameOfAnotherSizeIsScaledToTheClip)
 {
-    FrameSpec frame;
-    frame.data = Bytes(16 * 3 * 3, 1);
     FrameSpec large;
     large.width = 32;
     large.height = 6;
     for (long i = 0; i < 32 * 6; ++i)
         large.data.insert(large.data.end(), 3, static_cast<uint8_t>(i));
-    ClipPtr const clip = Open_Bytes(File_Of({frame, large}));
+    ClipPtr const clip = Open_Bytes(File_Of({Filled_Frame(1), large}));
     Bytes const pixels = Module_Frame(clip.get(), 1);
     ASSERT_EQ(pixels.size(), 4u * 16 * 3);
     for (std::size_t y = 0; y < 3; ++y)
         for (std::size_t x = 0; x < 16; ++x)
             EXPECT_EQ(pixels[4 * (16 * y + x)], 64 * y + 2 * x);
-
-    // The same happens to a clip whose size was reduced after it was opened.
-    clip->ProxyScale = 1;
-    SetClipOptionsZV(clip.get(), ZV_CLIP_WIDTH, 16, ZV_CLIP_HEIGHT, 3, 0);
-    EXPECT_EQ(Clip_Frame(clip.get(), 0).size(), 4u * 8 * 1);
 }
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool memoryCanBeLimited = false;
-#elif defined(__has_feature)
-constexpr bool memoryCanBeLimited = !__has_feature(address_sanitizer);
-#else
-constexpr bool memoryCanBeLimited = true;
-#endif
-
-/// Bytes of address space that this process uses.
-rlim_t Address_Space()
-{
-    std::ifstream statm("/proc/self/statm");
-    rlim_t pages = 0;
-    statm >> pages;
-    return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
-}
-
-TEST_F(EIDI, AFrameIsReadAndWrittenWithLittleMemory)
-{
-    if (!memoryCanBeLimited) GTEST_SKIP() << "the address sanitizer needs all address space";
-    long const width = 4000, height = 3000;
-    Bytes const pixels = Random_Pixels(width, height, 1);
-    ClipPtr const clip = Create(format, "little.ei", width, height, 25.0);
-    ASSERT_TRUE(Add_Frame_At(clip.get(), 0, pixels));
-    BitmapPtr const bitmap = Make_Bitmap(width, height, pixels);
-    BitmapPtr const read = Make_Bitmap(width, height);
-    Make_Bitmap(width, height);  // freed at once, and kept for the picture that writing makes
-    auto const work = [&] {
-        malloc_trim(0);
-        rlim_t const limit = Address_Space() + (1 << 20);
-        rlimit const space{limit, limit};
-        setrlimit(RLIMIT_AS, &space);
-        bool const isTight = !Alloc_Aligned(4 << 20, 64);
-        bool const isAdded = format->AddFrame(clip.get(), bitmap.get(), 1, nullptr);
-        bool const isRead =
-            format->GetFrame(clip.get(), read.get(), 1, nullptr, width, height, 0, nullptr, 0);
-        bool const isSame = std::memcmp(read->Pixels, pixels.data(), pixels.size()) == 0;
-        std::_Exit(!isTight ? 10 : !isAdded ? 11 : !isRead ? 12 : !isSame ? 13 : 0);
-    };
-    EXPECT_EXIT(work(), testing::ExitedWithCode(0), "");
-}
-
-// ---- writing ---------------------------------------------------------------------------------
-
-struct KindCase {
-    char const* why;
-    uint8_t alphaType;
-    long depth, alphaDepth, paletteSize;
-    std::function<Pixel(Pixel)> readBack;
-};
 
 TEST_F(EIDI, WrittenKindsReadBack)
 {
-    KindCase const cases[] = {
-        {"with alpha", ZV_ALPHA_CHANNEL, 24, 8, 1, [](Pixel p) { return p; }},
-        {"without alpha", ZV_ALPHA_NONE, 24, 0, 1,
-         [](Pixel p) {
-             return Pixel{p[0], p[1], p[2], 255};
-         }},
-        {"alpha as grey", ZV_ALPHA_LUMINANCE, 8, 0, 256,
-         [](Pixel p) {
-             return Pixel{p[3], p[3], p[3], 255};
-         }},
+    struct {
+        char const* why;
+        uint8_t alphaType;
+        long depth, alphaDepth, paletteSize;
+        std::array<std::size_t, 3> colours;  ///< which channels are read back as the colours
+    } const cases[] = {
+        {"with alpha", ZV_ALPHA_CHANNEL, 24, 8, 1, {0, 1, 2}},
+        {"without alpha", ZV_ALPHA_NONE, 24, 0, 1, {0, 1, 2}},
+        {"alpha as grey", ZV_ALPHA_LUMINANCE, 8, 0, 256, {3, 3, 3}},
     };
-    for (KindCase const& row : cases) {
+    long const width = 150, height = 20;
+    for (auto const& row : cases) {
         for (int32_t compress : {1, 0}) {
-            long const width = 150, height = 20;
-            std::array const frames = {Random_Pixels(width, height, 1), Random_Pixels(width, height, 2),
-                                       Random_Pixels(width, height, 3)};
+            SCOPED_TRACE(row.why);
             {
                 ClipPtr const clip = Create(format, "kind.ei", width, height, 25.0, row.alphaType);
-                ASSERT_TRUE(clip);
-                ASSERT_TRUE(clip->VideoParams);
-                EXPECT_EQ(clip->VideoParams->Size, 4);
+                ASSERT_TRUE(clip && clip->VideoParams && clip->VideoParams->Size == 4);
+                EXPECT_EQ(clip->BitDepth, 8);
                 std::memcpy(clip->VideoParams->Data, &compress, 4);
-                for (long i = 0; i < 3; ++i)
-                    ASSERT_TRUE(Add_Frame_At(clip.get(), i, frames[static_cast<std::size_t>(i)])) << row.why;
+                for (unsigned i = 0; i < 3; ++i)
+                    ASSERT_TRUE(Add_Frame_At(clip.get(), i, Random_Pixels(width, height, i)));
                 Close(clip);
                 EXPECT_EQ(clip->RawFrames, 3);
             }
-
             Bytes const file = Read("kind.ei");
+            EXPECT_EQ(Type_Of("kind.ei"), ZV_FourCC("EIDI"));
             long const paletteBytes = 3 * row.paletteSize;
             ByteWriter head;
             head.Put16(5).Put32(3).PutFloat(0.0f).Put16(0).Put16(0).Put16(height).Put16(width);
             head.Put8(row.depth).Put8(row.depth == 8).Put16(0).Put16(0).Put16(height).Put16(width);
             head.Put8(compress).Put8(row.alphaDepth);
-            EXPECT_EQ(Bytes(file.begin(), file.begin() + 6 + 24), head.bytes) << row.why;
+            EXPECT_EQ(Head(file, 6 + 24), head.bytes);
             EXPECT_EQ(file[6 + 28] << 8 | file[6 + 29], row.paletteSize);
             EXPECT_EQ(*(file.begin() + 6 + 32 + paletteBytes - 1), row.paletteSize - 1) << "palette of greys";
 
-            long const unitBytes = (row.depth + row.alphaDepth) / 8;
+            long const plainSize = width * height * (row.depth + row.alphaDepth) / 8;
             long const dataSize = file[6 + 24] << 24 | file[6 + 25] << 16 | file[6 + 26] << 8 | file[6 + 27];
-            if (!compress) {
-                EXPECT_EQ(dataSize, width * height * unitBytes);
-                EXPECT_EQ(static_cast<long>(file.size()), 6 + 3 * (32 + paletteBytes + dataSize));
-            } else {
-                EXPECT_LT(dataSize, width * height * unitBytes) << row.why;
-            }
+            EXPECT_TRUE(compress ? dataSize < plainSize : dataSize == plainSize);
             ByteWriter time;
             time.PutFloat(0.04f);
             auto const second = file.begin() + 6 + 32 + paletteBytes + dataSize;
-            EXPECT_EQ(Bytes(second, second + 4), time.bytes) << row.why;
+            EXPECT_EQ(Bytes(second, second + 4), time.bytes);
 
             ClipPtr const clip = Open(environment.Spec("kind.ei"));
             ASSERT_TRUE(clip);
             EXPECT_EQ(clip->RawFrames, 3);
             EXPECT_NEAR(clip->FileFrameRate, 25.0, 1e-4);
-            for (long i = 0; i < 3; ++i) {
-                Bytes expected = frames[static_cast<std::size_t>(i)];
-                for (std::size_t at = 0; at < expected.size(); at += 4) {
-                    Pixel const pixel =
-                        row.readBack({expected[at], expected[at + 1], expected[at + 2], expected[at + 3]});
-                    std::copy(pixel.begin(), pixel.end(), expected.begin() + static_cast<long>(at));
+            for (unsigned i = 0; i < 3; ++i) {
+                Bytes const pixels = Random_Pixels(width, height, i);
+                Bytes expected = pixels;
+                for (std::size_t at = 0; at < pixels.size(); at += 4) {
+                    for (std::size_t c = 0; c < 3; ++c)
+                        expected[at + c] = pixels[at + row.colours[c]];
+                    if (row.alphaDepth == 0) expected[at + 3] = 255;
                 }
-                EXPECT_EQ(Clip_Frame(clip.get(), i), expected) << row.why << ", frame " << i;
+                EXPECT_EQ(Clip_Frame(clip.get(), i), expected) << "frame " << i;
             }
         }
     }
 }
 
-TEST_F(EIDI, WrittenFilesHaveTypeCreatorAndAWholeHeaderAtOnce)
+TEST_F(EIDI, AFileWhoseWriterDiedIsAClipOfItsFirstFrame)
 {
     ClipPtr const clip = Create(format, "begun.ei", 16, 3, 25.0);
-    EXPECT_EQ(clip->BitDepth, 8);
-    ASSERT_TRUE(Add_Frame_At(clip.get(), 0, Random_Pixels(16, 3, 1)));
-    ASSERT_TRUE(Add_Frame_At(clip.get(), 1, Random_Pixels(16, 3, 2)));
-    // The writer dies here: what it left is a clip of one frame.
+    for (unsigned i = 0; i < 2; ++i)
+        ASSERT_TRUE(Add_Frame_At(clip.get(), i, Random_Pixels(16, 3, i)));
     ClipPtr const left = Open(environment.Spec("begun.ei"));
     ASSERT_TRUE(left);
     EXPECT_EQ(left->RawFrames, 1);
-    EXPECT_EQ(Clip_Frame(left.get(), 0), Random_Pixels(16, 3, 1));
-    uint32_t type, creator;
-    Get_FileInfo(environment.Spec("begun.ei").c_str(), &creator, &type);
-    EXPECT_EQ(type, ZV_FourCC("EIDI"));
-}
-
-TEST_F(EIDI, FramesOfOtherPixelTypesAreConverted)
-{
-    Bytes const pixels = Random_Pixels(16, 3, 4);
-    BitmapPtr const deep = Make_Bitmap(16, 3, {}, ZV_BITMAP_RGBA16);
-    CopyBitmapZV(Make_Bitmap(16, 3, pixels).get(), deep.get(), 0, 0, -1, -1, 0, 0);
-    {
-        ClipPtr const clip = Create(format, "deep.ei", 16, 3, 25.0);
-        ASSERT_TRUE(Add_Frame_At(clip.get(), 0, deep.get()));
-        EXPECT_FALSE(format->AddFrame(clip.get(), deep.get(), 1, nullptr))
-            << "the module itself takes 8 bits";
-        Close(clip);
-    }
-    EXPECT_EQ(Clip_Frame(Open(environment.Spec("deep.ei")).get(), 0), pixels);
-}
-
-TEST_F(EIDI, FramesCanBeReadWhileOthersAreWritten)
-{
-    ClipPtr const clip = Create(format, "both.ei", 16, 3, 25.0);
-    for (unsigned i = 0; i < 4; ++i) {
-        ASSERT_TRUE(Add_Frame_At(clip.get(), i, Random_Pixels(16, 3, i)));
-        EXPECT_EQ(Clip_Frame(clip.get(), i / 2), Random_Pixels(16, 3, i / 2));
-    }
-    Close(clip);
-    Bytes const written = Read("both.ei");
-
-    // Opened again, the clip only reads: closing it leaves the file as it is.
-    clip->RawFrames = 77;
-    ASSERT_TRUE(OpenClipZV(clip.get(), nullptr));
-    BeginClipIOZV(clip.get(), nullptr);
-    EXPECT_EQ(Clip_Frame(clip.get(), 3), Random_Pixels(16, 3, 3));
-    Close(clip);
-    EXPECT_EQ(Read("both.ei"), written);
+    EXPECT_EQ(Clip_Frame(left.get(), 0), Random_Pixels(16, 3, 0));
 }
 
 TEST_F(EIDI, AFrameThatDoesNotFitTheDiskIsNotCountedAndTheNextOneTakesItsPlace)
 {
     long const width = 200, height = 100;
     ClipPtr const clip = Create(format, "full.ei", width, height, 25.0);
-    std::mt19937 random(1);
-    Bytes const noise = Random_Bytes(random, 4 * 200 * 100);
+    Bytes const noise = Random_Bytes(1, 4 * 200 * 100);
     ASSERT_TRUE(Add_Frame_At(clip.get(), 0, noise));
     {
         FileSizeLimit const full(Read("full.ei").size() + 10000);
@@ -577,17 +433,6 @@ TEST_F(EIDI, AFrameThatDoesNotFitTheDiskIsNotCountedAndTheNextOneTakesItsPlace)
     EXPECT_EQ(Clip_Frame(read.get(), 1), next);
 }
 
-TEST_F(EIDI, AFileThatCannotBeFinishedSaysSoAtClose)
-{
-    ClipPtr const clip = Create(format, "empty.ei", 16, 3, 25.0);
-    FileSizeLimit const full(0);
-    EndClipIOZV(clip.get(), nullptr);
-    SetError(0);
-    CloseClipZV(clip.get());
-    EXPECT_NE(GetErrorZV(), 0u);
-    EXPECT_FALSE(clip->ModuleData);
-}
-
 TEST_F(EIDI, NothingIsWrittenWithoutOptionsOrAnOutput)
 {
     BitmapPtr const bitmap = Make_Bitmap(16, 3);
@@ -606,20 +451,12 @@ TEST_F(EIDI, NothingIsWrittenWithoutOptionsOrAnOutput)
 TEST_F(EIDI, RatesThatGiveNoTimeAreUnknownWhenReadBack)
 {
     for (double rate : {0.0, -1.0, std::nan("")}) {
-        {
-            ClipPtr const clip = Create(format, "norate.ei", 16, 3, 25.0);
-            clip->FileFrameRate = rate;
-            for (long i = 0; i < 3; ++i)
-                ASSERT_TRUE(Add_Frame_At(clip.get(), i, Random_Pixels(16, 3, 1)));
-            Close(clip);
-        }
-        ClipPtr clip{NewClipZV()};
-        clip->Format = format;
-        clip->FileName = CopyFileSpecZV(environment.Spec("norate.ei").c_str());
-        ASSERT_TRUE(format->Open(clip.get(), nullptr));
-        EXPECT_EQ(clip->FileFrameRate, -1.0) << rate;
-        EXPECT_EQ(format->Open(clip.get(), nullptr), 1) << "open already";
-        format->Close(clip.get());
+        ClipPtr const clip = Create(format, "norate.ei", 16, 3, 25.0);
+        clip->FileFrameRate = rate;
+        for (long i = 0; i < 3; ++i)
+            ASSERT_TRUE(Add_Frame_At(clip.get(), i, Random_Pixels(16, 3, 1)));
+        Close(clip);
+        EXPECT_EQ(Rate_In(environment.Spec("norate.ei")), -1.0) << rate;
     }
 }
 

@@ -2,14 +2,12 @@
 // byte, and the entries of a module called directly.
 #pragma once
 
+#include "FileSizeLimit.h"
+#include "TestBytes.h"
 #include "TestEnvironment.h"
 
 #include <cstring>
 #include <memory>
-#include <sys/resource.h>
-#include <vector>
-
-using Bytes = std::vector<uint8_t>;
 
 struct TestDeleter {
     void operator()(ZVClip* clip) const { FreeClipZV(clip); }
@@ -53,28 +51,6 @@ public:
     Bytes bytes;
 };
 
-/// While this lives, files of this process cannot grow beyond a size: a disk that runs full.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t size)
-    {
-        signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &old_);
-        rlimit const limit{size, old_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &old_);
-        signal(SIGXFSZ, SIG_DFL);
-    }
-    FileSizeLimit(FileSizeLimit const&) = delete;
-    FileSizeLimit& operator=(FileSizeLimit const&) = delete;
-
-private:
-    rlimit old_;
-};
-
 class FormatTest : public EnvironmentTest {
 protected:
     FormatTest() { InitFormatModulesZV(nullptr); }
@@ -91,13 +67,16 @@ protected:
 
     std::string Write(std::string const& name, Bytes const& bytes) const
     {
-        return environment.Write(name, {reinterpret_cast<char const*>(bytes.data()), bytes.size()});
+        return environment.Write(name, As_Text(bytes));
     }
 
-    Bytes Read(std::string const& name) const
+    Bytes Read(std::string const& name) const { return Bytes_In_File(environment.Path(name)); }
+
+    uint32_t Type_Of(std::string const& name) const
     {
-        std::ifstream file(environment.Path(name), std::ios::binary);
-        return Bytes(std::istreambuf_iterator<char>(file), {});
+        uint32_t type, creator;
+        Get_FileInfo(environment.Spec(name).c_str(), &creator, &type);
+        return type;
     }
 
     /// A clip of the library, its alpha left as the file has it; null when it cannot be opened.
@@ -111,9 +90,9 @@ protected:
         return clip;
     }
 
-    /// A clip that is being written, with straight alpha.
-    ClipPtr Create(ZVFormatDesc* format, std::string const& name, long width, long height, double rate,
-                   uint8_t alphaType = ZV_ALPHA_CHANNEL) const
+    /// A clip to be written, with straight alpha.
+    ClipPtr New_Output(ZVFormatDesc* format, std::string const& name, long width, long height, double rate,
+                       uint8_t alphaType = ZV_ALPHA_CHANNEL) const
     {
         ClipPtr clip{NewClipZV()};
         clip->Format = format;
@@ -125,6 +104,14 @@ protected:
         clip->AlphaType = alphaType;
         clip->AlphaPremultiplied = 0;
         clip->Flags |= ZV_CLIP_ALPHA_KNOWN;
+        return clip;
+    }
+
+    /// One that is being written.
+    ClipPtr Create(ZVFormatDesc* format, std::string const& name, long width, long height, double rate,
+                   uint8_t alphaType = ZV_ALPHA_CHANNEL) const
+    {
+        ClipPtr clip = New_Output(format, name, width, height, rate, alphaType);
         if (!CreateClipZV(clip.get(), 0)) return nullptr;
         BeginClipIOZV(clip.get(), nullptr);
         return clip;
@@ -143,6 +130,11 @@ protected:
         std::memset(bitmap->Pixels, 0xEE, static_cast<std::size_t>(bitmap->Size));
         if (!pixels.empty()) std::memcpy(bitmap->Pixels, pixels.data(), pixels.size());
         return bitmap;
+    }
+
+    static Bytes Random_Pixels(long width, long height, unsigned seed)
+    {
+        return Random_Bytes(seed, static_cast<std::size_t>(4 * width * height));
     }
 
     static Bytes Pixels_Of(ZVBitmap const& bitmap) { return {bitmap.Pixels, bitmap.Pixels + bitmap.Size}; }

@@ -12,11 +12,7 @@ template <typename Work> static std::string Said_By(Work work)
 
 TEST(Message, IsOneLineOnStandardError)
 {
-    struct Row {
-        char const* text;
-        char const* line;
-    };
-    Row const rows[] = {
+    std::pair<char const*, char const*> const rows[] = {
         {"plain", "plain\n"},
         {"ends in one\n", "ends in one\n"},
         {"or in many\r\n\n", "or in many\n"},
@@ -26,12 +22,8 @@ TEST(Message, IsOneLineOnStandardError)
         {"", ""},
         {"\n", ""},
     };
-    for (Row const& row : rows)
-        EXPECT_EQ(Said_By([&row] { UserMessageZV("%s", row.text); }), row.line);
-}
-
-TEST(Message, LongTextsAreCut)
-{
+    for (auto const& [said, line] : rows)
+        EXPECT_EQ(Said_By([&] { UserMessageZV("%s", said); }), line);
     std::string const text(5000, 'x');
     EXPECT_EQ(Said_By([&text] { UserMessageZV("%s", text.c_str()); }), std::string(2047, 'x') + "\n");
 }
@@ -64,14 +56,14 @@ TEST(Message, FormatsComeByStringIdToo)
 TEST(Message, TheErrorModeSilencesAndAnswers)
 {
     EXPECT_EQ(SetErrorModeZV(ZV_ERRORMODE_YES), 0u) << "nothing to store it in";
-    struct Row {
+    struct {
         unsigned long mode;
         long answer;
         char const* said;
-    };
+    } const rows[] = {{1, 1, ""}, {2, 0, ""}, {3, 0, ""}, {4, 0, "?\n"}, {0, 0, "?\n"}};
     TestEnvironment environment;
     unsigned long old = 0;
-    for (Row const& row : {Row{1, 1, ""}, Row{2, 0, ""}, Row{3, 0, ""}, Row{4, 0, "?\n"}, Row{0, 0, "?\n"}}) {
+    for (auto const& row : rows) {
         EXPECT_EQ(SetErrorModeZV(row.mode), old);
         old = row.mode;
         EXPECT_EQ(Said_By([&row] { EXPECT_EQ(AskUserZV("?"), row.answer) << row.mode; }), row.said);

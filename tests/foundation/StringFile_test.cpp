@@ -57,12 +57,11 @@ static std::string const longest(127, 'n');
 
 TEST(StringFile, HeadersDefineAndEnumerate)
 {
-    struct Row {
+    struct {
         char const* why;
         std::string header;
         std::string symbols;
-    };
-    Row const rows[] = {
+    } const rows[] = {
         {"nothing", "", ""},
         {"definitions, with free text around", "x #define A 5 y\r#define\tB\t-1 // z", "A=5 B=4294967295"},
         {"a keyword counts in a comment and behind other letters", "// #define A 5\nq#define B 6", "A=5 B=6"},
@@ -94,19 +93,18 @@ TEST(StringFile, HeadersDefineAndEnumerate)
         {"a long name in an enum", "enum { " + longest + "n }", "failed 124"},
         {"text behind a zero byte is not read", std::string("#define A 1\0#define B 2", 23), "A=1"},
     };
-    for (Row const& row : rows)
+    for (auto const& row : rows)
         EXPECT_EQ(Symbols(row.header), row.symbols) << row.why;
 }
 
 TEST(StringFile, EntriesTakeTheirTextFromTheLine)
 {
     std::string const header = "enum { A = 1, B, C }";
-    struct Row {
+    struct {
         char const* why;
         std::string lines;
         std::string entries;
-    };
-    Row const rows[] = {
+    } const rows[] = {
         {"nothing", "", ""},
         {"all line ends", "#define A \"a\"\r#define B \"b\"\r\n#define C \"c\"", "1=a;2=b;3=c;"},
         {"free text around", "x #define A y \"a\" z \"w\"", "1=a;"},
@@ -124,7 +122,7 @@ TEST(StringFile, EntriesTakeTheirTextFromTheLine)
         {"the same name twice", "#define A \"a\"\n#define A \"b\"", "1=a;1=b;"},
         {"text in another encoding", "#define A \"\303\244\377\"", "1=\303\244\377;"},
     };
-    for (Row const& row : rows) {
+    for (auto const& row : rows) {
         Outcome const outcome = Parse(include + row.lines, header);
         EXPECT_TRUE(outcome.isGood) << row.why;
         EXPECT_EQ(outcome.entries, row.entries) << row.why;
@@ -135,13 +133,12 @@ TEST(StringFile, EntriesTakeTheirTextFromTheLine)
 TEST(StringFile, FaultsAreNamed)
 {
     std::string const header = "enum { A = 1, B }";
-    struct Row {
+    struct {
         char const* why;
         std::string file;
         bool isGood;
         std::string faults;
-    };
-    Row const rows[] = {
+    } const rows[] = {
         {"empty", "", false, "122 ;"},
         {"no white space behind the keyword", "#include\"h\"", false, "122 ;"},
         {"no name", "#include \n\"h\"", false, "123 ;"},
@@ -156,7 +153,7 @@ TEST(StringFile, FaultsAreNamed)
         {"a text that does not end", include + "#define A \"a\\\"\n\"", false, "126 A;"},
         {"unknown, then no text", include + "#define X \"x\"\n#define A", false, "125 X;126 A;"},
     };
-    for (Row const& row : rows) {
+    for (auto const& row : rows) {
         Outcome const outcome = Parse(row.file, header);
         EXPECT_EQ(outcome.isGood, row.isGood) << row.why;
         EXPECT_EQ(outcome.faults, row.faults) << row.why;

@@ -7,67 +7,54 @@
 #include <limits>
 #include <string>
 
-TEST(Text, CopiesAreOwnBlocks)
-{
-    char* const copy = AllocString("text");
-    EXPECT_STREQ(copy, "text");
-    FreeMemZV(copy);
-    EXPECT_EQ(AllocString(nullptr), nullptr);
-}
-
 TEST(Text, BlanksAreStrippedAtBothEnds)
 {
-    struct Row {
-        char const* text;
-        char const* result;
+    std::pair<std::string, std::string> const rows[] = {
+        {"", ""},
+        {"a", "a"},
+        {" \t ", ""},
+        {"  a b  ", "a b"},
+        {"\ta\tb\t", "a b"},
+        {"a\n ", "a\n"},
+        {std::string(70000, ' ') + "x", "x"},
     };
-    Row const rows[] = {{"", ""},           {"a", "a"},          {" \t ", ""},
-                        {"  a b  ", "a b"}, {"\ta\tb\t", "a b"}, {"a\n ", "a\n"}};
-    for (Row const& row : rows) {
-        std::string text = row.text;
+    for (auto [text, result] : rows) {
         StripBlankZV(text.data());
-        EXPECT_STREQ(text.c_str(), row.result);
+        EXPECT_STREQ(text.c_str(), result.c_str());
     }
     StripBlankZV(nullptr);
-    std::string longText = std::string(70000, ' ') + "x";
-    StripBlankZV(longText.data());
-    EXPECT_STREQ(longText.c_str(), "x");
 }
 
 TEST(Text, NumbersAreTruncatedTo32Bits)
 {
-    struct Row {
-        double value;
-        char const* text;
+    std::pair<double, char const*> const rows[] = {
+        {0, "0"},
+        {-0.9, "0"},
+        {1.99, "1"},
+        {-12.5, "-12"},
+        {2147483647.0, "2147483647"},
+        {-2147483648.0, "-2147483648"},
+        {1e30, "2147483647"},
+        {-INFINITY, "-2147483648"},
+        {std::numeric_limits<double>::quiet_NaN(), "0"},
     };
-    Row const rows[] = {{0, "0"},
-                        {-0.9, "0"},
-                        {1.99, "1"},
-                        {-12.5, "-12"},
-                        {1000, "1000"},
-                        {2147483647.0, "2147483647"},
-                        {-2147483648.0, "-2147483648"},
-                        {1e30, "2147483647"},
-                        {-INFINITY, "-2147483648"},
-                        {std::numeric_limits<double>::quiet_NaN(), "0"}};
-    for (Row const& row : rows) {
+    for (auto const& [value, text] : rows) {
         char out[12];
-        EXPECT_EQ(ItoStr(row.value, out), static_cast<long>(std::strlen(row.text)));
-        EXPECT_STREQ(out, row.text);
+        EXPECT_EQ(ItoStr(value, out), static_cast<long>(std::strlen(text)));
+        EXPECT_STREQ(out, text);
     }
 }
 
 TEST(Text, EntriesOfCommaLists)
 {
-    struct Row {
+    struct {
         char const* list;
         long index;
         char const* entry;
-    };
-    Row const rows[] = {{"a,,c", 1, "a"},  {"a,,c", 2, ""},      {"a,,c", 3, "c"},  {"a,,c", 4, ""},
-                        {"a,,c", 0, ""},   {"a,,c", -1, ""},     {"a|bc", 2, "bc"}, {"", 1, ""},
-                        {"one", 1, "one"}, {" a , b ", 2, " b "}};
-    for (Row const& row : rows) {
+    } const rows[] = {{"a,,c", 1, "a"},  {"a,,c", 2, ""},      {"a,,c", 3, "c"},  {"a,,c", 4, ""},
+                      {"a,,c", 0, ""},   {"a,,c", -1, ""},     {"a|bc", 2, "bc"}, {"", 1, ""},
+                      {"one", 1, "one"}, {" a , b ", 2, " b "}};
+    for (auto const& row : rows) {
         char out[32] = "old";
         EXPECT_EQ(strcpycsv(out, row.list, row.index), out);
         EXPECT_STREQ(out, row.entry) << row.list << " " << row.index;
@@ -83,12 +70,11 @@ TEST(Text, EntriesOfCommaLists)
 
 TEST(Text, TheMiddleOfALongTextGoes)
 {
-    struct Row {
+    struct {
         char const* text;
         long maxLength;
         char const* result;
-    };
-    Row const rows[] = {
+    } const rows[] = {
         {"abcdefghijklmnopqrst", 11, "abcd...pqrst"},
         {"abcdefghijklmnopqrst", 20, "abcdefghijklmnopqrst"},
         {"abcdefghijklmnopqrst", 19, "abcdefgh...lmnopqrst"},
@@ -100,7 +86,7 @@ TEST(Text, TheMiddleOfALongTextGoes)
         {"abc", 2, "abc"},
         {"", 0, ""},
     };
-    for (Row const& row : rows) {
+    for (auto const& row : rows) {
         std::string text = row.text;
         EXPECT_EQ(ShortenString(text.data(), row.maxLength), static_cast<long>(std::strlen(row.result)));
         EXPECT_STREQ(text.c_str(), row.result) << row.maxLength;
@@ -110,12 +96,9 @@ TEST(Text, TheMiddleOfALongTextGoes)
 
 TEST(Text, WordsMayStandInQuotes)
 {
-    struct Row {
-        char const* text;
-        char const* word;
-        char const* rest;
-    };
-    Row const rows[] = {
+    struct {
+        char const *text, *word, *rest;
+    } const rows[] = {
         {"", "", ""},
         {"  \t\n", "", ""},
         {"one two", "one", "two"},
@@ -125,7 +108,7 @@ TEST(Text, WordsMayStandInQuotes)
         {"\"no end", "no end", ""},
         {"a\"b c", "a\"b", "c"},
     };
-    for (Row const& row : rows) {
+    for (auto const& row : rows) {
         char out[32] = "old";
         EXPECT_STREQ(GetStringWithQuotes(out, row.text), row.rest) << row.text;
         EXPECT_STREQ(out, row.word) << row.text;
@@ -137,13 +120,11 @@ TEST(Text, LengthPrefixedTextsHold255Bytes)
     for (std::size_t length : {0, 1, 200, 255, 256, 400}) {
         std::string const text(length, 'x');
         std::string const kept(std::min<std::size_t>(length, 255), 'x');
-        char prefixed[256], back[256];
+        char prefixed[256], back[256], inPlace[512];
         CtoPstrcpy(prefixed, text.c_str());
         EXPECT_EQ(static_cast<unsigned char>(prefixed[0]), kept.size());
         PtoCstrcpy(back, prefixed);
         EXPECT_EQ(back, kept);
-
-        char inPlace[512];
         std::strcpy(inPlace, text.c_str());
         CtoPStr(inPlace);
         PtoCStr(inPlace);
@@ -151,16 +132,14 @@ TEST(Text, LengthPrefixedTextsHold255Bytes)
     }
 }
 
-TEST(Text, CharactersAreStepped)
+TEST(Text, CharactersAreSteppedUpToTheEnd)
 {
     char text[] = "a\303\244";
     EXPECT_EQ(CharSize(text), 1);
     EXPECT_EQ(CharSize(text + 3), 0);
     EXPECT_EQ(GetChar(text + 1), 0xC3u);
     char* cursor = text;
-    EXPECT_EQ(GetCharAdvance(&cursor), static_cast<unsigned long>('a'));
-    EXPECT_EQ(cursor, text + 1);
-    cursor = text + 3;
-    EXPECT_EQ(GetCharAdvance(&cursor), 0u);
-    EXPECT_EQ(cursor, text + 3) << "stays at the end";
+    for (unsigned long expected : {0x61u, 0xC3u, 0xA4u, 0u, 0u})
+        EXPECT_EQ(GetCharAdvance(&cursor), expected);
+    EXPECT_EQ(cursor, text + 3);
 }

@@ -32,12 +32,11 @@ TEST(Tags, ControlEntriesSteerTheWalk)
 {
     TagItem more[] = {{700, 7}, {0, 0}};
     TagItem chained[] = {{600, 6}, {3, Word(more)}};
-    struct Row {
+    struct {
         char const* why;
         std::vector<TagItem> list;
         char const* pairs;
-    };
-    Row const rows[] = {
+    } rows[] = {
         {"an end alone", {{0, 0}}, ""},
         {"pairs in order, a repeated tag included",
          {{500, 1}, {501, 2}, {500, 3}, {0, 0}},
@@ -49,7 +48,7 @@ TEST(Tags, ControlEntriesSteerTheWalk)
         {"more behind a pair", {{500, 1}, {3, Word(more)}}, "500=1 700=7"},
         {"more with null ends the list", {{500, 1}, {3, 0}, {501, 2}, {0, 0}}, "500=1"},
     };
-    for (Row row : rows) {
+    for (auto& row : rows) {
         EXPECT_EQ(Walk(row.list.data()), row.pairs) << row.why;
         TagItem* const clone = CloneTagItems(row.list.data());
         EXPECT_EQ(Walk(clone), row.pairs) << row.why << ", cloned";
@@ -61,11 +60,9 @@ TEST(Tags, ControlEntriesSteerTheWalk)
 
 TEST(Tags, NullListsHoldNothing)
 {
-    EXPECT_EQ(NextTagItem(nullptr), nullptr);
     TagItem* cursor = nullptr;
-    EXPECT_EQ(NextTagItem(&cursor), nullptr);
-    EXPECT_EQ(FindTagItem(500, nullptr), nullptr);
-    EXPECT_EQ(FindTagDone(nullptr), nullptr);
+    EXPECT_TRUE(!NextTagItem(nullptr) && !NextTagItem(&cursor));
+    EXPECT_TRUE(!FindTagItem(500, nullptr) && !FindTagDone(nullptr));
     TagItem* const clone = CloneTagItems(nullptr);
     EXPECT_EQ(clone->tag, ZV_TAG_END);
     FreeMemZV(clone);
