@@ -10,6 +10,8 @@
 
 #include "ZVFile.h"
 
+#include "foundation/HeapBlock.h"
+
 #include <memory>
 #include <string_view>
 
@@ -63,10 +65,7 @@ public:
     bool Save();
 
 private:
-    struct Close_File {
-        void operator()(ZVFileInfo* file) const { CloseFileZV(file); }
-    };
-    using FilePtr = std::unique_ptr<ZVFileInfo, Close_File>;
+    using FilePtr = std::unique_ptr<ZVFileInfo, Released_By<CloseFileZV>>;
 
     explicit ZVResourceFile(FilePtr file);
 

@@ -53,8 +53,8 @@ CompanionParts New_Parts(uint32_t type, uint32_t creator)
 /// False when there is no companion that makes sense.
 bool Read_Parts(char const* spec, CompanionParts& parts)
 {
-    std::unique_ptr<ZVFileInfo, decltype(&CloseFileZV)> const file(
-        OpenFileZV(spec, ZVFilePermReadWrite, ZVFileFlagNone), &CloseFileZV);
+    std::unique_ptr<ZVFileInfo, Released_By<CloseFileZV>> const file(
+        OpenFileZV(spec, ZVFilePermReadWrite, ZVFileFlagNone));
     uint8_t start[AppleDoubleStart];
     int64_t const end = GetFileLengthZV(file.get());
     if (!file || !Read_Bytes(file.get(), end, 0, start, sizeof start)) return false;
@@ -96,8 +96,8 @@ std::vector<uint8_t> Build_Companion(CompanionParts const& parts)
 
 bool Write_New(char const* spec, uint32_t type, uint32_t creator, std::span<uint8_t const> bytes)
 {
-    std::unique_ptr<ZVFileInfo, decltype(&CloseFileZV)> const file(
-        CreateFileZV(spec, ZVFilePermReadWrite, type, creator, ZVFileFlagNone), &CloseFileZV);
+    std::unique_ptr<ZVFileInfo, Released_By<CloseFileZV>> const file(
+        CreateFileZV(spec, ZVFilePermReadWrite, type, creator, ZVFileFlagNone));
     return file && (bytes.empty() || WriteFileZV(file.get(), bytes.data(), bytes.size()));
 }
 

@@ -6,6 +6,8 @@
 
 #include "Locale/ZVLibStr.h"
 
+#include "foundation/HeapBlock.h"
+
 #include <cstring>
 #include <memory>
 #include <new>
@@ -26,10 +28,7 @@ struct ListedName {
     bool isLink = false;
 };
 
-struct Free_Object {
-    void operator()(ZVEnumObjectS* object) const { FreeEnumObjectZV(object); }
-};
-using ObjectPtr = std::unique_ptr<ZVEnumObjectS, Free_Object>;
+using ObjectPtr = std::unique_ptr<ZVEnumObjectS, Released_By<FreeEnumObjectZV>>;
 
 struct Collection {
     std::string directory;

@@ -255,7 +255,7 @@ TEST(Help, OpensAPageOfTheHomeDirectoryInTheBrowser)
     EXPECT_EQ(HelpZV("a page.html", nullptr), 1);
     for (int i = 0; i < 500 && !fs::exists(environment.Path("address")); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_EQ(Native_Bytes(environment.Path("address")),
+    EXPECT_EQ(Bytes_In_File(environment.Path("address")),
               To_Bytes("file://" + environment.Path("Help/a%20page.html\n")));
     setenv("PATH", search.c_str(), 1);
 }
