@@ -3,12 +3,13 @@
 #include "FieldMovie.h"
 #include "FormatTest.h"
 #include "PlanarFrame.h"
-#include "formats/QuickTimeModule.h"
 
 #include <array>
 #include <cmath>
 #include <numeric>
 #include <random>
+
+ZV_API long Quicktime_StreamingOptions(ZVClip* clip, bool silent);
 
 namespace {
 
