@@ -3,12 +3,13 @@
 #include "FieldMovie.h"
 #include "FormatTest.h"
 #include "PlanarFrame.h"
-#include "formats/QuickTimeModule.h"
 
 #include <array>
 #include <cmath>
 #include <numeric>
 #include <random>
+
+ZV_API long Quicktime_StreamingOptions(ZVClip* clip, bool silent);
 
 namespace {
 
@@ -706,8 +707,9 @@ TEST_F(Movie, OldSystemsRefuseWhatWouldNotFitIntoAFile)
     std::pair<long, bool> const cases[] = {{498, true}, {499, false}};  // of 4096000 bytes each
     for (auto const& [frames, fits] : cases) {
         ClipPtr const clip = Describe("big.mov", 2048, 500, 25);
-        clip->Frames = frames;
         ASSERT_TRUE(CreateClipZV(clip.get(), 0));
+        clip->Frames = frames;
+        SetError(ZV_ERR_NONE);
         uint32_t const system = std::exchange(ZVEnv->systemVersion, 0x0FFFu);
         EXPECT_EQ(clip->Format->BeginIO(clip.get(), 1) != 0, fits);
         EXPECT_EQ(GetErrorZV(), fits ? ZV_ERR_NONE : ZV_ERR_MOVIE_SIZE);
