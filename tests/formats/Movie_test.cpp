@@ -217,8 +217,8 @@ TEST_F(Movie, EveryFrameIsThatOfFfmpegInAnyOrder)
         {"over.mov", "25", "35x21", "-c:v png -pix_fmt rgba -metadata:s:v rotate=180", 8, true},
         {"cut.mov", "25", "copy", "-ss 0.3 -i open.mp4 -c copy", 8, false},
         {"late.mov", "24000/1001", "copy", "-itsoffset 0.4 -ss 0.3 -i h264.mov -t 0.7 -c copy", 8, false},
-        {"fields.ts", "25", "copy", "-f h264 -r 25 -i fields.264 -c copy", 8, false},
-        {"fields.mov", "25", "copy", "-f h264 -r 25 -i fields.264 -c copy", 8, false},
+        {"fields.ts", "25", "copy", "-f h264 -framerate 25 -i fields.264 -c copy", 8, false},
+        {"fields.mov", "25", "copy", "-f h264 -framerate 25 -i fields.264 -c copy", 8, false},
         {"alpha.mkv", "25", "35x21", "-c:v ffv1 -pix_fmt yuva420p", 8, true},
     };
     Write("fields.264", FieldMovie::Make(12));
