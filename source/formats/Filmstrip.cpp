@@ -202,7 +202,7 @@ bool Write_Picture(FilmstripClip const& strip, int64_t offset, ZVClip const* cli
 bool Write_Leader(FilmstripClip const& strip, int64_t offset, ZVBitmap const* bitmap, long frame, double rate)
 {
     FilmstripTrailer const& trailer = strip.trailer;
-    BitmapPtr const leader{AllocBitmapZV(trailer.width, LeaderLines, ZV_BITMAP_RGBA8, "leader")};
+    BitmapBlock const leader{AllocBitmapZV(trailer.width, LeaderLines, ZV_BITMAP_RGBA8, "leader")};
     if (leader) {
         Draw_Leader(leader.get(), frame, rate);
         return Write_At(strip.file, offset, leader->Pixels, leader->Size);

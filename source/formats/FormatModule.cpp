@@ -26,9 +26,9 @@ bool Write_At(ZVFileInfo* file, int64_t offset, void const* source, int64_t size
     return WriteFileZV(file, source, static_cast<unsigned long>(size)) != 0;
 }
 
-BitmapPtr Stored_Frame(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const* region)
+BitmapBlock Stored_Frame(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const* region)
 {
-    BitmapPtr stored{AllocBitmapZV(bitmap->Width, bitmap->Height, bitmap->Type, "stored frame")};
+    BitmapBlock stored{AllocBitmapZV(bitmap->Width, bitmap->Height, bitmap->Type, "stored frame")};
     if (stored) InterpretAlphaZV(clip, bitmap, stored.get(), region);
     return stored;
 }

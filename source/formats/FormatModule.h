@@ -11,7 +11,6 @@
 #include <memory>
 
 using FilePtr = std::unique_ptr<ZVFileInfo, Released_By<CloseFileZV>>;
-using BitmapPtr = BitmapBlock;
 
 /// Entries of modules whose files are ready as soon as they are open, and of modules whose properties never
 /// change.
@@ -45,7 +44,7 @@ bool Store_Frame(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const
 {
     constexpr long bandSize = 256 << 10;
     long const bandRows = std::clamp<long>(bandSize / bitmap->RowBytes, 1, bitmap->Height);
-    BitmapPtr const band{AllocBitmapZV(bitmap->Width, bandRows, bitmap->Type, "stored rows")};
+    BitmapBlock const band{AllocBitmapZV(bitmap->Width, bandRows, bitmap->Type, "stored rows")};
     if (!band) return false;
     for (long y = 0; y < bitmap->Height; y += bandRows) {
         long const rows = std::min(bandRows, bitmap->Height - y);
@@ -59,7 +58,7 @@ bool Store_Frame(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const
 }
 
 /// The frame as it is to be stored, a bitmap like it in the clip's alpha convention; null without memory.
-BitmapPtr Stored_Frame(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const* region);
+BitmapBlock Stored_Frame(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const* region);
 
 /// Lets `read` fill an RGBA8 bitmap of the stored size: the caller's own bitmap where that is one, else a
 /// temporary that is scaled and converted into the caller's. So a clip whose size was reduced after it was
@@ -69,7 +68,7 @@ template <typename Read> long Read_Picture(ZVBitmap* bitmap, long width, long he
 {
     if (bitmap->Type == ZV_BITMAP_RGBA8 && bitmap->Width == width && bitmap->Height == height)
         return read(bitmap);
-    BitmapPtr const picture{AllocBitmapZV(width, height, ZV_BITMAP_RGBA8, "stored frame")};
+    BitmapBlock const picture{AllocBitmapZV(width, height, ZV_BITMAP_RGBA8, "stored frame")};
     if (!picture || !read(picture.get())) return 0;
     ScaleBitmapZV(picture.get(), bitmap, nullptr, nullptr);
     return 1;

@@ -146,7 +146,7 @@ long Read_Through_Work(ZVQuickTimeState* state, ZVBitmap* bitmap, long frame, ZV
 {
     OSMovieInfo const& info = state->Info;
     ZVBitmapType const type = bitmap->Type == ZV_BITMAP_RGBA8 ? ZV_BITMAP_RGBA8 : ZV_BITMAP_RGBA16;
-    BitmapPtr const work{AllocBitmapZV(info.width, info.height, type, "movie frame")};
+    BitmapBlock const work{AllocBitmapZV(info.width, info.height, type, "movie frame")};
     if (!work || !OS_Movie_Read_Frame(state->Movie, frame, work.get())) return 0;
     bool const isWhole =
         target.x == 0 && target.y == 0 && target.width == info.width && target.height == info.height;

@@ -264,8 +264,8 @@ long Quicktime_StreamingOptions(ZVClip* clip, bool)
         if (audio != clip->AudioParams) FreeMemZV(audio);
         return 0;
     }
-    if (video) Replace(clip->VideoParams, video, nullptr);
-    if (audio) Replace(clip->AudioParams, audio, nullptr);
+    if (video) Replace(clip->VideoParams, video, clip->AudioParams);
+    if (audio) Replace(clip->AudioParams, audio, clip->VideoParams);
     return 1;
 }
 

@@ -107,10 +107,10 @@ long QuickTime_AddFrame(ZVClip* clip, ZVBitmap* bitmap, long, ZVRectT<long>* reg
         SetError(ZV_ERR_CLIP);
         return 0;
     }
-    BitmapPtr picture = Stored_Frame(clip, bitmap, region);
+    BitmapBlock picture = Stored_Frame(clip, bitmap, region);
     if (!picture) return 0;
     if (picture->Type != ZV_BITMAP_RGBA8 && picture->Type != ZV_BITMAP_RGBA16) {
-        BitmapPtr deep{AllocBitmapZV(bitmap->Width, bitmap->Height, ZV_BITMAP_RGBA16, "movie frame")};
+        BitmapBlock deep{AllocBitmapZV(bitmap->Width, bitmap->Height, ZV_BITMAP_RGBA16, "movie frame")};
         if (!deep) return 0;
         CopyBitmapZV(picture.get(), deep.get(), 0, 0, -1, -1, 0, 0);
         picture = std::move(deep);

@@ -3,12 +3,13 @@
 #include "FieldMovie.h"
 #include "FormatTest.h"
 #include "PlanarFrame.h"
-#include "formats/QuickTimeModule.h"
 
 #include <array>
 #include <cmath>
 #include <numeric>
 #include <random>
+
+ZV_API long Quicktime_StreamingOptions(ZVClip* clip, bool silent);
 
 namespace {
 
@@ -216,8 +217,8 @@ TEST_F(Movie, EveryFrameIsThatOfFfmpegInAnyOrder)
         {"over.mov", "25", "35x21", "-c:v png -pix_fmt rgba -metadata:s:v rotate=180", 8, true},
         {"cut.mov", "25", "copy", "-ss 0.3 -i open.mp4 -c copy", 8, false},
         {"late.mov", "24000/1001", "copy", "-itsoffset 0.4 -ss 0.3 -i h264.mov -t 0.7 -c copy", 8, false},
-        {"fields.ts", "25", "copy", "-f h264 -r 25 -i fields.264 -c copy", 8, false},
-        {"fields.mov", "25", "copy", "-f h264 -r 25 -i fields.264 -c copy", 8, false},
+        {"fields.ts", "25", "copy", "-f h264 -framerate 25 -i fields.264 -c copy", 8, false},
+        {"fields.mov", "25", "copy", "-f h264 -framerate 25 -i fields.264 -c copy", 8, false},
         {"alpha.mkv", "25", "35x21", "-c:v ffv1 -pix_fmt yuva420p", 8, true},
     };
     Write("fields.264", FieldMovie::Make(12));
@@ -706,8 +707,9 @@ TEST_F(Movie, OldSystemsRefuseWhatWouldNotFitIntoAFile)
     std::pair<long, bool> const cases[] = {{498, true}, {499, false}};  // of 4096000 bytes each
     for (auto const& [frames, fits] : cases) {
         ClipPtr const clip = Describe("big.mov", 2048, 500, 25);
-        clip->Frames = frames;
         ASSERT_TRUE(CreateClipZV(clip.get(), 0));
+        clip->Frames = frames;
+        SetError(ZV_ERR_NONE);
         uint32_t const system = std::exchange(ZVEnv->systemVersion, 0x0FFFu);
         EXPECT_EQ(clip->Format->BeginIO(clip.get(), 1) != 0, fits);
         EXPECT_EQ(GetErrorZV(), fits ? ZV_ERR_NONE : ZV_ERR_MOVIE_SIZE);
