@@ -36,6 +36,8 @@ public:
 private:
     enum class State { Waiting, Running, Done };
     struct Job {
+        explicit Job(std::int32_t number) : sample(number) {}
+
         std::int32_t sample;
         State state = State::Waiting;
         MovieOwner<AVPacket> packet{av_packet_alloc()};

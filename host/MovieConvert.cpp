@@ -72,6 +72,14 @@ void Spread_Grey(AVFrame const& picture, bool hasAlpha, void* pixels, std::size_
 
 }  // namespace
 
+int Colour_Matrix(AVFrame const& picture)
+{
+    int number;
+    static_assert(sizeof number == sizeof picture.colorspace);
+    std::memcpy(&number, &picture.colorspace, sizeof number);
+    return number;
+}
+
 bool Is_Full_Range(AVFrame const& picture)
 {
     switch (picture.format) {
@@ -139,7 +147,8 @@ bool PictureConverter::To_RGBA(AVFrame const& picture, int width, int height, vo
         spread(picture, grey.hasAlpha, pixels, rowBytes);
         return true;
     }
-    int const matrix = picture.colorspace == AVCOL_SPC_UNSPECIFIED ? SWS_CS_DEFAULT : picture.colorspace;
+    int const number = Colour_Matrix(picture);
+    int const matrix = number == AVCOL_SPC_UNSPECIFIED ? SWS_CS_DEFAULT : number;
     Shape const source{picture.width, picture.height, picture.format, matrix, Is_Full_Range(picture)};
     Shape const target{width, height, Pixel_Format(layout), SWS_CS_DEFAULT, true};
     if (!Prepare(source, target)) return false;
@@ -152,7 +161,8 @@ bool PictureConverter::To_RGBA(AVFrame const& picture, int width, int height, vo
 bool PictureConverter::From_RGBA(void const* pixels, std::size_t rowBytes, HostPixels layout,
                                  AVFrame& picture)
 {
-    int const matrix = picture.colorspace == AVCOL_SPC_UNSPECIFIED ? SWS_CS_DEFAULT : picture.colorspace;
+    int const number = Colour_Matrix(picture);
+    int const matrix = number == AVCOL_SPC_UNSPECIFIED ? SWS_CS_DEFAULT : number;
     Shape const source{picture.width, picture.height, Pixel_Format(layout), SWS_CS_DEFAULT, true};
     Shape const target{picture.width, picture.height, picture.format, matrix, Is_Full_Range(picture)};
     if (!Prepare(source, target)) return false;

@@ -76,6 +76,9 @@ MovieOwner<AVFormatContext> Open_Movie_File(std::string const& url, HostMovieErr
 /// Whether a picture's numbers use their whole range.
 bool Is_Full_Range(AVFrame const& picture);
 
+/// The number of the picture's AVColorSpace; files tell of some that the enumeration does not have.
+int Colour_Matrix(AVFrame const& picture);
+
 /// Tells a file to hand out the packets of one stream alone.
 void Select_Stream(AVFormatContext& file, int stream);
 

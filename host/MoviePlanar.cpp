@@ -19,9 +19,9 @@ struct Matrix {
     double red, blue;
 };
 
-std::optional<Matrix> Matrix_Of(AVColorSpace space)
+std::optional<Matrix> Matrix_Of(AVFrame const& picture)
 {
-    switch (space) {
+    switch (Colour_Matrix(picture)) {
     case AVCOL_SPC_UNSPECIFIED:
     case AVCOL_SPC_BT470BG:
     case AVCOL_SPC_SMPTE170M: return Matrix{0.299, 0.114};
@@ -223,7 +223,7 @@ std::uint8_t const* Line_Of(AVFrame const& picture, int plane, int y)
 bool PlanarConverter::To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout)
 {
     AVPixFmtDescriptor const* planes = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format));
-    std::optional<Matrix> const matrix = Matrix_Of(picture.colorspace);
+    std::optional<Matrix> const matrix = Matrix_Of(picture);
     if (!planes || !matrix || !Is_Covered(*planes)) return false;
     bool const isDeep = layout == HostPixels::RGBA16;
     bool const hasAlpha = planes->nb_components == 4;

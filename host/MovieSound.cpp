@@ -66,12 +66,16 @@ bool MovieSound::Is_Clock_Fine() const
 
 bool MovieSound::Open()
 {
+    file_.reset();  // there is a file only together with its decoder
+    decoder_.reset();
     HostMovieError error;
-    file_ = Open_Movie_File(url_, error);
-    if (!file_ || static_cast<int>(file_->nb_streams) <= stream_) return false;
-    Select_Stream(*file_, stream_);
-    decoder_ = Open_Decoder(*file_->streams[stream_]);
-    return decoder_ && packet_ && frame_;
+    auto file = Open_Movie_File(url_, error);
+    if (!file || static_cast<int>(file->nb_streams) <= stream_ || !packet_ || !frame_) return false;
+    Select_Stream(*file, stream_);
+    decoder_ = Open_Decoder(*file->streams[stream_]);
+    if (!decoder_) return false;
+    file_ = std::move(file);
+    return true;
 }
 
 void MovieSound::Forget(std::int64_t sample)

@@ -49,6 +49,7 @@ public:
     }
     void Read(std::uint64_t offset, std::uint8_t* bytes, std::size_t count)
     {
+        if (count == 0) return;
         std::size_t got = 0;
         if (fseeko(file_.get(), static_cast<off_t>(offset), SEEK_SET) == 0)
             got = std::fread(bytes, 1, count, file_.get());
