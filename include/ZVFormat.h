@@ -50,8 +50,9 @@ struct ZVTypePair {
 /// One module. Allocated zeroed with AllocMemZV by who registers it, then owned by the environment's list,
 /// which also owns its four arrays.
 ///
-/// Contract of the entries. Open, Close, Create, BeginIO, EndIO, GetFrame, CanLoad and both property entries
-/// are always there; the others may be null, which means that the module does not offer the feature.
+/// Contract of the entries. GetImportProperties is always there, and the built-in modules have Open, Close,
+/// Create, BeginIO, EndIO, GetFrame, CanLoad and GetExportProperties too. An entry that is null means that
+/// the module does not offer the feature.
 ///
 /// Open is called with FileName set, FileFrameRate -1.0 or what the caller passed, PixelAspect 0. It must set
 /// Width, Height, BitDepth, RawFrames and Media, should set AlphaType to 2 when the file holds alpha, and may
@@ -62,7 +63,7 @@ struct ZVTypePair {
 /// and change nothing. Cleanup runs once, before the descriptor goes.
 struct ZVFormatDesc {
     ::Node Node;       ///< its name is the display name
-    ZVPlugin* Plugin;  ///< the code module that holds the entries; null for a built-in module
+    ZVPlugin* Plugin;  ///< the code module that holds the entries, owned; null for a built-in module
     ZVFormatParams* DefaultVideoParams;  ///< options used last with this format, or null
     ZVFormatParams* DefaultAudioParams;
     long Reserved1;
@@ -82,7 +83,7 @@ struct ZVFormatDesc {
     long ImageModes;  ///< of a plug-in, else 0
     long CachedProperties;
     long PluginProperties;
-    void* ModuleInfo;
+    void* ModuleInfo;  ///< of a loaded module: a ZVModuleInfo
 
     long (*Open)(ZVClip*, TagItem*);
     void (*Close)(ZVClip*);
@@ -134,7 +135,14 @@ struct ZVFileTypeDescriptor {
 
 /// Registers the built-in modules.
 ZV_API void InitFormatModulesZV(ZVScanDesc* scan);
+
+/// The same, and the modules of the directory Plugins in the home directory with all that lies below it. They
+/// come behind the built-in ones and stay unloaded until a clip needs them; see ZVModule.h.
 ZV_API void InitAllFormatModulesZV(ZVScanDesc* scan);
+
+/// Registers those modules alone. A file that is none, or whose code cannot be had, is passed over.
+/// @return  1; 0 without an environment
+ZV_API long Add_Plugin_Formats(ZVScanDesc* scan);
 
 /// Registers the movie module, as two entries: movies, and movies that are prepared for streaming. Neither of
 /// the calls above does. 1, or 0 without a movie layer (`hasMovies`) and when memory runs out.

@@ -58,7 +58,6 @@ ZV_API void OS_Exit_Movies();
 /// Memory of the process and the machine, in bytes.
 ZV_API uint64_t OS_Free_Memory();
 ZV_API uint64_t OS_Total_Memory();
-ZV_API uint64_t GetAppMemUsageZV();  ///< Resident size of the process.
 
 /// Sets `physicalMemory` and `residentLimit` for a machine with so many bytes.
 ZV_API void Set_Memory_Limits(uint64_t machineBytes);
@@ -81,6 +80,19 @@ ZV_API long Text_Height(char const* text);  ///< Ascent and descent of the font.
 
 ZV_API void Delay(long ticks);  ///< Sleeps; a tick is 1/60 second.
 
+ZV_API uint64_t OS_Microseconds();  ///< Since some moment; a clock that is never set.
+
+/// Opens an address with the program that the desktop has for it. False when none could be started.
+ZV_API bool OS_Open_URL(char const* url);
+
+/// Code modules. The handle of a shared object, or of a bundle by the path of its folder; null when it cannot
+/// be had, with the reason in OS_Module_Error. All its symbols are bound at once.
+ZV_API void* OS_Open_Module(char const* path);
+ZV_API void* OS_Open_Bundle(char const* path);
+ZV_API void OS_Close_Module(void* module);
+ZV_API ZVPluginProc OS_Find_Function(void* module, char const* symbol);  ///< Null when there is none.
+ZV_API char const* OS_Module_Error();                                    ///< Of the last failure; never null.
+
 /// The file seam. Results are 1 or 0 with the error number set; see ZVFileInfo.
 ZV_API long File_Create(ZVFileInfo* file, char const* spec, ZVFilePermission permission, uint32_t type,
                         uint32_t creator, ZVFileFlags flags);
@@ -94,7 +106,8 @@ ZV_API long File_GetPos(ZVFileInfo* file);
 ZV_API int64_t File_GetLength(ZVFileInfo* file);  ///< Counts bytes still in a write buffer.
 /// Makes a file longer; the new bytes are zeros and the position stays.
 ZV_API long File_Extend(ZVFileInfo* file, int64_t length);
-ZV_API int64_t File_GetModificationDate(ZVFileInfo* file);  ///< Seconds since 1 January 1970; 0 on failure.
+ZV_API long File_Truncate(ZVFileInfo* file, int64_t length);  ///< Cuts a file off; the position stays.
+ZV_API int64_t File_GetModificationDate(ZVFileInfo* file);    ///< Seconds since 1 January 1970; 0 on failure.
 ZV_API void File_Close(ZVFileInfo* file);
 
 /// The native path of a spec or classic path. False without a volume part, for an unknown volume, and when it
@@ -106,6 +119,48 @@ ZV_API bool OS_Native_Path(char const* spec, char* path, unsigned long size);
 /// @return  false when the directory cannot be read
 ZV_API bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool isDirectory, void* data),
                               void* data);
+
+enum class OSEntryKind : uint8_t {
+    File,
+    Directory,
+    Other  ///< no file to read: a pipe, a device, a link that leads nowhere
+};
+
+/// An entry of a directory. A link counts as what it leads to.
+struct OSDirectoryEntry {
+    char const* name;  ///< as in a spec
+    OSEntryKind kind;
+    bool isLink;
+    uint32_t type;  ///< of a file, when codes are wanted
+    uint32_t creator;
+};
+
+/// Calls `visit` for each entry of a directory, in alphabetical order without regard to case and without "."
+/// and
+/// "..", until it answers false. The directory is read in one go, so `visit` may change it.
+/// @return  false when the directory cannot be read
+ZV_API bool OS_List_Directory(char const* spec, bool wantsCodes,
+                              bool (*visit)(OSDirectoryEntry const&, void*), void* data);
+
+/// What the file system tells of a file or directory; of what it leads to for a link.
+struct OSFileStatus {
+    int64_t size;
+    int64_t modified;  ///< seconds since 1 January 1970
+    uint64_t device;   ///< with `file`, the identity
+    uint64_t file;
+    uint16_t finderFlags;
+};
+ZV_API bool OS_Get_Status(char const* spec, OSFileStatus* status);  ///< False when it is not there.
+
+/// The spec of what a link leads to in the end. False for a link that leads nowhere.
+/// @param target  ZV_SPEC_SIZE bytes
+ZV_API bool OS_Resolve_Link(char const* spec, char* target);
+
+/// Calls `visit` with the name of each volume, the root file system first, until it answers false.
+ZV_API void OS_List_Volumes(bool (*visit)(char const* name, void* data), void* data);
+
+/// Native path of the user's desktop folder, with a closing slash.
+ZV_API bool OS_Get_Desktop_Dir(char* path, unsigned long size);
 
 // The sound seam. The player alone calls it; results are non-zero for success.
 ZV_API void OSAudioSetFormat(ZVAudioFormat const* format);  ///< Of the next channel; null is ignored.
@@ -319,6 +374,22 @@ ZV_API ZVFormatDesc* Make_Format_Desc(ZVBuiltinFormat const& format);
 
 /// A copy in one block, Data behind the header; null for null.
 ZV_API ZVFormatParams* Copy_Format_Params(ZVFormatParams const* params);
+
+/// Puts a loaded module in the list: before the first plug-in that is no such module, behind everything else.
+ZV_API void Insert_Loaded_Format(ZVFormatDesc* desc);
+
+/// Frees the record with what it owns, the code included however often it was loaded.
+ZV_API void Free_Plugin(ZVPlugin* plugin);
+
+/// The callback of Add_Plugin_Formats: registers what is in a file. `data` is the ZVScanDesc*. Always 1.
+ZV_API long FormatModule_CheckFile(char const* spec, unsigned long type, long data, long* stop);
+
+/// Registers a module of the library's own kind, which is loaded to ask what it reads and unloaded at once. 1
+/// or 0.
+ZV_API long Init_IFM(char const* spec, ZVScanDesc* scan);
+/// Loads a module and lets it fill its descriptor again. 0 with the stubs in place and without arrays.
+ZV_API long Load_IFM(ZVFormatDesc* desc);
+ZV_API void Unload_IFM(ZVFormatDesc* desc);  ///< Counts one use less and puts the stubs back.
 
 ZV_API long Add_Filmstrip_Format(ZVScanDesc* scan);
 ZV_API long Add_EIDI_Format(ZVScanDesc* scan);

@@ -217,6 +217,11 @@ long File_Extend(ZVFileInfo* file, int64_t length)
     return Report(result == 0 ? 0 : errno);
 }
 
+long File_Truncate(ZVFileInfo* file, int64_t length)
+{
+    return File_Extend(file, length);
+}
+
 int64_t File_GetModificationDate(ZVFileInfo* file)
 {
     struct stat info;

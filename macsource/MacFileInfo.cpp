@@ -25,15 +25,32 @@ enum class Lookup { Found, Absent, Failed };
 struct ExtensionType {
     char const* extension;
     uint32_t type;
+    uint32_t creator = ZV_BLANK_CODE;  ///< only code modules are told by theirs
 };
 
+constexpr uint32_t ModuleCreator = ZV_FourCC("Qrnd");
+
 constexpr ExtensionType ExtensionTypes[] = {
-    {"pct", ZV_FourCC("PICT")},  {"pict", ZV_FourCC("PICT")}, {"pcs", ZV_FourCC("PICS")},
-    {"pics", ZV_FourCC("PICS")}, {"flm", ZV_FourCC("Film")},  {"ei", ZV_FourCC("EIDI")},
-    {"vpb", ZV_FourCC("VPB ")},  {"mov", ZV_FourCC("MooV")},  {"psd", ZV_FourCC("8BPS")},
-    {"tif", ZV_FourCC("TIFF")},  {"tiff", ZV_FourCC("TIFF")}, {"jpg", ZV_FourCC("JPEG")},
-    {"jpeg", ZV_FourCC("JPEG")}, {"png", ZV_FourCC("PNGf")},  {"gif", ZV_FourCC("GIFf")},
-    {"bmp", ZV_FourCC("BMPf")},  {"tga", ZV_FourCC("TPIC")},  {"txt", ZV_FourCC("TEXT")},
+    {"pct", ZV_FourCC("PICT")},
+    {"pict", ZV_FourCC("PICT")},
+    {"pcs", ZV_FourCC("PICS")},
+    {"pics", ZV_FourCC("PICS")},
+    {"flm", ZV_FourCC("Film")},
+    {"ei", ZV_FourCC("EIDI")},
+    {"vpb", ZV_FourCC("VPB ")},
+    {"mov", ZV_FourCC("MooV")},
+    {"psd", ZV_FourCC("8BPS")},
+    {"tif", ZV_FourCC("TIFF")},
+    {"tiff", ZV_FourCC("TIFF")},
+    {"jpg", ZV_FourCC("JPEG")},
+    {"jpeg", ZV_FourCC("JPEG")},
+    {"png", ZV_FourCC("PNGf")},
+    {"gif", ZV_FourCC("GIFf")},
+    {"bmp", ZV_FourCC("BMPf")},
+    {"tga", ZV_FourCC("TPIC")},
+    {"txt", ZV_FourCC("TEXT")},
+    {"ifm", ZV_FourCC("IFM "), ModuleCreator},
+    {"8bi", ZV_FourCC("8BIF"), ModuleCreator},
 };
 
 constexpr ZVCreatorPair BlankCodes = {ZV_BLANK_CODE, ZV_BLANK_CODE};
@@ -55,26 +72,32 @@ bool Same(ZVCreatorPair a, ZVCreatorPair b)
     return a.type == b.type && a.creator == b.creator;
 }
 
-/// The codes that a file without stored ones has: its creator is unknown.
+/// The codes that a file without stored ones has.
 ZVCreatorPair Codes_Of_Extension(char const* path)
 {
     char const* dot = std::strrchr(path, '.');
     if (!dot || std::strchr(dot, '/')) return BlankCodes;
     for (ExtensionType const& entry : ExtensionTypes)
-        if (strcasecmp(entry.extension, dot + 1) == 0) return {entry.type, ZV_BLANK_CODE};
+        if (strcasecmp(entry.extension, dot + 1) == 0) return {entry.type, entry.creator};
     return BlankCodes;
+}
+
+/// The stored attribute, filled up with zeros.
+Lookup Read_Info(char const* path, FinderInfo& info)
+{
+    ssize_t const size = getxattr(path, AttributeName, info.data(), info.size());
+    if (size < 0) return errno == ENODATA || errno == ENOTSUP ? Lookup::Absent : Lookup::Failed;
+    return size < 8 ? Lookup::Absent : Lookup::Found;
 }
 
 Lookup Read_Stored_Codes(char const* path, ZVCreatorPair& codes)
 {
-    FinderInfo info;
-    ssize_t const size = getxattr(path, AttributeName, info.data(), info.size());
-    if (size < 0) return errno == ENODATA || errno == ENOTSUP ? Lookup::Absent : Lookup::Failed;
-    if (size < 8) return Lookup::Absent;
+    FinderInfo info{};
+    Lookup const lookup = Read_Info(path, info);
+    if (lookup != Lookup::Found) return lookup;
     codes = {Load_Code(&info[0]), Load_Code(&info[4])};
     // Others leave zeros in an attribute that they keep for its flags.
-    if (codes.type == 0 && codes.creator == 0) return Lookup::Absent;
-    return Lookup::Found;
+    return codes.type == 0 && codes.creator == 0 ? Lookup::Absent : Lookup::Found;
 }
 
 bool Is_Regular(char const* path)
@@ -106,14 +129,24 @@ bool Mac_Has_Codes(char const* path, ZVCreatorPair codes)
     }
 }
 
+ZVCreatorPair Mac_Read_Codes(char const* path)
+{
+    ZVCreatorPair codes = BlankCodes;
+    return Read_Stored_Codes(path, codes) == Lookup::Absent ? Codes_Of_Extension(path) : codes;
+}
+
+uint16_t Mac_Read_Flags(char const* path)
+{
+    FinderInfo info{};
+    return Read_Info(path, info) == Lookup::Found ? static_cast<uint16_t>(info[8] << 8 | info[9])
+                                                  : uint16_t{0};
+}
+
 void Get_FileInfo(char const* spec, uint32_t* creator, uint32_t* type)
 {
     ZVCreatorPair codes = BlankCodes;
     MacPath path;
-    if (path.Set(spec) == 0 && Is_Regular(path.Text()) &&
-        Read_Stored_Codes(path.Text(), codes) == Lookup::Absent) {
-        codes = Codes_Of_Extension(path.Text());
-    }
+    if (path.Set(spec) == 0 && Is_Regular(path.Text())) codes = Mac_Read_Codes(path.Text());
     if (creator) *creator = codes.creator;
     if (type) *type = codes.type;
 }

@@ -1,5 +1,4 @@
-// Operations on files and directories by their specs: tests, deleting, moving, making and walking
-// directories.
+// Operations on files and directories by their specs: tests, deleting, moving, and making directories.
 
 #include "MacFile.h"
 
@@ -7,27 +6,16 @@
 
 #include "MacFileCopy.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
-#include <dirent.h>
 #include <ftw.h>
-#include <memory>
 #include <new>
-#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 
 constexpr int DescriptorsOfWalk = 32;
-
-struct Entry {
-    std::string name;  ///< as in a spec
-    bool isDirectory;
-};
 
 /// The root of a file system can be emptied but not deleted, so nothing of it may go.
 bool Is_Mount_Point(char const* path, struct stat const& info)
@@ -68,33 +56,6 @@ int Move_File(MacPath& from, MacPath& to)
     to.Strip_Closing_Slashes();
     if (rename(from.Text(), to.Text()) == 0) return 0;
     return errno == EXDEV ? Mac_Move_Across(from.Text(), to.Text()) : errno;
-}
-
-bool Is_Directory_Entry(char const* directory, dirent const& entry)
-{
-    if (entry.d_type == DT_DIR) return true;
-    if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return false;
-    return Mac_Is_Directory((std::string(directory) + '/' + entry.d_name).c_str());
-}
-
-/// All entries, in the order that people expect to see them. Read in one go, so that the visitor may change
-/// the directory and a walk into the depth keeps no descriptors open.
-int Read_Directory(char const* path, std::vector<Entry>& entries)
-{
-    std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path), &closedir);
-    if (!directory) return errno;
-    errno = 0;
-    while (dirent const* entry = readdir(directory.get())) {
-        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
-            entries.push_back({Mac_Name_To_Spec(entry->d_name), Is_Directory_Entry(path, *entry)});
-        errno = 0;
-    }
-    if (errno) return errno;
-    std::sort(entries.begin(), entries.end(), [](Entry const& a, Entry const& b) {
-        int const order = strcasecmp(a.name.c_str(), b.name.c_str());
-        return order ? order < 0 : a.name < b.name;
-    });
-    return 0;
 }
 
 /// Runs an operation on the native path of a spec and stores the error number.
@@ -143,16 +104,4 @@ long CreateDirZV(char const* spec)
 long DeleteDirZV(char const* spec)
 {
     return On_Path(spec, Delete_Directory);
-}
-
-bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool isDirectory, void* data),
-                       void* data)
-{
-    std::vector<Entry> entries;
-    long const read =
-        On_Path(spec, [&](MacPath const& path) { return Read_Directory(path.Text(), entries); });
-    if (!read) return false;
-    for (Entry const& entry : entries)
-        if (!visit(entry.name.c_str(), entry.isDirectory, data)) break;
-    return true;
 }

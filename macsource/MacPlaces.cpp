@@ -1,5 +1,5 @@
-// Places of the system: the directories of the program, the library, the user and temporary files; and
-// waiting.
+// Places of the system: the directories of the program, the library, the user, the desktop and temporary
+// files.
 #include "ZVLibInternal.h"
 
 #include <dlfcn.h>
@@ -7,14 +7,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <climits>
 #include <cstdlib>
 #include <memory>
-#include <ratio>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 struct FreeText {
@@ -88,15 +85,16 @@ bool OS_Get_User_Dir(char* path, unsigned long size)
     return Store_Dir(entry.pw_dir, path, size);
 }
 
+bool OS_Get_Desktop_Dir(char* path, unsigned long size)
+{
+    char user[PATH_MAX];
+    return OS_Get_User_Dir(user, sizeof user) && Store_Dir(std::string(user) + "Desktop", path, size);
+}
+
 bool OS_Get_Temp_Dir(char* path, unsigned long size)
 {
     char const* named = std::getenv("TMPDIR");
     for (char const* dir : {named ? named : "", P_tmpdir})
         if (*dir == '/' && Is_Dir(dir) && access(dir, W_OK | X_OK) == 0) return Store_Dir(dir, path, size);
     return false;
-}
-
-void Delay(long ticks)
-{
-    std::this_thread::sleep_for(std::chrono::duration<long, std::ratio<1, 60>>(ticks));
 }

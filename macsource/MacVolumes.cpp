@@ -5,6 +5,8 @@
 
 #include "MacFile.h"
 
+#include "ZVLibInternal.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -124,4 +126,11 @@ MacVolume Mac_Volume_Of_Path(std::string_view path)
         if (holdsPath && volume.root.size() > best.root.size()) best = std::move(volume);
     }
     return best;
+}
+
+void OS_List_Volumes(bool (*visit)(char const* name, void* data), void* data)
+{
+    if (!visit(std::string(MAC_ROOT_VOLUME).c_str(), data)) return;
+    for (MacVolume const& volume : Mounted_Volumes())
+        if (!visit(Mac_Name_To_Spec(volume.name).c_str(), data)) return;
 }

@@ -114,7 +114,7 @@ long CreateClipZV(ZVClip* clip, unsigned long flags)
         return 0;
     }
     clip->CreateFlags = flags;
-    if (!clip->Format->Create(clip, flags)) {
+    if (!clip->Format->Create || !clip->Format->Create(clip, flags)) {
         if (!Is_Create_Error(GetErrorZV())) SetError(ZV_ERR_CLIP);
         return 0;
     }
@@ -128,7 +128,8 @@ void CloseClipZV(ZVClip* clip)
 {
     if (!clip) return;
     if (clip->Flags & ZV_CLIP_IO) EndClipIOZV(clip, nullptr);
-    if (ZVFormatDesc* module = std::exchange(clip->OpenModule, nullptr)) module->Close(clip);
+    ZVFormatDesc* const module = std::exchange(clip->OpenModule, nullptr);
+    if (module && module->Close) module->Close(clip);
     FreeBitmapZV(std::exchange(clip->FieldBitmap, nullptr));
     clip->Flags &= ~static_cast<unsigned long>(ZV_CLIP_OPEN);
 }
@@ -174,7 +175,8 @@ long BeginClipIOZV(ZVClip* clip, TagItem*)
     bool const isClone = !clip->OpenModule && !clip->ModuleData && clip->Format && clip->FileName;
     if (isClone && (clip->Flags & (ZV_CLIP_OPEN | ZV_CLIP_WRITING)) == ZV_CLIP_OPEN)
         Open_Module(clip, nullptr);
-    if (clip->Format && !clip->Format->BeginIO(clip, clip->Flags & ZV_CLIP_WRITING)) {
+    if (clip->Format && clip->Format->BeginIO &&
+        !clip->Format->BeginIO(clip, clip->Flags & ZV_CLIP_WRITING)) {
         SetError(ZV_ERR_CLIP);
         return 0;
     }
@@ -192,7 +194,7 @@ long EndClipIOZV(ZVClip* clip, TagItem*)
     }
     if (!(clip->Flags & ZV_CLIP_IO)) return 0;
     clip->Flags &= ~static_cast<unsigned long>(ZV_CLIP_IO);
-    return clip->Format->EndIO(clip, clip->Flags & ZV_CLIP_WRITING);
+    return clip->Format->EndIO ? clip->Format->EndIO(clip, clip->Flags & ZV_CLIP_WRITING) : 1;
 }
 
 ZVBitmapType GetBitmapTypeZV(ZVClip const* clip)

@@ -94,7 +94,7 @@ bool Fill_In(ZVClip* clip, TagItem* tags)
     if (auto const* rate = Tag_Data<double const*>(ZV_OPEN_FRAME_RATE, tags, nullptr))
         clip->FileFrameRate = *rate;
     SetError(ZV_ERR_CLIP);
-    if (!clip->Format->Open(clip, tags)) {
+    if (!clip->Format->Open || !clip->Format->Open(clip, tags)) {
         if (GetErrorZV() == ZV_ERR_NONE) SetError(ZV_ERR_CLIP_OPEN);
         return false;
     }
@@ -185,7 +185,7 @@ long Open_Module(ZVClip* clip, TagItem* tags)
     if (!saved) return 0;
     unsigned long const flags = clip->Flags;
     SetError(ZV_ERR_CLIP);
-    long const isOpen = Name_First_File(clip) && clip->Format->Open(clip, tags);
+    long const isOpen = Name_First_File(clip) && clip->Format->Open && clip->Format->Open(clip, tags);
     unsigned long const error = GetErrorZV();
     if (isOpen) {
         clip->OpenModule = clip->Format;

@@ -75,7 +75,7 @@ ZVFormatDesc* Match_Format(char const* spec, uint32_t extension)
         Get_FileInfo(spec, &creator, &type);
         for (Node* node = List_First(&ZVEnv->formats); node; node = List_Next(node)) {
             auto* desc = reinterpret_cast<ZVFormatDesc*>(node);
-            if (desc->CanLoad(desc, spec, creator, type, extension)) return desc;
+            if (desc->CanLoad && desc->CanLoad(desc, spec, creator, type, extension)) return desc;
         }
     }
     SetError(ZV_ERR_NO_FORMAT);

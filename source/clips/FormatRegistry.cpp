@@ -15,6 +15,7 @@ void InitFormatModulesZV(ZVScanDesc* scan)
 void InitAllFormatModulesZV(ZVScanDesc* scan)
 {
     InitFormatModulesZV(scan);
+    Add_Plugin_Formats(scan);
 }
 
 template <typename T> static bool Copy_Array(T const* source, long count, T*& out, long& outCount)
@@ -49,6 +50,7 @@ void Free_Format_Mod(ZVFormatDesc* desc)
 {
     if (!desc) return;
     if (desc->Cleanup) desc->Cleanup(desc);
+    Free_Plugin(desc->Plugin);
     FreeMemZV(desc->Node.name);
     FreeMemZV(desc->ReadTypes);
     FreeMemZV(desc->FilterTypes);
@@ -73,10 +75,11 @@ long GetImportPropertiesZV(ZVFormatDesc* desc)
 
 long GetExportPropertiesZV(ZVClip* clip)
 {
-    return clip && clip->Format ? clip->Format->GetExportProperties(clip->Format, clip) : 0;
+    ZVFormatDesc* const desc = clip ? clip->Format : nullptr;
+    return desc && desc->GetExportProperties ? desc->GetExportProperties(desc, clip) : 0;
 }
 
 long GetExportPropertiesZV(ZVFormatDesc* desc)
 {
-    return desc ? desc->GetExportProperties(desc, nullptr) : 0;
+    return desc && desc->GetExportProperties ? desc->GetExportProperties(desc, nullptr) : 0;
 }

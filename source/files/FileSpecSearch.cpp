@@ -3,6 +3,7 @@
 
 #include "FileSpecSearch.h"
 
+#include "EnumFiles.h"
 #include "FileSpecText.h"
 #include "SpecText.h"
 
@@ -16,12 +17,10 @@
 #include <climits>
 #include <cstring>
 #include <strings.h>
-#include <utility>
 
 namespace {
 
 constexpr long TreeDirectoryLimit = 200;
-constexpr long TreeDepthLimit = 20;
 
 constexpr unsigned long StringLocate = 102;  // the button texts of the question, then its two forms
 constexpr unsigned long StringCancel = 103;
@@ -79,63 +78,28 @@ char* Search_Directories(SpecSearch const& search)
     return nullptr;
 }
 
-/// A walk through directory trees; stops at the first acceptable file or when it has seen enough directories.
-struct TreeWalk {
+/// A search through directory trees for the first acceptable file.
+struct TreeSearch {
     SpecSearch const& search;
     SpecText const wanted;
-    std::string_view directory = {};  ///< the one being walked, with a closing separator
-    long visited = 0;
-    long depth = 0;
-    bool stop = false;
     char* found = nullptr;
 };
 
-bool Is_Hidden(char const* name)
+long Test_File(char const* spec, unsigned long, long data, long* stop)
 {
-    return name[0] == '.' || name[0] == '\xC2';
-}
-
-void Walk_Tree(TreeWalk& walk, SpecText const& directory);
-
-bool Visit_Entry(char const* name, bool isDirectory, void* data)
-{
-    auto& walk = *static_cast<TreeWalk*>(data);
-    if (Is_Hidden(name)) return true;
-    if (isDirectory) {
-        Walk_Tree(walk, SpecText(walk.directory, name).Append("\\"));
-    } else if (strcasecmp(name, walk.wanted.Text()) == 0) {
-        walk.found = Accept(walk.search, walk.directory, name);
-        if (walk.found) walk.stop = true;
-    }
-    return !walk.stop;
-}
-
-void Walk_Tree(TreeWalk& walk, SpecText const& directory)
-{
-    if (++walk.visited > TreeDirectoryLimit) {
-        walk.stop = true;
-        return;
-    }
-    if (walk.depth + 1 >= TreeDepthLimit) return;
-    ++walk.depth;
-    std::string_view const outer = std::exchange(walk.directory, directory.View());
-    OS_Walk_Directory(directory.Text(), Visit_Entry, &walk);
-    walk.directory = outer;
-    --walk.depth;
+    auto& tree = *reinterpret_cast<TreeSearch*>(data);
+    if (strcasecmp(File_Name(spec), tree.wanted.Text()) != 0) return 1;
+    tree.found = Accept(tree.search, Directory_Of(spec).View(), File_Name(spec));
+    *stop = tree.found != nullptr;
+    return 1;
 }
 
 char* Search_Trees(SpecSearch const& search)
 {
-    TreeWalk walk{.search = search, .wanted = Wanted_Name(search)};
-    for (char** entry = search.searchPaths; *entry && !walk.stop; ++entry) {
-        SpecText directory(*entry);
-        while (directory.View().ends_with('\\') && !directory.View().ends_with(":\\"))
-            directory.Cut(directory.Length() - 1);
-        if (Is_Hidden(File_Name(directory.Text())) || !FileExistsZV(directory.Text())) continue;
-        if (!directory.View().ends_with('\\')) directory.Append("\\");
-        Walk_Tree(walk, directory);
-    }
-    return walk.found;
+    TreeSearch tree{search, Wanted_Name(search)};
+    Enum_Files_Of_Any_Type(search.searchPaths, Test_File, reinterpret_cast<long>(&tree), 1,
+                           TreeDirectoryLimit);
+    return tree.found;
 }
 
 /// Lets the user pick the file; cancelled, the search is over and the name no sequence.

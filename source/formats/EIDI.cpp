@@ -2,12 +2,12 @@
 // run lengths. All seven depths are read; grey, 24 and 32 bits are written. Numbers are big-endian.
 //   0 version, 2 bytes   2 frames, 4 bytes   6 the first frame; EIDIHeader tells of the rest
 // The rate is not stored: it follows from the times of the last two frames.
-#include "BigEndian.h"
 #include "EIDIHeader.h"
 #include "EIDIPackets.h"
 #include "EIDIRows.h"
 #include "FormatModule.h"
 #include "Locale/ZVLibStr.h"
+#include "foundation/BigEndian.h"
 #include "foundation/HeapBlock.h"
 
 #include <algorithm>

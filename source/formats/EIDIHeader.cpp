@@ -6,7 +6,7 @@
 // indexed byte and the palette field mean nothing here beyond the rules that they must meet.
 #include "EIDIHeader.h"
 
-#include "BigEndian.h"
+#include "foundation/BigEndian.h"
 
 #include <algorithm>
 #include <bit>

@@ -2,10 +2,10 @@
 // Numbers are big-endian. With W, H and L from the trailer, frame f begins at W * f * (H + L) * 4.
 //   0 "Rand"   4 frames, 4 bytes   8 packing, 0   12 W   14 H   16 L   18 frames a second   20 zeros up to 36
 // A written file has W * 64 zero bytes ahead of the trailer.
-#include "BigEndian.h"
 #include "FilmstripLeader.h"
 #include "FormatModule.h"
 #include "Locale/ZVLibStr.h"
+#include "foundation/BigEndian.h"
 
 #include <algorithm>
 #include <array>

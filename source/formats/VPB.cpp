@@ -3,9 +3,9 @@
 //   behind them zeros up to a multiple of 1024
 // The image record, tag 16, holds big-endian: 0 bits a pixel, 16   4 width   6 height   12 pixels behind the
 // header.
-#include "BigEndian.h"
 #include "FormatModule.h"
 #include "VPBPixels.h"
+#include "foundation/BigEndian.h"
 #include "foundation/HeapBlock.h"
 
 #include <algorithm>

@@ -28,6 +28,25 @@ export PKG_CONFIG_PATH=$work/prefix/$libdir/pkgconfig
 "$compiler" -std=c++20 "$work/program/main.cpp" -o "$work/by-pkg-config" $(pkg-config --cflags --libs zvlib)
 [ "$(LD_LIBRARY_PATH=$work/prefix/$libdir "$work/by-pkg-config")" = "error 12" ]
 
+# A format module builds outside the tree, and is loaded only while an application reads a picture of its format.
+cp -r "$source_dir/examples/graymap" "$work/graymap"
+cmake -S "$work/graymap" -B "$work/module" -DCMAKE_PREFIX_PATH="$work/prefix" -DCMAKE_CXX_COMPILER="$compiler" >/dev/null
+cmake --build "$work/module" >/dev/null
+mkdir -p "$work/application/Plugins/more"
+cp "$work/module/graymap.ifm" "$work/application/Plugins/more"
+# shellcheck disable=SC2046
+"$compiler" -std=c++20 "$source_dir/tests/install/ModuleHost.cpp" -o "$work/application/host" $(pkg-config --cflags --libs zvlib)
+printf 'P5 2 1 255\n\100\200' >"$work/picture.pgm"
+host() { LD_LIBRARY_PATH=$work/prefix/$libdir "$work/application/host" "Root:${work//\//\\}\\picture.pgm"; }
+[ "$(host | tr '\n' ';')" = "Portable Greymap;claimed: not loaded;2 x 1, 64;read: loaded;let go: not loaded;2 x 1, 64;\
+read: loaded;let go: not loaded;end: not loaded;" ]
+
+# One that was built with other records is refused.
+cp -r "$work/prefix/include/zvlib" "$work/other"
+sed -i 's/^    long ImageModes;/    long Another;\n&/' "$work/other/ZVFormat.h"
+"$compiler" -std=c++20 -shared -fPIC "-I$work/other" "$work/graymap/Graymap.cpp" -o "$work/application/Plugins/more/graymap.ifm"
+[ "$(host | head -n 2 | tr '\n' ';')" = "no module;claimed: not loaded;" ]
+
 # The installed tool finds its library and its texts.
 "$work/prefix/bin/zvclip" --help >/dev/null
 [ -s "$work/prefix/share/zvlib/Locale/ZVLibStr.txt" ]

@@ -1,0 +1,179 @@
+// Directories, read and walked; and what the file system tells of what lies in them.
+#include "MacFile.h"
+#include "MacFileInfo.h"
+
+#include "ZVLibInternal.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <new>
+#include <strings.h>
+#include <sys/stat.h>
+#include <vector>
+
+namespace {
+
+struct Entry {
+    uint64_t key;      ///< the first characters in lower case, which settle most comparisons
+    std::size_t name;  ///< native, by its place in `names`
+    OSEntryKind kind;
+    bool isLink;
+};
+
+/// A directory, read in one go: a walk into the depth then keeps no descriptors open.
+struct Listing {
+    std::string names;  ///< each closed by a zero byte
+    std::vector<Entry> entries;
+
+    char const* Name(Entry const& entry) const { return names.data() + entry.name; }
+};
+
+uint64_t Sort_Key(char const* name)
+{
+    uint64_t key = 0;
+    for (int i = 0; i < 8; ++i) {
+        auto c = static_cast<unsigned char>(*name);
+        if (c >= 'A' && c <= 'Z') c = static_cast<unsigned char>(c + 'a' - 'A');
+        key = key << 8 | c;
+        if (*name) ++name;
+    }
+    return key;
+}
+
+OSEntryKind Kind_Of_Mode(mode_t mode)
+{
+    if (S_ISREG(mode)) return OSEntryKind::File;
+    return S_ISDIR(mode) ? OSEntryKind::Directory : OSEntryKind::Other;
+}
+
+/// The kind of an entry that the directory does not tell, or of what a link leads to.
+OSEntryKind Look_Up_Kind(int directory, char const* name)
+{
+    struct stat info;
+    return fstatat(directory, name, &info, 0) == 0 ? Kind_Of_Mode(info.st_mode) : OSEntryKind::Other;
+}
+
+OSEntryKind Kind_Of_Entry(int directory, dirent const& entry)
+{
+    switch (entry.d_type) {
+    case DT_REG: return OSEntryKind::File;
+    case DT_DIR: return OSEntryKind::Directory;
+    case DT_LNK:
+    case DT_UNKNOWN: return Look_Up_Kind(directory, entry.d_name);
+    default: return OSEntryKind::Other;
+    }
+}
+
+bool Is_Link(int directory, dirent const& entry)
+{
+    if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_LNK;
+    struct stat info;
+    return fstatat(directory, entry.d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(info.st_mode);
+}
+
+/// @return  0 or an errno value
+int Read_Directory(char const* path, Listing& listing)
+{
+    std::unique_ptr<DIR, int (*)(DIR*)> const directory(opendir(path), &closedir);
+    if (!directory) return errno;
+    int const descriptor = dirfd(directory.get());
+    for (;;) {
+        errno = 0;
+        dirent const* const entry = readdir(directory.get());
+        if (!entry) break;
+        if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) continue;
+        listing.entries.push_back({Sort_Key(entry->d_name), listing.names.size(),
+                                   Kind_Of_Entry(descriptor, *entry), Is_Link(descriptor, *entry)});
+        listing.names.append(entry->d_name, std::strlen(entry->d_name) + 1);
+    }
+    if (errno) return errno;
+    // The order in which people expect to see them.
+    std::sort(listing.entries.begin(), listing.entries.end(), [&](Entry const& a, Entry const& b) {
+        if (a.key != b.key) return a.key < b.key;
+        int const order = strcasecmp(listing.Name(a), listing.Name(b));
+        return order ? order < 0 : std::strcmp(listing.Name(a), listing.Name(b)) < 0;
+    });
+    return 0;
+}
+
+/// Shows the entries to `visit`; `path` is that of the directory.
+template <typename Visit>
+void Show_Entries(Listing const& listing, std::string_view path, bool wantsCodes, Visit visit)
+{
+    std::string full(path);
+    if (!full.ends_with('/')) full += '/';
+    std::size_t const directorySize = full.size();
+    std::string spelled;
+    for (Entry const& entry : listing.entries) {
+        char const* name = listing.Name(entry);
+        OSDirectoryEntry shown = {name, entry.kind, entry.isLink, ZV_BLANK_CODE, ZV_BLANK_CODE};
+        if (wantsCodes && entry.kind == OSEntryKind::File) {
+            full.replace(directorySize, full.npos, name);
+            ZVCreatorPair const codes = Mac_Read_Codes(full.c_str());
+            shown.type = codes.type;
+            shown.creator = codes.creator;
+        }
+        if (std::strpbrk(name, ":\\")) {
+            spelled = Mac_Name_To_Spec(name);
+            shown.name = spelled.c_str();
+        }
+        if (!visit(shown)) return;
+    }
+}
+
+/// Reads a directory and shows it. False with the error number set when it cannot be read.
+template <typename Visit> bool List_Directory(char const* spec, bool wantsCodes, Visit visit)
+{
+    try {
+        MacPath path;
+        Listing listing;
+        int error = path.Set(spec);
+        if (error == 0) error = Read_Directory(path.Text(), listing);
+        Mac_Set_File_Error(error);
+        if (error) return false;
+        Show_Entries(listing, path.View(), wantsCodes, visit);
+        return true;
+    } catch (std::bad_alloc const&) {
+        SetError(ZV_ERR_MEMORY);
+        return false;
+    }
+}
+
+}  // namespace
+
+bool OS_Walk_Directory(char const* spec, bool (*visit)(char const* name, bool isDirectory, void* data),
+                       void* data)
+{
+    return List_Directory(spec, false, [=](OSDirectoryEntry const& entry) {
+        return visit(entry.name, entry.kind == OSEntryKind::Directory, data);
+    });
+}
+
+bool OS_List_Directory(char const* spec, bool wantsCodes, bool (*visit)(OSDirectoryEntry const&, void*),
+                       void* data)
+{
+    return List_Directory(spec, wantsCodes,
+                          [=](OSDirectoryEntry const& entry) { return visit(entry, data); });
+}
+
+bool OS_Get_Status(char const* spec, OSFileStatus* status)
+{
+    MacPath path;
+    struct stat info;
+    if (path.Set(spec) != 0 || stat(path.Text(), &info) != 0) return false;
+    *status = {info.st_size, info.st_mtime, info.st_dev, info.st_ino, Mac_Read_Flags(path.Text())};
+    return true;
+}
+
+bool OS_Resolve_Link(char const* spec, char* target)
+{
+    MacPath path;
+    FSSpec place;
+    static_assert(sizeof place.path >= PATH_MAX);
+    return path.Set(spec) == 0 && realpath(path.Text(), place.path) && GetDOSPathZV(target, &place) == 0;
+}
