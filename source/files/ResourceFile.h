@@ -79,6 +79,7 @@ private:
     bool Begin_Change();
     bool Move_To_End();
     bool Append(ResourceEntry& entry, std::span<uint8_t const> bytes);
+    bool Write_Map(int64_t position, std::span<ResourceEntry const> entries, ResourceHeader& header);
     bool Append_Map();
     bool Turn_Header(ResourceHeader const& header);
     bool Pack();

@@ -250,21 +250,28 @@ bool ZVResourceFile::Turn_Header(ResourceHeader const& header)
     return true;
 }
 
+/// Writes the map of some entries, and tells the header where it lies.
+bool ZVResourceFile::Write_Map(int64_t position, std::span<ResourceEntry const> entries,
+                               ResourceHeader& header)
+{
+    header.mapOffset = static_cast<uint32_t>(position);
+    std::vector<uint8_t> const map = Build_Resource_Map(header, entries);
+    auto const size = static_cast<int64_t>(map.size());
+    if (map.empty() || base_ + position + size > UINT32_MAX) {
+        SetError(ZV_ERR_DISK_FULL);
+        return false;
+    }
+    if (!Write_Bytes(file_.get(), base_ + position, map.data(), size)) return false;
+    header.mapLength = static_cast<uint32_t>(size);
+    length_ = std::max(length_, position + size);
+    return true;
+}
+
 /// Writes the map behind everything else.
 bool ZVResourceFile::Append_Map()
 {
     ResourceHeader header = header_;
-    header.mapOffset = static_cast<uint32_t>(length_);
-    std::vector<uint8_t> const map = Build_Resource_Map(header, entries_);
-    auto const size = static_cast<int64_t>(map.size());
-    if (map.empty() || base_ + length_ + size > UINT32_MAX) {
-        SetError(ZV_ERR_DISK_FULL);
-        return false;
-    }
-    if (!Write_Bytes(file_.get(), base_ + length_, map.data(), size)) return false;
-    header.mapLength = static_cast<uint32_t>(size);
-    length_ += size;
-    return Turn_Header(header);
+    return Write_Map(length_, entries_, header) && Turn_Header(header);
 }
 
 /// Copies all that is named to a place that holds nothing of it, and turns the header to the copy.
@@ -287,17 +294,7 @@ bool ZVResourceFile::Write_Packed(int64_t position)
         at += size + 4;
     }
     header.dataLength = static_cast<uint32_t>(at - position);
-    header.mapOffset = static_cast<uint32_t>(at);
-    std::vector<uint8_t> const map = Build_Resource_Map(header, entries);
-    auto const mapSize = static_cast<int64_t>(map.size());
-    if (map.empty() || base_ + at + mapSize > UINT32_MAX) {
-        SetError(ZV_ERR_DISK_FULL);
-        return false;
-    }
-    if (!Write_Bytes(file_.get(), base_ + at, map.data(), mapSize)) return false;
-    header.mapLength = static_cast<uint32_t>(mapSize);
-    length_ = std::max(length_, at + mapSize);
-    if (!Turn_Header(header)) return false;
+    if (!Write_Map(at, entries, header) || !Turn_Header(header)) return false;
     entries_ = std::move(entries);
     return true;
 }
