@@ -33,6 +33,7 @@ struct ZVStringTable;
 struct ZVKeySection;
 struct ZVEvent;
 struct ZVWindow;
+struct ZVSysWindow;
 struct ZVPalette;
 struct ZVGroup;
 struct ZVItem;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ZVBase.h"
+#include "ZVEvent.h"
 #include "ZVList.h"
 #include "ZVRect.h"
 #include "ZVTags.h"
@@ -123,8 +124,7 @@ struct ZVEnvironment {
     int32_t busyLevel;
     int32_t exitRequested;  ///< ExitZV was called
     List formats;           ///< format modules; the order decides which one claims a file
-    uint16_t pressure;      ///< of the tablet, 65535 at start
-    int32_t inProximity;
+    ZVTablet tablet;        ///< given to events by pointer
     ZVPalette* modalPalette;
     ZVPalette* activeDocument;
     ZVPalette* activePalette;
@@ -149,7 +149,7 @@ struct ZVEnvironment {
     ZVItem* trackingItem;
     uint32_t buttonState;
     int32_t dragDistance;
-    void* rootSysWindow;
+    ZVSysWindow* rootSysWindow;
     void* savedPort;
     void* savedResFile;
     int32_t eventsSuspended;

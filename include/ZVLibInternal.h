@@ -250,6 +250,119 @@ inline constexpr double JobTimerInterval = 0.001;  ///< Of that timer, in second
 /// Unlinks the jobs that are left; they stay their owners'.
 ZV_API void Cleanup_Jobs();
 
+// ---- interface --------------------------------------------------------------------------------------------
+
+/// Sends an event down its chain of callbacks and answers its result. `arg` is the event's `item`: a palette,
+/// item, path or number; of a key event the character in the high and the code in the low half.
+ZV_API unsigned long Do_Event(unsigned short type, unsigned long arg);
+
+/// Sends a custom event to the function of its item and what that answers as an event. The caller fills in
+/// type, item, position and movement, and replyData of event 117.
+ZV_API long Do_CustomEvent(ZVCustomEvent* event);
+
+/// The activation events of a window that has become active.
+ZV_API void Do_WindowActivation(ZVWindow* window);
+
+/// What every mouse event begins with: the position is stored, the item under the mouse found, and custom
+/// events tell items that the mouse came, went or moved. The point is on the screen.
+ZV_API void Handle_MouseMove(long x, long y);
+
+/// Presses, moves, ticks and releases of the custom gadget that holds the mouse; the point is on the screen.
+ZV_API long Custom_Gad_MouseDown(long x, long y, long clickCount);  ///< 1 when a custom gadget took it.
+ZV_API void Custom_Gad_MouseMove(long x, long y);
+ZV_API void Custom_Gad_MouseUp(long x, long y);
+ZV_API void Custom_Gad_Tick();
+
+ZV_API void AppTickTimerProcZV();                 ///< What the event loop's tick timer calls.
+inline constexpr double TickTimerInterval = 0.1;  ///< Of that timer, in seconds.
+ZV_API void Do_VBL();                             ///< One step of the busy cursor.
+inline constexpr double BusyTimerInterval = 0.02;
+
+ZV_API void Set_Cursor(unsigned short code);
+ZV_API void Update_Cursor();  ///< The cursor for the present mouse position; no events.
+
+/// A record of the mouse queue, copied as it is.
+struct MacMouseEvent {
+    uint32_t point;
+    uint16_t state;
+};
+ZV_API void Add_MouseQueue(MacMouseEvent const* event);  ///< The oldest are overwritten when it is full.
+ZV_API long Get_MouseQueue(MacMouseEvent* event);        ///< 0 when it is empty.
+
+/// The next palette of a window's tree: first sub-palette, next sibling, next sibling of the nearest parent
+/// that has one. Null starts the walk, and ends it.
+ZV_API ZVPalette* Get_Next_Palette(ZVWindow* window, ZVPalette* palette);
+
+ZV_API long NewActivePalette(ZVWindow* window, ZVPalette* palette, long x, long y, long activate);
+ZV_API void Free_Palette(ZVPalette* palette);  ///< With all that it owns; unlinked from its list.
+
+/// Lays a palette out in that size and brings the screen in line. -1 is the natural size.
+ZV_API void Rebuild_SysPalette(ZVPalette* palette, long width, long height);
+
+ZV_API short GetItemRefID(ZVGroup const* group, short reference);
+ZV_API short GetGroupRefID(ZVPalette const* palette, short reference);
+
+ZV_API void Set_Item_Size(ZVItem* item);    ///< Natural size of an item, into its base size too.
+ZV_API long SetUp_Gadgets(ZVGroup* group);  ///< Natural size of a group. 0: a reference is not placed.
+ZV_API void Build_Groups(ZVPalette* palette, long width, long height);
+ZV_API long Build_Gadgets(ZVGroup* group);  ///< Final places of items. 0 as above, and for flex on both axes.
+ZV_API unsigned short GetItemFont(ZVItem const* item);  ///< Standard font number.
+ZV_API void Process_Dependencies(ZVItem* item);
+
+/// Key bindings. A file by its full spec is read into the chain, nothing freed first.
+ZV_API void Parse_KeyFile(char const* spec, ZVKeySection* section);
+ZV_API long Find_Key(ZVKeySection const* section, long action);  ///< Key of the first binding, or 0.
+ZV_API void Process_Keys(long key, unsigned long modifiers);     ///< Of the modal palette, else of InitZV.
+
+// The native seam: what the logic asks of the desktop layer.
+
+ZV_API long Make_SysWindow(ZVWindow* window, ZVPalette* palette);  ///< 1 when it is there.
+ZV_API void Rebuild_SysWindow(ZVWindow* window, ZVPalette* palette);
+ZV_API void Free_SysWindow(ZVWindow* window);  ///< With the ZVWindow, unlinked.
+ZV_API void Set_SysWindowName(ZVWindow* window, char const* name);
+ZV_API ZVWindow* GetZVWind_From_SysWind(ZVSysWindow const* window);
+ZV_API void Mac_Select_Window(ZVWindow* window);  ///< To the front.
+
+/// The library's window at a point of the screen, and the point in its client area. Null when there is none.
+ZV_API ZVWindow* Mac_Find_Window(long x, long y, long* localX, long* localY);
+
+/// Outer size of the window that would hold the palette, and a frame position as client position.
+ZV_API void Get_SysWindowDimFromPalette(ZVPalette const* palette, ZVRectT<long>* size);
+ZV_API void OffsetWindowToClient(ZVPalette const* palette, long* x, long* y);
+
+ZV_API void Move_Sliders(ZVWindow* window);  ///< Brings the scroll bars to their edges and values.
+ZV_API void Enable_Sliders(ZVWindow* window, long enabled);
+
+ZV_API long Make_SysGroup(ZVGroup* group);
+ZV_API void Destroy_SysGroup(ZVGroup* group);
+ZV_API void Make_SysGroupFrame(ZVGroup* group);
+ZV_API void Destroy_SysGroupFrame(ZVGroup* group);
+ZV_API long Make_SysItem(ZVItem* item);
+ZV_API void Destroy_SysItem(ZVItem* item);
+ZV_API void Enable_SysItem(ZVItem* item);
+ZV_API void Disable_SysItem(ZVItem* item);
+ZV_API void Mac_Update_Item(ZVItem* item);  ///< The native object shows the state; see UpdateGadgetZV.
+ZV_API void Mac_Validate(ZVWindow* window, ZVRectT<long> const& area);  ///< Needs no redraw any more.
+ZV_API void Refresh_GUI();
+ZV_API void Activate_First_Gadget(ZVPalette* palette);
+ZV_API void
+Mac_Drop_Focus(unsigned long reportBits);  ///< Text field or list loses it and reports by event 5.
+
+ZV_API long Image_Width(unsigned short icon);
+ZV_API long Image_Height(unsigned short icon);
+
+/// The event loops. The inner ones run until the modal palette on top is closed, or until ExitZV.
+ZV_API void Mac_Run_Modal_Loop(ZVPalette* palette);
+ZV_API void Mac_Run_Application_Loop();
+ZV_API void Mac_End_Modal_Loop(ZVPalette* palette);
+ZV_API void Mac_Handle_Waiting_Events();
+ZV_API void Mac_Flush_Events();
+ZV_API uint32_t Mac_Keyboard_State();  ///< Modifier bits of the keys that are held.
+ZV_API void Mac_Show_Cursor(unsigned short code);
+ZV_API void Mac_Move_Pointer_Freely(long on);  ///< The pointer is hidden and held, movements still come.
+ZV_API long Mac_Double_Click_Time();           ///< Ticks of 1/60 second.
+ZV_API uint32_t Mac_Tick_Count();  ///< Ticks of 1/60 second since start; the virtual clock's in memory.
+
 // ---- pixels -----------------------------------------------------------------------------------------------
 
 /// Frees the blocks that AllocateResidentBlock keeps for reuse. False when there was none.

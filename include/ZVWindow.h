@@ -6,8 +6,7 @@
 #include "ZVRect.h"
 #include "ZVTags.h"
 
-struct ZVSysWindow;     ///< the native window; the desktop layer's own
-struct ZVSysScrollBar;  ///< a native scroll bar of a window
+struct ZVSysScrollBar;  ///< a native scroll bar of a window; the desktop layer's own
 
 /// Kinds of palettes and of the windows that are made for them.
 enum ZVKind : uint32_t {
@@ -33,7 +32,7 @@ struct ZVWindow {
     ZVWindow* parent;                  ///< of a pseudo-window; null for a system window
     TagItem* tags;                     ///< flat clone of a pseudo-window's tags, or null
     List hooks;                        ///< ZVEventHook
-    ZVSysWindow* sysWindow;            ///< null for a pseudo-window
+    ZVSysWindow* sysWindow;            ///< the native window; null for a pseudo-window
     ZVSysScrollBar* verticalBar;       ///< or null
     ZVSysScrollBar* horizontalBar;     ///< or null
 };

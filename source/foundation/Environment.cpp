@@ -55,7 +55,7 @@ static bool Make_Environment(void (*callback)(ZVEvent*), char const* prefsName, 
     ZVEnv->initTags = CloneTagItems(tags);
     ZVEnv->eraseOnDestroy = 1;
     ZVEnv->toolTipsOn = 1;
-    ZVEnv->pressure = 65535;
+    ZVEnv->tablet.pressure = 65535;
     Init_Style(*ZVEnv->style);
     std::ranges::copy(byteToFraction, ZVEnv->fracTable);
     ZVPixelBase::_byteToFracTbl = ZVEnv->fracTable;
