@@ -12,6 +12,8 @@
 #include "ZVFileSpec.h"
 #include "ZVFootage.h"
 #include "ZVFormat.h"
+#include "ZVGBuffer.h"
+#include "ZVIcon.h"
 #include "ZVJob.h"
 #include "ZVList.h"
 #include "ZVMemory.h"

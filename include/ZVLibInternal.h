@@ -260,6 +260,51 @@ ZV_API bool Empty_Block_Cache();
 template <typename Buffer, typename Pixel, typename Channel>
 void RGBA_To_ARGB(Buffer const* source, void* out, long bytes);
 
+/// Frees all icons.
+ZV_API void CleanupIconList();
+
+/// The factor of an exponent byte: 0.0 for 0, else 2 to the power of (e - 128).
+extern ZV_API double const _expTable[256];
+
+/// Copies one sample of N bytes.
+template <int N> struct ZVSampleCopy {
+    static constexpr int size = N;
+    void operator()(unsigned char* to, unsigned char const* from) const { std::memcpy(to, from, N); }
+};
+using Copy1 = ZVSampleCopy<1>;
+using Copy2 = ZVSampleCopy<2>;
+using Copy3 = ZVSampleCopy<3>;
+using Copy4 = ZVSampleCopy<4>;
+using Copy8 = ZVSampleCopy<8>;
+
+// What ExtractGBufferLayerZV is made of. All planes have one size, the X values are one sample wider, and the
+// rectangle lies inside. Ids are bytes or shorts; a sample is wanted when its id is `id` and `mode` is 1, or
+// when neither holds.
+
+/// The picture, with an instance for each of the five RGBA buffers. Bitmaps of one size; the rectangle lies
+/// inside them too.
+/// @param input  of which the colour, coverage, weight, transparency and X values are used
+template <typename Buffer, typename Pixel>
+void ExtractGBufferLayer_T(Buffer const* src, Buffer* dst, unsigned short id, ZVGBuffer const& ids,
+                           ZVGBufferArray const& input, long mode, ZVRectT<long> const& rect);
+
+/// One channel, with an instance for each of the copies above. Of a pixel without wanted samples the front
+/// becomes `fill`; of one whose front is not wanted the first further sample that is wanted moves to the
+/// front.
+template <typename CopyN>
+void extract_1_GB_layer(CopyN copy, ZVGBuffer const& src, ZVGBuffer* dst, unsigned short id,
+                        unsigned char const* fill, ZVGBuffer const& ids, long mode, ZVGBuffer const* xValues,
+                        ZVRectT<long> const* rect);
+
+/// The X values that go with it, from those in `src`.
+ZV_API void extract_x_values(ZVGBuffer const& src, ZVGBuffer* dst, unsigned short id, ZVGBuffer const& ids,
+                             long mode, ZVRectT<long> const* rect);
+
+/// The weights of further samples, from the coverage (null: full) and transparency (null: none) of the same
+/// samples.
+ZV_API void extract_weight(ZVGBuffer* weight, ZVGBuffer const* coverage, ZVGBuffer const* transparency,
+                           ZVGBuffer const* xValues, ZVRectT<long> const* rect);
+
 // ---- clips ------------------------------------------------------------------------------------------------
 
 /// Spec of a scratch file in scratch2, its directory made if missing; null for a frame of 0 or above, and
