@@ -97,10 +97,8 @@ struct ZVGBufferArray {
     constexpr ZVGBuffer* operator[](ZVGBufferChannel channel) const { return Buffers[Slot(Bit(channel))]; }
 
 private:
-    static constexpr int Bit(ZVGBufferChannel channel)
-    {
-        return std::countr_zero(static_cast<unsigned long>(channel));
-    }
+    // The highest bit is added so that no mask leads outside of the array.
+    static constexpr int Bit(ZVGBufferChannel channel) { return std::countr_zero(channel | ZV_GBUFFER_MASK); }
 };
 
 /// The samples that stand for nothing, by channel.
