@@ -16,8 +16,9 @@ constexpr long blockBytes = 16;
 struct SampleRow {
     uint16_t const* x;
     unsigned char const* samples;
-    long known;                 ///< samples that are there
-    unsigned char const* next;  ///< samples of the row that will be made after this one
+    long known;             ///< samples that are there
+    uint16_t const* nextX;  ///< X values and samples of the row that will be made after this one
+    unsigned char const* next;
 };
 
 /// Gathers the further samples of the pixels that a row of the target takes.
@@ -43,21 +44,42 @@ private:
     long Column(long i) const { return i * step_ >> 16; }
 
     /// Copies whole blocks: what a block holds too many, the next one overwrites. The columns are followed by
-    /// a block's worth of samples. Fetches the same places of the next row into the cache.
+    /// a block's worth of samples.
     void Copy_Blocks(long columns)
     {
+        constexpr long stretch = 64;  // of columns, between which the next row is fetched
+        for (long first = 0; first < columns; first += stretch) {
+            long const end = std::min(first + stretch, columns);
+            Fetch_Ahead(row_.nextX, Column(first), Column(end - 1) + 1);
+            Fetch_Ahead(row_.next, row_.x[Column(first)] * N, row_.x[Column(end - 1) + 1] * N);
+            Copy_Blocks(first, end);
+        }
+    }
+
+    void Copy_Blocks(long first, long end)
+    {
         unsigned char* to = to_;
-        for (long i = 0, position = 0; i < columns && to < full_; ++i, position += step_) {
+        for (long i = first, position = first * step_; i < end && to < full_; ++i, position += step_) {
             uint16_t const* const x = row_.x + (position >> 16);
             unsigned char const* const from = row_.samples + x[0] * N;
             long const bytes = (x[1] - x[0]) * N;
-            hwy::Prefetch(row_.next + x[0] * N);
-            std::memcpy(to, from, blockBytes);
-            for (long done = blockBytes; done < bytes; done += blockBytes)
+            long done = 0;
+            do {
                 std::memcpy(to + done, from + done, blockBytes);
+                done += blockBytes;
+            } while (done < bytes);
             to += bytes;
         }
         to_ = to;
+    }
+
+    /// Brings a part of the next row into the cache: rows that lie apart are beyond the foresight of the
+    /// processor.
+    template <typename T> static void Fetch_Ahead(T const* row, long begin, long end)
+    {
+        constexpr long line = 64 / sizeof(T);
+        for (long i = begin; i < end; i += line)
+            hwy::Prefetch(row + i);
     }
 
     void Copy_Exactly(long first, long end)
@@ -118,7 +140,7 @@ private:
     {
         ZVGBufferLayerData const& layer = source_.Layers[row];
         unsigned char const* const ahead = source_.Layers[next].Records;
-        SampleRow const from = {xValues_.Row(row), layer.Records, Sample_Count(layer),
+        SampleRow const from = {xValues_.Row(row), layer.Records, Sample_Count(layer), xValues_.Seen(next),
                                 ahead ? ahead : layer.Records};
         unsigned char const* end;
         switch (source_.Stride) {
