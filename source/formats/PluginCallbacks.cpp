@@ -1,6 +1,7 @@
 // The host's functions that Photoshop plug-ins call: in the record of a format plug-in, and in suites for
 // others.
-#include "ZVFormatRecord.h"
+#include "PluginCall.h"
+
 #include "ZVLibInternal.h"
 
 #include "clips/ClipMemory.h"
@@ -49,12 +50,7 @@ void FreeBuffer(BufferID id)
     FreeMemZV(id);
 }
 
-long BufferSpace()
-{
-    return static_cast<long>(std::min<uint64_t>(AvailableMemoryZV(ZV_MEM_LARGEST), LONG_MAX));
-}
-
-constexpr BufferProcs Buffers = {2, 5, AllocateBuffer, LockBuffer, UnlockBuffer, FreeBuffer, BufferSpace};
+constexpr BufferProcs Buffers = {2, 5, AllocateBuffer, LockBuffer, UnlockBuffer, FreeBuffer, Max_Block};
 
 constexpr HandleProcs Handles = {1,
                                  7,
@@ -87,11 +83,6 @@ void DisposePIHandle(PIHandle handle)
     FreeMemZV(handle);
 }
 
-long GetPIHandleSize(PIHandle handle)
-{
-    return GetPIHandleSizeZV(handle);
-}
-
 short SetPIHandleSize(PIHandle handle, long size)
 {
     if (!handle) return memFullErr;
@@ -102,15 +93,6 @@ short SetPIHandleSize(PIHandle handle, long size)
     *handle = {bytes, size};
     return 0;
 }
-
-void* LockPIHandle(PIHandle handle, uint8_t moveHigh)
-{
-    return LockPIHandleZV(handle, moveHigh);
-}
-
-void UnlockPIHandle(PIHandle) {}
-
-void RecoverSpace(long) {}
 
 // ---- properties and image services ------------------------------------------------------------------------
 
@@ -146,6 +128,11 @@ template <typename Procs> Procs* Alloc_Procs(Procs const& procs)
 }
 
 }  // namespace
+
+long Max_Block()
+{
+    return static_cast<long>(std::min<uint64_t>(AvailableMemoryZV(ZV_MEM_LARGEST), LONG_MAX));
+}
 
 // ---- the record -------------------------------------------------------------------------------------------
 
@@ -207,8 +194,11 @@ void RecoverSpaceZV(long) {}
 
 HandleProcs* AllocHandleProcs()
 {
-    return Alloc_Procs<HandleProcs>({1, 7, NewPIHandle, DisposePIHandle, GetPIHandleSize, SetPIHandleSize,
-                                     LockPIHandle, UnlockPIHandle, RecoverSpace});
+    HandleProcs procs = Handles;
+    procs.newProc = NewPIHandle;
+    procs.disposeProc = DisposePIHandle;
+    procs.setSizeProc = SetPIHandleSize;
+    return Alloc_Procs(procs);
 }
 
 void FreeHandleProcs(HandleProcs* procs)

@@ -23,8 +23,8 @@ struct PluginProperties {
     long fragmentLength = 0;
     long imageModes = 0;  ///< bit n for mode n
     long properties = 0;  ///< ZV_FORMAT_... and bits for applications
-    long maxWidth = 0;
-    long maxHeight = 0;
+    long maxWidth = INT16_MAX;
+    long maxHeight = INT16_MAX;
     uint32_t fileType = 0;
     uint32_t fileCreator = 0;
     std::vector<ZVTypePair> readTypes;
