@@ -75,11 +75,13 @@ PluginCall::~PluginCall()
 {
     Cleanup_Callbacks(&record_, format_->Plugin);
     if (entry_) PluginIdleZV(format_->Plugin, 0);
+    unsigned long const error = GetErrorZV();
     file_.reset();
     bool const isEmpty = resources_ && resources_->Entries().empty();
     resources_.reset();
     if (newCompanion_ && isEmpty) DeleteFileZV(newCompanion_);
     FreeFileSpecZV(newCompanion_);
+    SetError(error);  // of the operation; clearing up has none
     if (clip_) clip_->VideoParams = record_.revertInfo;
 }
 

@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
 #include <unistd.h>
 #include <vector>
 
@@ -217,9 +216,10 @@ short Do(short selector, FormatRecord* record)
 void Main(short selector, FormatRecord* record, long* data, short* result)
 {
     ++*data;
-    char const* const calls = std::getenv("ZV_TEST_CALLS");
-    if (!calls || std::strlen(calls) < 1000)
-        setenv("ZV_TEST_CALLS", ((calls ? calls : "") + std::to_string(selector) + " ").c_str(), 1);
+    char calls[1000];
+    char const* const before = std::getenv("ZV_TEST_CALLS");
+    if (std::snprintf(calls, sizeof calls, "%s%d ", before ? before : "", selector) < 1000)
+        setenv("ZV_TEST_CALLS", calls, 1);
     int failing = -1, failure = 0;
     if (char const* const fail = std::getenv("ZV_TEST_FAIL")) std::sscanf(fail, "%d,%d", &failing, &failure);
     bool const fails = selector == failing;
