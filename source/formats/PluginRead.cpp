@@ -20,6 +20,11 @@ struct Picture {
     short depth, planes;
 };
 
+bool Is_Size(long size)
+{
+    return size >= 1 && size <= INT32_MAX;
+}
+
 /// Bits of a channel as bitmaps have them.
 long Bitmap_Depth(short depth)
 {
@@ -70,8 +75,7 @@ long Plugin_GetFrame(ZVClip* clip, ZVBitmap* bitmap, long, ZVRectT<long>* source
                      long height, long, void*, long)
 {
     if (!clip->Format || !clip->Format->Plugin) return 0;
-    if (width < 1 || width > INT32_MAX || height < 1 || height > INT32_MAX || clip->Width > INT32_MAX ||
-        clip->Height > INT32_MAX) {
+    if (!Is_Size(width) || !Is_Size(height) || !Is_Size(clip->Width) || !Is_Size(clip->Height)) {
         SetError(ZV_ERR_CLIP);
         return 0;
     }

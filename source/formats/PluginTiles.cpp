@@ -4,6 +4,7 @@
 #include "pixels/BitmapVisit.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace {
@@ -96,26 +97,53 @@ void Take_First_Plane(ZVBitmap& bitmap, FormatRecord const& tile, TilePlacement 
              });
 }
 
+/// Samples of a row by channel, each as if the tile began at it; null for a channel that has no plane.
+using ChannelSamples = std::array<uint8_t const*, AlphaChannel + 1>;
+
+ChannelSamples Sort_Planes(FormatRecord const& tile, uint8_t const* samples)
+{
+    ChannelSamples sorted = {};
+    Range const planes = Planes_Of(tile);
+    for (long plane = planes.begin; plane < planes.end; ++plane)
+        if (int const channel = Channel_Of(tile, plane); channel >= 0)
+            sorted[static_cast<std::size_t>(channel)] = samples + plane * int64_t{tile.planeBytes};
+    return sorted;
+}
+
+/// A sample as the pixel stores it: what goes beyond its bits is left out.
+template <typename Pixel> typename Pixel::Channel Load_Sample(uint8_t const* bytes)
+{
+    typename Pixel::Channel sample;
+    std::memcpy(&sample, bytes, sizeof sample);
+    if constexpr (Pixel::isPacked) sample &= Pixel::max;
+    return sample;
+}
+
 template <typename Buffer>
 void Take_Planes(Buffer& buffer, FormatRecord const& tile, TilePlacement const& placement, bool isOpaque)
 {
     using Pixel = typename Buffer::PixelType;
-    using Sample = typename Pixel::Channel;
-    Range const planes = Planes_Of(tile);
+    constexpr auto full = static_cast<typename Pixel::Channel>(Pixel::max);
     For_Rows(buffer, tile, placement, [&](Pixel* pixels, uint8_t const* samples, Range columns) {
+        ChannelSamples const sorted = Sort_Planes(tile, samples);
+        uint8_t const *const red = sorted[0], *const green = sorted[1], *const blue = sorted[2],
+                             *const alpha = sorted[AlphaChannel];
+        if (red && green && blue && (alpha || isOpaque)) {
+            For_Pixels(pixels, columns, tile, placement.x, [&](Pixel& pixel, int64_t column) {
+                int64_t const at = column * tile.colBytes;
+                pixel.SetRGBA(Load_Sample<Pixel>(red + at), Load_Sample<Pixel>(green + at),
+                              Load_Sample<Pixel>(blue + at), alpha ? Load_Sample<Pixel>(alpha + at) : full);
+            });
+            return;
+        }
         if (isOpaque)
             for (long x = columns.begin; x < columns.end; ++x)
-                pixels[x].Alpha(static_cast<Sample>(Pixel::max));
-        for (long plane = planes.begin; plane < planes.end; ++plane) {
-            int const channel = Channel_Of(tile, plane);
-            if (channel < 0) continue;
-            uint8_t const* const first = samples + plane * int64_t{tile.planeBytes};
-            For_Pixels(pixels, columns, tile, placement.x, [&](Pixel& pixel, int64_t column) {
-                Sample sample;
-                std::memcpy(&sample, first + column * tile.colBytes, sizeof sample);
-                pixel.Set(channel, sample);
-            });
-        }
+                pixels[x].Alpha(full);
+        for (int channel = 0; channel <= AlphaChannel; ++channel)
+            if (uint8_t const* const first = sorted[static_cast<std::size_t>(channel)])
+                For_Pixels(pixels, columns, tile, placement.x, [&](Pixel& pixel, int64_t column) {
+                    pixel.Set(channel, Load_Sample<Pixel>(first + column * tile.colBytes));
+                });
     });
 }
 
