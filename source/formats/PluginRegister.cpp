@@ -153,7 +153,8 @@ long Register(PluginProperties const& plugin, std::string name, char const* spec
         Insert_Loaded_Format(desc);
     else
         AddTail(&ZVEnv->formats, &desc->Node);
-    // FIXME: shows string 106 and the name in the scan's rectangle, once there are draw contexts.
+    // FIXME: shows string 106 and the name, and for a property list fourteen blanks, in the scan's rectangle,
+    // once there are draw contexts.
     return 1;
 }
 

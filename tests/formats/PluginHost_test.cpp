@@ -438,9 +438,13 @@ TEST_F(PluginHost, GetsEachTypeOfBitmapInTilesOfAnyOrder)
         }
         EXPECT_EQ(clip->RawFrames, std::ssize(TileOrders));
     }
-    Behave("2,2,3,0");
     ClipPtr const clip = Create(Module(ZV_FourCC("TEST")), "out.tst", width, height, 25);
+    Behave("2,2,3,0");
     EXPECT_EQ(Add_Frame_At(clip.get(), 0, Make_Bitmap(width, height).get()), 0) << "tiles without end";
+    Behave("7,4,5,0");
+    EXPECT_EQ(Add_Frame_At(clip.get(), 0, Make_Bitmap(width, height).get()), 1);
+    auto const resources = ZVResourceFile::Open(environment.Spec("out.tst").c_str(), ZVFilePermRead);
+    EXPECT_TRUE(resources && resources->Find_ID(ZV_FourCC("TEST"), 128));
 }
 
 // ---- failures ---------------------------------------------------------------------------------------------

@@ -6,6 +6,8 @@
 //   ZV_TEST_CALLS  what has been called, a list of selectors that grows
 #include <ZVFormatRecord.h>
 
+#include "files/ResourceFile.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -15,7 +17,7 @@
 
 namespace {
 
-enum Layout { PixelByPixel, PlaneByPlane, PlaneTiles, Endless, Outside };
+enum Layout { PixelByPixel, PlaneByPlane, PlaneTiles, Endless, Outside, WithResource };
 
 struct Header {
     char mark[4];
@@ -175,6 +177,8 @@ short Finish_Writing(FormatRecord* record)
     auto* const file = reinterpret_cast<ZVFileInfo*>(record->minDataBytes);
     bool const isWritten = WriteFileZV(file, &work.header, sizeof work.header) &&
                            WriteFileZV(file, work.samples.data(), work.samples.size());
+    if (work.layout == WithResource)
+        static_cast<ZVResourceFile*>(record->rsrcFork)->Add(ZV_FourCC("TEST"), 128, "", work.samples);
     Free_Tile(record);
     return isWritten ? short{0} : short{dskFulErr};
 }
