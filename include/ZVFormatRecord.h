@@ -14,7 +14,7 @@
 
 #include "ZVFileSpec.h"
 #include "ZVFormat.h"
-#include "ZVLayout.h"
+#include "ZVRecordLayout.h"
 
 /// What a call asks of the plug-in. In each family `prepare` comes before anything is opened or allocated and
 /// `continue` comes once for each tile.

@@ -22,7 +22,7 @@
 #include "ZVClip.h"
 #include "ZVEnvironment.h"
 #include "ZVFormat.h"
-#include "ZVLayout.h"
+#include "ZVRecordLayout.h"
 #include "ZVPlugin.h"
 
 /// What a module finds at ZVFormatDesc::ModuleInfo.
