@@ -5,6 +5,7 @@
 #include "foundation/HeapBlock.h"
 
 #include <climits>
+#include <cstdint>
 #include <cstdlib>
 
 namespace {
@@ -54,8 +55,8 @@ ZVNativeBitmap* Draw_Image(ResourceBytes const& /*picture*/)
 
 ZVNativeBitmap* GetImageZV(unsigned long id)
 {
-    // Ids of resources are 16 bits with a sign.
-    if (id > INT16_MAX && static_cast<long>(id) < INT16_MIN) return nullptr;
-    ResourceBytes const picture = Read_Resource(pictureType, static_cast<long>(id));
+    auto const number = static_cast<long>(id);
+    if (number < INT16_MIN || number > INT16_MAX) return nullptr;  // no resource has such an id
+    ResourceBytes const picture = Read_Resource(pictureType, number);
     return picture.size > 0 ? Draw_Image(picture) : nullptr;
 }

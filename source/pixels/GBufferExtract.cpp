@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <optional>
 
-std::array<double, 256> const _expTable = [] {
+constinit std::array<double, 256> const _expTable = [] {
     std::array<double, 256> table{};
     double factor = 0x1p-127;
     for (std::size_t e = 1; e < table.size(); ++e, factor *= 2.0)

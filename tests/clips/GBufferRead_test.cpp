@@ -114,7 +114,7 @@ TEST_F(GBufferRead, XValuesNobodyAskedForAreNotLeft)
     for (long const width : {8L, 4L}) {
         ASSERT_TRUE(Get(0, ZV_GBUFFER_WIDTH, width));
         EXPECT_FALSE(array[ZV_GBUFFER_X_VALUES]);
-        EXPECT_EQ(array[ZV_GBUFFER_Z]->Layers[0].Count, static_cast<uint32_t>(width == 8 ? 4 : 4));
+        EXPECT_EQ(array[ZV_GBUFFER_Z]->Layers[0].Count, 4U);
     }
 }
 
