@@ -78,16 +78,13 @@ void Take_Words(uint8_t const* row, long count, PictPixel* out)
     }
 }
 
-void Take_Planes(uint8_t const* red, long stride, uint8_t const* alpha, long count, PictPixel* out)
+/// Of colours one behind the other in a row of `width` pixels.
+void Take_Planes(uint8_t const* red, long width, uint8_t const* alpha, long count, PictPixel* out)
 {
-    uint8_t const* const green = red + stride;
-    uint8_t const* const blue = green + stride;
-    if (alpha)
-        for (long i = 0; i < count; ++i)
-            out[i] = {red[i], green[i], blue[i], alpha[i]};
-    else
-        for (long i = 0; i < count; ++i)
-            out[i] = {red[i], green[i], blue[i], 255};
+    uint8_t const* const green = red + width;
+    uint8_t const* const blue = green + width;
+    for (long i = 0; i < count; ++i)
+        out[i] = {red[i], green[i], blue[i], alpha[i]};
 }
 
 void Take_Triples(uint8_t const* row, long count, PictPixel* out)
@@ -137,6 +134,8 @@ PictStoredRows::PictStoredRows(PictBytes& bytes, PictPixelMap const& map, bool i
     if (map.Is_Narrow() || map.packing == PICT_PACK_NONE) packing_ = PICT_PACK_NONE;
     size_ = Row_Size();
     unpacked_.resize(size_ + PackBitsSlack);
+    if (packing_ == PICT_PACK_PLANES && map.components == 3)
+        opaque_.assign(static_cast<std::size_t>(map.Width()), 255);
 }
 
 std::size_t PictStoredRows::Row_Size() const
@@ -190,8 +189,8 @@ void PictStoredRows::To_Pixels(long first, long count, PictPixel* out) const
     }
     bool const hasAlpha = map_.components == 4;
     if (packing_ == PICT_PACK_PLANES)
-        Take_Planes(row_ + (hasAlpha ? width : 0) + first, width, hasAlpha ? row_ + first : nullptr, count,
-                    out);
+        Take_Planes(row_ + (hasAlpha ? width : 0) + first, width, hasAlpha ? row_ + first : opaque_.data(),
+                    count, out);
     else if (packing_ == PICT_PACK_NO_PAD)
         Take_Triples(row_ + 3 * first, count, out);
     else

@@ -65,5 +65,6 @@ private:
     int packing_;
     std::size_t size_;  ///< of an unpacked row
     std::vector<uint8_t> unpacked_;
+    std::vector<uint8_t> opaque_;   ///< alpha for planes without: a loop over four of them is the quickest
     uint8_t const* row_ = nullptr;  ///< the one at hand
 };
