@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::int64_t LargestExcess = 4;  // times as many pixels as were told
+constexpr int LargestBlock = 64;  // of pixels, each way
 
 AVCodec const* Decoder_For(std::uint32_t code)
 {
@@ -24,7 +24,8 @@ MovieOwner<AVCodecContext> Open_Still_Decoder(HostStill const& still)
     context->height = still.height;
     context->bits_per_coded_sample = still.depth;
     context->thread_count = 1;
-    context->max_pixels = std::int64_t{still.width} * still.height * LargestExcess;
+    // Decoders count in whole blocks.
+    context->max_pixels = std::int64_t{still.width + LargestBlock} * (still.height + LargestBlock);
     return avcodec_open2(context.get(), codec, nullptr) < 0 ? nullptr : std::move(context);
 }
 
@@ -44,6 +45,7 @@ HostMovieError Decode_Host_Still(HostStill const& still, void* pixels, std::size
     if (avcodec_send_packet(decoder.get(), packet.get()) < 0) return HostMovieError::Unreadable;
     avcodec_send_packet(decoder.get(), nullptr);  // nothing follows
     if (avcodec_receive_frame(decoder.get(), frame.get()) < 0) return HostMovieError::Unreadable;
+    if (frame->width != still.width || frame->height != still.height) return HostMovieError::Unreadable;
     PictureConverter converter;
     return converter.To_RGBA(*frame, still.width, still.height, pixels, rowBytes, HostPixels::RGBA8)
                ? HostMovieError::None

@@ -123,7 +123,7 @@ struct HostStill {
     int depth = 24;  ///< bits of a pixel as movies count them
 };
 
-/// Decodes a picture into rows of RGBA8 pixels, of the size that was told.
+/// Decodes a picture into rows of RGBA8 pixels. One of another size than was told counts as damaged.
 /// @param pixels  room for height rows; its contents are undefined after a failure
 HostMovieError Decode_Host_Still(HostStill const& still, void* pixels, std::size_t rowBytes);
 

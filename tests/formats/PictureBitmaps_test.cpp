@@ -190,8 +190,8 @@ PictureBytes Ink(long mode)
 
 TEST_F(PictureBitmaps, InkAndPaperTakeTheColoursAndTheMode)
 {
-    char const* const arts[] = {"gbgbgbgb\n", "grgrg.g.\n", "crcr#.#.\n", "brbrb.b.\n",
-                                "bgbgbgbg\n", "rgrg.g.g\n", "rcrc.#.#\n", "rbrb.b.b\n"};
+    char const* const arts[] = {"gbgbgbgb", "grgrg.g.", "crcr#.#.", "brbrb.b.",
+                                "bgbgbgbg", "rgrg.g.g", "rcrc.#.#", "rbrb.b.b"};
     for (long mode = 0; mode < 8; ++mode)
         EXPECT_EQ(Decoded_Art(Ink(mode).End()), arts[mode]) << mode;
     EXPECT_EQ(Decoded_Art(Ink(64).End()), arts[0]) << "dithering is of no use here";
@@ -204,14 +204,14 @@ TEST_F(PictureBitmaps, PartsAreStretchedClippedAndMasked)
         Bytes source, target, clip, mask;
         std::string art;
     } const cases[] = {
-        {"doubled", {0, 0, 1, 2}, {0, 0, 2, 4}, {}, {}, "rrgg....\nrrgg....\n"},
-        {"a part, shifted", {0, 2, 1, 4}, {1, 5, 2, 7}, {}, {}, "........\n.....b#.\n"},
-        {"halved takes every second column", {0, 0, 1, 4}, {0, 0, 1, 2}, {}, {}, "rb......\n........\n"},
-        {"beyond the bitmap there is nothing", {0, 2, 1, 6}, {0, 0, 1, 8}, {}, {}, "bb##....\n........\n"},
-        {"clipped", {0, 0, 1, 4}, {0, 0, 2, 8}, {0, 3, 1, 6}, {}, "...gbb..\n........\n"},
-        {"masked", {0, 0, 1, 4}, {0, 0, 2, 8}, {}, {1, 1, 2, 7}, "........\n.rggbb#.\n"},
-        {"both", {0, 0, 1, 4}, {0, 0, 2, 8}, {0, 0, 2, 4}, {1, 1, 2, 7}, "........\n.rgg....\n"},
-        {"no target", {0, 0, 1, 4}, {0, 4, 1, 4}, {}, {}, "........\n........\n"},
+        {"doubled", {0, 0, 1, 2}, {0, 0, 2, 4}, {}, {}, "rrgg..../rrgg...."},
+        {"a part, shifted", {0, 2, 1, 4}, {1, 5, 2, 7}, {}, {}, "......../.....b#."},
+        {"halved takes every second column", {0, 0, 1, 4}, {0, 0, 1, 2}, {}, {}, "rb....../........"},
+        {"beyond the bitmap there is nothing", {0, 2, 1, 6}, {0, 0, 1, 8}, {}, {}, "bb##..../........"},
+        {"clipped", {0, 0, 1, 4}, {0, 0, 2, 8}, {0, 3, 1, 6}, {}, "...gbb../........"},
+        {"masked", {0, 0, 1, 4}, {0, 0, 2, 8}, {}, {1, 1, 2, 7}, "......../.rggbb#."},
+        {"both", {0, 0, 1, 4}, {0, 0, 2, 8}, {0, 0, 2, 4}, {1, 1, 2, 7}, "......../.rgg...."},
+        {"no target", {0, 0, 1, 4}, {0, 4, 1, 4}, {}, {}, "......../........"},
     };
     auto const rect = [](Bytes const& sides) {
         ByteWriter out;
@@ -236,7 +236,7 @@ TEST_F(PictureBitmaps, PatternsOfPixelsRepeat)
     PictureBytes picture(5, 3);
     picture.Opcode(0x13, {0, 1}).PutZeros(8).Put(Pixel_Map(2, 2, 2, 0, 8, 1).bytes);
     picture.Put(Colours({0, 255}, false).bytes).Put({0, 1, 1, 0});
-    EXPECT_EQ(Decoded_Art(picture.Rect(0x31, 0, 0, 5, 3).End()), "#o#o#\no#o#o\n#o#o#\n");
+    EXPECT_EQ(Decoded_Art(picture.Rect(0x31, 0, 0, 5, 3).End()), "#o#o#/o#o#o/#o#o#");
 }
 
 TEST_F(PictureBitmaps, DamageIsToldAndWhatCameBeforeIsDrawn)

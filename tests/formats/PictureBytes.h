@@ -26,18 +26,19 @@ public:
     Bytes const& End() { return Opcode(0x00FF).bytes; }
 };
 
-/// One letter for each pixel: nothing drawn, black, white, red, green, blue, any other.
+/// One letter for each pixel, for nothing drawn, the eight pure colours and any other; rows are parted by
+/// slashes.
 inline std::string Art(ZVBitmap const& bitmap)
 {
     std::string text;
     for (long y = 0; y < bitmap.Height; ++y) {
+        if (y > 0) text += '/';
         for (long x = 0; x < bitmap.Width; ++x) {
             unsigned char const* p = bitmap.Pixels + y * bitmap.RowBytes + 4 * x;
             int const lit = (p[0] == 255) | (p[1] == 255) << 1 | (p[2] == 255) << 2;
             bool const isPure = p[0] % 255 == 0 && p[1] % 255 == 0 && p[2] % 255 == 0;
             text += !p[3] ? '.' : isPure && p[3] == 255 ? "#rgybmco"[lit] : '?';
         }
-        text += '\n';
     }
     return text;
 }

@@ -65,108 +65,48 @@ Bytes const pen2 = Points({2, 2});
 
 DrawnCase shapeCases[] = {
     {"a frame lies inside its rectangle", Start(6, 5).Rect(0x30, 1, 1, 5, 4),
-     "......\n"
-     ".####.\n"
-     ".#..#.\n"
-     ".####.\n"
-     "......\n"},
+     "....../.####./.#..#./.####./......"},
     {"a pen of more pixels, higher than wide",
-     Start(6, 5).Opcode(0x07, Points({2, 1})).Rect(0x30, 0, 0, 6, 5),
-     "######\n"
-     "######\n"
-     "#....#\n"
-     "######\n"
-     "######\n"},
+     Start(6, 5).Opcode(0x07, Points({2, 1})).Rect(0x30, 0, 0, 6, 5), "######/######/#....#/######/######"},
     {"a pen wider than the rectangle fills it",
-     Start(3, 3).Opcode(0x07, Points({9, 9})).Rect(0x30, 0, 0, 3, 2), "###\n###\n...\n"},
+     Start(3, 3).Opcode(0x07, Points({9, 9})).Rect(0x30, 0, 0, 3, 2), "###/###/..."},
     {"paint, erase, invert and fill, the last four where the first was",
-     Start(2, 1).Rect(0x31, 0, 0, 2, 1).Opcode(0x3A).Opcode(0x3B).Opcode(0x1A, red).Opcode(0x3C), "rr\n"},
-    {"erased with a colour", Start(2, 1).Opcode(0x1B, green).Rect(0x32, 0, 0, 1, 1), "g.\n"},
-    {"inverted red is cyan", Start(1, 1).Opcode(0x1A, red).Rect(0x31, 0, 0, 1, 1).Opcode(0x3B), "c\n"},
+     Start(2, 1).Rect(0x31, 0, 0, 2, 1).Opcode(0x3A).Opcode(0x3B).Opcode(0x1A, red).Opcode(0x3C), "rr"},
+    {"erased with a colour", Start(2, 1).Opcode(0x1B, green).Rect(0x32, 0, 0, 1, 1), "g."},
+    {"inverted red is cyan", Start(1, 1).Opcode(0x1A, red).Rect(0x31, 0, 0, 1, 1).Opcode(0x3B), "c"},
     {"an oval", Start(8, 8).Rect(0x51, 0, 0, 8, 8),
-     "..####..\n"
-     ".######.\n"
-     "########\n"
-     "########\n"
-     "########\n"
-     "########\n"
-     ".######.\n"
-     "..####..\n"},
+     "..####../.######./########/########/########/########/.######./..####.."},
     {"the frame of an oval", Start(8, 6).Rect(0x50, 0, 0, 8, 6),
-     "..####..\n"
-     ".#....#.\n"
-     "#......#\n"
-     "#......#\n"
-     ".#....#.\n"
-     "..####..\n"},
+     "..####../.#....#./#......#/#......#/.#....#./..####.."},
     {"a rectangle with round corners", Start(8, 5).Opcode(0x0B, Points({4, 4})).Rect(0x41, 0, 0, 8, 5),
-     ".######.\n"
-     "########\n"
-     "########\n"
-     "########\n"
-     ".######.\n"},
+     ".######./########/########/########/.######."},
     {"the quarter from the top to the right", Start(6, 6).Opcode(0x61, Points({0, 0, 6, 6, 0, 90})),
-     "...##.\n"
-     "...###\n"
-     "...###\n"
-     "......\n"
-     "......\n"
-     "......\n"},
+     "...##./...###/...###/....../....../......"},
     {"all but that, counterclockwise", Start(6, 6).Opcode(0x61, Points({0, 0, 6, 6, 0, -270})),
-     ".##...\n"
-     "###...\n"
-     "###...\n"
-     "######\n"
-     "######\n"
-     ".####.\n"},
+     ".##.../###.../###.../######/######/.####."},
     {"the frame of an arc, and one of the other half",
      Start(6, 6).Opcode(0x60, Points({0, 0, 6, 6, 180, 180})).Opcode(0x1A, red).Opcode(0x68, Points({0, 90})),
-     ".##rr.\n"
-     "##..rr\n"
-     "#....r\n"
-     "#.....\n"
-     "##....\n"
-     ".##...\n"},
+     ".##rr./##..rr/#....r/#...../##..../.##..."},
     {"a triangle", Start(6, 3).Opcode(0x71, Points({26, 0, 0, 3, 6, 0, 0, 0, 6, 3, 3, 0, 0})),
-     "#####.\n"
-     ".###..\n"
-     "..#...\n"},
+     "#####./.###../..#..."},
     {"what a polygon goes round twice is outside",
      Start(3, 3).Opcode(0x71,
                         Points({50, 0, 0, 3, 3, 0, 0, 0, 3, 3, 3, 3, 0, 0, 0, 1, 1, 1, 2, 2, 2, 2, 1, 1, 1})),
-     "###\n"
-     "#.#\n"
-     "###\n"},
+     "###/#.#/###"},
     {"the frame of a polygon is not closed",
-     Start(4, 4).Opcode(0x70, Points({22, 0, 0, 3, 3, 0, 0, 0, 3, 3, 3})),
-     "####\n"
-     "...#\n"
-     "...#\n"
-     "...#\n"},
-    {"a region", Start(6, 6).Opcode(0x81, elbow),
-     "......\n"
-     ".####.\n"
-     ".####.\n"
-     ".##...\n"
-     ".##...\n"
-     "......\n"},
+     Start(4, 4).Opcode(0x70, Points({22, 0, 0, 3, 3, 0, 0, 0, 3, 3, 3})), "####/...#/...#/...#"},
+    {"a region", Start(6, 6).Opcode(0x81, elbow), "....../.####./.####./.##.../.##.../......"},
     {"the same one framed, in another colour",
      Start(8, 7)
          .Opcode(0x81, Region(Points({0, 0, 7, 8}), {{0, 0, 8}, {7, 0, 8}}))
          .Opcode(0x1A, green)
          .Opcode(0x88),
-     "gggggggg\n"
-     "g######g\n"
-     "g######g\n"
-     "g######g\n"
-     "g######g\n"
-     "g######g\n"
-     "gggggggg\n"},
+     "gggggggg/g######g/g######g/g######g/g######g/g######g/gggggggg"},
     {"the edge of the picture frames nothing", Start(3, 3).Opcode(0x80, Points({10, -5, -5, 9, 2})),
-     ".#.\n.#.\n.#.\n"},
+     ".#./.#./.#."},
     {"verbs that do not exist",
      Start(1, 1).Rect(0x35, 0, 0, 1, 1).Opcode(0x77, Points({10, 0, 0, 1, 1})).Opcode(0x6D, Points({0, 9})),
-     ".\n"},
+     "."},
 };
 
 TEST_F(Picture, ShapesCoverThePixelsWhoseMiddlesLieInside)
@@ -176,13 +116,12 @@ TEST_F(Picture, ShapesCoverThePixelsWhoseMiddlesLieInside)
 }
 
 DrawnCase lineCases[] = {
-    {"from left to right, both ends drawn", Start(5, 1).Opcode(0x20, Points({0, 1, 0, 3})), ".###.\n"},
-    {"upwards", Start(1, 4).Opcode(0x20, Points({2, 0, 0, 0})), "#\n#\n#\n.\n"},
-    {"a diagonal", Start(4, 4).Opcode(0x20, Points({3, 0, 0, 3})), "...#\n..#.\n.#..\n#...\n"},
-    {"a flat one steps in its middle", Start(6, 2).Opcode(0x20, Points({0, 0, 1, 5})), "###...\n...###\n"},
-    {"backwards the steps lie the same way", Start(6, 2).Opcode(0x20, Points({0, 5, 1, 0})),
-     "...###\n###...\n"},
-    {"a point", Start(3, 2).Opcode(0x20, Points({1, 1, 1, 1})), "...\n.#.\n"},
+    {"from left to right, both ends drawn", Start(5, 1).Opcode(0x20, Points({0, 1, 0, 3})), ".###."},
+    {"upwards", Start(1, 4).Opcode(0x20, Points({2, 0, 0, 0})), "#/#/#/."},
+    {"a diagonal", Start(4, 4).Opcode(0x20, Points({3, 0, 0, 3})), "...#/..#./.#../#..."},
+    {"a flat one steps in its middle", Start(6, 2).Opcode(0x20, Points({0, 0, 1, 5})), "###.../...###"},
+    {"backwards the steps lie the same way", Start(6, 2).Opcode(0x20, Points({0, 5, 1, 0})), "...###/###..."},
+    {"a point", Start(3, 2).Opcode(0x20, Points({1, 1, 1, 1})), ".../.#."},
     {"on from where the last one ended, and by small steps",
      Start(4, 3)
          .Opcode(0x20, Points({0, 0, 0, 3}))
@@ -190,17 +129,12 @@ DrawnCase lineCases[] = {
          .Opcode(0x23, {0xFE, 0})
          .Opcode(0x1A, red)
          .Opcode(0x22, {0, 1, 0, 0, 1, 0}),
-     "####\nrr.#\n.###\n"},
+     "####/rr.#/.###"},
     {"a pen of two by two hangs down to the right",
-     Start(5, 5).Opcode(0x07, pen2).Opcode(0x20, Points({0, 0, 3, 3})),
-     "##...\n"
-     "###..\n"
-     ".###.\n"
-     "..###\n"
-     "...##\n"},
-    {"no pen", Start(2, 1).Opcode(0x07, Points({0, 0})).Opcode(0x20, Points({0, 0, 0, 1})), "..\n"},
+     Start(5, 5).Opcode(0x07, pen2).Opcode(0x20, Points({0, 0, 3, 3})), "##.../###../.###./..###/...##"},
+    {"no pen", Start(2, 1).Opcode(0x07, Points({0, 0})).Opcode(0x20, Points({0, 0, 0, 1})), ".."},
     {"far beyond the picture", Start(3, 3).Opcode(0x20, Points({-32768, -32768, 32767, 32767})),
-     "#..\n.#.\n..#\n"},
+     "#../.#./..#"},
 };
 
 TEST_F(Picture, LinesTakeThePenFromPointToPoint)
@@ -227,22 +161,22 @@ PictureBytes Striped(int mode)
 }
 
 DrawnCase inkCases[] = {
-    {"copy", Striped(8), "gbgb\n"},
-    {"or", Striped(9), "grg.\n"},
-    {"xor", Striped(10), "cr#.\n"},
-    {"bic", Striped(11), "brb.\n"},
-    {"not copy", Striped(12), "bgbg\n"},
-    {"not or", Striped(13), "rg.g\n"},
-    {"not xor", Striped(14), "rc.#\n"},
-    {"not bic", Striped(15), "rb.b\n"},
-    {"add over", Striped(34), "ym??\n"},
-    {"largest", Striped(37), "ymoo\n"},
-    {"smallest", Striped(39), "##gb\n"},
-    {"transparent", Striped(36), "grg.\n"},
-    {"a mode that nobody knows copies", Striped(20), "gbgb\n"},
+    {"copy", Striped(8), "gbgb"},
+    {"or", Striped(9), "grg."},
+    {"xor", Striped(10), "cr#."},
+    {"bic", Striped(11), "brb."},
+    {"not copy", Striped(12), "bgbg"},
+    {"not or", Striped(13), "rg.g"},
+    {"not xor", Striped(14), "rc.#"},
+    {"not bic", Striped(15), "rb.b"},
+    {"add over", Striped(34), "ym??"},
+    {"largest", Striped(37), "ymoo"},
+    {"smallest", Striped(39), "##gb"},
+    {"transparent", Striped(36), "grg."},
+    {"a mode that nobody knows copies", Striped(20), "gbgb"},
     {"patterns for filling and erasing",
      Start(4, 2).Opcode(0x0A, stripes).Rect(0x34, 0, 0, 4, 1).Opcode(0x02, stripes).Rect(0x32, 1, 1, 4, 2),
-     "#o#o\n.o#o\n"},
+     "#o#o/.o#o"},
     {"the eight old colours",
      Start(8, 1)
          .Opcode(0x0E, {0, 0, 0, 205})
@@ -261,10 +195,10 @@ DrawnCase inkCases[] = {
          .Rect(0x31, 6, 0, 7, 1)
          .Opcode(0x0E, {0, 0, 0, 33})
          .Rect(0x31, 7, 0, 8, 1),
-     "rgbcmyo#\n"},
+     "rgbcmyo#"},
     {"a pattern of one colour",
      Start(2, 1).Opcode(0x13, ByteWriter{}.Put16(2).Put(stripes).Put(blue).bytes).Rect(0x31, 0, 0, 2, 1),
-     "bb\n"},
+     "bb"},
 };
 
 TEST_F(Picture, InkGoesOnPaperByItsMode)
@@ -289,7 +223,7 @@ TEST_F(Picture, InkGoesOnPaperByItsMode)
 
 DrawnCase clipCases[] = {
     {"a rectangle", Start(4, 3).Opcode(0x01, Points({10, 1, 1, 9, 3})).Rect(0x31, 0, 0, 4, 3),
-     "....\n.##.\n.##.\n"},
+     "..../.##./.##."},
     {"a region, and then all again",
      Start(6, 6)
          .Opcode(0x01, elbow)
@@ -297,20 +231,15 @@ DrawnCase clipCases[] = {
          .Opcode(0x01, Points({10, -9, -9, 99, 99}))
          .Opcode(0x1A, red)
          .Rect(0x31, 5, 0, 6, 1),
-     ".....r\n"
-     ".####.\n"
-     ".####.\n"
-     ".##...\n"
-     ".##...\n"
-     "......\n"},
-    {"nothing", Start(2, 1).Opcode(0x01, Points({10, 0, 0, 0, 0})).Rect(0x31, 0, 0, 2, 1), "..\n"},
+     ".....r/.####./.####./.##.../.##.../......"},
+    {"nothing", Start(2, 1).Opcode(0x01, Points({10, 0, 0, 0, 0})).Rect(0x31, 0, 0, 2, 1), ".."},
     {"a region whose rows go up is damage",
      Start(2, 1).Opcode(0x01, Region(Points({0, 0, 9, 9}), {{3, 0, 9}, {1, 0, 9}})), "failed"},
     {"so is one whose columns do", Start(2, 1).Opcode(0x01, Region(Points({0, 0, 9, 9}), {{0, 5, 2}})),
      "failed"},
     {"so is one that does not end", Start(2, 1).Opcode(0x01, Points({18, 0, 0, 9, 9, 0, 0, 9, 0x7FFF})),
      "failed"},
-    {"a shifted origin", Start(3, 1).Opcode(0x0C, Points({1, 0})).Rect(0x31, 1, 0, 2, 1), "#..\n"},
+    {"a shifted origin", Start(3, 1).Opcode(0x0C, Points({1, 0})).Rect(0x31, 1, 0, 2, 1), "#.."},
 };
 
 TEST_F(Picture, OnlyWhatLiesInTheClipIsDrawn)
@@ -376,7 +305,7 @@ TEST_F(Picture, WhatNobodyPlaysIsSkippedByItsLength)
         // Data that would end the picture if it were taken for opcodes.
         PictureBytes picture = Start(1, 1).Opcode(row.opcode, row.head);
         picture.Put(Bytes(row.bytes, 0xFF));
-        EXPECT_EQ(Drawn(picture.Rect(0x31, 0, 0, 1, 1).End()), "#\n") << std::hex << row.opcode;
+        EXPECT_EQ(Drawn(picture.Rect(0x31, 0, 0, 1, 1).End()), "#") << std::hex << row.opcode;
     }
 }
 
@@ -390,7 +319,7 @@ TEST_F(Picture, VersionOneHasShortOpcodesAtAnyPlace)
         .Put({0x90})
         .Put(Points({1, 11, 20, 12, 24, 11, 20, 12, 24}));
     picture.Put(Points({11, 20, 12, 24, 1})).Put8(0x90).Put8(0xFF);
-    EXPECT_EQ(Drawn(picture.bytes), ".##.\n#..#\n");
+    EXPECT_EQ(Drawn(picture.bytes), ".##./#..#");
 }
 
 TEST_F(Picture, TheFrameIsTheOneInTheHeader)
@@ -398,10 +327,10 @@ TEST_F(Picture, TheFrameIsTheOneInTheHeader)
     // 36 by 18 points at 144 dots an inch.
     PictureBytes picture = Start(4, 2);
     std::copy_n(Points({0, 0, 1, 2}).begin(), 8, picture.bytes.begin() + 2);
-    EXPECT_EQ(Drawn(picture.Rect(0x31, 3, 1, 4, 2).End()), "....\n...#\n");
+    EXPECT_EQ(Drawn(picture.Rect(0x31, 3, 1, 4, 2).End()), "..../...#");
     // Another header than that with a frame of its own.
     std::copy_n(Points({-1}).begin(), 2, picture.bytes.begin() + 16);
-    EXPECT_EQ(Drawn(picture.bytes), "..\n");
+    EXPECT_EQ(Drawn(picture.bytes), "..");
 }
 
 TEST_F(Picture, ItIsDrawnAtAnySizeAndPlace)
@@ -414,17 +343,17 @@ TEST_F(Picture, ItIsDrawnAtAnySizeAndPlace)
                               .Opcode(0x1A, green)
                               .Rect(0x31, 0, 0, 4, 1)
                               .End();
-    EXPECT_EQ(Drawn(picture), ".##g\nrrrr\n");
-    EXPECT_EQ(Drawn(picture, 8, 4, {0, 0, 8, 4}), "..####gg\n..####gg\nrrrrrrrr\nrrrrrrrr\n");
-    EXPECT_EQ(Drawn(picture, 2, 2, {-1, 0, 4, 2}), "##\nrr\n");
-    EXPECT_EQ(Drawn(picture, 3, 3, {1, 1, 4, 2}), "...\n..#\n.rr\n");
+    EXPECT_EQ(Drawn(picture), ".##g/rrrr");
+    EXPECT_EQ(Drawn(picture, 8, 4, {0, 0, 8, 4}), "..####gg/..####gg/rrrrrrrr/rrrrrrrr");
+    EXPECT_EQ(Drawn(picture, 2, 2, {-1, 0, 4, 2}), "##/rr");
+    EXPECT_EQ(Drawn(picture, 3, 3, {1, 1, 4, 2}), ".../..#/.rr");
     EXPECT_EQ(Drawn(picture, 3, 3, {1, 1, 0, 2}), "failed");
 }
 
 TEST_F(Picture, OneWithoutItsLastOpcodeIsWholeAndOneCutInAnOpcodeIsNot)
 {
     PictureBytes picture = Start(2, 1).Rect(0x31, 0, 0, 1, 1);
-    EXPECT_EQ(Drawn(picture.bytes), "#.\n");
+    EXPECT_EQ(Drawn(picture.bytes), "#.");
     for (std::size_t cut = 1; cut < 8; ++cut)
         EXPECT_EQ(Drawn(Head(picture.bytes, picture.bytes.size() - cut)), "failed") << cut;
     Bytes const whole = Start(2, 1).bytes;
