@@ -461,6 +461,26 @@ struct FormatRecord;
 ZV_API void Init_Callbacks(FormatRecord* record, ZVPlugin* plugin);
 ZV_API void Cleanup_Callbacks(FormatRecord* record, ZVPlugin* plugin);  ///< Does nothing.
 
+/// What is known of a picture (PICT data, without the 512 bytes that a file has in front of it).
+struct ZVPictureInfo {
+    long width, height;  ///< of its frame, at least 1
+    long depth;          ///< bits of a pixel of its deepest bitmap; 0 when it has none
+};
+/// False with error 18 for what is no picture. One that is damaged behind its header is a picture.
+ZV_API bool Inspect_Picture(void const* bytes, unsigned long size, ZVPictureInfo* info);
+
+/// Draws a picture so that its frame fills the area, which may reach beyond the bitmap. The bitmap, of type
+/// ZV_BITMAP_RGBA8, is erased first: what nobody draws is white with alpha 0. Bitmaps in the picture that
+/// hold alpha bring it along, all else is opaque.
+/// @return  false with the error number set; what was drawn up to the damage stays
+ZV_API bool Draw_Picture(void const* bytes, unsigned long size, ZVBitmap* bitmap, ZVRectT<long> const& area);
+
+/// The picture as a new RGBA8 bitmap of its own size, released by FreeBitmapZV; null with the error number
+/// set.
+ZV_API ZVBitmap* Decode_Picture(void const* bytes, unsigned long size);
+
+ZV_API long Add_PICT_Format(ZVScanDesc* scan);
+ZV_API long Add_PICS_Format(ZVScanDesc* scan);
 ZV_API long Add_Filmstrip_Format(ZVScanDesc* scan);
 ZV_API long Add_EIDI_Format(ZVScanDesc* scan);
 ZV_API long Add_RAM_Format(ZVScanDesc* scan);

@@ -4,6 +4,8 @@
 void InitFormatModulesZV(ZVScanDesc* scan)
 {
     if (!ZVEnv) return;
+    Add_PICT_Format(scan);
+    Add_PICS_Format(scan);
     Add_Filmstrip_Format(scan);
     Add_EIDI_Format(scan);
     Add_VPB_Format(scan);
