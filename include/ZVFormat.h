@@ -144,6 +144,12 @@ ZV_API void InitAllFormatModulesZV(ZVScanDesc* scan);
 /// @return  1; 0 without an environment
 ZV_API long Add_Plugin_Formats(ZVScanDesc* scan);
 
+/// Registers the modules that are installed with the library, in "zvlib/Plugins" beside it: Pictures, where
+/// it is installed. Neither of the first two calls does, since what stands behind these modules takes time to
+/// load.
+/// @return  1; 0 without an environment or such a directory
+ZV_API long Add_Library_Formats(ZVScanDesc* scan);
+
 /// Registers the movie module, as two entries: movies, and movies that are prepared for streaming. Neither of
 /// the calls above does. 1, or 0 without a movie layer (`hasMovies`) and when memory runs out.
 ///
