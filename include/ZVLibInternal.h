@@ -269,7 +269,7 @@ void RGBA_To_ARGB(Buffer const* source, void* out, long bytes);
 ZV_API void CleanupIconList();
 
 /// The factor of an exponent byte: 0.0 for 0, else 2 to the power of (e - 128).
-extern ZV_API double const _expTable[256];
+extern ZV_API std::array<double, 256> const _expTable;
 
 /// Copies one sample of N bytes.
 template <int N> struct ZVSampleCopy {
