@@ -14,6 +14,12 @@ struct ZVFormatParams {
     long Size;  ///< bytes at Data
 };
 
+/// What Data holds for pictures, where a module has nothing but a quality to choose.
+struct ZVPictureOptions {
+    int32_t Reserved;  ///< 0
+    int32_t Quality;   ///< of JPEG files, from 1 to 100
+};
+
 /// Property bits; others are passed through to applications.
 enum ZVFormatProperty : long {
     ZV_FORMAT_ALPHA = 0x1,       ///< stores an alpha channel

@@ -2,6 +2,7 @@
 #include "PictureFile.h"
 
 #include "DPXPadding.h"
+#include "PictureClip.h"
 
 #include <ZVLibInternal.h>
 

@@ -10,9 +10,6 @@
 
 #include <memory>
 
-/// Pictures larger than this each way are no pictures.
-inline constexpr long LargestSide = 32767;
-
 /// Native path of a file spec; empty with error 12 when there is none.
 std::string Native_Path(char const* spec);
 

@@ -1,6 +1,7 @@
 // Writing pictures: beside the file that they replace, whose place they take when they are whole.
 #include "PictureWrite.h"
 
+#include "PictureClip.h"
 #include "PictureFile.h"
 #include "PictureRead.h"
 
@@ -132,16 +133,6 @@ void Set_Rate(OIIO::ImageSpec& spec, double rate)
     spec.attribute("dpx:TemporalFrameRate", static_cast<float>(rate));
 }
 
-long Quality_Of(ZVClip const* clip)
-{
-    ZVFormatParams const* const params = clip->VideoParams;
-    if (!params || !params->Data || params->Size < static_cast<long>(sizeof(PictureOptions)))
-        return NormalQuality;
-    PictureOptions options;
-    std::memcpy(&options, params->Data, sizeof options);
-    return std::clamp<long>(options.Quality, 1, 100);
-}
-
 OIIO::ImageSpec Spec_Of(ZVClip const* clip, PictureKind const& kind, ZVBitmap const& picture, int depth)
 {
     bool const hasAlpha = Writes_Alpha(clip, kind);
@@ -179,18 +170,6 @@ bool Write_Pixels(PictureKind const& kind, char const* path, OIIO::ImageSpec con
 }
 
 }  // namespace
-
-PictureKind const& Written_Kind(ZVClip const* clip)
-{
-    PictureKind const* const kind =
-        clip->FileName ? Kind_Of_Extension(Extension_Code(clip->FileName)) : nullptr;
-    return kind ? *kind : All_Kinds().front();
-}
-
-bool Writes_Alpha(ZVClip const* clip, PictureKind const& kind)
-{
-    return clip->AlphaType == ZV_ALPHA_CHANNEL && kind.alpha != AlphaRule::None;
-}
 
 bool Write_Picture(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const* region)
 {
