@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <unistd.h>
@@ -141,6 +142,7 @@ OIIO::ImageSpec Spec_Of(ZVClip const* clip, PictureKind const& kind, ZVBitmap co
     OIIO::ImageSpec spec(picture.Width, picture.Height, hasAlpha || fillsUp ? 4 : 3,
                          Stored_Type(kind, depth));
     if (depth < 32) spec.attribute("oiio:BitsPerSample", depth);
+    if (std::strcmp(kind.name, "dpx") == 0) spec.attribute("oiio:Endian", "big");  // as most programs do
     if (kind.alpha != AlphaRule::Premultiplied && !(hasAlpha && clip->AlphaPremultiplied))
         spec.attribute("oiio:UnassociatedAlpha", 1);
     if (clip->PixelAspect > 0) spec.attribute("PixelAspectRatio", static_cast<float>(clip->PixelAspect));
@@ -150,23 +152,56 @@ OIIO::ImageSpec Spec_Of(ZVClip const* clip, PictureKind const& kind, ZVBitmap co
     return spec;
 }
 
+/// A file that remembers whether all that it was given found room: not every writer of OpenImageIO looks.
+class CheckedFile : public OIIO::Filesystem::IOFile {
+public:
+    explicit CheckedFile(char const* path) : IOFile(path, Write) {}
+
+    std::size_t write(void const* buffer, std::size_t size) override
+    {
+        return Check(IOFile::write(buffer, size), size);
+    }
+    std::size_t pwrite(void const* buffer, std::size_t size, int64_t offset) override
+    {
+        return Check(IOFile::pwrite(buffer, size, offset), size);
+    }
+
+    /// Whether the file is whole; false with the error number set.
+    bool Finish()
+    {
+        if (opened() && error_ == 0 && std::fflush(handle()) != 0) error_ = errno;
+        if (opened() && error_ == 0) return true;
+        SetError(error_ == ENOSPC || error_ == EDQUOT || error_ == EFBIG ? ZV_ERR_DISK_FULL : ZV_ERR_IO);
+        return false;
+    }
+
+private:
+    std::size_t Check(std::size_t count, std::size_t size)
+    {
+        if (count < size && error_ == 0) error_ = errno != 0 ? errno : EIO;
+        return count;
+    }
+
+    int error_ = 0;
+};
+
 bool Write_Pixels(PictureKind const& kind, char const* path, OIIO::ImageSpec const& spec,
                   ZVBitmap const& picture)
 {
+    CheckedFile file(path);
     std::unique_ptr<OIIO::ImageOutput> const output = OIIO::ImageOutput::create(kind.name);
-    if (!output) {
+    if (!output || !output->set_ioproxy(&file)) {
         OIIO::geterror();
         SetError(ZV_ERR_CLIP);
         return false;
     }
-    errno = 0;
-    bool const isWritten =
-        output->open(path, spec) &&
-        output->write_image(Channel_Type(picture), picture.Pixels, picture.PackSize, picture.RowBytes);
-    if (output->close() && isWritten) return true;
+    bool isWritten = output->open(path, spec) && output->write_image(Channel_Type(picture), picture.Pixels,
+                                                                     picture.PackSize, picture.RowBytes);
+    isWritten = output->close() && isWritten;
+    if (!file.Finish()) return false;
+    if (!isWritten) SetError(ZV_ERR_CLIP);
     output->geterror();
-    SetError(errno == ENOSPC || errno == EDQUOT || errno == EFBIG ? ZV_ERR_DISK_FULL : ZV_ERR_IO);
-    return false;
+    return isWritten;
 }
 
 }  // namespace

@@ -19,27 +19,23 @@ ProgramCase const programCases[] = {
     {"gm convert ppm8 a.tga", "a.tga", 8, false},
     {"gm convert ppm8 +compress a.tga", "a.tga", 8, false},
     {"gm convert ppm8 a.bmp", "a.bmp", 8, false},
-    {"gm convert ppm8 a.psd", "a.psd", 8, false},
     {"gm convert ppm8 -depth 8 a.dpx", "a.dpx", 8, false},
     {"gm convert ppm10 -depth 10 a.dpx", "a.dpx", 10, false},
     {"gm convert ppm12 -depth 12 a.dpx", "a.dpx", 12, false},
     {"gm convert ppm16 -depth 16 a.dpx", "a.dpx", 16, false},
     {"gm convert ppm16 -depth 16 -endian LSB a.dpx", "a.dpx", 16, false},
-    {"gm convert ppm12 -depth 12 a.tif", "a.tif", 12, false},
     {"gm convert ppm16 a.png", "a.png", 16, false},
     {"gm convert ppm16 a.tif", "a.tif", 16, false},
-    {"gm convert ppm16 a.psd", "a.psd", 16, false},
     {"gm convert pam8 a.png", "a.png", 8, true},
     {"gm convert pam8 a.tif", "a.tif", 8, true},
     {"gm convert pam8 a.tga", "a.tga", 8, true},
-    {"gm convert pam8 a.psd", "a.psd", 8, true},
     {"gm convert pam8 -depth 8 a.dpx", "a.dpx", 8, true},
     {"gm convert pam16 a.png", "a.png", 16, true},
     {"gm convert pam16 a.tif", "a.tif", 16, true},
     {"gm convert pgm8 a.png", "a.png", 8, false},
     {"gm convert pgm16 -type GrayScale a.tif", "a.tif", 16, false},
     {"gm convert pam8 -type GrayScaleMatte a.png", "a.png", 8, true},
-    {"gm convert ppm8 -type Palette a.bmp", "a.bmp", 8, false},
+    {"gm convert ppm8 -type Palette +compress a.bmp", "a.bmp", 8, false},
     {"gm convert ppm8 -type Palette a.png", "a.png", 8, false},
     {"oiiotool ppm8 -d uint8 -o a.png", "a.png", 8, false},
     {"oiiotool ppm8 -d uint8 --tile 16 16 -o a.tif", "a.tif", 8, false},
@@ -159,8 +155,8 @@ TEST_F(PicturesRead, DamagedFilesAreRefusedOrBackground)
     Write_Pixmap("ppm", 64, 64, 255, 3);
     OIIO::ImageSpec const spec(64, 64, 3, OIIO::TypeDesc::HALF);
     Write_Float_Picture("a.exr", spec, {"R", "G", "B"});
-    Run("for e in png tif jpg tga bmp psd dpx; do gm convert ppm a.$e; done");
-    for (char const* extension : {"png", "tif", "jpg", "tga", "bmp", "psd", "dpx", "exr"}) {
+    Run("for e in png tif jpg tga bmp dpx; do gm convert ppm a.$e; done");
+    for (char const* extension : {"png", "tif", "jpg", "tga", "bmp", "dpx", "exr"}) {
         std::string const name = std::string("a.") + extension;
         Bytes const whole = Read(name);
         for (std::size_t part = 0; part < 40; ++part) {
@@ -172,13 +168,47 @@ TEST_F(PicturesRead, DamagedFilesAreRefusedOrBackground)
     }
     // A megabyte of nothing claims to be a picture of a gigabyte.
     ByteWriter png;
-    png.Put(Bytes{0x89, 'P', 'N', 'G', 13, 10, 26, 10}).Put32(13).Put("IHDR").Put32(16000).Put32(16000);
+    png.Put("\x89PNG\r\n\x1A\n").Put32(13).Put("IHDR").Put32(16000).Put32(16000);
     png.Put8(8).Put8(6).PutZeros(3).Put32(0x0C3C7A9D);
     Write("big.png", png.bytes);
     EXPECT_FALSE(Open_Picture("big.png"));
     Write("text.png", ByteWriter().Put("no picture at all").bytes);
     EXPECT_FALSE(Open_Picture("text.png"));
     EXPECT_EQ(GetErrorZV(), ZV_ERR_CLIP);
+}
+
+TEST_F(PicturesRead, PhotoshopFilesHaveLayersOfTheirOwnSize)
+{
+    // 3 by 2 of grey steps, and a red layer of 2 by 1 at (1, 1) with alpha.
+    ByteWriter layer;
+    layer.Put16(1).Put32(1).Put32(1).Put32(2).Put32(3).Put16(4);
+    for (long channel : {-1, 0, 1, 2})
+        layer.Put16(channel).Put32(4);
+    layer.Put("8BIMnorm").Put8(255).PutZeros(3).Put32(12).PutZeros(8).Put8(3).Put("sky");
+    for (long value : {128, 200, 0, 0})
+        layer.Put16(0).Put8(value).Put8(value);
+    ByteWriter file;
+    file.Put("8BPS").Put16(1).PutZeros(6).Put16(3).Put32(2).Put32(3).Put16(8).Put16(3).PutZeros(8);
+    file.Put32(static_cast<long>(layer.bytes.size()) + 8)
+        .Put32(static_cast<long>(layer.bytes.size()))
+        .Put(layer.bytes)
+        .Put32(0)
+        .Put16(0);
+    for (long i = 0; i < 18; ++i)
+        file.Put8(10 * i);
+    Write("a.psd", file.bytes);
+    ClipPtr const clip = Open_Picture("a.psd");
+    ASSERT_TRUE(clip);
+    EXPECT_EQ(clip->Width, 3);
+    BitmapPtr const flat = Stored_Frame(clip.get());
+    ASSERT_TRUE(flat);
+    EXPECT_EQ(Pixels_Of(*flat), (Bytes{0,  60, 120, 255, 10, 70,  130, 255, 20, 80,  140, 255,
+                                       30, 90, 150, 255, 40, 100, 160, 255, 50, 110, 170, 255}));
+    ASSERT_EQ(List_Entries(&clip->Layers), 1);
+    EXPECT_STREQ(List_First(&clip->Layers)->name, "sky");
+    ClipPtr const sky = Open_Layer(clip.get(), 1);
+    ASSERT_TRUE(sky);
+    EXPECT_EQ(Pixels_Of(*Stored_Frame(sky.get())), (Bytes{200, 0, 0, 128, 200, 0, 0, 128}));
 }
 
 TEST_F(PicturesRead, GoByWhatIsInTheFile)
