@@ -152,18 +152,24 @@ OIIO::ImageSpec Spec_Of(ZVClip const* clip, PictureKind const& kind, ZVBitmap co
     return spec;
 }
 
-/// A file that remembers whether all that it was given found room: not every writer of OpenImageIO looks.
+/// A file that remembers whether all that it was given found room. Writers are not told: some of them do not
+/// look, and that of JPEG ends the process.
 class CheckedFile : public OIIO::Filesystem::IOFile {
 public:
     explicit CheckedFile(char const* path) : IOFile(path, Write) {}
 
+    /// By its own name, since plain files are written to without a call of what stands here.
+    char const* proxytype() const override { return "checked file"; }
+
     std::size_t write(void const* buffer, std::size_t size) override
     {
-        return Check(IOFile::write(buffer, size), size);
+        Check(IOFile::write(buffer, size), size);
+        return size;
     }
     std::size_t pwrite(void const* buffer, std::size_t size, int64_t offset) override
     {
-        return Check(IOFile::pwrite(buffer, size, offset), size);
+        Check(IOFile::pwrite(buffer, size, offset), size);
+        return size;
     }
 
     /// Whether the file is whole; false with the error number set.
@@ -176,10 +182,9 @@ public:
     }
 
 private:
-    std::size_t Check(std::size_t count, std::size_t size)
+    void Check(std::size_t count, std::size_t size)
     {
         if (count < size && error_ == 0) error_ = errno != 0 ? errno : EIO;
-        return count;
     }
 
     int error_ = 0;
