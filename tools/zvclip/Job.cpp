@@ -131,8 +131,7 @@ static std::string File_Of(std::string const& path)
 /// The number of a layer by its name, or by its number where no layer has such a name.
 static long Find_Layer(ZVClip const* clip, std::string const& path, std::string const& wanted)
 {
-    if (Node const* node = Find_Name(&clip->Layers, wanted.c_str()))
-        return Entry_Pos(&clip->Layers, node) + 1;
+    if (Node const* node = Find_Name(&clip->Layers, wanted.c_str())) return Entry_Pos(&clip->Layers, node);
     char* end = nullptr;
     long const number = std::strtol(wanted.c_str(), &end, 10);
     if (*end != 0 || !List_Entry(&clip->Layers, number - 1))

@@ -228,6 +228,8 @@ Output::Output(std::string const& path, OutputSettings const& settings)
     clip_->FileName = MakeFileSpecZV(Spec_Of(file_.WorkPath()).c_str());
     if (Is_Series(path)) clip_->Flags |= ZV_CLIP_NUMBERED;
     Describe_Output(clip_.get(), settings);
+    if (!(GetExportPropertiesZV(clip_.get()) & ZV_FORMAT_WRITE))
+        throw JobError(path, "files of this kind can be read but not written");
     if (!CreateClipZV(clip_.get(), 0) || !BeginClipIOZV(clip_.get(), 0)) throw JobError(path, Reason());
     if (settings.depth && clip_->BitDepth != *settings.depth)
         throw JobError(path, std::string(clip_->Format->Node.name) + " files hold " +
