@@ -60,7 +60,7 @@ long Deep_Bytes(GBufferFormat format, long w, long h)
 void Register_Moves()
 {
     constexpr long cropWidth = width * 3 / 4, cropHeight = height * 3 / 4;
-    constexpr unsigned char fill[8] = {};
+    static constexpr unsigned char fill[8] = {};
     for (Format const& each : formats) {
         GBufferFormat const format = each.format;
         Bench::Register(std::string("gbuffer/copy_") + each.name, 1.43, [=] {

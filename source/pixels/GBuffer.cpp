@@ -212,9 +212,9 @@ uint16_t const* XValueRows::Row(long y)
 {
     uint16_t const* const row = xValues_ ? Short_Row(*xValues_, y) : nullptr;
     if (row) {
-        unsigned falls = 0;
+        uint16_t falls = 0;  // as wide as the elements, for the vectoriser
         for (long x = 1; x < count_; ++x)
-            falls |= row[x] < row[x - 1];
+            falls = row[x] < row[x - 1] ? uint16_t{1} : falls;
         if (!falls) return row;
     }
     if (!mended_) {

@@ -63,7 +63,7 @@ public:
         ZVGBufferLayerData& row = target_.Layers[y];
         long const known = Sample_Count(from);
         long const begin = std::min<long>(xValues[columns_.first], known);
-        long const count = std::min<long>(xValues[columns_.last], known) - begin;
+        long const count = std::max(std::min<long>(xValues[columns_.last], known) - begin, 0L);
         if (row.set_layer_recs(static_cast<unsigned long>(count)))
             move_(row.Records, from.Records + begin * source_.Stride, count * source_.Stride);
     }
@@ -94,7 +94,7 @@ void CropGBufferZV(ZVGBuffer const* src, ZVGBuffer* dst, int dx, int dy, ZVGBuff
 {
     if (!src || !dst || !fill || src == dst || src->Format != dst->Format) return;
     Cropper const cropper(*src, *dst, dx, dy, fill);
-    XValueRows rows(xValues, *src);
+    XValueRows const rows(xValues, *src);
     for (long y = 0; y < dst->Height; ++y) {
         long const sourceY = y - long{dy};
         bool const isInside = sourceY >= 0 && sourceY < src->Height;
@@ -104,7 +104,7 @@ void CropGBufferZV(ZVGBuffer const* src, ZVGBuffer* dst, int dx, int dy, ZVGBuff
             cropper.Fill_Front(y);
         if (!rows.Exist()) continue;
         if (isInside)
-            cropper.Crop_Samples(sourceY, rows.Row(sourceY), y);
+            cropper.Crop_Samples(sourceY, rows.Seen(sourceY), y);
         else
             dst->Layers[y].set_layer_recs(0);
     }

@@ -21,75 +21,72 @@ namespace {
 /// The rows of a channel that may be missing.
 class ChannelRows {
 public:
-    /// @param missing  the sample that stands for all others when there is no channel
-    ChannelRows(ZVGBuffer const* channel, uint8_t const* missing) : channel_(channel), missing_(missing)
+    explicit ChannelRows(ZVGBuffer const* channel) : channel_(channel)
     {
         if (channel) deep_.emplace(*channel);
     }
 
+    bool Exist() const { return channel_ != nullptr; }
+
     /// @param count  further samples that the X values name
     ZVSampleRow Row(long y, long count)
     {
-        if (!channel_) return {missing_, 0, missing_, 0};
-        return {Front_Row(*channel_, y), channel_->Stride, deep_->Row(y, count), channel_->Stride};
+        if (!channel_) return {};
+        return {Front_Row(*channel_, y), deep_->Row(y, count)};
     }
 
 private:
     ZVGBuffer const* channel_;
-    uint8_t const* missing_;
     std::optional<DeepRows> deep_;
 };
 
-constexpr uint8_t fullCoverage = 255;
-constexpr uint8_t noTransparency[3] = {};
-constexpr uint8_t noColour[4] = {};
+SampleColour Colour_Kind(ZVGBufferArray const& input, ZVGBuffer const& ids)
+{
+    if (Fitting_Channel(input, ZV_GBUFFER_REALPIX, ids)) return SampleColour::Shared;
+    return Fitting_Channel(input, ZV_GBUFFER_COL, ids) ? SampleColour::Bytes : SampleColour::Picture;
+}
+
+ZVGBuffer const* Colour_Channel(SampleColour colour, ZVGBufferArray const& input)
+{
+    if (colour == SampleColour::Picture) return nullptr;
+    return input[colour == SampleColour::Shared ? ZV_GBUFFER_REALPIX : ZV_GBUFFER_COL];
+}
 
 /// The channels that colours are rebuilt from, row by row.
 class DeepFrame {
 public:
     DeepFrame(unsigned short id, ZVGBuffer const& ids, ZVGBufferArray const& input, long mode)
-        : id_(id), keeps_(mode == 1), xValues_(input[ZV_GBUFFER_X_VALUES], ids), ids_(&ids, nullptr),
-          coverage_(Fitting_Channel(input, ZV_GBUFFER_COV, ids), &fullCoverage),
-          transparency_(Fitting_Channel(input, ZV_GBUFFER_TRANS, ids), noTransparency),
-          isFrontTransparent_(Fitting_Channel(input, ZV_GBUFFER_WEIGHT, ids)),
-          colour_(Colour_Kind(input, ids)), colours_(Colour_Channel(colour_, input), noColour)
+        : id_(id), keeps_(mode == 1), width_(ids.Width), colour_(Colour_Kind(input, ids)),
+          xValues_(input[ZV_GBUFFER_X_VALUES], ids), ids_(&ids),
+          coverage_(Fitting_Channel(input, ZV_GBUFFER_COV, ids)),
+          transparency_(Fitting_Channel(input, ZV_GBUFFER_TRANS, ids)),
+          colours_(Colour_Channel(colour_, input)),
+          isFrontTransparent_(Fitting_Channel(input, ZV_GBUFFER_WEIGHT, ids))
     {
     }
 
     SampleColour Colour() const { return colour_; }
+    bool Is_Transparent() const { return transparency_.Exist(); }
 
-    ZVDeepRow Row(long y, long width)
+    ZVDeepRow Row(long y)
     {
         uint16_t const* const xValues = xValues_.Row(y);
-        long const count = xValues[width];
-        ZVSampleRow const ids = ids_.Row(y, count);
+        long const count = xValues[width_];
         ZVSampleRow transparency = transparency_.Row(y, count);
-        // Without a weight channel the transparency of the front sample is that of the pixel as a whole.
-        if (!isFrontTransparent_) transparency.front = noTransparency, transparency.frontStep = 0;
-        return {ids.front,    ids.further,           xValues, id_, keeps_, coverage_.Row(y, count),
-                transparency, colours_.Row(y, count)};
+        // Without a weight channel the coverage of the front sample is its weight already.
+        if (!isFrontTransparent_) transparency.front = nullptr;
+        return {ids_.Row(y, count),    xValues, id_, keeps_, coverage_.Row(y, count), transparency,
+                colours_.Row(y, count)};
     }
 
 private:
-    static SampleColour Colour_Kind(ZVGBufferArray const& input, ZVGBuffer const& ids)
-    {
-        if (Fitting_Channel(input, ZV_GBUFFER_REALPIX, ids)) return SampleColour::Shared;
-        return Fitting_Channel(input, ZV_GBUFFER_COL, ids) ? SampleColour::Bytes : SampleColour::Picture;
-    }
-
-    static ZVGBuffer const* Colour_Channel(SampleColour colour, ZVGBufferArray const& input)
-    {
-        if (colour == SampleColour::Picture) return nullptr;
-        return input[colour == SampleColour::Shared ? ZV_GBUFFER_REALPIX : ZV_GBUFFER_COL];
-    }
-
     uint32_t id_;
     bool keeps_;
-    XValueRows xValues_;
-    ChannelRows ids_, coverage_, transparency_;
-    bool isFrontTransparent_;
+    long width_;
     SampleColour colour_;
-    ChannelRows colours_;
+    XValueRows xValues_;
+    ChannelRows ids_, coverage_, transparency_, colours_;
+    bool isFrontTransparent_;
 };
 
 }  // namespace
@@ -99,23 +96,18 @@ void ExtractGBufferLayer_T(Buffer const* src, Buffer* dst, unsigned short id, ZV
                            ZVGBufferArray const& input, long mode, ZVRectT<long> const& rect)
 {
     constexpr long stretch = 256;  // pixels whose fractions stay in the first cache
-    double picture[4 * stretch], pixels[4 * stretch];
+    alignas(64) double picture[4 * stretch], pixels[4 * stretch];
     DeepFrame frame(id, ids, input, mode);
-    ZVPixelGatherer const gather = Get_Pixel_Gatherer(frame.Colour(), ids.Stride);
+    ZVPixelGatherer const gather = Get_Pixel_Gatherer(frame.Colour(), ids.Stride, frame.Is_Transparent());
+    ZVFractionRows const& fractions = Get_Fraction_Rows(src->Type);
     for (long y = rect.y; y <= rect.Bottom(); ++y) {
-        ZVDeepRow const row = frame.Row(y, ids.Width);
+        ZVDeepRow const row = frame.Row(y);
         for (long x = rect.x, count; x <= rect.Right(); x += count) {
             count = std::min(stretch, rect.Right() + 1 - x);
-            if (frame.Colour() == SampleColour::Picture) {
-                Pixel const* const from = src->GetIterator(x, y);
-                for (long i = 0; i < count; ++i)
-                    from[i].GetFloat(picture[4 * i], picture[4 * i + 1], picture[4 * i + 2],
-                                     picture[4 * i + 3]);
-            }
+            if (frame.Colour() == SampleColour::Picture)
+                fractions.load(src->GetIterator(x, y), count, picture);
             gather(row, x, count, picture, pixels);
-            Pixel* const to = dst->GetIterator(x, y);
-            for (long i = 0; i < count; ++i)
-                to[i].SetFloat(pixels[4 * i], pixels[4 * i + 1], pixels[4 * i + 2], pixels[4 * i + 3]);
+            fractions.store(pixels, count, dst->GetIterator(x, y));
         }
     }
 }

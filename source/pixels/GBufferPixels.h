@@ -1,7 +1,7 @@
-// Pixels rebuilt from their samples, row by row.
+// Pixels rebuilt from their samples, row by row, as fractions: four doubles for each pixel.
 #pragma once
 
-#include <cstdint>
+#include "ZVBitmap.h"
 
 /// Where the colours of samples come from.
 enum class SampleColour {
@@ -10,29 +10,35 @@ enum class SampleColour {
     Picture  ///< the picture itself, the same for all samples of a pixel
 };
 
-/// A row of a channel. One that is missing is a single sample that is never left: its step is 0.
+/// A row of a channel; null where it is missing.
 struct ZVSampleRow {
     uint8_t const* front;
-    long frontStep;  ///< bytes from one sample to the next
     uint8_t const* further;
-    long step;
 };
 
 /// A row of samples, with all that the X values name.
 struct ZVDeepRow {
-    uint8_t const* frontIds;  ///< bytes or shorts
-    uint8_t const* ids;
+    ZVSampleRow ids;  ///< bytes or shorts
     uint16_t const* xValues;
     uint32_t id;
-    bool keeps;  ///< whether samples of the id are wanted, or all others
-    ZVSampleRow coverage, transparency, colour;
+    bool keeps;                ///< whether samples of the id are wanted, or all others
+    ZVSampleRow coverage;      ///< bytes; full where it is missing
+    ZVSampleRow transparency;  ///< three bytes; none where it is missing, perhaps in front alone
+    ZVSampleRow colour;        ///< by SampleColour; not there for the picture
 };
 
-/// Gathers the wanted samples of the pixels from `first` on, front to back.
-/// @param picture  fractions of the pixels' colours, four for each; for SampleColour::Picture alone
-/// @param pixels   takes red, green, blue and alpha of each as fractions, all within 0 to 1
+/// Gathers the wanted samples of the pixels from `first` on, front to back. Results lie within 0 to 1.
+/// @param picture  colours of the pixels; for SampleColour::Picture alone
 using ZVPixelGatherer = void (*)(ZVDeepRow const& row, long first, long count, double const* picture,
                                  double* pixels);
 
-/// @param idBytes  1 or 2
-ZVPixelGatherer Get_Pixel_Gatherer(SampleColour colour, long idBytes);
+/// @param idBytes         1 or 2
+/// @param isTransparent  whether further samples have transparency
+ZVPixelGatherer Get_Pixel_Gatherer(SampleColour colour, long idBytes, bool isTransparent);
+
+/// Pixels of an RGBA type as fractions, and back: rounded by f_round, or narrowed to float.
+struct ZVFractionRows {
+    void (*load)(void const* row, long pixels, double* fractions);
+    void (*store)(double const* fractions, long pixels, void* row);
+};
+ZVFractionRows const& Get_Fraction_Rows(ZVBitmapType type);

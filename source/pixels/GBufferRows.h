@@ -77,6 +77,9 @@ public:
     bool Exist() const { return xValues_ != nullptr; }
     uint16_t const* Row(long y);  ///< Good until the next call.
 
+    /// The row as it is, where there are X values.
+    uint16_t const* Seen(long y) const { return Short_Row(*xValues_, y); }
+
 private:
     ZVGBuffer const* xValues_;
     long count_;

@@ -12,43 +12,103 @@ namespace {
 constexpr long mostSamples = UINT16_MAX;  // in a row: X values reach no further
 constexpr long blockBytes = 16;
 
-/// The further samples of one source pixel.
-struct SampleRun {
-    uint32_t begin, count;
+/// The samples of a source row.
+struct SampleRow {
+    uint16_t const* x;
+    unsigned char const* samples;
+    long known;             ///< samples that are there
+    uint16_t const* nextX;  ///< X values and samples of the row that will be made after this one
+    unsigned char const* next;
 };
 
-/// Appends runs of samples of N bytes, in whole blocks where the row has the bytes that are copied too many,
-/// and fetches the same places of the row that will be next into the cache.
-template <int N>
-unsigned char* Gather_Runs(SampleRun const* run, SampleRun const* end, unsigned char const* samples,
-                           long known, unsigned char const* next, unsigned char* to)
-{
-    unsigned char const* const limit = samples + known * N;
-    for (; run != end; ++run) {
-        unsigned char const* from = samples + run->begin * N;
-        long const bytes = long{run->count} * N;
-        hwy::Prefetch(next + run->begin * N);
-        if (from + bytes + blockBytes <= limit)
-            for (long done = 0; done < bytes; done += blockBytes)
-                std::memcpy(to + done, from + done, blockBytes);
-        else
-            std::memcpy(to, from, static_cast<std::size_t>(bytes));
-        to += bytes;
+/// Gathers the further samples of the pixels that a row of the target takes.
+template <int N> class SampleGatherer {
+public:
+    SampleGatherer(SampleRow const& row, long step, unsigned char* stage)
+        : row_(row), step_(step), to_(stage), full_(stage + mostSamples * N)
+    {
     }
-    return to;
-}
+
+    /// Tells where the samples end.
+    unsigned char const* Gather(long columns)
+    {
+        long whole = columns;
+        while (whole > 0 && row_.x[Column(whole - 1) + 1] * N + blockBytes > row_.known * N)
+            --whole;
+        Copy_Blocks(whole);
+        Copy_Exactly(whole, columns);
+        return std::min(to_, full_);
+    }
+
+private:
+    long Column(long i) const { return i * step_ >> 16; }
+
+    /// Copies whole blocks: what a block holds too many, the next one overwrites. The columns are followed by
+    /// a block's worth of samples.
+    void Copy_Blocks(long columns)
+    {
+        constexpr long stretch = 64;  // of columns, between which the next row is fetched
+        for (long first = 0; first < columns; first += stretch) {
+            long const end = std::min(first + stretch, columns);
+            Fetch_Ahead(row_.nextX, Column(first), Column(end - 1) + 1);
+            Fetch_Ahead(row_.next, row_.x[Column(first)] * N, row_.x[Column(end - 1) + 1] * N);
+            Copy_Blocks(first, end);
+        }
+    }
+
+    void Copy_Blocks(long first, long end)
+    {
+        unsigned char* to = to_;
+        for (long i = first, position = first * step_; i < end && to < full_; ++i, position += step_) {
+            uint16_t const* const x = row_.x + (position >> 16);
+            unsigned char const* const from = row_.samples + x[0] * N;
+            long const bytes = (x[1] - x[0]) * N;
+            long done = 0;
+            do {
+                std::memcpy(to + done, from + done, blockBytes);
+                done += blockBytes;
+            } while (done < bytes);
+            to += bytes;
+        }
+        to_ = to;
+    }
+
+    /// Brings a part of the next row into the cache: rows that lie apart are beyond the foresight of the
+    /// processor.
+    template <typename T> static void Fetch_Ahead(T const* row, long begin, long end)
+    {
+        constexpr long line = 64 / sizeof(T);
+        for (long i = begin; i < end; i += line)
+            hwy::Prefetch(row + i);
+    }
+
+    void Copy_Exactly(long first, long end)
+    {
+        for (long i = first; i < end && to_ < full_; ++i) {
+            uint16_t const* const x = row_.x + Column(i);
+            long const begin = std::min<long>(x[0], row_.known);
+            long const bytes = (std::min<long>(x[1], row_.known) - begin) * N;
+            if (bytes == 0) continue;
+            std::memcpy(to_, row_.samples + begin * N, static_cast<std::size_t>(bytes));
+            to_ += bytes;
+        }
+    }
+
+    SampleRow row_;
+    long step_;
+    unsigned char* to_;
+    unsigned char* full_;
+};
 
 /// A row of the target in the making: its front samples and its further ones.
 class RowStage {
 public:
     RowStage(ZVGBuffer const& source, ZVGBuffer const& target, long stepX, ZVGBuffer const* xValues)
         : source_(source), stepX_(stepX), columns_(target.Width), xValues_(xValues, source),
-          sampler_(source.Stride, 0, stepX, columns_, source.Width),
-          front_(Alloc<unsigned char>(target.RowBytes))
+          sampler_(source.Stride, 0, stepX, columns_, source.Width), front_(Alloc(target.RowBytes))
     {
-        if (!xValues_.Exist()) return;
-        runs_ = Alloc<SampleRun>(columns_);
-        samples_ = Alloc<unsigned char>(mostSamples * source.Stride + blockBytes);
+        // The pixel that fills the row may have as many samples again.
+        if (Is_Deep()) samples_ = Alloc(2 * mostSamples * source.Stride + blockBytes);
     }
 
     bool Is_Deep() const { return xValues_.Exist(); }
@@ -57,51 +117,40 @@ public:
     void Make(long row, long next)
     {
         sampler_.Sample(Front_Row(source_, row), Front_Row(source_, next), front_.get());
-        if (Is_Deep()) Gather(row, next);
+        if (Is_Deep()) Make_Samples(row, next);
     }
 
     unsigned char const* Front() const { return front_.get(); }
     unsigned char const* Samples() const { return samples_.get(); }
-    long Count() const { return count_; }
+    long Sample_Bytes() const { return sampleBytes_; }
 
 private:
-    template <typename T> static HeapBlock<T> Alloc(long count)
+    static HeapBlock<unsigned char> Alloc(long bytes)
     {
-        return HeapBlock<T>(static_cast<T*>(AllocMemZV(static_cast<unsigned long>(count) * sizeof(T), 0)));
+        return HeapBlock<unsigned char>(
+            static_cast<unsigned char*>(AllocMemZV(static_cast<unsigned long>(bytes), 0)));
     }
 
-    /// Lists what the columns have of `known` samples, as far as X values reach.
-    SampleRun* List_Runs(long row, long known)
+    template <int N> unsigned char const* Gather(SampleRow const& row)
     {
-        uint16_t const* const x = xValues_.Row(row);
-        SampleRun* run = runs_.get();
-        long room = mostSamples;
-        for (long i = 0, position = 0; i < columns_; ++i, position += stepX_) {
-            long const column = position >> 16;
-            long const begin = std::min<long>(x[column], known);
-            long const count = std::min(std::min<long>(x[column + 1], known) - begin, room);
-            *run = {static_cast<uint32_t>(begin), static_cast<uint32_t>(count)};
-            run += count > 0;
-            room -= count;
-        }
-        count_ = mostSamples - room;
-        return run;
+        return SampleGatherer<N>(row, stepX_, samples_.get()).Gather(columns_);
     }
 
-    void Gather(long row, long next)
+    void Make_Samples(long row, long next)
     {
-        long const known = Sample_Count(source_.Layers[row]);
-        unsigned char const* const samples = source_.Layers[row].Records;
-        unsigned char const* const nextSamples = source_.Layers[next].Records;
-        unsigned char const* const ahead = nextSamples ? nextSamples : samples;
-        SampleRun const* const end = List_Runs(row, known);
+        ZVGBufferLayerData const& layer = source_.Layers[row];
+        unsigned char const* const ahead = source_.Layers[next].Records;
+        SampleRow const from = {xValues_.Row(row), layer.Records, Sample_Count(layer), xValues_.Seen(next),
+                                ahead ? ahead : layer.Records};
+        unsigned char const* end;
         switch (source_.Stride) {
-        case 1: Gather_Runs<1>(runs_.get(), end, samples, known, ahead, samples_.get()); break;
-        case 2: Gather_Runs<2>(runs_.get(), end, samples, known, ahead, samples_.get()); break;
-        case 3: Gather_Runs<3>(runs_.get(), end, samples, known, ahead, samples_.get()); break;
-        case 4: Gather_Runs<4>(runs_.get(), end, samples, known, ahead, samples_.get()); break;
-        default: Gather_Runs<8>(runs_.get(), end, samples, known, ahead, samples_.get()); break;
+        case 1: end = Gather<1>(from); break;
+        case 2: end = Gather<2>(from); break;
+        case 3: end = Gather<3>(from); break;
+        case 4: end = Gather<4>(from); break;
+        default: end = Gather<8>(from); break;
         }
+        sampleBytes_ = end - samples_.get();
     }
 
     ZVGBuffer const& source_;
@@ -110,9 +159,8 @@ private:
     XValueRows xValues_;
     RowSampler sampler_;
     HeapBlock<unsigned char> front_;
-    HeapBlock<SampleRun> runs_;
     HeapBlock<unsigned char> samples_;
-    long count_ = 0;
+    long sampleBytes_ = 0;
 };
 
 }  // namespace
@@ -132,8 +180,9 @@ void ScaleGBufferZV(ZVGBuffer const* src, ZVGBuffer* dst, ZVGBuffer const* xValu
         if (y == 0 || row != sourceRow(y - 1)) stage.Make(row, sourceRow(std::min(y + 1, dst->Height - 1L)));
         move(Front_Row(*dst, y), stage.Front(), dst->RowBytes);
         ZVGBufferLayerData& layer = dst->Layers[y];
-        if (stage.Is_Deep() && layer.set_layer_recs(static_cast<unsigned long>(stage.Count())))
-            move(layer.Records, stage.Samples(), stage.Count() * dst->Stride);
+        if (stage.Is_Deep() &&
+            layer.set_layer_recs(static_cast<unsigned long>(stage.Sample_Bytes() / dst->Stride)))
+            move(layer.Records, stage.Samples(), stage.Sample_Bytes());
     }
 }
 
