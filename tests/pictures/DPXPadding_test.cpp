@@ -1,35 +1,7 @@
-// Kinds of files, and rows of DPX files.
+// Rows of DPX files.
 #include "DPXPadding.h"
-#include "PictureKind.h"
 
 #include "formats/FormatTest.h"
-
-TEST(PictureKinds, GoByTheFirstBytes)
-{
-    struct {
-        std::string_view head;
-        uint32_t extension;
-        char const* kind;
-    } const rows[] = {
-        {{"\x89PNG\r\n\x1A\n", 8}, 0, "png"},
-        {{"\xFF\xD8\xFF\xE0", 4}, ZV_FourCC("png\0"), "jpeg"},
-        {{"MM\0+\0\10\0\0", 8}, 0, "tiff"},
-        {{"XPDS\0\0\0\0", 8}, 0, "dpx"},
-        {{"BMxxxxxx", 8}, ZV_FourCC("bmp\0"), "bmp"},
-        {{"BMxxxxxx", 8}, ZV_FourCC("tga\0"), "targa"},
-        {{"\0\0\2\0\0\0\0\0", 8}, ZV_FourCC("tga\0"), "targa"},
-        {{"\0\0\2\0\0\0\0\0", 8}, ZV_FourCC("png\0"), nullptr},
-        {{"", 0}, ZV_FourCC("png\0"), nullptr},
-    };
-    for (auto const& row : rows) {
-        PictureKind const* const kind = Kind_Of_File(row.head, row.extension);
-        EXPECT_EQ(kind ? std::string(kind->name) : "", row.kind ? row.kind : "") << row.head;
-    }
-    PictureKind const* const png = Kind_Of_Extension(ZV_FourCC("png\0"));
-    EXPECT_EQ(Stored_Depth(*png, 10), 16);
-    EXPECT_EQ(Stored_Depth(*png, 32), 16);
-    EXPECT_EQ(Stored_Depth(*Kind_Of_Extension(ZV_FourCC("psd\0")), 8), 0);
-}
 
 TEST(DPXPadding, IsFoundByTheLengthOfTheFile)
 {
