@@ -81,24 +81,21 @@ private:
 
 // ---- pixels -----------------------------------------------------------------------------------------------
 
-/// The picture as it is to be stored: in a plain type, and in the clip's alpha convention. Null without
-/// memory; `bitmap` itself is lent where nothing changes.
+/// The picture as it is to be stored: in a type that OpenImageIO takes, and in the clip's alpha convention.
+/// Null without memory; `bitmap` itself is lent where nothing changes.
 class StoredPicture {
 public:
-    StoredPicture(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const* region) : pixels_(bitmap)
+    StoredPicture(ZVClip const* clip, ZVBitmap const* bitmap, ZVBitmapType type, ZVRectT<long> const* region)
+        : pixels_(bitmap)
     {
-        bool const isStraight = clip->AlphaType != ZV_ALPHA_LUMINANCE && !clip->AlphaPremultiplied;
-        if (!isStraight || clip->AlphaInvert) {
-            own_.reset(AllocBitmapZV(bitmap->Width, bitmap->Height, bitmap->Type, "stored picture"));
-            pixels_ = own_.get();
-            if (pixels_) InterpretAlphaZV(clip, bitmap, own_.get(), region);
-        }
-        ZVBitmapType const type = Plain_Type(GetBitsPerChannelZV(bitmap->Type));
-        if (!pixels_ || type == bitmap->Type) return;
-        PictureBitmap plain(AllocBitmapZV(bitmap->Width, bitmap->Height, type, "stored picture"));
-        if (plain) CopyBitmapZV(pixels_, plain.get(), 0, 0, -1, -1, 0, 0);
-        own_ = std::move(plain);
+        bool const isConverted =
+            clip->AlphaType == ZV_ALPHA_LUMINANCE || clip->AlphaPremultiplied || clip->AlphaInvert;
+        if (type == bitmap->Type && !isConverted) return;
+        own_.reset(AllocBitmapZV(bitmap->Width, bitmap->Height, type, "stored picture"));
         pixels_ = own_.get();
+        if (!own_) return;
+        CopyBitmapZV(bitmap, own_.get(), 0, 0, -1, -1, 0, 0);
+        if (isConverted) InterpretAlphaZV(clip, own_.get(), own_.get(), region);
     }
 
     ZVBitmap const* Get() const { return pixels_; }
@@ -221,7 +218,9 @@ bool Write_Picture(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> con
         SetError(ZV_ERR_CLIP);
         return false;
     }
-    StoredPicture const stored(clip, bitmap, region);
+    // Floats keep what mixing with black would take from a few bits.
+    bool const isFloat = kind.alpha == AlphaRule::Premultiplied;
+    StoredPicture const stored(clip, bitmap, isFloat ? ZV_BITMAP_RGBAFLOAT : Plain_Type(depth), region);
     if (!stored.Get()) return false;
     NewFile file(clip);
     OIIO::ImageSpec const spec = Spec_Of(clip, kind, *stored.Get(), depth);

@@ -102,7 +102,7 @@ TEST_F(PicturesWrite, ComeBackAsTheyWere)
     }
 }
 
-TEST_F(PicturesWrite, OpenEXRIsReadByItsOwnTools)
+TEST_F(PicturesWrite, OpenEXRIsReadByOtherPrograms)
 {
     BitmapPtr const bitmap = Random_Picture(8, 5, ZV_BITMAP_RGBA8, true);
     ClipPtr const clip = Create_Picture("a.exr", *bitmap);
@@ -111,6 +111,9 @@ TEST_F(PicturesWrite, OpenEXRIsReadByItsOwnTools)
     Run("exrheader a.exr >header; grep -q '16-bit floating' header && grep -q 'pixelAspectRatio.*: 1.5' "
         "header && "
         "grep -q 'framesPerSecond.*25' header; oiiotool a.exr --ch R,G,B,A --unpremult -d uint8 -o a.tif");
+    BitmapPtr const again = Stored_Frame(Open_Picture("a.tif").get());
+    for (int i = 0; i < bitmap->Size; ++i)
+        ASSERT_NEAR(again->Pixels[i], bitmap->Pixels[i], 1);
 }
 
 TEST_F(PicturesWrite, JPEGTakesAQuality)
