@@ -57,8 +57,8 @@ ffmpeg -v error -y -f lavfi -i "color=orange:s=640x360:r=25" \
 for n in 01 02 03 04 05 06 07 08 09 10; do
     oiiotool back-$n.png --ch R,G,B,A -d half -o back.exr disc-$n.png -d half -o disc.exr
     exrmultipart -combine -i back.exr:0::background disc.exr:0::disc -o layers-$n.exr -override 1 >exr.log
-    # The disc, object 1, is nearer than the gem, object 2.
-    oiiotool gem-$n.png --ch R,G,B,A,Z=4,id=2 -d half --deepen disc-$n.png --ch R,G,B,A,Z=2,id=1 -d half --deepen \
+    # The disc, object 1 and of glass, is nearer than the gem, object 2.
+    oiiotool gem-$n.png --ch R,G,B,A,Z=4,id=2 -d half --deepen disc-$n.png --mulc 0.7 --ch R,G,B,A,Z=2,id=1 -d half --deepen \
         --deepmerge -o deep-$n.exr
 done
 rm -f back-* disc-* gem-* back.exr disc.exr exr.log
