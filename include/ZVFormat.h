@@ -14,6 +14,12 @@ struct ZVFormatParams {
     long Size;  ///< bytes at Data
 };
 
+/// What Data holds for pictures, where a module has nothing but a quality to choose.
+struct ZVPictureOptions {
+    int32_t Reserved;  ///< 0
+    int32_t Quality;   ///< of JPEG files, from 1 to 100
+};
+
 /// Property bits; others are passed through to applications.
 enum ZVFormatProperty : long {
     ZV_FORMAT_ALPHA = 0x1,       ///< stores an alpha channel
@@ -144,6 +150,12 @@ ZV_API void InitAllFormatModulesZV(ZVScanDesc* scan);
 /// Registers those modules alone. A file that is none, or whose code cannot be had, is passed over.
 /// @return  1; 0 without an environment
 ZV_API long Add_Plugin_Formats(ZVScanDesc* scan);
+
+/// Registers the modules that are installed with the library, in "zvlib/Plugins" beside it: Pictures, where
+/// it is installed. Neither of the first two calls does, since what stands behind these modules takes time to
+/// load.
+/// @return  1; 0 without an environment or such a directory
+ZV_API long Add_Library_Formats(ZVScanDesc* scan);
 
 /// Registers the movie module, as two entries: movies, and movies that are prepared for streaming. Neither of
 /// the calls above does. 1, or 0 without a movie layer (`hasMovies`) and when memory runs out.

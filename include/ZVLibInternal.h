@@ -26,6 +26,10 @@ ZV_API long User_Req(long unused, long twoButtons, char const* text, char const*
 /// the first of them when it is in neither. Free it with FreeFileSpecZV.
 ZV_API char* Find_Library_File(char const* name);
 
+/// The spec of the directory of the modules that are installed with the library, null when there is none.
+/// Free it with FreeFileSpecZV.
+ZV_API char* Find_Library_Plugins();
+
 /// Set `homeDir` and `userDataDir`.
 ZV_API void SetHomeDir();
 ZV_API void SetUserDataDir();
@@ -44,9 +48,10 @@ ZV_API void GetMonitorInfoZV(long* count, ZVRectT<long>* first, ZVRectT<long>* s
                              ZVRectT<long>* fourth);
 
 /// Native path of the directory that holds the executable (of the bundle's folder, when it lies in one), of
-/// the library's installed data, of the user and of temporary files, with a closing slash. False when it
-/// cannot be had or does not fit.
+/// the one that holds the library, of the library's installed data, of the user and of temporary files, with
+/// a closing slash. False when it cannot be had or does not fit.
 ZV_API bool OS_Get_Program_Dir(char* path, unsigned long size);
+ZV_API bool OS_Get_Library_Dir(char* path, unsigned long size);
 ZV_API bool OS_Get_Library_Data_Dir(char* path, unsigned long size);
 ZV_API bool OS_Get_User_Dir(char* path, unsigned long size);
 ZV_API bool OS_Get_Temp_Dir(char* path, unsigned long size);

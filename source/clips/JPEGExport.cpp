@@ -14,12 +14,6 @@ using ClipBlock = std::unique_ptr<ZVClip, Released_By<FreeClipZV>>;
 
 constexpr uint32_t jpegExtension = 0x6A706700;  // "jpg"
 
-/// Options of the module.
-struct JPEGOptions {
-    int32_t reserved;
-    int32_t quality;
-};
-
 ZVFormatDesc* Find_Module()
 {
     for (Node* node = List_First(&ZVEnv->formats); node; node = List_Next(node)) {
@@ -36,11 +30,11 @@ ZVFormatParams* Make_Options(long quality)
 {
     struct Block {
         ZVFormatParams params;
-        JPEGOptions options;
+        ZVPictureOptions options;
     };
     auto* const block = Alloc_Zeroed<Block>(1);
     if (!block) return nullptr;
-    block->options.quality = static_cast<int32_t>(quality);
+    block->options.Quality = static_cast<int32_t>(quality);
     block->params = {&block->options, sizeof block->options};
     return &block->params;
 }

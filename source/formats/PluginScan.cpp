@@ -73,16 +73,29 @@ long FormatModule_CheckFile(char const* spec, unsigned long type, long data, lon
     return 1;
 }
 
+static void Scan_Directory(char const* directory, ZVScanDesc* scan)
+{
+    char const* const directories[] = {directory, nullptr};
+    EnumFilesZV(directories, nullptr, FormatModule_CheckFile, reinterpret_cast<long>(scan), 1, -1);
+}
+
 long Add_Plugin_Formats(ZVScanDesc* scan)
 {
     if (!ZVEnv) return 0;
     try {
-        std::string const directory = std::string(ZVEnv->homeDir) + "Plugins";
-        char const* const directories[] = {directory.c_str(), nullptr};
-        EnumFilesZV(directories, nullptr, FormatModule_CheckFile, reinterpret_cast<long>(scan), 1, -1);
+        Scan_Directory((std::string(ZVEnv->homeDir) + "Plugins").c_str(), scan);
         return 1;
     } catch (std::bad_alloc const&) {
         SetError(ZV_ERR_MEMORY);
         return 0;
     }
+}
+
+long Add_Library_Formats(ZVScanDesc* scan)
+{
+    char* const directory = ZVEnv ? Find_Library_Plugins() : nullptr;
+    if (!directory) return 0;
+    Scan_Directory(directory, scan);
+    FreeFileSpecZV(directory);
+    return 1;
 }
