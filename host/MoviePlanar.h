@@ -2,6 +2,7 @@
 // red, green, blue and alpha.
 #pragma once
 
+#include "MovieBands.h"
 #include "MovieLibrary.h"
 
 /// Converts the layouts that cameras and editors deliver: 8 to 12 bits, colour at full, half or quarter
@@ -17,5 +18,7 @@ public:
     bool To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout);
 
 private:
-    std::vector<std::uint16_t> lines_;  ///< one line each of the two colour differences, and one to make them
+    std::shared_ptr<MovieBands> bands_ = MovieBands::Shared();
+    /// For each worker one line of either colour difference, and one to make them.
+    std::vector<std::uint16_t> lines_;
 };
