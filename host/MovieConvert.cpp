@@ -137,7 +137,9 @@ bool PictureConverter::To_RGBA(AVFrame const& picture, int width, int height, vo
 {
     GreyLayout grey{};
     bool const isSameSize = picture.width == width && picture.height == height;
-    if (isSameSize && planar_.To_RGBA(picture, pixels, rowBytes, layout)) return true;
+    if (isSameSize && (planar_.To_RGBA(picture, pixels, rowBytes, layout) ||
+                       packed_.To_RGBA(picture, pixels, rowBytes, layout)))
+        return true;
     if (isSameSize && Grey_Layout(picture.format, grey)) {
         bool const isWide = layout == HostPixels::RGBA16;
         auto const spread = grey.isDeep ? (isWide ? Spread_Grey<std::uint16_t, std::uint16_t>

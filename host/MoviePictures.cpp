@@ -255,8 +255,9 @@ bool MoviePictures::Go_To(std::int32_t sample)
 /// Whether the picture comes out when decoding goes on from here, and nothing is gained by a seek.
 bool MoviePictures::Can_Go_On(std::int32_t shown) const
 {
-    if (next_ < 0 || isEnding_ || fedFrom_ < 0 || shown <= latest_) return false;
+    if (next_ < 0 || fedFrom_ < 0 || shown <= latest_) return false;
     std::int32_t const sample = index_.Sample_Of(shown);
+    if (isEnding_ && sample >= next_) return false;  // it only gives out what it has
     std::int32_t const key = index_.Key_Before(sample, 0);
     return key >= fedFrom_ && key <= next_ && sample > skipped_;
 }
@@ -326,7 +327,8 @@ void MoviePictures::Settle_Manner(std::int32_t shown)
 {
     std::int32_t const step = shown - std::exchange(asked_, shown);
     if (step == 0) return;
-    Manner const manner = step == 1                          ? Manner::Forward
+    // Who begins at the first picture will most likely go on.
+    Manner const manner = step == 1 || shown == 0            ? Manner::Forward
                           : step < 0 && step >= -LongestStep ? Manner::Back
                                                              : Manner::Jumping;
     steps_ = std::exchange(manner_, manner) == manner ? steps_ + 1 : 1;
