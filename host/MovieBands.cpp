@@ -15,6 +15,9 @@ constexpr std::int64_t BandPixels = 1 << 15;
 /// Bands for each processor: one that is late with its last band should not keep the others waiting.
 constexpr int BandsEach = 8;
 
+/// Looks at whether the others have ended before going to sleep for it.
+constexpr int Patience = 200;
+
 }  // namespace
 
 std::shared_ptr<MovieBands> MovieBands::Shared()
@@ -91,6 +94,9 @@ void MovieBands::Run(int width, int height, Work const& work)
     }
     begins_.notify_all();
     Work_On(0);
+    // The last bands of the others end soon, most likely before a sleep would.
+    for (int i = 0; i < Patience && working_.load(std::memory_order_acquire) > 0; ++i)
+        std::this_thread::yield();
     std::unique_lock lock(mutex_);
     ends_.wait(lock, [&] { return working_ == 0; });
     work_ = nullptr;

@@ -42,7 +42,7 @@ private:
     std::condition_variable begins_, ends_;
     Work const* work_ = nullptr;  ///< null: nothing to do
     int height_ = 0, bandRows_ = 0;
-    std::atomic<int> next_{0};  ///< first row that nobody has begun
-    int working_ = 0;           ///< threads between their first and their last band
+    std::atomic<int> next_{0};     ///< first row that nobody has begun
+    std::atomic<int> working_{0};  ///< threads between their first and their last band
     bool isOver_ = false;
 };

@@ -24,7 +24,7 @@ private:
     bool Prepare(Shape const& source, Shape const& target);
 
     PlanarConverter planar_;
-    PackedConverter packed_;
+    std::shared_ptr<MovieBands> bands_;  ///< null until a picture is read
     MovieOwner<SwsContext> context_;
     Shape source_{}, target_{};
     MovieOwner<AVFrame> from_, to_;

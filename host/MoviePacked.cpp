@@ -105,11 +105,12 @@ RowFunction Row_For(int format, HostPixels layout)
 
 }  // namespace
 
-bool PackedConverter::To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout)
+bool Packed_To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout,
+                    MovieBands& bands)
 {
     RowFunction const row = Row_For(picture.format, layout);
     if (!row) return false;
-    bands_->Run(picture.width, picture.height, [&](int top, int bottom, std::size_t) {
+    bands.Run(picture.width, picture.height, [&](int top, int bottom, std::size_t) {
         for (int y = top; y < bottom; ++y)
             row(picture.data[0] + static_cast<std::ptrdiff_t>(y) * picture.linesize[0],
                 static_cast<std::uint8_t*>(pixels) + static_cast<std::size_t>(y) * rowBytes, picture.width);

@@ -5,13 +5,8 @@
 #include "MovieBands.h"
 #include "MovieLibrary.h"
 
-/// Puts the bytes of each pixel in order, where the layouts have as many bits a channel. What has no alpha
+/// Puts the bytes of each pixel in order, where both layouts have as many bits a channel. What has no alpha
 /// becomes opaque.
-class PackedConverter {
-public:
-    /// False for a picture of another layout; nothing is written then.
-    bool To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout);
-
-private:
-    std::shared_ptr<MovieBands> bands_ = MovieBands::Shared();
-};
+/// @return  false for a picture of another layout; nothing is written then
+bool Packed_To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout,
+                    MovieBands& bands);

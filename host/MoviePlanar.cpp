@@ -141,7 +141,8 @@ std::uint8_t const* Line_Of(AVFrame const& picture, int plane, int y)
 
 }  // namespace
 
-bool PlanarConverter::To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout)
+bool PlanarConverter::To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout,
+                              MovieBands& bands)
 {
     AVPixFmtDescriptor const* planes = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format));
     std::optional<Matrix> const matrix = Matrix_Of(picture);
@@ -156,14 +157,14 @@ bool PlanarConverter::To_RGBA(AVFrame const& picture, void* pixels, std::size_t 
     if (!isDeep && !hasAlpha) fixed = Fix_Weights(mixture, depth, chromaScale);
     PlanarFunctions const convert = Planar_Functions(depth > 8, fixed.has_value(), isDeep, hasAlpha);
     std::size_t const lineSize = static_cast<std::size_t>(picture.width) + 2;
-    lines_.resize(std::max(lines_.size(), 3 * lineSize * bands_->Workers()));
+    lines_.resize(std::max(lines_.size(), 3 * lineSize * bands.Workers()));
     int const samples = AV_CEIL_RSHIFT(picture.width, planes->log2_chroma_w);
     int const lastLine = AV_CEIL_RSHIFT(picture.height, planes->log2_chroma_h) - 1;
     PlanarRow shape{};
     shape.width = picture.width;
     shape.weights = Make_Weights(mixture, largest / ((1 << depth) - 1));
     if (fixed) shape.fixed = *fixed;
-    bands_->Run(picture.width, picture.height, [&](int top, int bottom, std::size_t worker) {
+    bands.Run(picture.width, picture.height, [&](int top, int bottom, std::size_t worker) {
         std::uint16_t* const uLine = &lines_[3 * lineSize * worker];
         std::uint16_t* const vLine = uLine + lineSize;
         std::uint16_t* const blended = vLine + lineSize + 1;

@@ -15,10 +15,10 @@
 class PlanarConverter {
 public:
     /// False for a picture of another layout or matrix; nothing is written then.
-    bool To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout);
+    bool To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout,
+                 MovieBands& bands);
 
 private:
-    std::shared_ptr<MovieBands> bands_ = MovieBands::Shared();
     /// For each worker one line of either colour difference, and one to make them.
     std::vector<std::uint16_t> lines_;
 };
