@@ -36,7 +36,8 @@ MovieAhead::MovieAhead(AVStream const& stream)
         } catch (std::system_error const&) {
             break;  // those that there are will do
         }
-    // Two more: the decoders have finished a picture each when one is taken, and none should wait for its next.
+    // Two more: the decoders have finished a picture each when one is taken, and none should wait for its
+    // next.
     most_ = threads_.empty() ? 0 : threads_.size() + 2;
 }
 

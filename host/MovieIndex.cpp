@@ -43,8 +43,7 @@ bool Is_Whole(AVFormatContext const& file, AVStream& stream)
 
 /// How much later than they are decoded samples are shown. False where the container has no tables that tell
 /// all.
-bool Read_Offsets(AVFormatContext const& file, AVStream& stream,
-                              std::vector<std::int32_t>& offsets)
+bool Read_Offsets(AVFormatContext const& file, AVStream& stream, std::vector<std::int32_t>& offsets)
 {
     if (std::strstr(file.iformat->name, "mov"))
         return Read_Movie_Offsets(Movie_Path(file.url), stream.id, offsets);
