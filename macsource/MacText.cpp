@@ -87,13 +87,18 @@ static TextFont Find_Open_Font(long fontId, long size, bool bold, bool italic)
     return {cache.open.back().font.get(), cache.open.back().size};
 }
 
-static TextFont Find_Standard_Font(uint32_t number)
+static long Style_Size(uint32_t number)
 {
     ZVStyle const* const style = ZVEnv ? ZVEnv->style : nullptr;
-    long const size = style ? number == ZV_FONT_SMALL ? style->smallFontSize : style->fontSize : 0;
+    if (!style) return 0;
+    return number == ZV_FONT_SMALL ? style->smallFontSize : style->fontSize;
+}
+
+static TextFont Find_Standard_Font(uint32_t number)
+{
     bool const bold = number == ZV_FONT_BOLD || number == ZV_FONT_BOLD_ITALIC;
     bool const italic = number == ZV_FONT_ITALIC || number == ZV_FONT_BOLD_ITALIC;
-    return Find_Open_Font(0, size, bold, italic);
+    return Find_Open_Font(0, Style_Size(number), bold, italic);
 }
 
 TextFont Find_Font(FontChoice const& choice)
@@ -102,8 +107,8 @@ TextFont Find_Font(FontChoice const& choice)
     if (!font) return Find_Standard_Font(choice.number);
     if (font->TextStyle) return {font->TextStyle->font.get(), font->Size};
     // A font that is only created is a face in the size of its record.
-    return Find_Open_Font(font->FontId, font->Size, font->Flags & ZV_FONT_FLAG_BOLD,
-                          font->Flags & ZV_FONT_FLAG_ITALIC);
+    return Find_Open_Font(font->FontId, font->Size > 0 ? font->Size : Style_Size(ZV_FONT_INTERFACE),
+                          font->Flags & ZV_FONT_FLAG_BOLD, font->Flags & ZV_FONT_FLAG_ITALIC);
 }
 
 TextFont Context_Font(ZVDrawInfo const* draw)
