@@ -15,10 +15,14 @@ constexpr int SmallFill = 64;
 constexpr int MostTouchedBoxes = 64;
 
 // ---- pixel formats ----------------------------------------------------------------------------------------
+//
+// Spread puts the fields of a pixel into lanes of 16 bits, so that arithmetic treats them all at once; Gather
+// is the way back.
 
 struct Grey8 {
     using Word = uint8_t;
-    static constexpr int fields = 1, fieldBits = 8;
+    static uint64_t Spread(Word word) { return word; }
+    static Word Gather(uint64_t lanes) { return static_cast<Word>(lanes); }
     static Word From_Color(uint32_t color)
     {
         uint32_t const weighed = (color >> 16 & 0xFF) * 77 + (color >> 8 & 0xFF) * 150 + (color & 0xFF) * 29;
@@ -29,7 +33,15 @@ struct Grey8 {
 
 struct Rgb555 {
     using Word = uint16_t;
-    static constexpr int fields = 3, fieldBits = 5;
+    static uint64_t Spread(Word word)
+    {
+        uint64_t const wide = word;
+        return (wide & 0x1F) | (wide & 0x3E0) << 11 | (wide & 0x7C00) << 22;
+    }
+    static Word Gather(uint64_t lanes)
+    {
+        return static_cast<Word>((lanes & 0x1F) | (lanes >> 11 & 0x3E0) | (lanes >> 22 & 0x7C00));
+    }
     static Word From_Color(uint32_t color)
     {
         return static_cast<Word>((color >> 9 & 0x7C00) | (color >> 6 & 0x3E0) | (color >> 3 & 0x1F));
@@ -43,7 +55,11 @@ struct Rgb555 {
 
 struct Rgb888 {
     using Word = uint32_t;
-    static constexpr int fields = 3, fieldBits = 8;
+    static uint64_t Spread(Word word) { return (word & 0xFF00FF) | uint64_t{word & 0xFF00} << 24; }
+    static Word Gather(uint64_t lanes)
+    {
+        return static_cast<Word>((lanes & 0xFF00FF) | (lanes >> 24 & 0xFF00)) | 0xFF000000;
+    }
     static Word From_Color(uint32_t color) { return color | 0xFF000000; }
     static uint32_t To_Color(Word word) { return word & 0xFFFFFF; }
 };
@@ -104,28 +120,23 @@ template <typename Word> void Fill_Row(unsigned char* row, int count, Word word)
         Store(row + static_cast<std::size_t>(i) * sizeof word, word);
 }
 
-/// Blends each field of a pixel by the coverage.
-template <typename Format>
-typename Format::Word Blend_Pixel(typename Format::Word pixel, typename Format::Word color, uint32_t coverage)
+/// Each lane as (color * coverage + pixel * (255 - coverage)) / 255, rounded.
+uint64_t Blend_Lanes(uint64_t pixel, uint64_t color, uint64_t coverage)
 {
-    constexpr uint32_t mask = (1U << Format::fieldBits) - 1;
-    uint32_t blended = 0;
-    for (int shift = 0; shift < Format::fields * Format::fieldBits; shift += Format::fieldBits) {
-        uint32_t const over = (uint32_t{color} >> shift & mask) * coverage;
-        uint32_t const sum = over + (uint32_t{pixel} >> shift & mask) * (255 - coverage) + 128;
-        blended |= (sum + (sum >> 8)) >> 8 << shift;  // divided by 255, rounded
-    }
-    if constexpr (sizeof(typename Format::Word) == 4) blended |= 0xFF000000;
-    return static_cast<typename Format::Word>(blended);
+    constexpr uint64_t bytes = 0x00FF00FF00FF00FF, halves = 0x0080008000800080;
+    uint64_t const sum = color * coverage + pixel * (255 - coverage) + halves;
+    return (sum + (sum >> 8 & bytes)) >> 8 & bytes;
 }
 
 template <typename Format>
-void Blend_Row(unsigned char* pixel, unsigned char const* coverage, int count, typename Format::Word color)
+void Blend_Row(unsigned char* pixel, unsigned char const* coverage, int count, uint64_t color)
 {
     using Word = typename Format::Word;
+    // Without a branch: where the glyph begins and ends is not foreseen, and blending costs less than a wrong
+    // guess.
     for (int i = 0; i < count; ++i, pixel += sizeof(Word)) {
-        if (coverage[i] == 0) continue;
-        Store(pixel, coverage[i] == 255 ? color : Blend_Pixel<Format>(Load<Word>(pixel), color, coverage[i]));
+        uint64_t const under = Format::Spread(Load<Word>(pixel));
+        Store(pixel, Format::Gather(Blend_Lanes(under, color, coverage[i])));
     }
 }
 
@@ -329,11 +340,11 @@ void HostSurface::Blend(HostMask const& mask, int x, int y, uint32_t color)
     HostRect const rect{left, top, left + mask.width, top + mask.height};
     Visit_Clip(rect, [&](HostRect const& part) {
         Visit_Format(depth_, [&](auto format) {
-            auto const pixel = format.From_Color(color);
+            uint64_t const lanes = format.Spread(format.From_Color(color));
             for (int row = part.top; row < part.bottom; ++row) {
                 auto const offset = std::ptrdiff_t{row - top} * mask.width + (part.left - left);
                 Blend_Row<decltype(format)>(Address(part.left, row), mask.coverage.data() + offset,
-                                            part.Width(), pixel);
+                                            part.Width(), lanes);
             }
         });
     });

@@ -3,6 +3,8 @@
 #include "MacShapes.h"
 #include "ZVLibInternal.h"
 
+#include <array>
+
 // ---- rectangles -------------------------------------------------------------------------------------------
 
 void EraseRectZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
@@ -77,23 +79,29 @@ void FillPolygonZV(ZVDrawInfo* draw, long count, long const* points)
 
 // ---- borders ----------------------------------------------------------------------------------------------
 
+static uint32_t Pen_Color(unsigned long colour)
+{
+    return static_cast<uint32_t>(GetColorZV(colour)) & 0xFFFFFF;
+}
+
 void DrawShineBorder(ZVDrawInfo* draw, long x, long y, long w, long h, unsigned long frame,
                      unsigned long light, unsigned long dark)
 {
-    if (!draw || w < 1 || h < 1) return;
-    ZVPortColor const pen = draw->ForeColor;
-    long const left = x + 1, top = y + 1, right = x + w - 2, bottom = y + h - 2;  // of what is inside
-    SetPenZV(draw, frame);
-    DrawRectZV(draw, x, y, x + w - 1, y + h - 1);
-    if (left <= right && top <= bottom) {
-        SetPenZV(draw, light);
-        DrawPolygonZV(draw, 3, left, bottom, left, top, right, top);
-        // The dark edges end over the light ones, but leave them the upper right corner.
-        SetPenZV(draw, dark);
-        FillRectZV(draw, left, bottom, right, bottom);
-        if (top < bottom) FillRectZV(draw, right, top + 1, right, bottom);
-    }
-    draw->ForeColor = pen;
+    if (!draw) return;
+    PrimitiveFrame const around(draw);
+    ZVPort& port = around.Port();
+    HostRect const outer = around.Box(x, y, w, h);
+    auto const [left, top, right, bottom] =
+        HostRect{outer.left + 1, outer.top + 1, outer.right - 1, outer.bottom - 1};
+    port.state.foreColor = Pen_Color(frame);
+    port.Frame(outer);
+    if (left >= right || top >= bottom) return;
+    port.state.foreColor = Pen_Color(light);
+    port.Fill(std::array{HostRect{left, top, left + 1, bottom}, HostRect{left, top, right, top + 1}});
+    // The dark edges end over the light ones, but leave them the upper right corner.
+    port.state.foreColor = Pen_Color(dark);
+    port.Fill(
+        std::array{HostRect{right - 1, top + 1, right, bottom}, HostRect{left, bottom - 1, right, bottom}});
 }
 
 void DrawShineBorderZV(ZVDrawInfo* draw, long x, long y, long w, long h)
