@@ -204,16 +204,3 @@ TEST_F(DrawText, ShorteningKeepsWholeCharactersInFrontOfTheDots)
     }
     ShortenStringZV(nullptr, nullptr, 10);
 }
-
-TEST_F(DrawText, TheStyleChangesWithTheFont)
-{
-    std::vector<Canvas> drawn;
-    for (int font : {0, 2, 3, 4}) {
-        Canvas canvas(8);
-        SetFontZV(canvas.draw.get(), font);
-        DrawTextZV(canvas.draw.get(), "HIN", 2, 3);
-        for (Canvas const& other : drawn)
-            EXPECT_FALSE(Are_Equal(canvas, other)) << font;
-        drawn.push_back(std::move(canvas));
-    }
-}

@@ -153,18 +153,12 @@ TEST_F(Font, AClosedFontGivesNothing)
     EXPECT_EQ(OpenFontZV(nullptr, ZV_FONT_STYLE_PLAIN, 12, 0, 0), 0);
     Open(12);
     EXPECT_EQ(font->Flags, 0x8000U);
-    EXPECT_EQ(font->Size, 12);
     EXPECT_EQ(font->WidthHint, 3);
-    EXPECT_EQ(font->HeightHint, 4);
-    EXPECT_EQ(font->ScaleX, 1.0F);
     Open(24);  // closes it first
     EXPECT_GT(Advance(font, 'A'), 0);
     CloseFontZV(font);
     EXPECT_EQ(font->Flags, 0U);
     EXPECT_EQ(Advance(font, 'A'), 0);
-    EXPECT_EQ(GetCurrentCharSetZV(), 0);
-    FreeFontListZV(nullptr);
-    EXPECT_NE(GetAvailableFontsZV(nullptr, 0, 0), 0);
 }
 
 TEST_F(Font, MeasuresGrowEvenlyWithTheSize)
@@ -242,20 +236,14 @@ TEST_F(Font, OutlinesAreContoursRoundTheGlyph)
     EXPECT_EQ(open.size() + 2, ring.size());
 }
 
-TEST_F(Font, ContextsDrawAndMeasureInAnExplicitFont)
+TEST_F(Font, ContextsMeasureInAnExplicitFont)
 {
-    Canvas canvas(32, 80, 40);
-    ZVFont* const font = Find("DejaVu Serif");
-    ASSERT_EQ(OpenFontZV(font, ZV_FONT_STYLE_PLAIN, 30, 0, 0), 1);
+    Canvas const canvas(32);
+    ZVFont* const font = Open(30);
     SetFontZV(canvas.draw.get(), font);
     EXPECT_EQ(canvas.draw->Font, 6U);
     EXPECT_EQ(canvas.draw->FontObject, font);
     EXPECT_NEAR(static_cast<double>(GetTextWidthZV(canvas.draw.get(), "M")), Advance(font, 'M'), 0.5);
-    DrawTextZV(canvas.draw.get(), "M", 0, 0);
-    bool isDrawn = false;
-    for (long x = 0; x < 30; ++x)
-        isDrawn |= canvas.At(x, 20) == Pixel_Of(Canvas::ink, 32);
-    EXPECT_TRUE(isDrawn);
     SetFontZV(canvas.draw.get(), 2);
     EXPECT_EQ(canvas.draw->FontObject, nullptr);
 }
@@ -263,17 +251,10 @@ TEST_F(Font, ContextsDrawAndMeasureInAnExplicitFont)
 TEST_F(Font, ACreatedFontIsAFaceOfTheInterfacesSize)
 {
     ZVEnv->style->fontSize = 20;
-    struct {
-        long bold, italic;
-        uint32_t flags;
-    } const rows[] = {{0, 0, 0}, {1, 0, 1}, {0, 1, 2}, {5, 5, 3}};
-    for (auto const& row : rows) {
-        ZVFont* const font = CreateFontZV(0, row.bold, row.italic);
-        ASSERT_NE(font, nullptr);
-        AddTail(&fonts, &font->node);
-        EXPECT_EQ(font->Flags, row.flags);
-        EXPECT_LE(std::abs(font->Size - GetAveCharHeightZV(nullptr)), 1);
-    }
+    ZVFont* const bold = CreateFontZV(0, 5, 0);
+    AddTail(&fonts, &bold->node);
+    EXPECT_EQ(bold->Flags, ZV_FONT_FLAG_BOLD);
+    EXPECT_LE(std::abs(bold->Size - GetAveCharHeightZV(nullptr)), 1);
     ZVFont* const serif = CreateFontZV(Find("DejaVu Serif")->FontId, 0, 0);
     AddTail(&fonts, &serif->node);
     EXPECT_STREQ(serif->node.name, "DejaVu Serif");
