@@ -75,15 +75,15 @@ struct ZVFormatDesc {
     long ReadTypeCount;
     ZVTypePair* ReadTypes;
     long FilterTypeCount;
-    ZVTypePair* FilterTypes;  ///< pairs by which a plug-in module refuses files
+    ZVTypePair* FilterTypes;  ///< pairs of files that a plug-in has to look into before it claims them
     long ReadExtensionCount;
     uint32_t* ReadExtensions;  ///< extension codes; the first is that of created names
     long FilterExtensionCount;
-    uint32_t* FilterExtensions;
-    long ImageModes;  ///< of a plug-in, else 0
-    long CachedProperties;
-    long PluginProperties;
-    void* ModuleInfo;  ///< of a loaded module: a ZVModuleInfo
+    uint32_t* FilterExtensions;  ///< the same by extension
+    long ImageModes;             ///< of a Photoshop plug-in: bit n for mode n; else 0
+    long CachedProperties;       ///< of a loaded module; the global word of a Photoshop plug-in
+    long PluginProperties;       ///< property bits that the resources of a Photoshop plug-in tell; else 0
+    void* ModuleInfo;            ///< of a loaded module: a ZVModuleInfo
 
     long (*Open)(ZVClip*, TagItem*);
     void (*Close)(ZVClip*);
@@ -137,7 +137,8 @@ struct ZVFileTypeDescriptor {
 ZV_API void InitFormatModulesZV(ZVScanDesc* scan);
 
 /// The same, and the modules of the directory Plugins in the home directory with all that lies below it. They
-/// come behind the built-in ones and stay unloaded until a clip needs them; see ZVModule.h.
+/// come behind the built-in ones and stay unloaded until a clip needs them; see ZVModule.h, and
+/// ZVFormatRecord.h for Photoshop format plug-ins.
 ZV_API void InitAllFormatModulesZV(ZVScanDesc* scan);
 
 /// Registers those modules alone. A file that is none, or whose code cannot be had, is passed over.

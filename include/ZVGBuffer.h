@@ -58,6 +58,8 @@ struct ZVGBufferLayerData {
 /// One channel. All members are set when it is made; code outside the library writes through Data and
 /// Records.
 struct ZV_API ZVGBuffer {
+    ZVGBuffer() = default;  ///< Of no samples.
+
     /// Data is uninitialised and no row has samples. Throws ZVBadAlloc when there is no memory, and for a
     /// size or format that AllocGBufferZV refuses.
     ZVGBuffer(long width, long height, GBufferFormat format);
@@ -95,10 +97,8 @@ struct ZVGBufferArray {
     constexpr ZVGBuffer* operator[](ZVGBufferChannel channel) const { return Buffers[Slot(Bit(channel))]; }
 
 private:
-    static constexpr int Bit(ZVGBufferChannel channel)
-    {
-        return std::countr_zero(static_cast<unsigned long>(channel));
-    }
+    // The highest bit is added so that no mask leads outside of the array.
+    static constexpr int Bit(ZVGBufferChannel channel) { return std::countr_zero(channel | ZV_GBUFFER_MASK); }
 };
 
 /// The samples that stand for nothing, by channel.
@@ -216,7 +216,8 @@ long GetGBuffersZV(ZVClip* clip, unsigned long mask, ZVGBufferArray* array, ZVTi
 /// @param input      the frame's channels with their X values
 /// @param mode       1 keeps the samples of the id, any other value removes them
 /// @param rect       area, cut at the edges of picture and channels
-/// @param output     channels to fill with the samples kept, or null; sizes and formats as in `input`
+/// @param output     other channels, to fill with the samples kept, or null; one whose size or format is not
+///                   that of the input is passed over
 /// @param mask       channels of `output` wanted
 /// @return  1; 0 for another idChannel, and when the channel is missing: `dst` is then a copy of `src`
 ZV_API long ExtractGBufferLayerZV(ZVBitmap const* src, ZVBitmap* dst, short id, unsigned long idChannel,

@@ -265,7 +265,7 @@ void RGBA_To_ARGB(Buffer const* source, void* out, long bytes);
 ZV_API void CleanupIconList();
 
 /// The factor of an exponent byte: 0.0 for 0, else 2 to the power of (e - 128).
-extern ZV_API double const _expTable[256];
+extern ZV_API std::array<double, 256> const _expTable;
 
 /// Copies one sample of N bytes.
 template <int N> struct ZVSampleCopy {
@@ -465,6 +465,31 @@ ZV_API long Init_IFM(char const* spec, ZVScanDesc* scan);
 /// Loads a module and lets it fill its descriptor again. 0 with the stubs in place and without arrays.
 ZV_API long Load_IFM(ZVFormatDesc* desc);
 ZV_API void Unload_IFM(ZVFormatDesc* desc);  ///< Counts one use less and puts the stubs back.
+
+/// What the parsers of a Photoshop plug-in's resources share during the scan of its file.
+struct ZVPluginScan {
+    char const* FileSpec;  ///< of the plug-in
+    ZVScanDesc* Scan;
+    char Name[256];  ///< of the `8BIF` resource seen last
+    long ID;         ///< the same
+};
+
+/// Resource callbacks: register the format plug-in that a resource tells of, whose bytes are as in the file.
+/// `scan` is a ZVPluginScan*. Parse_8BIF takes the name for the next Parse_PIMI.
+/// @return  1, or 0 for one that is refused
+ZV_API long Parse_PIPL(ZVResource* resource, long scan);
+ZV_API long Parse_PIMI(ZVResource* resource, long scan);
+ZV_API long Parse_8BIF(ZVResource* resource, long scan);
+
+/// Turn the numbers of a resource from the file's order into the machine's, in place.
+/// @return  0; -4942, with the bytes in either order, for another version and for lists that do not fit
+ZV_API long Flip_PiPL(void* bytes, long size);
+ZV_API long Flip_PIMI(void* bytes, long size);
+
+struct FormatRecord;
+/// Puts the host's functions in a record. Suites that it has already are filled in.
+ZV_API void Init_Callbacks(FormatRecord* record, ZVPlugin* plugin);
+ZV_API void Cleanup_Callbacks(FormatRecord* record, ZVPlugin* plugin);  ///< Does nothing.
 
 ZV_API long Add_Filmstrip_Format(ZVScanDesc* scan);
 ZV_API long Add_EIDI_Format(ZVScanDesc* scan);

@@ -18,6 +18,12 @@ BitmapPtr Make_Noise(long width, long height, long depth)
     return bitmap;
 }
 
+/// As the environment's list of icons has them; the list owns both.
+struct IconRecord {
+    Node node;
+    ZVBitmap* bitmap;
+};
+
 uint32_t Color_At(ZVNativeBitmap const& bitmap, long x, long y)
 {
     uint32_t const pixel = Get_Pixel(bitmap, x, y);
@@ -120,4 +126,26 @@ TEST_F(DrawBitmap, DepthsWithoutASurfaceAreNotDrawn)
     DrawBitmapZV(canvas.draw.get(), source.get(), 0, 0);
     DrawBitmapZV(canvas.draw.get(), nullptr, 0, 0);
     canvas.Expect_Inked([](long, long) { return false; }, "24 bits");
+}
+
+TEST_F(DrawBitmap, IconsAreDrawnOverThePalettesPen)
+{
+    ZVBitmap* const picture = AllocBitmapZV(2, 1, ZV_BITMAP_RGBA8, nullptr);
+    unsigned char const pixels[] = {0xFF, 0x20, 0x40, 0xFF, 0x12, 0x34, 0x56, 0x00};
+    std::memcpy(picture->Pixels, pixels, sizeof pixels);
+    auto* const icon = static_cast<IconRecord*>(AllocMemZV(sizeof(IconRecord), ZV_MEM_CLEAR));
+    icon->node.id = 14000;
+    icon->bitmap = picture;
+    AddTail(&ZVEnv->icons, &icon->node);
+    for (long depth : depths) {
+        Canvas canvas(depth);
+        DrawImageZV(canvas.draw.get(), 14000, 3, 4);
+        DrawImageZV(canvas.draw.get(), 14001, 0, 0);
+        canvas.Expect(
+            [](long x, long y) {
+                if (y == 4 && x == 3) return 0xFF2040U;
+                return y == 4 && x == 4 ? static_cast<uint32_t>(GetColorZV(ZV_PEN_PALETTE)) : Canvas::paper;
+            },
+            "icon");
+    }
 }

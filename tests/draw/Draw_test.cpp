@@ -130,6 +130,7 @@ TEST_F(Draw, NullContextsDoNothing)
     WritePixelZV(none, 0, 0, &color);
     DrawBitmapZV(none, bitmap.get(), 0, 0);
     StretchBitmapZV(none, bitmap.get(), 0, 0, 1, 1, 0, 0, 1, 1);
+    DrawImageZV(none, 1, 0, 0);
     DrawTextZV(none, "text", 0, 0);
     EXPECT_EQ(color.red, 7);
 }
