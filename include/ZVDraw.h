@@ -111,7 +111,7 @@ ZV_API void DrawPolygonZV(ZVDrawInfo* draw, long count, long const* points);
 
 /// The pixels whose centres lie inside by the even-odd rule, with the last point joined to the first. A point
 /// is the upper left corner of its pixel, so an outline's right and lower edges are not filled. A centre on
-/// an edge belongs to what is right of the edge or below it.
+/// an edge belongs to what is right of the edge.
 ZV_API void FillPolygonZV(ZVDrawInfo* draw, long count, long const* points);
 
 /// The same with the coordinates as arguments, at least `count` pairs of them.

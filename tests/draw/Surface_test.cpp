@@ -40,24 +40,6 @@ std::vector<HostRect> Boxes(HostRegion const& region)
 
 }  // namespace
 
-TEST(Surface, DrawingStaysInsideAClipOfSeveralBoxes)
-{
-    Sheet sheet, still;
-    HostRegion clip = Pieces();
-    clip.Unite(HostRect{-50, 28, 100, 100});
-    sheet.surface.Set_Clip(clip);
-    EXPECT_EQ(sheet.surface.Clip().Bounds(), (HostRect{0, 3, 40, 30}));
-    sheet.surface.Fill({-5, -5, 100, 100}, 0xABCDEF);
-    uint32_t color = 0;
-    for (int y = 0; y < Sheet::height; ++y) {
-        for (int x = 0; x < Sheet::width; ++x) {
-            bool const isIn = clip.Contains(x, y);
-            EXPECT_EQ(sheet.At(x, y), isIn ? 0xFFABCDEF : still.At(x, y));
-            EXPECT_EQ(sheet.surface.Read(x, y, color), isIn);
-        }
-    }
-}
-
 TEST(Surface, PixelsMoveWithinASurfaceThroughSeveralBoxes)
 {
     for (auto const& [dx, dy] : {std::pair{2, 1}, {-2, 1}, {3, -2}, {-1, -3}, {0, 4}, {4, 0}}) {
