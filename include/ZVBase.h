@@ -38,6 +38,7 @@ struct ZVGroup;
 struct ZVItem;
 struct ZVMenu;
 struct ZVDrawInfo;
+struct ZVPort;
 struct ZVPlugin;
 struct ZVGBufferArray;
 struct ZVFileInfo;

@@ -78,8 +78,9 @@ ZV_API void OS_Advise_Huge_Pages(void* block, unsigned long size);
 /// Bytes of the last-level cache that one processor reaches; 0 when unknown.
 ZV_API unsigned long OS_Cache_Size();
 
-/// Measures of a text in the interface font at the style's font size, in pixels, rounded up. A size below 1
-/// counts as 12, one above 1000 as 1000. Without any font a line is 1.2 and a character half of the size.
+/// Measures of a text in the interface font at the style's font size, in whole pixels, as it is drawn. A size
+/// below 1 counts as 12, one above 1000 as 1000. Without any font a line is 1.2 and a character half of the
+/// size.
 ZV_API long Text_Width(char const* text);
 ZV_API long Text_Height(char const* text);  ///< Ascent and descent of the font.
 
@@ -309,6 +310,35 @@ ZV_API void extract_x_values(ZVGBuffer const& src, ZVGBuffer* dst, unsigned shor
 /// samples.
 ZV_API void extract_weight(ZVGBuffer* weight, ZVGBuffer const* coverage, ZVGBuffer const* transparency,
                            ZVGBuffer const* xValues, ZVRectT<long> const* rect);
+
+// ---- drawing ----------------------------------------------------------------------------------------------
+
+/// A port over the pixels of a native bitmap, which are the port's from then on, to be freed by FreeMemZV.
+/// @param pixels  aligned to 4 bytes, and so are the rows
+/// @return  null when memory runs out; the pixels are then still the caller's
+ZV_API ZVPort* Make_SysPort(unsigned char* pixels, long width, long height, long depth, long rowBytes);
+ZV_API void Free_SysPort(ZVPort* port);  ///< Null is accepted.
+
+/// The port of a system window, which owns it; null for a window that cannot be drawn on.
+ZV_API ZVPort* Mac_Window_Port(ZVWindow* window);
+
+/// A context on a port. Null without a port or an environment.
+ZV_API ZVDrawInfo* Begin_Drawing(ZVPort* port, ZVDevice* device, long originX, long originY);
+
+/// Make the context's port the current one, and the one before it again.
+ZV_API void ReadyDraw(ZVDrawInfo* draw);
+ZV_API void RevertDraw(ZVDrawInfo* draw);
+
+/// Clip the port to the context's rectangle, and as it was before.
+ZV_API void Set_ClipRegion(ZVDrawInfo* draw);
+ZV_API void Revert_ClipRegion(ZVDrawInfo* draw);
+
+/// A bevel border of `w` by `h` pixels in three colours.
+ZV_API void DrawShineBorder(ZVDrawInfo* draw, long x, long y, long w, long h, unsigned long frame,
+                            unsigned long light, unsigned long dark);
+
+/// GetFontOutlineZV without commands that close a contour.
+ZV_API float* ATSUI_GetOutline(unsigned long character, ZVFont* font, double x, double y);
 
 // ---- clips ------------------------------------------------------------------------------------------------
 

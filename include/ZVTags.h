@@ -65,3 +65,16 @@ template <ZVTagValue... Args> auto Tag_Array(Args... args)
         items[i] = {words[2 * i], words[2 * i + 1]};
     return items;
 }
+
+/// What calls take as a text: a text, or the id of one in the string table; 0 and null are no text.
+template <typename T>
+concept ZVLabel = ZVTagKey<T> || std::is_convertible_v<T, char const*>;
+
+/// A text, or the word of a string id, as the sister with the tag list takes it.
+template <ZVLabel T> auto Label_Word(T label)
+{
+    if constexpr (ZVTagKey<T>)
+        return Tag_Word(label);
+    else
+        return static_cast<char const*>(label);
+}
