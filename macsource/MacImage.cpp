@@ -1,6 +1,7 @@
 // Pictures in the resources of the application: those of its program file.
 #include "ZVLibInternal.h"
 
+#include "clips/BitmapBlock.h"
 #include "files/ResourceFile.h"
 #include "foundation/HeapBlock.h"
 
@@ -44,11 +45,13 @@ ResourceBytes Read_Resource(uint32_t type, long id)
     return resource;
 }
 
-/// Draws a picture in its own size.
-ZVNativeBitmap* Draw_Image(ResourceBytes const& /*picture*/)
+/// The picture in its own size, in a native bitmap of 32 bits.
+ZVNativeBitmap* Draw_Image(ResourceBytes const& picture)
 {
-    // FIXME: there is no picture player yet. Done when the bytes are drawn into a native bitmap of 32 bits.
-    return nullptr;
+    BitmapBlock const drawn(Decode_Picture(picture.bytes.get(), static_cast<unsigned long>(picture.size)));
+    ZVNativeBitmap* const image = drawn ? AllocNativeBitmapZV(drawn->Width, drawn->Height, 32) : nullptr;
+    if (image) CopyBitmapZV(drawn.get(), image, 0, 0, -1, -1, 0, 0);
+    return image;
 }
 
 }  // namespace

@@ -1,5 +1,8 @@
 // The picture player: each family of opcodes on pictures made byte by byte, drawn small and shown as text.
 #include "PictureBytes.h"
+#include "files/ResourceFile.h"
+
+#include <filesystem>
 
 namespace {
 
@@ -363,6 +366,29 @@ TEST_F(Picture, OneWithoutItsLastOpcodeIsWholeAndOneCutInAnOpcodeIsNot)
     EXPECT_FALSE(Decode_Picture(nullptr, 100));
     EXPECT_EQ(GetErrorZV(), ZV_ERR_CLIP);
     EXPECT_EQ(Drawn(Start(0, 1).End()), "failed");
+}
+
+TEST_F(Picture, OneInTheProgramsResourcesIsAnIconOfItsNumber)
+{
+    EXPECT_FALSE(GetImageZV(900));
+    std::filesystem::path const program = std::filesystem::read_symlink("/proc/self/exe");
+    FSSpec place{};
+    program.native().copy(place.path, sizeof place.path - 1);
+    char spec[ZV_SPEC_SIZE];
+    ASSERT_EQ(GetDOSPathZV(spec, &place), 0);
+    Bytes const picture = Start(4, 1).Opcode(0x1A, red).Rect(0x31, 1, 0, 3, 1).End();
+    {
+        auto const file = ZVResourceFile::Create(spec, ResourcePlace::Companion, 0, 0);
+        ASSERT_TRUE(file && file->Add(ZV_FourCC("PICT"), 900, {}, picture) && file->Save());
+    }
+    ZVBitmap const* const icon = FindIconZV(900);
+    ZVBitmap const* const again = FindIconZV(900);
+    EXPECT_FALSE(GetImageZV(901));
+    std::filesystem::remove(program.parent_path() / ("._" + program.filename().string()));
+    ASSERT_TRUE(icon);
+    EXPECT_EQ(icon, again);
+    EXPECT_EQ(Pixels_Of(*icon),
+              (Bytes{255, 255, 255, 255, 255, 0, 0, 255, 255, 0, 0, 255, 255, 255, 255, 255}));
 }
 
 }  // namespace
