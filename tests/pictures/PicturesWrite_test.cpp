@@ -134,7 +134,9 @@ TEST_F(PicturesWrite, JPEGTakesAQuality)
     }
     EXPECT_LT(2 * sizes[0], sizes[1]);
     WriteJPEGZV(bitmap.get(), environment.Spec("b.jpg").c_str(), 95);
-    EXPECT_TRUE(Read("a.jpg") == Read("b.jpg"));
+    BitmapPtr const first = Stored_Frame(Open_Picture("a.jpg").get());
+    BitmapPtr const second = Stored_Frame(Open_Picture("b.jpg").get());
+    EXPECT_EQ(std::memcmp(first->Pixels, second->Pixels, static_cast<std::size_t>(first->Size)), 0);
 }
 
 TEST_F(PicturesWrite, FailuresLeaveTheOldFile)
