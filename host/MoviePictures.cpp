@@ -297,7 +297,7 @@ MoviePictures::Outcome MoviePictures::Take_Picture(std::int32_t wanted)
         return Outcome::Failed;
     }
     latest_ = std::max(latest_, shown);
-    if (isInPlace_ && shown < wanted && manner_ != Manner::Back)
+    if (isInPlace_ && shown < wanted && !Is_Stepping_Back())
         av_frame_unref(
             frame_.get());  // it is not held, so that it is changed into the next one and not copied
     else
@@ -336,6 +336,12 @@ void MoviePictures::Settle_Manner(std::int32_t shown)
                           : step < 0 && step >= -LongestStep ? Manner::Back
                                                              : Manner::Jumping;
     steps_ = std::exchange(manner_, manner) == manner ? steps_ + 1 : 1;
+}
+
+/// A single step back may be a jump like any other.
+bool MoviePictures::Is_Stepping_Back() const
+{
+    return manner_ == Manner::Back && steps_ > 1;
 }
 
 std::size_t MoviePictures::Most_Kept() const
@@ -414,7 +420,7 @@ AVFrame const* MoviePictures::Fetch(std::int32_t shown)
     if (isIntra_ && isPlayed && index_.Has_Times() && Take_Ahead(shown)) return Find_Kept(shown, false);
     std::int32_t const sample = index_.Sample_Of(shown);
     // A picture that is still held somewhere is copied before it is changed.
-    if (isInPlace_ && manner_ != Manner::Back && index_.Sample(sample).size >= SmallestChange) Forget_Kept();
+    if (isInPlace_ && !Is_Stepping_Back() && index_.Sample(sample).size >= SmallestChange) Forget_Kept();
     if (manner_ == Manner::Jumping && index_.Has_Times() && !isIntra_ && Try_Skipping(shown))
         return Find_Kept(shown, false);
     for (int back : earlierTries) {
