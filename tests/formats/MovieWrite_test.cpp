@@ -5,8 +5,6 @@
 #include <fstream>
 #include <numeric>
 
-ZV_API long Quicktime_StreamingOptions(ZVClip* clip, bool silent);
-
 // ---- writing ----------------------------------------------------------------------------------------------
 
 TEST_F(Movie, LosslessCodecsGiveBackWhatWasWritten)
