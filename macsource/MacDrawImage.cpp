@@ -9,6 +9,7 @@ void DrawImageZV(ZVDrawInfo* draw, unsigned short icon, long x, long y)
     if (!picture) return;
     ZVNativeBitmap* const composed = AllocNativeBitmapZV(picture->Width, picture->Height, SuggestedDepthZV());
     if (!composed) return;
+    FillBitmapZV(composed, ZV_PEN_PALETTE);  // for the pad bytes, which blending leaves alone
     AlphaCopyBitmapZV(picture, composed, ZV_PEN_PALETTE, 0, 0, picture->Width, picture->Height, 0, 0);
     DrawBitmapZV(draw, composed, x, y);
     FreeBitmapZV(composed);
