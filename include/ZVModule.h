@@ -22,8 +22,8 @@
 #include "ZVClip.h"
 #include "ZVEnvironment.h"
 #include "ZVFormat.h"
-#include "ZVRecordLayout.h"
 #include "ZVPlugin.h"
+#include "ZVRecordLayout.h"
 
 /// What a module finds at ZVFormatDesc::ModuleInfo.
 struct ZVModuleInfo {
