@@ -120,6 +120,7 @@ constexpr ZVRectT<long> everything{0, 0, 1 << 20, 1 << 20};
 
 TEST(GBufferExtract, SamplesOfAPixelAreCompositedFrontToBack)
 {
+    constexpr double none = 1e-7;  // the weight of a pixel whose front sample is left out
     struct {
         char const* why;
         std::initializer_list<uint8_t> ids, coverage;
@@ -131,7 +132,11 @@ TEST(GBufferExtract, SamplesOfAPixelAreCompositedFrontToBack)
         {"the rest without the id", {5, 1}, {255, 255}, 0, {0, 1, 0, 1}},
         {"nothing is removed", {1, 2}, {255, 255}, 0, {1, 0, 0, 1}},
         {"two halves", {5, 5}, {51, 51}, 1, {0.2 / 0.36, 0.16 / 0.36, 0, 0.36}},
-        {"a thin object behind another", {1, 5}, {51, 51}, 1, {0, 1, 0, 0.2}},
+        {"a thin object behind another",
+         {1, 5},
+         {51, 51},
+         1,
+         {0, 0.2 * (1 - none) / (0.2 + 0.8 * none), 0, 0.2 + 0.8 * none}},
         {"no coverage at all", {5, 1}, {0, 255}, 1, {0, 0, 0, 0}},
     };
     for (auto const& row : cases) {
