@@ -12,6 +12,8 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <stdexcept>
@@ -160,6 +162,13 @@ public:
         Check(clip_->Format->GetFrame(clip_, bitmap_, frame_++ % framesInFile, &rect, width, height, 0,
                                       nullptr, 0));
     }
+    /// What is in the file that was written.
+    Bytes Bytes_Behind(std::size_t offset) const
+    {
+        std::ifstream file(session_.Path(name_), std::ios::binary);
+        file.seekg(static_cast<std::streamoff>(offset));
+        return Bytes(std::istreambuf_iterator<char>(file), {});
+    }
     void Write_Plain()
     {
         if (plainFrame_++ % framesInFile == 0)
@@ -201,6 +210,38 @@ private:
     int plain_;
 };
 
+/// A picture as PICT data, drawn from memory.
+class PictureWork {
+public:
+    explicit PictureWork(uint8_t alphaType)
+    {
+        FileWork file("clip.pct", alphaType);
+        picture_ = file.Bytes_Behind(512);
+        bitmap_ = AllocBitmapZV(width, height, ZV_BITMAP_RGBA8, nullptr);
+    }
+    ~PictureWork() { FreeBitmapZV(bitmap_); }
+    PictureWork(PictureWork const&) = delete;
+    PictureWork& operator=(PictureWork const&) = delete;
+
+    void Draw()
+    {
+        if (!Draw_Picture(picture_.data(), picture_.size(), bitmap_, {0, 0, width, height}))
+            throw std::runtime_error("a picture could not be drawn");
+    }
+
+private:
+    Bytes picture_;
+    ZVBitmap* bitmap_;
+};
+
+void Register_Picture(std::string const& name, uint8_t alphaType, double limit)
+{
+    Bench::Register(name, limit, [=] {
+        auto const picture = std::make_shared<PictureWork>(alphaType);
+        return std::pair([=] { picture->Draw(); }, Make_Memcpy());
+    });
+}
+
 /// @param fileName  its extension selects the module
 void Register_File(std::string const& name, std::string const& fileName, uint8_t alphaType, double readLimit,
                    double writeLimit)
@@ -219,6 +260,10 @@ void Register_File(std::string const& name, std::string const& fileName, uint8_t
     Register_Codec("24", 3, 4.0, 6.0);
     Register_Codec("32", 4, 3.0, 5.0);
     Register_File("filmstrip/frame", "clip.flm", ZV_ALPHA_CHANNEL, 1.2, 2.0);
+    Register_Picture("pict/decode_24", ZV_ALPHA_NONE, 6.0);
+    Register_Picture("pict/decode_32", ZV_ALPHA_CHANNEL, 6.0);
+    Register_File("pict/frame_24", "clip.pct", ZV_ALPHA_NONE, 0, 0);
+    Register_File("pict/frame_32", "clip.pct", ZV_ALPHA_CHANNEL, 0, 0);
     Register_File("eidi/frame_24", "clip.ei", ZV_ALPHA_NONE, 0, 0);
     Register_File("eidi/frame_32", "clip.ei", ZV_ALPHA_CHANNEL, 0, 0);
     return true;

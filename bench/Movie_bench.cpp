@@ -59,15 +59,33 @@ public:
     /// The native path of a movie.
     std::string Make(std::string const& name, std::string const& codec) const
     {
+        return Run(name, "-f lavfi -i testsrc2=s=1920x1080:r=25:d=2," + codec);
+    }
+
+    /// Two hours of small pictures: two seconds over and over.
+    std::string Make_Long() const
+    {
+        std::string const piece =
+            Run("piece.mov", "-f lavfi -i testsrc2=s=320x180:r=25:d=2 -c:v libx264 -bf 2 -g 25");
+        return Run("long.mov", "-stream_loop 3599 -i " + piece + " -c copy");
+    }
+
+    static std::string Spec(std::string path)
+    {
+        std::ranges::replace(path, '/', '\\');
+        return "Root:" + path;
+    }
+
+private:
+    std::string Run(std::string const& name, std::string const& arguments) const
+    {
         std::string path = directory_ + "/" + name;
-        std::string const command =
-            "ffmpeg -v error -y -f lavfi -i testsrc2=s=1920x1080:r=25:d=2," + codec + " " + path;
+        std::string const command = "ffmpeg -v error -y " + arguments + " " + path;
         if (!std::filesystem::exists(path) && std::system(command.c_str()) != 0)
             throw std::runtime_error("ffmpeg");
         return path;
     }
 
-private:
     std::string directory_;
     bool isKept_;
     bool ownsLibrary_;
@@ -182,16 +200,19 @@ struct Pair {
     }
 };
 
+Movies const& Known_Movies()
+{
+    static Movies const movies;
+    return movies;
+}
+
 std::shared_ptr<Pair> Make_Pair(std::string const& name, std::string const& codec, ZVBitmapType type,
                                 bool isForward)
 {
-    static Movies const movies;
-    std::string const path = movies.Make(name, codec);
+    std::string const path = Known_Movies().Make(name, codec);
     auto pair = std::make_shared<Pair>();
     pair->bitmap.reset(AllocBitmapZV(width, height, type, nullptr));
-    std::string spec = "Root:" + path;
-    std::ranges::replace(spec, '/', '\\');
-    pair->clip.reset(OpenClipZV(spec.c_str(), ZV_OPEN_NO_ALPHA_GUESS, 1, 0));
+    pair->clip.reset(OpenClipZV(Movies::Spec(path).c_str(), ZV_OPEN_NO_ALPHA_GUESS, 1, 0));
     if (!pair->clip) throw std::runtime_error(path);
     BeginClipIOZV(pair->clip.get(), nullptr);
     pair->bare = std::make_unique<BareMovie>(path, pair->bitmap.get(), isForward);
@@ -228,6 +249,29 @@ void Register_Movie(std::string const& name, std::string const& codec, ZVBitmapT
         rounds);
 }
 
+/// Opening a movie of 180,000 frames, beside opening it by the libraries alone.
+void Register_Opening()
+{
+    Bench::Register(
+        "movie/open_two_hours", 0,
+        [] {
+            std::string const path = Known_Movies().Make_Long();
+            auto const work = [spec = Movies::Spec(path)] {
+                Owner<ZVClip> const clip(OpenClipZV(spec.c_str(), ZV_OPEN_NO_ALPHA_GUESS, 1, 0));
+                if (!clip || clip->RawFrames != 180000) throw std::runtime_error(spec);
+            };
+            auto const yardstick = [path] {
+                AVFormatContext* file = nullptr;
+                if (avformat_open_input(&file, path.c_str(), nullptr, nullptr) < 0)
+                    throw std::runtime_error(path);
+                Owner<AVFormatContext> const owner(file);
+                avformat_find_stream_info(file, nullptr);
+            };
+            return std::pair(work, yardstick);
+        },
+        rounds);
+}
+
 [[maybe_unused]] bool const isRegistered = [] {
     char const noise[] = "noise=alls=8:allf=t";
     auto const grainy = [&](char const* codec) { return std::string(noise) + " -c:v " + codec; };
@@ -240,6 +284,7 @@ void Register_Movie(std::string const& name, std::string const& codec, ZVBitmapT
                    1 / 0.97, 1 / 0.97);
     Register_Movie("h264.mov", grainy("libx264 -preset veryfast -crf 22 -bf 3 -g 250 -pix_fmt yuv420p"),
                    ZV_BITMAP_RGBA8, 1 / 0.97, 1 / 0.97);
+    Register_Opening();
     return true;
 }();
 

@@ -53,29 +53,48 @@ inline void Fuzz_Frame(ZVClip* clip, long frame, long width, long height)
     clip->Format->GetFrame(clip, bitmap.get(), frame, &rect, width, height, 0, nullptr, 0);
 }
 
+using FuzzClip = std::unique_ptr<ZVClip, decltype([](ZVClip* clip) { FreeClipZV(clip); })>;
+
+/// The bytes as an open clip of the module; null when it refuses them.
+inline FuzzClip Fuzz_Open(ZVFormatDesc* module, uint8_t const* data, std::size_t size)
+{
+    static FuzzFile const file;
+    file.Set(data, size);
+    FuzzClip clip{NewClipZV()};
+    clip->Format = module;
+    clip->FileName = CopyFileSpecZV(file.Spec().c_str());
+    if (!module->Open(clip.get(), nullptr)) return nullptr;
+    if (clip->Width < 1 || clip->Height < 1 || clip->RawFrames < 0) std::abort();
+    return clip;
+}
+
+/// Whether pictures are worth reading: larger ones cost time and show nothing new.
+inline bool Is_Fuzz_Size(ZVClip const* clip)
+{
+    constexpr long largestPicture = 1 << 16;  // pixels
+    return clip->Width * clip->Height <= largestPicture;
+}
+
+inline void Fuzz_Close(ZVClip* clip)
+{
+    clip->Format->Close(clip);
+    if (clip->ModuleData) std::abort();
+}
+
 /// Opens the bytes and reads frames of every kind: the first ones, the last, ones that are not there, and the
 /// first one scaled.
 /// @param largestExpansion  bytes of a picture that a byte of a file may stand for
 inline void Fuzz_Clip(uint32_t fileType, uint8_t const* data, std::size_t size, long largestExpansion)
 {
-    constexpr long largestPicture = 1 << 16;  // pixels; larger ones cost time and show nothing new
     static ZVFormatDesc* const module = Fuzz_Module(fileType);
-    static FuzzFile const file;
-    file.Set(data, size);
-    std::unique_ptr<ZVClip, decltype([](ZVClip* clip) { FreeClipZV(clip); })> const owner{NewClipZV()};
-    ZVClip* clip = owner.get();
-    clip->Format = module;
-    clip->FileName = CopyFileSpecZV(file.Spec().c_str());
-    if (!module->Open(clip, nullptr)) return;
-
+    FuzzClip const clip = Fuzz_Open(module, data, size);
+    if (!clip) return;
     long const width = clip->Width, height = clip->Height;
-    if (width < 1 || height < 1 || clip->RawFrames < 0) std::abort();
     if (width * height * 4 > static_cast<long>(size) * largestExpansion) std::abort();
-    if (width * height <= largestPicture) {
+    if (Is_Fuzz_Size(clip.get())) {
         for (long frame : {0L, 1L, 2L, 3L, clip->RawFrames - 1, clip->RawFrames, -1L})
-            Fuzz_Frame(clip, frame, width, height);
-        Fuzz_Frame(clip, 0, 7, 5);
+            Fuzz_Frame(clip.get(), frame, width, height);
+        Fuzz_Frame(clip.get(), 0, 7, 5);
     }
-    module->Close(clip);
-    if (clip->ModuleData) std::abort();
+    Fuzz_Close(clip.get());
 }

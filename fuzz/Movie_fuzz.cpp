@@ -24,21 +24,15 @@ static void Read_Sound(ZVClip* clip)
 extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(uint8_t const* data,
                                                                              std::size_t size)
 {
-    constexpr long largestPicture = 1 << 16;  // pixels; larger ones cost time and show nothing new
     static ZVFormatDesc* const module = Movie_Module();
-    static FuzzFile const file;
-    file.Set(data, size);
-    std::unique_ptr<ZVClip, decltype([](ZVClip* clip) { FreeClipZV(clip); })> const owner{NewClipZV()};
+    FuzzClip const owner = Fuzz_Open(module, data, size);
     ZVClip* clip = owner.get();
-    clip->Format = module;
-    clip->FileName = CopyFileSpecZV(file.Spec().c_str());
-    if (!module->Open(clip, nullptr)) return 0;
-    if (clip->Width < 1 || clip->Height < 1 || clip->RawFrames < 1 || clip->FrameRate <= 0) std::abort();
-    if ((clip->Media & ZV_MEDIA_VIDEO) && clip->Width * clip->Height <= largestPicture)
+    if (!clip) return 0;
+    if (clip->RawFrames < 1 || clip->FrameRate <= 0) std::abort();
+    if ((clip->Media & ZV_MEDIA_VIDEO) && Is_Fuzz_Size(clip))
         for (long frame : {0L, 1L, 2L, 3L, clip->RawFrames - 1, 1L, clip->RawFrames, -1L})
             Fuzz_Frame(clip, frame, clip->Width, clip->Height);
     if (clip->Media & ZV_MEDIA_AUDIO) Read_Sound(clip);
-    module->Close(clip);
-    if (clip->ModuleData) std::abort();
+    Fuzz_Close(clip);
     return 0;
 }

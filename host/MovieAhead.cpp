@@ -36,8 +36,9 @@ MovieAhead::MovieAhead(AVStream const& stream)
         } catch (std::system_error const&) {
             break;  // those that there are will do
         }
-    // One more, so that no decoder waits while a picture is taken.
-    most_ = threads_.empty() ? 0 : threads_.size() + 1;
+    // Two more: the decoders have finished a picture each when one is taken, and none should wait for its
+    // next.
+    most_ = threads_.empty() ? 0 : threads_.size() + 2;
 }
 
 MovieAhead::~MovieAhead()

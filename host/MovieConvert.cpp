@@ -137,7 +137,10 @@ bool PictureConverter::To_RGBA(AVFrame const& picture, int width, int height, vo
 {
     GreyLayout grey{};
     bool const isSameSize = picture.width == width && picture.height == height;
-    if (isSameSize && planar_.To_RGBA(picture, pixels, rowBytes, layout)) return true;
+    if (!bands_) bands_ = MovieBands::Shared();
+    if (isSameSize && (planar_.To_RGBA(picture, pixels, rowBytes, layout, *bands_) ||
+                       Packed_To_RGBA(picture, pixels, rowBytes, layout, *bands_)))
+        return true;
     if (isSameSize && Grey_Layout(picture.format, grey)) {
         bool const isWide = layout == HostPixels::RGBA16;
         auto const spread = grey.isDeep ? (isWide ? Spread_Grey<std::uint16_t, std::uint16_t>

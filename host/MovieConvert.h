@@ -1,6 +1,7 @@
 // Decoded pictures to and from rows of red, green, blue and alpha.
 #pragma once
 
+#include "MoviePacked.h"
 #include "MoviePlanar.h"
 
 /// Converts with fixed settings, so that a picture comes out the same on every machine: accurate rounding,
@@ -23,6 +24,7 @@ private:
     bool Prepare(Shape const& source, Shape const& target);
 
     PlanarConverter planar_;
+    std::shared_ptr<MovieBands> bands_;  ///< null until a picture is read
     MovieOwner<SwsContext> context_;
     Shape source_{}, target_{};
     MovieOwner<AVFrame> from_, to_;

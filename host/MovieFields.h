@@ -1,4 +1,5 @@
-// Pictures that come as two fields, each in a packet of its own.
+// What only the bytes of packets tell: which pictures come as two fields, each in a packet of its own, and
+// the order in which pictures are shown.
 #pragma once
 
 #include "MovieLibrary.h"
@@ -13,6 +14,13 @@ public:
 
     /// Whether the last packet held a first field alone, or a picture of two that began with it.
     bool Has_Field() const { return open_ != AV_PICTURE_STRUCTURE_UNKNOWN; }
+
+    /// Whether pictures have numbers.
+    bool Has_Numbers() const { return parser_ != nullptr; }
+
+    /// The place of the last packet's picture among those from the last new beginning on; numbers may be left
+    /// out.
+    int Number() const { return parser_->output_picture_number; }
 
 private:
     struct Closer {

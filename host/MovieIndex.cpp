@@ -29,7 +29,47 @@ double Seconds(AVRational unit)
     return unit.den ? static_cast<double>(unit.num) / unit.den : 0.0;
 }
 
+/// Whether a container's table was written with the packets: one that points at nothing, or outside the file,
+/// was not.
+bool Is_Whole(AVFormatContext const& file, AVStream& stream)
+{
+    std::int64_t const fileSize = avio_size(file.pb);
+    for (int i = 0; i < avformat_index_get_entries_count(&stream); ++i) {
+        AVIndexEntry const* const entry = avformat_index_get_entry(&stream, i);
+        if (entry->size < 1 || entry->pos < 0 || entry->pos > fileSize - entry->size) return false;
+    }
+    return true;
+}
+
+/// How much later than they are decoded samples are shown. False where the container has no tables that tell
+/// all.
+bool Read_Offsets(AVFormatContext const& file, AVStream& stream, std::vector<std::int32_t>& offsets)
+{
+    if (std::strstr(file.iformat->name, "mov"))
+        return Read_Movie_Offsets(Movie_Path(file.url), stream.id, offsets);
+    return Is_In_Order(stream) && Is_Whole(file, stream);
+}
+
 }  // namespace
+
+void MovieIndex::Add_Entries(AVStream& stream, std::int64_t shift, std::span<std::int32_t const> offsets)
+{
+    std::vector<bool> isShown;
+    samples_.reserve(offsets.size());
+    for (std::int32_t offset : offsets) {
+        AVIndexEntry const* entry = avformat_index_get_entry(&stream, static_cast<int>(samples_.size()));
+        std::int64_t const time = entry->timestamp;
+        if (!samples_.empty()) samples_.back().duration = time - samples_.back().dts;
+        samples_.push_back(
+            {time + shift + offset, time, 0, entry->size, -1, (entry->flags & AVINDEX_KEYFRAME) != 0, false});
+        isShown.push_back(!(entry->flags & AVINDEX_DISCARD_FRAME));
+    }
+    std::size_t const count = samples_.size();
+    samples_.back().duration = std::max<std::int64_t>(
+        0, stream.duration != AV_NOPTS_VALUE ? stream.duration - samples_.back().dts
+                                             : (count > 1 ? samples_[count - 2].duration : 0));
+    Order_Shown(isShown);
+}
 
 /// The library has the times of decoding, after the edits of the movie, and the file how much later samples
 /// are shown; the first packet tells what is added to all of them. Fragments come with tables of their own,
@@ -38,27 +78,39 @@ double Seconds(AVRational unit)
 bool MovieIndex::Take_Table(AVFormatContext const& file, AVStream& stream, AVPacket const& first)
 {
     int const entries = avformat_index_get_entries_count(&stream);
-    if (!std::strstr(file.iformat->name, "mov") || entries < 1 || entries != stream.nb_frames) return false;
+    if (entries < 1 || entries != stream.nb_frames) return false;
     std::vector<std::int32_t> offsets(static_cast<std::size_t>(entries));
-    if (!Read_Movie_Offsets(Movie_Path(file.url), stream.id, offsets)) return false;
+    if (!Read_Offsets(file, stream, offsets)) return false;
     AVIndexEntry const* const start = avformat_index_get_entry(&stream, 0);
     if (first.pts == AV_NOPTS_VALUE || first.dts != start->timestamp || first.size != start->size)
         return false;
-    std::int64_t const shift = first.pts - first.dts - offsets[0];
-    std::vector<bool> isShown;
-    samples_.reserve(offsets.size());
-    for (int i = 0; i < entries; ++i) {
-        AVIndexEntry const* entry = avformat_index_get_entry(&stream, i);
-        std::int64_t const time = entry->timestamp;
-        if (i > 0) samples_.back().duration = time - samples_.back().dts;
-        samples_.push_back({time + shift + offsets[static_cast<std::size_t>(i)], time, 0, entry->size, -1,
-                            (entry->flags & AVINDEX_KEYFRAME) != 0, false});
-        isShown.push_back(!(entry->flags & AVINDEX_DISCARD_FRAME));
+    Add_Entries(stream, first.pts - first.dts - offsets[0], offsets);
+    return true;
+}
+
+/// Gives samples without times those of decoding, in the order of their numbers, which begin anew with 0 at
+/// some of the key frames. False when the numbers tell no order.
+bool MovieIndex::Number_Times(std::span<int const> numbers)
+{
+    std::vector<std::int64_t> times;
+    std::vector<std::size_t> pictures;
+    for (std::size_t i = 0; i < samples_.size(); ++i) {
+        if (samples_[i].isSecondField) continue;
+        if (samples_[i].dts == AV_NOPTS_VALUE) return false;
+        pictures.push_back(i);
+        times.push_back(samples_[i].dts);
     }
-    samples_.back().duration = std::max<std::int64_t>(
-        0, stream.duration != AV_NOPTS_VALUE ? stream.duration - samples_.back().dts
-                                             : (entries > 1 ? samples_[samples_.size() - 2].duration : 0));
-    Order_Shown(isShown);
+    auto const isBeginning = [&](std::size_t i) { return samples_[i].isKey && numbers[i] == 0; };
+    if (pictures.empty() || !isBeginning(pictures[0]) || !std::ranges::is_sorted(times)) return false;
+    for (auto first = pictures.begin(); first != pictures.end();) {
+        auto const end = std::find_if(first + 1, pictures.end(), isBeginning);
+        std::sort(first, end, [&](std::size_t a, std::size_t b) { return numbers[a] < numbers[b]; });
+        auto const isSame = [&](std::size_t a, std::size_t b) { return numbers[a] == numbers[b]; };
+        if (std::adjacent_find(first, end, isSame) != end) return false;
+        first = end;
+    }
+    for (std::size_t i = 0; i < pictures.size(); ++i)
+        samples_[pictures[i]].pts = times[i];
     return true;
 }
 
@@ -69,12 +121,14 @@ bool MovieIndex::Scan(AVFormatContext& file, int stream, std::span<AVPacket cons
     if (!packet) return false;
     std::vector<bool> isShown;
     FieldPairs fields(*file.streams[stream]);
+    std::vector<int> numbers;
     auto const add = [&](AVPacket const& next) {
         if (next.stream_index != stream || samples_.size() >= most) return;
         bool const isSecond = fields.Is_Second(next);
         bool const isKey = next.flags & AV_PKT_FLAG_KEY && !isSecond;
         samples_.push_back({next.pts, next.dts, next.duration, next.size, -1, isKey, isSecond});
         isShown.push_back(!(next.flags & AV_PKT_FLAG_DISCARD) && !isSecond);
+        numbers.push_back(fields.Has_Numbers() ? fields.Number() : 0);
     };
     for (AVPacket const* next : begun)
         add(*next);
@@ -89,6 +143,7 @@ bool MovieIndex::Scan(AVFormatContext& file, int stream, std::span<AVPacket cons
             for (MovieSample& sample : samples_)
                 sample.pts = sample.dts;
     }
+    if (!hasTimes_ && fields.Has_Numbers()) hasTimes_ = Number_Times(numbers);
     Order_Shown(isShown);
     return true;
 }
@@ -220,7 +275,7 @@ std::int32_t MovieIndex::Find(AVPacket const& packet) const
     if (!isSorted_ || packet.dts == AV_NOPTS_VALUE) return -1;
     auto sample = std::ranges::lower_bound(samples_, packet.dts, {}, &MovieSample::dts);
     for (; sample != samples_.end() && sample->dts == packet.dts; ++sample)
-        if (sample->pts == packet.pts && sample->size == packet.size)
+        if (sample->size == packet.size && (packet.pts == AV_NOPTS_VALUE || packet.pts == sample->pts))
             return static_cast<std::int32_t>(sample - samples_.begin());
     return -1;
 }

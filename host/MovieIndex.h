@@ -64,6 +64,8 @@ public:
 
 private:
     bool Take_Table(AVFormatContext const& file, AVStream& stream, AVPacket const& first);
+    void Add_Entries(AVStream& stream, std::int64_t shift, std::span<std::int32_t const> offsets);
+    bool Number_Times(std::span<int const> numbers);
     bool Scan(AVFormatContext& file, int stream, std::span<AVPacket const* const> begun);
     void Order_Shown(std::vector<bool> const& isShown);
     void Settle_Rate(AVFormatContext& file, AVStream& stream);

@@ -48,6 +48,11 @@ std::unique_ptr<HostMovieWriter> Create_Host_Movie(char const* path, HostVideoSe
     return Service() ? Service()->create(path, video, sound, hinted, error) : nullptr;
 }
 
+HostMovieError Decode_Host_Still(HostStill const& still, void* pixels, std::size_t rowBytes)
+{
+    return Service() ? Service()->decodeStill(still, pixels, rowBytes) : HostMovieError::NoCodec;
+}
+
 HostCodecAbilities Host_Codec_Abilities(std::uint32_t codec)
 {
     return Service() ? Service()->abilities(codec) : HostCodecAbilities{};

@@ -10,7 +10,7 @@ namespace {
 /// that the decoder works in memory that it had a moment ago.
 constexpr std::size_t KeptBytes = 256u << 20;
 constexpr std::size_t KeptPictures = 512;
-constexpr std::size_t KeptFew = 8;
+constexpr std::size_t KeptFew = 4;
 
 /// Steps back of up to that many pictures count as stepping, longer ones as jumps.
 constexpr std::int32_t LongestStep = 25;
@@ -255,8 +255,9 @@ bool MoviePictures::Go_To(std::int32_t sample)
 /// Whether the picture comes out when decoding goes on from here, and nothing is gained by a seek.
 bool MoviePictures::Can_Go_On(std::int32_t shown) const
 {
-    if (next_ < 0 || isEnding_ || fedFrom_ < 0 || shown <= latest_) return false;
+    if (next_ < 0 || fedFrom_ < 0 || shown <= latest_) return false;
     std::int32_t const sample = index_.Sample_Of(shown);
+    if (isEnding_ && sample >= next_) return false;  // it only gives out what it has
     std::int32_t const key = index_.Key_Before(sample, 0);
     return key >= fedFrom_ && key <= next_ && sample > skipped_;
 }
@@ -296,7 +297,11 @@ MoviePictures::Outcome MoviePictures::Take_Picture(std::int32_t wanted)
         return Outcome::Failed;
     }
     latest_ = std::max(latest_, shown);
-    Keep(shown);
+    if (isInPlace_ && shown < wanted && !Is_Stepping_Back())
+        av_frame_unref(
+            frame_.get());  // it is not held, so that it is changed into the next one and not copied
+    else
+        Keep(shown);
     return shown == wanted ? Outcome::Found : shown > wanted ? Outcome::Missing : Outcome::Failed;
 }
 
@@ -326,10 +331,17 @@ void MoviePictures::Settle_Manner(std::int32_t shown)
 {
     std::int32_t const step = shown - std::exchange(asked_, shown);
     if (step == 0) return;
-    Manner const manner = step == 1                          ? Manner::Forward
+    // Who begins at the first picture will most likely go on.
+    Manner const manner = step == 1 || shown == 0            ? Manner::Forward
                           : step < 0 && step >= -LongestStep ? Manner::Back
                                                              : Manner::Jumping;
     steps_ = std::exchange(manner_, manner) == manner ? steps_ + 1 : 1;
+}
+
+/// A single step back may be a jump like any other.
+bool MoviePictures::Is_Stepping_Back() const
+{
+    return manner_ == Manner::Back && steps_ > 1;
 }
 
 std::size_t MoviePictures::Most_Kept() const
@@ -408,7 +420,7 @@ AVFrame const* MoviePictures::Fetch(std::int32_t shown)
     if (isIntra_ && isPlayed && index_.Has_Times() && Take_Ahead(shown)) return Find_Kept(shown, false);
     std::int32_t const sample = index_.Sample_Of(shown);
     // A picture that is still held somewhere is copied before it is changed.
-    if (isInPlace_ && isPlayed && index_.Sample(sample).size >= SmallestChange) Forget_Kept();
+    if (isInPlace_ && !Is_Stepping_Back() && index_.Sample(sample).size >= SmallestChange) Forget_Kept();
     if (manner_ == Manner::Jumping && index_.Has_Times() && !isIntra_ && Try_Skipping(shown))
         return Find_Kept(shown, false);
     for (int back : earlierTries) {

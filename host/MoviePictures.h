@@ -48,6 +48,7 @@ private:
     Outcome Take_Picture(std::int32_t wanted);
     bool Feed(std::int32_t last);
     void Settle_Manner(std::int32_t shown);
+    bool Is_Stepping_Back() const;
     std::size_t Most_Kept() const;
     bool Fill_Ahead(std::int32_t sample);
     bool Take_Ahead(std::int32_t shown);

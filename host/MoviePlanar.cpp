@@ -1,16 +1,12 @@
-// See MoviePlanar.h. The loops are written for the vectoriser, and compiled twice where the machine may have
-// wider registers. Neither version contracts multiplications, so both give the same bits.
+// See MoviePlanar.h.
 #include "MoviePlanar.h"
 
+#include "MoviePlanarRows.h"
+
 #include <algorithm>
-#include <bit>
+#include <cmath>
+#include <cstdlib>
 #include <optional>
-
-static_assert(std::endian::native == std::endian::little, "pixels are put together as words");
-
-#if defined(__x86_64__)
-#define ZV_WIDE_TARGET [[gnu::target("avx2")]]
-#endif
 
 namespace {
 
@@ -33,165 +29,90 @@ std::optional<Matrix> Matrix_Of(AVFrame const& picture)
     }
 }
 
-/// What a pixel's parts are multiplied with. The zero points, and the half for rounding, are in the offsets.
-struct Weights {
-    float luma;
-    float redV, greenU, greenV, blueU;
-    float red, green, blue;
-    float alpha;
+/// How the parts of a pixel become its channels.
+struct Mixture {
+    double luma;
+    double redV, greenU, greenV, blueU;
+    double black, grey;  ///< zero points of brightness and colour differences
 };
 
 /// @param chromaScale  by which the interpolated colour differences are too large
-Weights Make_Weights(Matrix const& matrix, int depth, bool isFullRange, int chromaScale, double largest)
+Mixture Mix(Matrix const& matrix, int depth, bool isFullRange, int chromaScale, double largest)
 {
     double const unit = isFullRange ? (1 << depth) - 1 : 1 << (depth - 8);
-    double const luma = largest / (isFullRange ? unit : 219 * unit);
     double const chroma = 2 * largest / (isFullRange ? unit : 224 * unit) / chromaScale;
-    double const black = isFullRange ? 0 : 16 * unit;
-    double const grey = static_cast<double>(1 << (depth - 1)) * chromaScale;
     double const green = 1 - matrix.red - matrix.blue;
     double const redV = chroma * (1 - matrix.red);
     double const blueU = chroma * (1 - matrix.blue);
-    double const greenU = -blueU * matrix.blue / green;
-    double const greenV = -redV * matrix.red / green;
-    double const base = 0.5 - luma * black;
+    return {largest / (isFullRange ? unit : 219 * unit),
+            redV,
+            -blueU * matrix.blue / green,
+            -redV * matrix.red / green,
+            blueU,
+            isFullRange ? 0 : 16 * unit,
+            static_cast<double>(1 << (depth - 1)) * chromaScale};
+}
+
+PlanarWeights Make_Weights(Mixture const& mixture, double alpha)
+{
+    double const base = 0.5 - mixture.luma * mixture.black;
     auto const narrow = [](double value) { return static_cast<float>(value); };
-    return {narrow(luma),
-            narrow(redV),
-            narrow(greenU),
-            narrow(greenV),
-            narrow(blueU),
-            narrow(base - redV * grey),
-            narrow(base - (greenU + greenV) * grey),
-            narrow(base - blueU * grey),
-            narrow(largest / ((1 << depth) - 1))};
+    return {narrow(mixture.luma),
+            narrow(mixture.redV),
+            narrow(mixture.greenU),
+            narrow(mixture.greenV),
+            narrow(mixture.blueU),
+            narrow(base - mixture.redV * mixture.grey),
+            narrow(base - (mixture.greenU + mixture.greenV) * mixture.grey),
+            narrow(base - mixture.blueU * mixture.grey),
+            narrow(alpha)};
 }
 
-/// One row of a picture, the colour differences already at full resolution.
-struct Row {
-    void const* luma;
-    std::uint16_t const *u, *v;
-    void const* alpha;  ///< null: all is opaque
-    std::uint32_t* out;
-    int width;
-    Weights weights;
+/// A channel in whole numbers.
+struct FixedChannel {
+    long luma, u, v, offset;
+    bool isExact;  ///< no result is further than a hundredth from the exact one
 };
 
-inline std::uint32_t Clamp(float value, int largest)
+/// Rounded weights are off by nothing at the middle of the range, so that the ends, half a range away, are
+/// off by as little as can be.
+FixedChannel Fix_Channel(Mixture const& m, double u, double v, int lumaBits, int chromaBits, int shift)
 {
-    // Cutting off rounds, since a half was added; below 0 it does not matter where to.
-    return static_cast<std::uint32_t>(std::clamp(static_cast<int>(value), 0, largest));
-}
-
-template <typename Sample, bool isDeep, bool hasAlpha>
-[[gnu::always_inline]] inline void Convert_Row(Row const& row)
-{
-    constexpr int largest = isDeep ? 0xFFFF : 0xFF;
-    Weights const w = row.weights;
-    auto const* __restrict luma = static_cast<Sample const*>(row.luma);
-    auto const* __restrict alpha = static_cast<Sample const*>(row.alpha);
-    auto const* __restrict uLine = row.u;
-    auto const* __restrict vLine = row.v;
-    auto* __restrict out = row.out;
-    int const width = row.width;
-    for (int x = 0; x < width; ++x) {
-        auto const y = static_cast<float>(luma[x]) * w.luma;
-        auto const u = static_cast<float>(uLine[x]);
-        auto const v = static_cast<float>(vLine[x]);
-        std::uint32_t const red = Clamp(y + (v * w.redV + w.red), largest);
-        std::uint32_t const green = Clamp(y + (u * w.greenU + (v * w.greenV + w.green)), largest);
-        std::uint32_t const blue = Clamp(y + (u * w.blueU + w.blue), largest);
-        std::uint32_t opacity = largest;
-        if constexpr (hasAlpha) opacity = Clamp(static_cast<float>(alpha[x]) * w.alpha + 0.5F, largest);
-        if constexpr (isDeep) {
-            out[2 * x] = red | green << 16;
-            out[2 * x + 1] = blue | opacity << 16;
-        } else {
-            out[x] = red | green << 8 | blue << 16 | opacity << 24;
-        }
+    constexpr double middle = 1 << (FixedPlanarWeights::Bits - 1);
+    double const one = std::ldexp(1.0, shift);
+    double const exact[] = {std::ldexp(m.luma * one, -lumaBits), std::ldexp(u * one, -chromaBits),
+                            std::ldexp(v * one, -chromaBits)};
+    FixedChannel channel{std::lround(exact[0]), std::lround(exact[1]), std::lround(exact[2]), 0, false};
+    long const fixed[] = {channel.luma, channel.u, channel.v};
+    double offset = (0.5 - m.luma * m.black - (u + v) * m.grey) * one, error = 0;
+    channel.isExact = true;
+    for (int i = 0; i < 3; ++i) {
+        double const rounding = exact[i] - static_cast<double>(fixed[i]);
+        offset += rounding * middle;
+        error += std::fabs(rounding) * middle / one;
+        if (std::labs(fixed[i]) > INT16_MAX) channel.isExact = false;
     }
+    channel.offset = std::lround(offset);
+    if (error + 0.5 / one >= 0.01) channel.isExact = false;
+    return channel;
 }
 
-/// One line of a colour difference: from one or two lines of the picture to one number for each pixel.
-struct Line {
-    void const *near, *far;  ///< far: null when there is no other line to blend with
-    std::uint16_t *blended, *out;
-    int samples;  ///< of the picture's lines
-    int width;    ///< pixels; as many as samples, or twice that
-};
-
-template <typename Sample> [[gnu::always_inline]] inline void Spread_Line(Line const& line)
+/// Weights in whole numbers, for pictures whose bytes they give exactly.
+std::optional<FixedPlanarWeights> Fix_Weights(Mixture const& m, int depth, int chromaScale)
 {
-    auto const* __restrict near = static_cast<Sample const*>(line.near);
-    auto const* __restrict far = static_cast<Sample const*>(line.far);
-    bool const isHalf = line.samples < line.width;
-    auto* __restrict blended = isHalf ? line.blended : line.out;
-    int const count = line.samples;
-    if (far)
-        for (int i = 0; i < count; ++i)
-            blended[i] = static_cast<std::uint16_t>(3 * near[i] + far[i]);
-    else
-        for (int i = 0; i < count; ++i)
-            blended[i] = near[i];
-    if (!isHalf) return;
-    auto* __restrict out = line.out;
-    // The pixels at the ends have no neighbour on one side, and take four times the one sample.
-    out[0] = static_cast<std::uint16_t>(4 * blended[0]);
-    for (int i = 0; i + 1 < count; ++i) {
-        out[2 * i + 1] = static_cast<std::uint16_t>(3 * blended[i] + blended[i + 1]);
-        out[2 * i + 2] = static_cast<std::uint16_t>(blended[i] + 3 * blended[i + 1]);
-    }
-    if (line.width % 2 == 0) out[line.width - 1] = static_cast<std::uint16_t>(4 * blended[count - 1]);
-}
-
-using RowFunction = void (*)(Row const&);
-using LineFunction = void (*)(Line const&);
-
-template <typename Sample, bool isDeep, bool hasAlpha> void Plain_Row(Row const& row)
-{
-    Convert_Row<Sample, isDeep, hasAlpha>(row);
-}
-
-template <typename Sample> void Plain_Line(Line const& line)
-{
-    Spread_Line<Sample>(line);
-}
-
-#ifdef ZV_WIDE_TARGET
-template <typename Sample, bool isDeep, bool hasAlpha> ZV_WIDE_TARGET void Wide_Row(Row const& row)
-{
-    Convert_Row<Sample, isDeep, hasAlpha>(row);
-}
-
-template <typename Sample> ZV_WIDE_TARGET void Wide_Line(Line const& line)
-{
-    Spread_Line<Sample>(line);
-}
-
-bool Is_Wide()
-{
-    static bool const isWide = __builtin_cpu_supports("avx2");
-    return isWide;
-}
-#endif
-
-struct Functions {
-    RowFunction row;
-    LineFunction line;
-};
-
-template <typename Sample, bool isDeep, bool hasAlpha> Functions Choose()
-{
-#ifdef ZV_WIDE_TARGET
-    if (Is_Wide()) return {Wide_Row<Sample, isDeep, hasAlpha>, Wide_Line<Sample>};
-#endif
-    return {Plain_Row<Sample, isDeep, hasAlpha>, Plain_Line<Sample>};
-}
-
-template <typename Sample> Functions Choose(bool isDeep, bool hasAlpha)
-{
-    if (isDeep) return hasAlpha ? Choose<Sample, true, true>() : Choose<Sample, true, false>();
-    return hasAlpha ? Choose<Sample, false, true>() : Choose<Sample, false, false>();
+    int const lumaBits = FixedPlanarWeights::Bits - depth;
+    int const chromaBits = lumaBits - (chromaScale == 16 ? 4 : chromaScale == 4 ? 2 : 0);
+    if (chromaBits < 0) return {};
+    FixedChannel const red = Fix_Channel(m, 0, m.redV, lumaBits, chromaBits, FixedPlanarWeights::Shift);
+    FixedChannel const green =
+        Fix_Channel(m, m.greenU, m.greenV, lumaBits, chromaBits, FixedPlanarWeights::Shift);
+    FixedChannel const blue = Fix_Channel(m, m.blueU, 0, lumaBits, chromaBits, FixedPlanarWeights::BlueShift);
+    if (!red.isExact || !green.isExact || !blue.isExact) return {};
+    auto const narrow = [](long value) { return static_cast<std::int16_t>(value); };
+    auto const word = [](long value) { return static_cast<std::int32_t>(value); };
+    return FixedPlanarWeights{narrow(red.luma),  narrow(blue.luma), narrow(red.v),    narrow(green.u),
+                              narrow(green.v),   narrow(blue.u),    word(red.offset), word(green.offset),
+                              word(blue.offset), lumaBits,          chromaBits};
 }
 
 /// Planes of bytes, or of words with the low byte first, whose numbers begin at the lowest bit.
@@ -220,7 +141,8 @@ std::uint8_t const* Line_Of(AVFrame const& picture, int plane, int y)
 
 }  // namespace
 
-bool PlanarConverter::To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout)
+bool PlanarConverter::To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout,
+                              MovieBands& bands)
 {
     AVPixFmtDescriptor const* planes = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format));
     std::optional<Matrix> const matrix = Matrix_Of(picture);
@@ -229,30 +151,40 @@ bool PlanarConverter::To_RGBA(AVFrame const& picture, void* pixels, std::size_t 
     bool const hasAlpha = planes->nb_components == 4;
     int const depth = planes->comp[0].depth;
     int const chromaScale = (planes->log2_chroma_w ? 4 : 1) * (planes->log2_chroma_h ? 4 : 1);
-    Functions const convert =
-        depth > 8 ? Choose<std::uint16_t>(isDeep, hasAlpha) : Choose<std::uint8_t>(isDeep, hasAlpha);
-    auto const width = static_cast<std::size_t>(picture.width);
-    if (lines_.size() < 3 * width) lines_.resize(3 * width);
+    double const largest = isDeep ? 65535 : 255;
+    Mixture const mixture = Mix(*matrix, depth, Is_Full_Range(picture), chromaScale, largest);
+    std::optional<FixedPlanarWeights> fixed;
+    if (!isDeep && !hasAlpha) fixed = Fix_Weights(mixture, depth, chromaScale);
+    PlanarFunctions const convert = Planar_Functions(depth > 8, fixed.has_value(), isDeep, hasAlpha);
+    std::size_t const lineSize = static_cast<std::size_t>(picture.width) + 2;
+    lines_.resize(std::max(lines_.size(), 3 * lineSize * bands.Workers()));
     int const samples = AV_CEIL_RSHIFT(picture.width, planes->log2_chroma_w);
     int const lastLine = AV_CEIL_RSHIFT(picture.height, planes->log2_chroma_h) - 1;
-    Row row{};
-    row.u = &lines_[0];
-    row.v = &lines_[width];
-    row.width = picture.width;
-    row.weights = Make_Weights(*matrix, depth, Is_Full_Range(picture), chromaScale, isDeep ? 65535 : 255);
-    for (int y = 0; y < picture.height; ++y) {
-        int const near = y >> planes->log2_chroma_h;
-        int const far = std::clamp(y & 1 ? near + 1 : near - 1, 0, lastLine);
-        for (int plane : {1, 2}) {
-            void const* other = planes->log2_chroma_h ? Line_Of(picture, plane, far) : nullptr;
-            convert.line({Line_Of(picture, plane, near), other, &lines_[2 * width],
-                          &lines_[plane == 1 ? 0 : width], samples, picture.width});
+    PlanarRow shape{};
+    shape.width = picture.width;
+    shape.weights = Make_Weights(mixture, largest / ((1 << depth) - 1));
+    if (fixed) shape.fixed = *fixed;
+    bands.Run(picture.width, picture.height, [&](int top, int bottom, std::size_t worker) {
+        std::uint16_t* const uLine = &lines_[3 * lineSize * worker];
+        std::uint16_t* const vLine = uLine + lineSize;
+        std::uint16_t* const blended = vLine + lineSize + 1;
+        PlanarRow row = shape;
+        row.u = uLine;
+        row.v = vLine;
+        for (int y = top; y < bottom; ++y) {
+            int const near = y >> planes->log2_chroma_h;
+            int const far = std::clamp(y & 1 ? near + 1 : near - 1, 0, lastLine);
+            for (int plane : {1, 2}) {
+                void const* other = planes->log2_chroma_h ? Line_Of(picture, plane, far) : nullptr;
+                convert.line({Line_Of(picture, plane, near), other, blended, plane == 1 ? uLine : vLine,
+                              samples, planes->log2_chroma_w != 0});
+            }
+            row.luma = Line_Of(picture, 0, y);
+            if (hasAlpha) row.alpha = Line_Of(picture, 3, y);
+            row.out = reinterpret_cast<std::uint32_t*>(static_cast<std::uint8_t*>(pixels) +
+                                                       static_cast<std::size_t>(y) * rowBytes);
+            convert.row(row);
         }
-        row.luma = Line_Of(picture, 0, y);
-        if (hasAlpha) row.alpha = Line_Of(picture, 3, y);
-        row.out = reinterpret_cast<std::uint32_t*>(static_cast<std::uint8_t*>(pixels) +
-                                                   static_cast<std::size_t>(y) * rowBytes);
-        convert.row(row);
-    }
+    });
     return true;
 }

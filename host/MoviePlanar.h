@@ -2,6 +2,7 @@
 // red, green, blue and alpha.
 #pragma once
 
+#include "MovieBands.h"
 #include "MovieLibrary.h"
 
 /// Converts the layouts that cameras and editors deliver: 8 to 12 bits, colour at full, half or quarter
@@ -14,8 +15,10 @@
 class PlanarConverter {
 public:
     /// False for a picture of another layout or matrix; nothing is written then.
-    bool To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout);
+    bool To_RGBA(AVFrame const& picture, void* pixels, std::size_t rowBytes, HostPixels layout,
+                 MovieBands& bands);
 
 private:
-    std::vector<std::uint16_t> lines_;  ///< one line each of the two colour differences, and one to make them
+    /// For each worker one line of either colour difference, and one to make them.
+    std::vector<std::uint16_t> lines_;
 };

@@ -114,6 +114,19 @@ std::unique_ptr<HostMovieWriter> Create_Host_Movie(char const* path, HostVideoSe
                                                    HostSoundSettings const* sound, bool hinted,
                                                    HostMovieError& error);
 
+/// One compressed picture without a movie around it.
+struct HostStill {
+    std::uint32_t codec = 0;  ///< four-character code, first character highest
+    std::uint8_t const* data = nullptr;
+    std::size_t size = 0;
+    int width = 0, height = 0;
+    int depth = 24;  ///< bits of a pixel as movies count them
+};
+
+/// Decodes a picture into rows of RGBA8 pixels. One of another size than was told counts as damaged.
+/// @param pixels  room for height rows; its contents are undefined after a failure
+HostMovieError Decode_Host_Still(HostStill const& still, void* pixels, std::size_t rowBytes);
+
 /// What a codec can hold.
 struct HostCodecAbilities {
     bool canWrite = false;

@@ -21,15 +21,16 @@ struct ZVFrameRun {
     long Count;
 };
 
-/// A layer of a clip, named by its node. The fields behind AlphaType belong to the module and are copied with
-/// it.
+/// A layer of a clip, named by its node. The fields behind AlphaStated belong to the module and are copied
+/// with it.
 struct ZVClipLayer {
     ::Node Node;
     long Width;
     long Height;
     long BitDepth;
     uint8_t AlphaType;
-    uint8_t Reserved[7];
+    uint8_t AlphaStated;  ///< a ZVAlphaStated: how the file says that colours and alpha belong together
+    uint8_t Reserved[6];
     long User1;
     long User2;
 };
@@ -51,6 +52,13 @@ inline constexpr unsigned long ZV_MEDIA_AUDIO = 2;
 /// How the alpha of a clip is stored. In bitmaps read from a clip it is always straight, with full alpha
 /// opaque.
 enum ZVAlphaType : uint8_t { ZV_ALPHA_NONE = 0, ZV_ALPHA_LUMINANCE = 1, ZV_ALPHA_CHANNEL = 2 };
+
+/// What a file says of a layer's alpha. Without a word the first frame is used to guess, as for whole clips.
+enum ZVAlphaStated : uint8_t {
+    ZV_ALPHA_STATED_NOTHING = 0,
+    ZV_ALPHA_STATED_STRAIGHT = 1,
+    ZV_ALPHA_STATED_PREMULTIPLIED = 2  ///< with black
+};
 
 struct ZVClip {
     ZVFormatDesc* Format;

@@ -14,6 +14,12 @@ struct ZVFormatParams {
     long Size;  ///< bytes at Data
 };
 
+/// What Data holds for pictures, where a module has nothing but a quality to choose.
+struct ZVPictureOptions {
+    int32_t Reserved;  ///< 0
+    int32_t Quality;   ///< of JPEG files, from 1 to 100
+};
+
 /// Property bits; others are passed through to applications.
 enum ZVFormatProperty : long {
     ZV_FORMAT_ALPHA = 0x1,       ///< stores an alpha channel
@@ -75,15 +81,15 @@ struct ZVFormatDesc {
     long ReadTypeCount;
     ZVTypePair* ReadTypes;
     long FilterTypeCount;
-    ZVTypePair* FilterTypes;  ///< pairs by which a plug-in module refuses files
+    ZVTypePair* FilterTypes;  ///< pairs of files that a plug-in has to look into before it claims them
     long ReadExtensionCount;
     uint32_t* ReadExtensions;  ///< extension codes; the first is that of created names
     long FilterExtensionCount;
-    uint32_t* FilterExtensions;
-    long ImageModes;  ///< of a plug-in, else 0
-    long CachedProperties;
-    long PluginProperties;
-    void* ModuleInfo;  ///< of a loaded module: a ZVModuleInfo
+    uint32_t* FilterExtensions;  ///< the same by extension
+    long ImageModes;             ///< of a Photoshop plug-in: bit n for mode n; else 0
+    long CachedProperties;       ///< of a loaded module; the global word of a Photoshop plug-in
+    long PluginProperties;       ///< property bits that the resources of a Photoshop plug-in tell; else 0
+    void* ModuleInfo;            ///< of a loaded module: a ZVModuleInfo
 
     long (*Open)(ZVClip*, TagItem*);
     void (*Close)(ZVClip*);
@@ -137,12 +143,19 @@ struct ZVFileTypeDescriptor {
 ZV_API void InitFormatModulesZV(ZVScanDesc* scan);
 
 /// The same, and the modules of the directory Plugins in the home directory with all that lies below it. They
-/// come behind the built-in ones and stay unloaded until a clip needs them; see ZVModule.h.
+/// come behind the built-in ones and stay unloaded until a clip needs them; see ZVModule.h, and
+/// ZVFormatRecord.h for Photoshop format plug-ins.
 ZV_API void InitAllFormatModulesZV(ZVScanDesc* scan);
 
 /// Registers those modules alone. A file that is none, or whose code cannot be had, is passed over.
 /// @return  1; 0 without an environment
 ZV_API long Add_Plugin_Formats(ZVScanDesc* scan);
+
+/// Registers the modules that are installed with the library, in "zvlib/Plugins" beside it: Pictures, where
+/// it is installed. Neither of the first two calls does, since what stands behind these modules takes time to
+/// load.
+/// @return  1; 0 without an environment or such a directory
+ZV_API long Add_Library_Formats(ZVScanDesc* scan);
 
 /// Registers the movie module, as two entries: movies, and movies that are prepared for streaming. Neither of
 /// the calls above does. 1, or 0 without a movie layer (`hasMovies`) and when memory runs out.
@@ -150,6 +163,18 @@ ZV_API long Add_Plugin_Formats(ZVScanDesc* scan);
 /// A missing "data\QuickTimeCodecs.txt" is created in the home directory. It lists codecs by their four
 /// characters: up to the line "QuickTime 10-bit codecs" those of 16 bits a channel, behind it those of 10.
 ZV_API long Add_QuickTime_Format(ZVScanDesc* scan);
+
+/// Gives the options of a movie clip the settings of its streaming. Each block that there is, VideoParams and
+/// AudioParams, is replaced by one with the settings behind it; a block that has some keeps them, and stays.
+///
+/// The settings are an atom container: big-endian atoms of a size, a four-character type and an id, the inner
+/// one `pksz` with the largest number of bytes of a packet. A video block then has at 132 a long other than
+/// 0, at 136 the bytes of the settings, and the settings from 144 on; an audio block has them at 44, 48
+/// and 56.
+/// @param clip    of a movie format, with at least one of the blocks
+/// @param silent  takes the usual settings without asking
+/// @return  1; 0 without a block, and without memory (error 1), the blocks then being as they were
+ZV_API long Quicktime_StreamingOptions(ZVClip* clip, bool silent);
 
 /// The module that claims a file, or null with error 15.
 ZV_API ZVFormatDesc* GetFormatModuleZV(char const* spec);

@@ -26,6 +26,10 @@ ZV_API long User_Req(long unused, long twoButtons, char const* text, char const*
 /// the first of them when it is in neither. Free it with FreeFileSpecZV.
 ZV_API char* Find_Library_File(char const* name);
 
+/// The spec of the directory of the modules that are installed with the library, null when there is none.
+/// Free it with FreeFileSpecZV.
+ZV_API char* Find_Library_Plugins();
+
 /// Set `homeDir` and `userDataDir`.
 ZV_API void SetHomeDir();
 ZV_API void SetUserDataDir();
@@ -44,9 +48,10 @@ ZV_API void GetMonitorInfoZV(long* count, ZVRectT<long>* first, ZVRectT<long>* s
                              ZVRectT<long>* fourth);
 
 /// Native path of the directory that holds the executable (of the bundle's folder, when it lies in one), of
-/// the library's installed data, of the user and of temporary files, with a closing slash. False when it
-/// cannot be had or does not fit.
+/// the one that holds the library, of the library's installed data, of the user and of temporary files, with
+/// a closing slash. False when it cannot be had or does not fit.
 ZV_API bool OS_Get_Program_Dir(char* path, unsigned long size);
+ZV_API bool OS_Get_Library_Dir(char* path, unsigned long size);
 ZV_API bool OS_Get_Library_Data_Dir(char* path, unsigned long size);
 ZV_API bool OS_Get_User_Dir(char* path, unsigned long size);
 ZV_API bool OS_Get_Temp_Dir(char* path, unsigned long size);
@@ -73,8 +78,9 @@ ZV_API void OS_Advise_Huge_Pages(void* block, unsigned long size);
 /// Bytes of the last-level cache that one processor reaches; 0 when unknown.
 ZV_API unsigned long OS_Cache_Size();
 
-/// Measures of a text in the interface font at the style's font size, in pixels, rounded up. A size below 1
-/// counts as 12, one above 1000 as 1000. Without any font a line is 1.2 and a character half of the size.
+/// Measures of a text in the interface font at the style's font size, in whole pixels, as it is drawn. A size
+/// below 1 counts as 12, one above 1000 as 1000. Without any font a line is 1.2 and a character half of the
+/// size.
 ZV_API long Text_Width(char const* text);
 ZV_API long Text_Height(char const* text);  ///< Ascent and descent of the font.
 
@@ -373,6 +379,80 @@ ZV_API bool Empty_Block_Cache();
 template <typename Buffer, typename Pixel, typename Channel>
 void RGBA_To_ARGB(Buffer const* source, void* out, long bytes);
 
+/// Frees all icons.
+ZV_API void CleanupIconList();
+
+/// The factor of an exponent byte: 0.0 for 0, else 2 to the power of (e - 128).
+extern ZV_API std::array<double, 256> const _expTable;
+
+/// Copies one sample of N bytes.
+template <int N> struct ZVSampleCopy {
+    static constexpr int size = N;
+    void operator()(unsigned char* to, unsigned char const* from) const { std::memcpy(to, from, N); }
+};
+using Copy1 = ZVSampleCopy<1>;
+using Copy2 = ZVSampleCopy<2>;
+using Copy3 = ZVSampleCopy<3>;
+using Copy4 = ZVSampleCopy<4>;
+using Copy8 = ZVSampleCopy<8>;
+
+// What ExtractGBufferLayerZV is made of. All planes have one size, the X values are one sample wider, and the
+// rectangle lies inside. Ids are bytes or shorts; a sample is wanted when its id is `id` and `mode` is 1, or
+// when neither holds.
+
+/// The picture, with an instance for each of the five RGBA buffers. Bitmaps of one size; the rectangle lies
+/// inside them too.
+/// @param input  of which the colour, coverage, weight, transparency and X values are used
+template <typename Buffer, typename Pixel>
+void ExtractGBufferLayer_T(Buffer const* src, Buffer* dst, unsigned short id, ZVGBuffer const& ids,
+                           ZVGBufferArray const& input, long mode, ZVRectT<long> const& rect);
+
+/// One channel, with an instance for each of the copies above. Of a pixel without wanted samples the front
+/// becomes `fill`; of one whose front is not wanted the first further sample that is wanted moves to the
+/// front.
+template <typename CopyN>
+void extract_1_GB_layer(CopyN copy, ZVGBuffer const& src, ZVGBuffer* dst, unsigned short id,
+                        unsigned char const* fill, ZVGBuffer const& ids, long mode, ZVGBuffer const* xValues,
+                        ZVRectT<long> const* rect);
+
+/// The X values that go with it, from those in `src`.
+ZV_API void extract_x_values(ZVGBuffer const& src, ZVGBuffer* dst, unsigned short id, ZVGBuffer const& ids,
+                             long mode, ZVRectT<long> const* rect);
+
+/// The weights of further samples, from the coverage (null: full) and transparency (null: none) of the same
+/// samples.
+ZV_API void extract_weight(ZVGBuffer* weight, ZVGBuffer const* coverage, ZVGBuffer const* transparency,
+                           ZVGBuffer const* xValues, ZVRectT<long> const* rect);
+
+// ---- drawing ----------------------------------------------------------------------------------------------
+
+/// A port over the pixels of a native bitmap, which are the port's from then on, to be freed by FreeMemZV.
+/// @param pixels  aligned to 4 bytes, and so are the rows
+/// @return  null when memory runs out; the pixels are then still the caller's
+ZV_API ZVPort* Make_SysPort(unsigned char* pixels, long width, long height, long depth, long rowBytes);
+ZV_API void Free_SysPort(ZVPort* port);  ///< Null is accepted.
+
+/// The port of a system window, which owns it; null for a window that cannot be drawn on.
+ZV_API ZVPort* Mac_Window_Port(ZVWindow* window);
+
+/// A context on a port. Null without a port or an environment.
+ZV_API ZVDrawInfo* Begin_Drawing(ZVPort* port, ZVDevice* device, long originX, long originY);
+
+/// Make the context's port the current one, and the one before it again.
+ZV_API void ReadyDraw(ZVDrawInfo* draw);
+ZV_API void RevertDraw(ZVDrawInfo* draw);
+
+/// Clip the port to the context's rectangle, and as it was before.
+ZV_API void Set_ClipRegion(ZVDrawInfo* draw);
+ZV_API void Revert_ClipRegion(ZVDrawInfo* draw);
+
+/// A bevel border of `w` by `h` pixels in three colours.
+ZV_API void DrawShineBorder(ZVDrawInfo* draw, long x, long y, long w, long h, unsigned long frame,
+                            unsigned long light, unsigned long dark);
+
+/// GetFontOutlineZV without commands that close a contour.
+ZV_API float* ATSUI_GetOutline(unsigned long character, ZVFont* font, double x, double y);
+
 // ---- clips ------------------------------------------------------------------------------------------------
 
 /// Spec of a scratch file in scratch2, its directory made if missing; null for a frame of 0 or above, and
@@ -504,6 +584,51 @@ ZV_API long Init_IFM(char const* spec, ZVScanDesc* scan);
 ZV_API long Load_IFM(ZVFormatDesc* desc);
 ZV_API void Unload_IFM(ZVFormatDesc* desc);  ///< Counts one use less and puts the stubs back.
 
+/// What the parsers of a Photoshop plug-in's resources share during the scan of its file.
+struct ZVPluginScan {
+    char const* FileSpec;  ///< of the plug-in
+    ZVScanDesc* Scan;
+    char Name[256];  ///< of the `8BIF` resource seen last
+    long ID;         ///< the same
+};
+
+/// Resource callbacks: register the format plug-in that a resource tells of, whose bytes are as in the file.
+/// `scan` is a ZVPluginScan*. Parse_8BIF takes the name for the next Parse_PIMI.
+/// @return  1, or 0 for one that is refused
+ZV_API long Parse_PIPL(ZVResource* resource, long scan);
+ZV_API long Parse_PIMI(ZVResource* resource, long scan);
+ZV_API long Parse_8BIF(ZVResource* resource, long scan);
+
+/// Turn the numbers of a resource from the file's order into the machine's, in place.
+/// @return  0; -4942, with the bytes in either order, for another version and for lists that do not fit
+ZV_API long Flip_PiPL(void* bytes, long size);
+ZV_API long Flip_PIMI(void* bytes, long size);
+
+struct FormatRecord;
+/// Puts the host's functions in a record. Suites that it has already are filled in.
+ZV_API void Init_Callbacks(FormatRecord* record, ZVPlugin* plugin);
+ZV_API void Cleanup_Callbacks(FormatRecord* record, ZVPlugin* plugin);  ///< Does nothing.
+
+/// What is known of a picture (PICT data, without the 512 bytes that a file has in front of it).
+struct ZVPictureInfo {
+    long width, height;  ///< of its frame, at least 1
+    long depth;          ///< bits of a pixel of its deepest bitmap; 0 when it has none
+};
+/// False with error 18 for what is no picture. One that is damaged behind its header is a picture.
+ZV_API bool Inspect_Picture(void const* bytes, unsigned long size, ZVPictureInfo* info);
+
+/// Draws a picture so that its frame fills the area, which may reach beyond the bitmap. The bitmap, of type
+/// ZV_BITMAP_RGBA8, is erased first: what nobody draws is white with alpha 0. Bitmaps in the picture that
+/// hold alpha bring it along, all else is opaque.
+/// @return  false with the error number set; what was drawn up to the damage stays
+ZV_API bool Draw_Picture(void const* bytes, unsigned long size, ZVBitmap* bitmap, ZVRectT<long> const& area);
+
+/// The picture as a new RGBA8 bitmap of its own size, released by FreeBitmapZV; null with the error number
+/// set.
+ZV_API ZVBitmap* Decode_Picture(void const* bytes, unsigned long size);
+
+ZV_API long Add_PICT_Format(ZVScanDesc* scan);
+ZV_API long Add_PICS_Format(ZVScanDesc* scan);
 ZV_API long Add_Filmstrip_Format(ZVScanDesc* scan);
 ZV_API long Add_EIDI_Format(ZVScanDesc* scan);
 ZV_API long Add_RAM_Format(ZVScanDesc* scan);

@@ -23,6 +23,7 @@
 #include "ZVEnvironment.h"
 #include "ZVFormat.h"
 #include "ZVPlugin.h"
+#include "ZVRecordLayout.h"
 
 /// What a module finds at ZVFormatDesc::ModuleInfo.
 struct ZVModuleInfo {
@@ -37,7 +38,7 @@ using ZVModuleEntry = long (*)(ZVFormatDesc* desc);
 /// shows.
 consteval unsigned long Module_Layout()
 {
-    unsigned long const measures[] = {
+    return Layout_Number({
         1,
         sizeof(TagItem),
         sizeof(List),
@@ -70,11 +71,7 @@ consteval unsigned long Module_Layout()
         offsetof(ZVClip, AlphaType),
         offsetof(ZVClip, AudioFormat),
         offsetof(ZVClip, Layers),
-    };
-    unsigned long layout = 0xCBF29CE484222325;  // the offset and the prime of the 64-bit FNV-1a hash
-    for (unsigned long measure : measures)
-        layout = (layout ^ measure) * 0x100000001B3;
-    return layout;
+    });
 }
 
 /// The layout that the library was built with.

@@ -12,6 +12,7 @@ class ZVResourceFile;
 enum ZVPluginFlag : unsigned long {
     ZV_PLUGIN_CODE = 0x1,     ///< has code
     ZV_PLUGIN_IFM = 0x8,      ///< a module of the library's own kind
+    ZV_PLUGIN_FORMAT = 0x10,  ///< a Photoshop format plug-in
     ZV_PLUGIN_MODULE = 0x40,  ///< comes with the loaded modules, before other plug-ins
     ZV_PLUGIN_HOST = 0x80     ///< a plug-in made for hosts of this library, with the same place
 };

@@ -280,6 +280,15 @@ void OS_Movie_Discard(OSMovieOutput* movie)
     delete movie;
 }
 
+bool OS_Movie_Read_Still(OSMovieStill const& still, void* pixels)
+{
+    HostMovieError const error = Decode_Host_Still(
+        {still.codec, still.bytes.data(), still.bytes.size(), static_cast<int>(still.width),
+         static_cast<int>(still.height), static_cast<int>(still.depth)},
+        pixels, static_cast<std::size_t>(still.width) * Host_Pixel_Bytes(HostPixels::RGBA8));
+    return error == HostMovieError::None || Fail(Error_Number(error));
+}
+
 OSMovieCodec OS_Movie_Find_Codec(uint32_t codec)
 {
     HostCodecAbilities const known = Host_Codec_Abilities(codec);

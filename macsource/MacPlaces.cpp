@@ -61,13 +61,21 @@ bool OS_Get_Program_Dir(char* path, unsigned long size)
     return Store_Dir(dir, path, size);
 }
 
-bool OS_Get_Library_Data_Dir(char* path, unsigned long size)
+bool OS_Get_Library_Dir(char* path, unsigned long size)
 {
     Dl_info library{};
-    if (dladdr(reinterpret_cast<void const*>(&OS_Get_Library_Data_Dir), &library) && library.dli_fname) {
-        std::string const file = Real_Path(library.dli_fname);
-        std::string const dir = Real_Path(std::string(Parent(file)) + "/" ZV_DATA_FROM_LIBRARY);
-        if (!file.empty() && Is_Dir(dir)) return Store_Dir(dir, path, size);
+    if (!dladdr(reinterpret_cast<void const*>(&OS_Get_Library_Dir), &library) || !library.dli_fname)
+        return false;
+    std::string const file = Real_Path(library.dli_fname);
+    return !file.empty() && Store_Dir(Parent(file), path, size);
+}
+
+bool OS_Get_Library_Data_Dir(char* path, unsigned long size)
+{
+    char library[PATH_MAX];
+    if (OS_Get_Library_Dir(library, sizeof library)) {
+        std::string const dir = Real_Path(std::string(library) + ZV_DATA_FROM_LIBRARY);
+        if (Is_Dir(dir)) return Store_Dir(dir, path, size);
     }
     return Is_Dir(ZV_DATA_DIR) && Store_Dir(ZV_DATA_DIR, path, size);
 }

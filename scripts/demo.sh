@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# The main job on real media: film strips and movies made by ffmpeg are composited, converted and looked at.
+# The main job on real media: film strips, movies and pictures made by other programs are composited, converted and
+# looked at.
 # Everything is installed and built on the way.
 source "$(dirname "$0")/common.sh"
 install_packages
-build_preset release zvclip
+build_preset release zvclip ZVPictures
 
 out=$PWD/demo-output
 rm -rf "$out"
@@ -47,6 +48,26 @@ ffmpeg -v error -y -f lavfi -i mandelbrot=s=640x360:r=24000/1001 -f lavfi -i "si
 "$zvclip" info title.mov telecined.mov film.mov titled.mov streamed.mov 'series[####].vpb'
 "$zvclip" check titled.mov streamed.mov
 ffprobe -v error -show_entries stream=codec_tag_string,time_base,nb_frames -of compact streamed.mov
+echo "== Pictures with layers, composited; and deep pictures, out of which one object is lifted"
+ffmpeg -v error -y -f filmstrip -i background.flm -frames:v 10 back-%02d.png
+ffmpeg -v error -y -f filmstrip -i foreground.flm -frames:v 10 disc-%02d.png
+ffmpeg -v error -y -f lavfi -i "color=orange:s=640x360:r=25" \
+    -f lavfi -i "color=black:s=640x360:r=25,format=gray,geq=lum='clip(255-6*(abs(X-380)+abs(Y-180)-120),0,255)'" \
+    -filter_complex "[0][1]alphamerge,format=rgba" -frames:v 10 gem-%02d.png
+for n in 01 02 03 04 05 06 07 08 09 10; do
+    oiiotool back-$n.png --ch R,G,B,A -d half -o back.exr disc-$n.png -d half -o disc.exr
+    exrmultipart -combine -i back.exr:0::background disc.exr:0::disc -o layers-$n.exr -override 1 >exr.log
+    # The disc, object 1 and of glass, is nearer than the gem, object 2.
+    oiiotool gem-$n.png --ch R,G,B,A,Z=4,id=2 -d half --deepen disc-$n.png --mulc 0.7 --ch R,G,B,A,Z=2,id=1 -d half --deepen \
+        --deepmerge -o deep-$n.exr
+done
+rm -f back-* disc-* gem-* back.exr disc.exr exr.log
+"$zvclip" info 'layers-[##].exr' 'deep-[##].exr'
+"$zvclip" composite 'layers-[##].exr' 'layers-[##].exr' layers.flm --layer disc --background-layer background
+"$zvclip" extract 'deep-[##].exr' 'gem-alone-[##].exr' --id 2
+"$zvclip" frame layers.flm --time 4f layers.png
+"$zvclip" frame 'deep-[##].exr' --time 4f deep.png
+"$zvclip" frame 'gem-alone-[##].exr' --time 4f gem-alone.png
 ffmpeg -v error -y -i titled.mov -vf fps=5,scale=213:-1,tile=3x3 -frames:v 1 contact-sheet.png
 rm -rf home
 

@@ -90,5 +90,9 @@ private:
 /// Base of fixtures that need nothing more than that.
 class EnvironmentTest : public testing::Test {
 protected:
+    explicit EnvironmentTest(TestEnvironment::Home home = TestEnvironment::Home::Program) : environment(home)
+    {
+    }
+
     TestEnvironment environment;
 };

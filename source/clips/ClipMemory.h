@@ -4,6 +4,7 @@
 
 #include "ZVLibInternal.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -16,4 +17,15 @@ template <typename T> T* Alloc_Zeroed(long count)
     void* block = Alloc_Aligned(size ? size : 1, alignof(std::max_align_t));
     if (block) std::memset(block, 0, size);
     return static_cast<T*>(block);
+}
+
+/// A copy of an array with its count; both stay as they are for an empty one. False when memory runs out.
+template <typename T> bool Copy_Array(T const* source, long count, T*& out, long& outCount)
+{
+    if (count == 0) return true;
+    out = Alloc_Zeroed<T>(count);
+    if (!out) return false;
+    std::copy_n(source, count, out);
+    outCount = count;
+    return true;
 }

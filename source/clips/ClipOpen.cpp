@@ -53,6 +53,11 @@ void Take_Layer(ZVClip* clip, ZVClipLayer const* layer, long number)
     clip->AlphaType = layer->AlphaType;
     clip->FileAlphaType = layer->AlphaType;
     clip->Layer = number;
+    if (layer->AlphaType != ZV_ALPHA_CHANNEL || layer->AlphaStated == ZV_ALPHA_STATED_NOTHING) return;
+    clip->AlphaInvert = 0;
+    clip->AlphaPremultiplied = layer->AlphaStated == ZV_ALPHA_STATED_PREMULTIPLIED;
+    clip->MatteRed = clip->MatteGreen = clip->MatteBlue = 0.0;
+    clip->Flags |= ZV_CLIP_ALPHA_KNOWN;
 }
 
 ZVClip* Open_Layer(ClipHolder& clip, ZVClip const* source, long number, bool guessesAlpha)
@@ -60,11 +65,12 @@ ZVClip* Open_Layer(ClipHolder& clip, ZVClip const* source, long number, bool gue
     auto* const layer = source && number > 0 ? List_Entry(&source->Layers, number - 1) : nullptr;
     if (!layer) return Fail(clip, ZV_ERR_CLIP);
     if (!CloneClipZV(source, clip.get())) return Fail(clip, ZV_ERR_MEMORY);
-    Take_Layer(clip.get(), reinterpret_cast<ZVClipLayer const*>(layer), number);
+    auto const* const record = reinterpret_cast<ZVClipLayer const*>(layer);
+    Take_Layer(clip.get(), record, number);
     if (clip->FileAlphaType != ZV_ALPHA_CHANNEL) {
         Set_No_Alpha(clip.get());
         clip->Flags |= ZV_CLIP_ALPHA_KNOWN;
-    } else if (guessesAlpha && !Guess_Alpha(clip.get())) {
+    } else if (record->AlphaStated == ZV_ALPHA_STATED_NOTHING && guessesAlpha && !Guess_Alpha(clip.get())) {
         return Fail(clip, ZV_ERR_CLIP_EXCEPTION);
     }
     clip->Flags |= ZV_CLIP_OPEN;

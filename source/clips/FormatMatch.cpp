@@ -34,15 +34,17 @@ uint32_t Extension_Code(char const* spec)
     return extension ? Pack_Extension(extension) : 0;
 }
 
+bool Matches_Codes(ZVTypePair const& pair, unsigned long creator, unsigned long type)
+{
+    return (pair.type == type || pair.type == ZV_BLANK_CODE) &&
+           (pair.creator == creator || pair.creator == ZV_BLANK_CODE);
+}
+
 long Standard_CanLoad(ZVFormatDesc* desc, char const*, unsigned long creator, unsigned long type,
                       unsigned long extension)
 {
-    for (long i = 0; i < desc->ReadTypeCount; ++i) {
-        ZVTypePair const& pair = desc->ReadTypes[i];
-        if ((pair.type == type || pair.type == ZV_BLANK_CODE) &&
-            (pair.creator == creator || pair.creator == ZV_BLANK_CODE))
-            return 1;
-    }
+    for (long i = 0; i < desc->ReadTypeCount; ++i)
+        if (Matches_Codes(desc->ReadTypes[i], creator, type)) return 1;
     for (long i = 0; i < desc->ReadExtensionCount; ++i)
         if (desc->ReadExtensions[i] == extension) return 1;
     return 0;

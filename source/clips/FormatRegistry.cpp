@@ -1,11 +1,11 @@
 // The list of format modules: registration, properties and release.
 #include "ClipMemory.h"
 
-#include <algorithm>
-
 void InitFormatModulesZV(ZVScanDesc* scan)
 {
     if (!ZVEnv) return;
+    Add_PICT_Format(scan);
+    Add_PICS_Format(scan);
     Add_Filmstrip_Format(scan);
     Add_EIDI_Format(scan);
     Add_VPB_Format(scan);
@@ -16,16 +16,6 @@ void InitAllFormatModulesZV(ZVScanDesc* scan)
 {
     InitFormatModulesZV(scan);
     Add_Plugin_Formats(scan);
-}
-
-template <typename T> static bool Copy_Array(T const* source, long count, T*& out, long& outCount)
-{
-    if (count == 0) return true;
-    out = Alloc_Zeroed<T>(count);
-    if (!out) return false;
-    std::copy_n(source, count, out);
-    outCount = count;
-    return true;
 }
 
 ZVFormatDesc* Make_Format_Desc(ZVBuiltinFormat const& format)

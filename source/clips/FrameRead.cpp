@@ -2,6 +2,7 @@
 #include "FrameRead.h"
 
 #include "BitmapBlock.h"
+#include "FileOfFrame.h"
 #include "TimeIntegration.h"
 #include "foundation/HeapBlock.h"
 #include "pixels/BitmapVisit.h"
@@ -77,43 +78,6 @@ void Scale_Into(ZVBitmap const& source, ZVBitmap& bitmap, FramePlace const& plac
     ZVRectT<long> const target{-place.offset.x, -place.offset.y, place.width, place.height};
     ScaleBitmapZV(&source, &bitmap, nullptr, &target);
 }
-
-// ---- files of a sequence ----------------------------------------------------------------------------------
-
-/// Whether each frame is a file of its own. The source's count decides, since editing changes Frames alone.
-bool Is_Image_Sequence(ZVClip const* clip)
-{
-    if (GetImportPropertiesZV(clip->Format) & ZV_FORMAT_MULTIFRAME) return false;
-    return clip->RawFrames >= 2 || (clip->Frames >= 2 && clip->FileName && IsSequenceZV(clip->FileName));
-}
-
-/// Puts the file of a frame in the place of the clip's mask for as long as this exists.
-class FileOfFrame {
-public:
-    FileOfFrame(ZVClip* clip, long frame) : clip_(clip)
-    {
-        char name[ZV_SPEC_SIZE];
-        if (!clip->FileName || std::strlen(clip->FileName) >= sizeof name || frame < 0) return;
-        if (clip->SequenceNumbers && frame >= clip->RawFrames) return;
-        std::strcpy(name, clip->FileName);
-        long const number = clip->SequenceNumbers ? clip->SequenceNumbers[frame] : frame;
-        if (!SequenceNumberToNameValidateZV(name, number)) return;
-        char* const file = CopyFileSpecZV(name);
-        if (file) mask_ = std::exchange(clip->FileName, file);
-    }
-    ~FileOfFrame()
-    {
-        if (mask_) FreeFileSpecZV(std::exchange(clip_->FileName, mask_));
-    }
-    FileOfFrame(FileOfFrame const&) = delete;
-    FileOfFrame& operator=(FileOfFrame const&) = delete;
-
-    bool Exists() const { return mask_ != nullptr; }
-
-private:
-    ZVClip* clip_;
-    char* mask_ = nullptr;
-};
 
 // ---- sources ----------------------------------------------------------------------------------------------
 
@@ -320,17 +284,24 @@ long Get_Frame(ZVClip* clip, unsigned long frame, ZVBitmap* bitmap, unsigned lon
     return 1;
 }
 
-/// The flags for a request of one frame: all of it, or the field at that time with the other one's rows
-/// rebuilt.
-static unsigned long Field_Flags(ZVClip const* clip, ZVTimeValue const& time, ZVTimeValue const& duration)
+WantedRows Wanted_Rows(ZVClip const* clip, ZVTimeValue const& time, ZVTimeValue const& duration)
 {
-    if (clip->FieldOrder == ZV_FIELDS_NONE) return FRAME_INTERPRET_ALPHA;
+    if (clip->FieldOrder == ZV_FIELDS_NONE || clip->PullDown) return WantedRows::All;
     double const half = clip->FrameRate == 0.0 ? 0.0 : 1.0 / (2.0 * clip->FrameRate);
     // 1e-9: a duration meant to be 1.02 fields long may divide to just under it.
-    if (half != 0.0 && Get_Time(&duration) / half >= 1.02 - 1e-9) return FRAME_INTERPRET_ALPHA;
+    if (half != 0.0 && Get_Time(&duration) / half >= 1.02 - 1e-9) return WantedRows::All;
     bool const isSecond = Get_Field(clip, &time) & 1;
-    bool const isUpper = (clip->FieldOrder == ZV_FIELDS_UPPER_FIRST) != isSecond;
-    return (isUpper ? FRAME_INTERPOLATE_LOWER : FRAME_INTERPOLATE_UPPER) | FRAME_INTERPRET_ALPHA;
+    return (clip->FieldOrder == ZV_FIELDS_UPPER_FIRST) != isSecond ? WantedRows::Upper : WantedRows::Lower;
+}
+
+/// The flags for a request of one frame: the rows that are not wanted are rebuilt.
+static unsigned long Field_Flags(WantedRows rows)
+{
+    switch (rows) {
+    case WantedRows::Upper: return FRAME_INTERPOLATE_LOWER | FRAME_INTERPRET_ALPHA;
+    case WantedRows::Lower: return FRAME_INTERPOLATE_UPPER | FRAME_INTERPRET_ALPHA;
+    default: return FRAME_INTERPRET_ALPHA;
+    }
 }
 
 static bool Is_Skipped(ZVClip const* clip, long frame)
@@ -361,7 +332,7 @@ long GetFrameZV(ZVClip* clip, ZVBitmap* bitmap, ZVTimeValue const* time, ZVTimeV
     long const frame = Get_Frame(clip, &moment);
     clip->LastFrame = frame;
     if (Is_Skipped(clip, frame)) return 1;
-    unsigned long const flags = clip->PullDown ? FRAME_INTERPRET_ALPHA : Field_Flags(clip, moment, length);
+    unsigned long const flags = Field_Flags(Wanted_Rows(clip, moment, length));
     return Read_Frame(clip, frame, bitmap, flags, place, async);
 }
 

@@ -1,4 +1,4 @@
-// Where a frame goes in a bitmap.
+// Which rows of a frame are read, and where it goes in a bitmap.
 #pragma once
 
 #include "ZVLibInternal.h"
@@ -9,6 +9,13 @@ struct FramePlace {
     long width;
     long height;
 };
+
+/// Rows that a request of one moment is for.
+enum class WantedRows { All, Upper, Lower };
+
+/// All rows, or those of the field at that time when the duration is that of a field. Under pull-down frames
+/// are whole.
+WantedRows Wanted_Rows(ZVClip const* clip, ZVTimeValue const& time, ZVTimeValue const& duration);
 
 /// Reads one presented frame: a film frame under pull-down.
 inline long Read_Frame(ZVClip* clip, long frame, ZVBitmap* bitmap, unsigned long flags,

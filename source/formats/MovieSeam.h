@@ -5,6 +5,8 @@
 #include "ZVBitmap.h"
 #include "ZVClip.h"
 
+#include <span>
+
 /// An open movie, and one being written.
 struct OSMovie;
 struct OSMovieOutput;
@@ -79,6 +81,17 @@ bool OS_Movie_Finish(OSMovieOutput* movie, uint32_t type, uint32_t creator);
 
 /// Deletes what was written and frees the record; the target stays as it was. Null is accepted.
 void OS_Movie_Discard(OSMovieOutput* movie);
+
+/// One compressed picture without a movie around it.
+struct OSMovieStill {
+    uint32_t codec;
+    std::span<uint8_t const> bytes;
+    long width, height;
+    long depth;  ///< bits of a pixel as the options count them
+};
+
+/// Decompresses a picture into pixels of ZV_BITMAP_RGBA8, rows without gaps. False with error 1, 17 or 26.
+bool OS_Movie_Read_Still(OSMovieStill const& still, void* pixels);
 
 OSMovieCodec OS_Movie_Find_Codec(uint32_t codec);
 

@@ -88,11 +88,6 @@ void Video_Options_Stub(ZVClip* clip, bool silent);
 void Audio_Options_Stub(ZVClip* clip, bool silent);
 void QuickTime_ConvertEndianOptions(ZVClip* clip);
 
-/// Gives the options of a movie clip the settings of its streaming, behind each block that there is; a block
-/// that has some keeps them. 1, or 0 without a block and with error 1, the blocks then being as they were.
-/// @param silent  takes the usual settings without asking
-ZV_API long Quicktime_StreamingOptions(ZVClip* clip, bool silent);
-
 /// Frame duration and time scale for a rate.
 struct MovieTimeScale {
     long duration, scale;

@@ -111,6 +111,16 @@ void SetUserDataDir()
     ZVEnv->userDataDir = spec ? spec : CopyFileSpecZV(ZVEnv->homeDir);
 }
 
+char* Find_Library_Plugins()
+{
+    char native[sizeof(FSSpec::path)];
+    char* library = OS_Get_Library_Dir(native, sizeof native) ? Native_Dir_Spec(native) : nullptr;
+    std::string const plugins = library ? std::string(library) + "zvlib\\Plugins\\" : std::string();
+    FreeFileSpecZV(library);
+    bool const isThere = library && plugins.size() < ZV_SPEC_SIZE && FileExistsZV(plugins.c_str());
+    return isThere ? CopyFileSpecZV(plugins.c_str()) : nullptr;
+}
+
 char* Find_Library_File(char const* name)
 {
     char* home = ZVEnv ? CopyFileSpecZV(ZVEnv->homeDir) : FindHomeDirZV();

@@ -124,6 +124,7 @@ static void Free_Environment()
     FreeMemZV(ZVEnv->style);
     FreeMemZV(ZVEnv->prefsFile);
     FreeMemZV(ZVEnv->appTitle);
+    CleanupIconList();
     FreeStringTable(ZVEnv->stringTable);
     SetErrorString(nullptr);
     ZVPixelBase::_byteToFracTbl = byteToFraction.data();

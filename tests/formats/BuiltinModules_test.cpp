@@ -11,6 +11,8 @@ TEST_F(FormatTest, BuiltinModulesStandInTheirOrderWithNamesCodesAndProperties)
         char const* fileName;  ///< of a file that the module claims, or null
         long properties;
     } const cases[] = {
+        {"PICT Picture", ZV_FourCC("PICT"), ZV_FourCC("ttxt"), "a.PICT", 0x1000D},
+        {"PICS Animation", ZV_FourCC("PICS"), ZV_FourCC("ttxt"), "a.pcs", 0x1000F},
         {"Filmstrip", ZV_FourCC("Film"), ZV_BLANK_CODE, "a.FLM", 0x1000F},
         {"Electric Image", ZV_FourCC("EIDI"), ZV_FourCC("EIAD"), "a.ei", 0x1000F},
         {"VPB Picture", ZV_FourCC("VPB "), ZV_BLANK_CODE, "a.vpb", 0x1000C},

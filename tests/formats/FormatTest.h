@@ -53,7 +53,10 @@ public:
 
 class FormatTest : public EnvironmentTest {
 protected:
-    FormatTest() { InitFormatModulesZV(nullptr); }
+    explicit FormatTest(TestEnvironment::Home home = TestEnvironment::Home::Program) : EnvironmentTest(home)
+    {
+        InitFormatModulesZV(nullptr);
+    }
 
     /// The registered module that gives its files this type.
     static ZVFormatDesc* Module(uint32_t fileType)

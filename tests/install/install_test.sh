@@ -50,3 +50,9 @@ sed -i 's/^    long ImageModes;/    long Another;\n&/' "$work/other/ZVFormat.h"
 # The installed tool finds its library and its texts.
 "$work/prefix/bin/zvclip" --help >/dev/null
 [ -s "$work/prefix/share/zvlib/Locale/ZVLibStr.txt" ]
+
+# And the modules that are installed with the library.
+if [ -e "$build_dir/$libdir/zvlib/Plugins/Pictures.ifm" ]; then
+    ffmpeg -v fatal -f lavfi -i color=s=8x6 -frames:v 1 "$work/picture.png"
+    "$work/prefix/bin/zvclip" info "$work/picture.png" | grep -q 'format  Pictures'
+fi

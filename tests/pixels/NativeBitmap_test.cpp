@@ -122,7 +122,7 @@ TEST_F(NativeBitmap, PixelsOutsideDoNothing)
         WriteFloatPixelZV(bitmap.get(), x, y, &fractions);
         ReadFloatPixelZV(bitmap.get(), x, y, &fractions);
     }
-    ReadPixelZV(nullptr, 0, 0, &color);
+    ReadPixelZV(static_cast<ZVNativeBitmap*>(nullptr), 0, 0, &color);
     EXPECT_EQ(color.extra, 4);
     EXPECT_TRUE(Is_All(*bitmap, 0));
 }

@@ -73,7 +73,7 @@ expect 0 "" convert in.flm lum.flm --luminance --frames 1
 expect 0 "" convert in.flm matte.flm --matte '#102030' --invert --frames 1
 expect 0 "" frame in.flm --time 0.4 still.png
 same "$(pixels in.flm -vf trim=start_frame=10:end_frame=11)" "$(pixels still.png)" "a still has other pixels"
-for command in "" info convert composite frame sound check; do
+for command in "" info convert composite extract frame sound check; do
     # shellcheck disable=SC2086  # no word for the general help
     "$zvclip" $command --help | grep -q Usage || fail "help of $command"
 done
@@ -118,6 +118,31 @@ film -vf format=rgba -c:v png -movflags faststart whole.mov
 head -c $(($(stat -c %s whole.mov) / 2)) whole.mov >broken2.mov
 expect 1 "broken.mov: the file could not be opened" check broken.mov
 expect 1 "broken2.mov: frame [0-9]* cannot be read" check broken2.mov
+
+# --- pictures with layers, and deep ones
+if [ -e "$(dirname "$zvclip")/../lib/zvlib/Plugins/Pictures.ifm" ]; then
+    for n in 1 2 3; do
+        oiiotool --create 64x48 4 --addc 0,0,0.$n,1 -d half -o back.exr --create 64x48 4 --fill:color=0.5,0,0,0.5 20x20 -d half -o front.exr
+        exrmultipart -combine -i back.exr:0::back front.exr:0::front -o layers$n.exr -override 1 >err.txt
+        oiiotool front.exr --ch R,G,B,A,Z=2,id=1 --deepen back.exr --ch R,G,B,A,Z=4,id=2 --deepen --deepmerge -o deep$n.exr
+    done
+    expect 0 "" info --json 'layers[#].exr' 'deep[#].exr'
+    python3 -c 'import json; a, b = json.load(open("out.txt")); assert a["layers"] == ["back", "front"] and a["frames"] == 3 and {"depth", "object", "coverage"} <= set(b["deep"]), (a, b)' 2>err.txt ||
+        fail "info of pictures: $(cat err.txt)"
+    expect 0 "" composite 'layers[#].exr' 'layers[#].exr' 'layered[#].png' --layer front --background-layer 1
+    oiiotool layered1.png --cut 1x1+5+5 -d uint8 -o pixel.png
+    oiiotool --dumpdata pixel.png | grep -q ': 12[78] 0 25' || fail "layers"
+    expect 0 "" extract 'deep[#].exr' 'one[#].tif' --id 1
+    expect 0 "" extract 'deep[#].exr' 'rest[#].tif' --id 1 --remove
+    oiiotool one1.tif --ch A -d uint8 --cut 2x1+19+5 -o pixel.tif
+    [ "$(oiiotool --dumpdata pixel.tif | grep -o '): [0-9]*' | xargs)" = "): 128 ): 0" ] || fail "an extracted object"
+    expect 0 "" frame 'rest[#].tif' --time 1f rest.png
+    expect 0 "" convert 'layers[#].exr' small.jpg --frames 1 --quality 5
+    expect 1 "no layer 'none'" convert 'layers[#].exr' none.png --layer none
+    expect 1 "has no ids" extract 'layers[#].exr' none.tif --id 1
+    expect 1 "can be read but not written" convert small.jpg none.psd
+    expect 2 "--id tells" extract 'deep[#].exr' none.tif
+fi
 
 # --- refusals
 expect 1 "hold one picture each" convert in.flm out.vpb

@@ -15,12 +15,16 @@ char const* const compositeHelp =
     "colour (#RRGGBB or a name). OUT has the size of a background clip, or of FOREGROUND over a colour, and\n"
     "the length and rate of FOREGROUND. The sound is that of FOREGROUND, or else of BACKGROUND.\n"
     "\n"
-    "  --at X,Y             where the top left corner of FOREGROUND lies; 0,0 when not given\n";
+    "  --at X,Y             where the top left corner of FOREGROUND lies; 0,0 when not given\n"
+    "  --layer NAME         a layer of FOREGROUND, by name or number; the flat picture when not given\n"
+    "  --background-layer NAME  the same of BACKGROUND\n";
 
 namespace {
 
 struct CompositeOptions {
     OutputSettings output{};
+    SourceChoice foreground{};
+    SourceChoice background{};
     long x = 0;
     long y = 0;
 };
@@ -48,7 +52,8 @@ Overlap Overlap_Of(CompositeOptions const& options, Size canvas, Size foreground
 class Compositor {
 public:
     Compositor(std::string const& foreground, std::string const& background, CompositeOptions const& options)
-        : foregroundPath_(foreground), backgroundPath_(background), foreground_(Open_Source(foreground))
+        : foregroundPath_(foreground), backgroundPath_(background),
+          foreground_(Open_Source(foreground, options.foreground))
     {
         std::error_code error;
         std::optional<ZVLONGCOLOR> const colour =
@@ -57,7 +62,7 @@ public:
         if (colour)
             colour_ = *colour;
         else
-            background_ = Open_Source(background);
+            background_ = Open_Source(background, options.background);
         canvasSize_ = background_ ? Size{background_->Width, background_->Height} : size;
         overlap_ = Overlap_Of(options, canvasSize_, size);
         picture_ = New_Bitmap(foreground, size, GetBitmapTypeZV(foreground_.get()));
@@ -143,11 +148,20 @@ void Composite(std::vector<std::string> const& words, CompositeOptions options)
 int Run_Composite(int argc, char** argv)
 {
     std::vector<option> table = Output_Options();
-    table.insert(table.end(), {{"at", required_argument, nullptr, 'a'}, {}});
+    table.insert(table.end(), {{"at", required_argument, nullptr, 'a'},
+                               {"layer", required_argument, nullptr, 'l'},
+                               {"background-layer", required_argument, nullptr, 'b'},
+                               {}});
     CompositeOptions options;
     std::vector<std::string> const words =
         Read_Options(argc, argv, table.data(), [&](int letter, std::string const& value) {
-            if (!Take_Output_Option(options.output, letter, value)) Read_Place(value, options);
+            if (Take_Output_Option(options.output, letter, value)) return;
+            if (letter == 'l')
+                options.foreground.layer = value;
+            else if (letter == 'b')
+                options.background.layer = value;
+            else
+                Read_Place(value, options);
         });
     if (words.size() != 3) throw UsageError("it takes the names FOREGROUND, BACKGROUND and OUT");
     Composite(words, options);

@@ -19,6 +19,7 @@ char const* const convertHelp =
     "  --frames N           how many frames OUT gets\n"
     "  --size WxH           size of OUT; pixels are picked, not filtered\n"
     "  --depth D            bits of a channel: 8, 10, 12, 16 or float\n"
+    "  --layer NAME         a layer of IN, by name or number; the flat picture when not given\n"
     "  --background COLOUR  mix the pictures over a colour (#RRGGBB or a name); OUT then has no alpha\n"
     "  --pulldown HOW       film frames in the fields of video: remove, guess (remove where there are "
     "some),\n"
@@ -75,6 +76,7 @@ void Take_Option(ConvertOptions& options, int letter, std::string const& value)
     case 'z': options.size = Read_Size("--size", value); return;
     case 'd': options.output.depth = Read_Depth("--depth", value); return;
     case 'b': options.output.background = Read_Colour("--background", value); return;
+    case 'l': options.source.layer = value; return;
     case 'p': Take_Pull_Down(options, value); return;
     case 'f': options.source.fieldOrder = Read_Field_Order(value); return;
     case 'S': alpha.type = ZV_ALPHA_CHANNEL, alpha.isPremultiplied = false; break;
@@ -149,6 +151,7 @@ int Run_Convert(int argc, char** argv)
                                {"size", required_argument, nullptr, 'z'},
                                {"depth", required_argument, nullptr, 'd'},
                                {"background", required_argument, nullptr, 'b'},
+                               {"layer", required_argument, nullptr, 'l'},
                                {"pulldown", required_argument, nullptr, 'p'},
                                {"field-order", required_argument, nullptr, 'f'},
                                {"straight", no_argument, nullptr, 'S'},

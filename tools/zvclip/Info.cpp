@@ -5,13 +5,13 @@
 
 #include <cstdio>
 
-char const* const infoHelp =
-    "Usage: zvclip info [--json] FILE...\n"
-    "\n"
-    "Tells format, codec, size, depth, frames, rate, fields, pixel aspect, alpha, sound and length of each\n"
-    "file.\n"
-    "\n"
-    "  --json   the same as one JSON array\n";
+char const* const infoHelp = "Usage: zvclip info [--json] FILE...\n"
+                             "\n"
+                             "Tells format, codec, size, depth, frames, rate, fields, pixel aspect, alpha, "
+                             "layers, deep channels, sound\n"
+                             "and length of each file.\n"
+                             "\n"
+                             "  --json   the same as one JSON array\n";
 
 namespace {
 
@@ -81,6 +81,37 @@ char const* Fields_Of(ZVClip const* clip)
                                                        : "none";
 }
 
+/// A fact of several words, as one text and as an array; none without words.
+void Add_List_Fact(std::vector<Fact>& facts, char const* label, std::vector<std::string> const& words)
+{
+    if (words.empty()) return;
+    std::string text, json;
+    for (std::string const& word : words) {
+        text += (text.empty() ? "" : ", ") + word;
+        json += (json.empty() ? "" : ", ") + Json_String(word);
+    }
+    facts.push_back({label, text, label, "[" + json + "]"});
+}
+
+std::vector<std::string> Layers_Of(ZVClip const* clip)
+{
+    std::vector<std::string> names;
+    for (Node const* node = List_First(&clip->Layers); node; node = List_Next(node))
+        names.push_back(node->name ? node->name : "");
+    return names;
+}
+
+std::vector<std::string> Deep_Channels_Of(ZVClip const* clip)
+{
+    static constexpr char const* names[] = {"depth",        "material", "object",     "texture",   "normal",
+                                            "real colour",  "coverage", "background", "render id", "colour",
+                                            "transparency", "velocity", "weight"};
+    std::vector<std::string> channels;
+    for (std::size_t bit = 0; bit < std::size(names); ++bit)
+        if (clip->GBufferMask >> bit & 1) channels.push_back(names[bit]);
+    return channels;
+}
+
 void Add_Picture_Facts(std::vector<Fact>& facts, ZVClip const* clip)
 {
     if (std::string const codec = Codec_Of(clip); !codec.empty())
@@ -97,6 +128,8 @@ void Add_Picture_Facts(std::vector<Fact>& facts, ZVClip const* clip)
     facts.push_back(
         {"aspect", Print("%.6g", clip->PixelAspect), "aspect", Print("%.10g", clip->PixelAspect)});
     facts.push_back({"alpha", Alpha_Text(clip), "alpha", Json_String(Alpha_Text(clip))});
+    Add_List_Fact(facts, "layers", Layers_Of(clip));
+    Add_List_Fact(facts, "deep", Deep_Channels_Of(clip));
 }
 
 void Add_Sound_Fact(std::vector<Fact>& facts, ZVClip const* clip)

@@ -89,11 +89,14 @@ std::string Spec_Of(std::string const& path)
     return spec.data();
 }
 
-void Add_Movies()
+bool Add_More_Formats()
 {
-    static bool isDone = false;
-    if (!isDone) Add_QuickTime_Format(nullptr);
-    isDone = true;
+    using Registration = long (*)(ZVScanDesc*);
+    static constexpr Registration registrations[] = {Add_Library_Formats, Add_QuickTime_Format};
+    static std::size_t done = 0;
+    if (done == std::size(registrations)) return false;
+    registrations[done++](nullptr);
+    return true;
 }
 
 static void Choose_Alpha(ZVClip* clip, AlphaChoice const& alpha)
@@ -125,14 +128,36 @@ static std::string File_Of(std::string const& path)
     return files.front().string();
 }
 
+/// The number of a layer by its name, or by its number where no layer has such a name.
+static long Find_Layer(ZVClip const* clip, std::string const& path, std::string const& wanted)
+{
+    if (Node const* node = Find_Name(&clip->Layers, wanted.c_str())) return Entry_Pos(&clip->Layers, node);
+    char* end = nullptr;
+    long const number = std::strtol(wanted.c_str(), &end, 10);
+    if (*end != 0 || !List_Entry(&clip->Layers, number - 1))
+        throw JobError(path, "has no layer '" + wanted + "'; see 'zvclip info'");
+    return number;
+}
+
+/// A clip of its own for one layer of another.
+static ClipHandle Open_Layer(ZVClip* clip, std::string const& path, std::string const& layer)
+{
+    ClipHandle opened(OpenClipZV(clip->FileName, ZV_OPEN_SOURCE_CLIP, clip, ZV_OPEN_LAYER,
+                                 Find_Layer(clip, path, layer), 0));
+    if (!opened) throw JobError(path, Reason());
+    return opened;
+}
+
 ClipHandle Open_Source(std::string const& path, SourceChoice const& choice)
 {
     std::string const spec = Spec_Of(File_Of(path));
-    if (!GetFormatModuleZV(spec.c_str())) Add_Movies();
+    while (!GetFormatModuleZV(spec.c_str()) && Add_More_Formats()) {
+    }
     unsigned long const rateTag = choice.rate ? ZV_OPEN_FRAME_RATE : ZV_TAG_IGNORE;
     ClipHandle clip(OpenClipZV(spec.c_str(), ZV_OPEN_NO_SEQUENCE_DIALOG, 1, rateTag,
                                choice.rate ? &*choice.rate : nullptr, 0));
     if (!clip) throw JobError(path, Reason());
+    if (!choice.layer.empty()) clip = Open_Layer(clip.get(), path, choice.layer);
     Choose_Alpha(clip.get(), choice.alpha);
     if (!BeginClipIOZV(clip.get(), 0)) throw JobError(path, Reason());
     Choose_Fields(clip.get(), path, choice);

@@ -45,9 +45,11 @@ std::string Reason();
 /// The spec of a native path, relative ones from the working directory. Throws a JobError.
 std::string Spec_Of(std::string const& path);
 
-/// Registers the movie formats, which programs do only for files that no other format has: the libraries
-/// behind them take time to load.
-void Add_Movies();
+/// Registers the next formats that are not there yet: those of the modules that are installed with the
+/// library, then movies. Programs do so only for files that no other format has, since what stands behind
+/// them takes time to load.
+/// @return  false when all are there
+bool Add_More_Formats();
 
 /// How the alpha of a source is to be read, in place of the guess.
 struct AlphaChoice {
@@ -71,6 +73,7 @@ struct SourceChoice {
     std::optional<double> rate{};
     std::optional<FieldOrder> fieldOrder{};
     PullDown pullDown = PullDown::Keep;
+    std::string layer{};  ///< name or number from 1; empty for the flat picture
 };
 
 /// Opens a source, a file or a series, and begins reading it. Throws a JobError.

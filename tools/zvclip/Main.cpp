@@ -16,6 +16,7 @@ char const* const generalHelp =
     "  zvclip info FILE...                         what the files are\n"
     "  zvclip convert IN OUT                       one clip to another format\n"
     "  zvclip composite FOREGROUND BACKGROUND OUT  a clip over a clip or a colour\n"
+    "  zvclip extract IN OUT --id N                one object of a deep picture, by its id\n"
     "  zvclip frame IN --time T OUT.png            one frame as a picture\n"
     "  zvclip sound IN OUT.wav                     the sound as a WAVE file\n"
     "  zvclip check FILE...                        whether every frame can be read\n"
@@ -36,6 +37,7 @@ Command const commands[] = {
     {"info", Run_Info, infoHelp, false},
     {"convert", Run_Convert, convertHelp, true},
     {"composite", Run_Composite, compositeHelp, true},
+    {"extract", Run_Extract, extractHelp, true},
     {"frame", Run_Frame, frameHelp, false},
     {"sound", Run_Sound, soundHelp, false},
     {"check", Run_Check, checkHelp, false},

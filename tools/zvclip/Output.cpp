@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <strings.h>
 #include <unistd.h>
@@ -105,19 +106,14 @@ static ZVFormatDesc* Find_Format(std::string const& wanted)
 static ZVFormatDesc* Choose_Format(std::string const& path, OutputSettings const& settings)
 {
     std::string wanted = settings.format;
-    if (settings.isForStreaming) {
-        Add_Movies();
-        wanted = GetStringZV(150);
-    }
+    if (settings.isForStreaming) wanted = GetStringZV(150);
     if (wanted.empty()) {
         std::string const extension = fs::path(path).extension().string();
         wanted = extension.empty() ? "" : extension.substr(1);
     }
     ZVFormatDesc* desc = Find_Format(wanted);
-    if (!desc) {
-        Add_Movies();
+    while (!desc && Add_More_Formats())
         desc = Find_Format(wanted);
-    }
     if (!desc && !settings.format.empty())
         throw JobError(path, "there is no format '" + settings.format + "'");
     if (!desc || desc->ReadExtensionCount == 0)
@@ -149,15 +145,35 @@ constexpr uint32_t DefaultStreamCodec = ZV_FourCC("avc1");
 /// Chooses the codecs of a movie. Throws a JobError.
 static void Set_Movie_Options(ZVClip* clip, std::string const& path, OutputSettings const& settings)
 {
-    if (!settings.codec && !settings.quality && !settings.soundCodec) return;
     ZVMovieOptions options;
     options.Codec = settings.codec.value_or(settings.isForStreaming ? DefaultStreamCodec : DefaultCodec);
-    options.Quality = settings.quality.value_or(options.Quality);
+    if (settings.quality) options.Quality = *settings.quality * 1024 / 100;
     options.SoundCodec = settings.soundCodec;
     if (SetMovieOptionsZV(clip, &options)) return;
     if (GetErrorZV() == ZV_ERR_MOVIE_FRAME)
         throw JobError(path, "movies cannot be written with the codec '" + Reason() + "'");
-    throw JobError(path, "--codec, --quality and --audio-codec are for movies");
+    throw JobError(path,
+                   "--codec, --quality and --audio-codec are for movies, --quality for JPEG pictures too");
+}
+
+/// Sets the quality of pictures. False for clips of other formats.
+static bool Set_Picture_Quality(ZVClip* clip, long quality)
+{
+    ZVMovieOptions options;
+    ZVPictureOptions const picture{0, static_cast<int32_t>(quality)};
+    if (GetMovieOptionsZV(clip, &options)) return false;
+    ZVFormatParams* const params = clip->VideoParams;
+    if (!params || params->Size != sizeof picture) return false;
+    std::memcpy(params->Data, &picture, sizeof picture);
+    return true;
+}
+
+/// Takes the settings that go to the format's options. Throws a JobError.
+static void Set_Options(ZVClip* clip, std::string const& path, OutputSettings const& settings)
+{
+    if (!settings.codec && !settings.quality && !settings.soundCodec) return;
+    bool const isOfMovies = settings.codec || settings.soundCodec;
+    if (isOfMovies || !Set_Picture_Quality(clip, *settings.quality)) Set_Movie_Options(clip, path, settings);
 }
 
 /// Whether the pictures of the clip keep their alpha.
@@ -208,10 +224,12 @@ Output::Output(std::string const& path, OutputSettings const& settings)
     ZVFormatDesc* const format = Choose_Format(path, settings);
     Check_Format(path, format, settings);
     ChangeClipFormatParamsZV(clip_.get(), format, true);
-    Set_Movie_Options(clip_.get(), path, settings);
+    Set_Options(clip_.get(), path, settings);
     clip_->FileName = MakeFileSpecZV(Spec_Of(file_.WorkPath()).c_str());
     if (Is_Series(path)) clip_->Flags |= ZV_CLIP_NUMBERED;
     Describe_Output(clip_.get(), settings);
+    if (!(GetExportPropertiesZV(clip_.get()) & ZV_FORMAT_WRITE))
+        throw JobError(path, "files of this kind can be read but not written");
     if (!CreateClipZV(clip_.get(), 0) || !BeginClipIOZV(clip_.get(), 0)) throw JobError(path, Reason());
     if (settings.depth && clip_->BitDepth != *settings.depth)
         throw JobError(path, std::string(clip_->Format->Node.name) + " files hold " +

@@ -51,7 +51,7 @@ struct OutputSettings {
     SoundChoice soundChoice = SoundChoice::WherePossible;
     bool isForStreaming = false;
     std::optional<uint32_t> codec;  ///< of movies
-    std::optional<long> quality;    ///< of movies, 0 to 1024
+    std::optional<long> quality;    ///< of movies and JPEG pictures, 0 to 100
     uint32_t soundCodec = 0;        ///< of movies; 0 for samples as they are
     bool mayOverwrite = false;
 };

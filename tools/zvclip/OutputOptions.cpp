@@ -11,7 +11,8 @@ char const* const outputHelp =
     "  --codec NAME         animation (when not given), raw, png, mjpeg, prores422, prores422hq, "
     "prores4444,\n"
     "                       h264, ffv1, or the four characters of another one\n"
-    "  --quality Q          from 0 to 100, which is without loss where the codec can; 50 when not given\n"
+    "  --quality Q          from 0 to 100, which is without loss where the codec can; 50 when not given. Of\n"
+    "                       JPEG pictures too, 90 when not given\n"
     "  --streaming          add hint tracks for streaming, and put the index in front\n"
     "  --audio-codec NAME   pcm (when not given), aac, alac, or four characters\n"
     "  --audio, --no-audio  insist on the sound, or leave it out; when not given it goes along where it "
@@ -60,7 +61,7 @@ bool Take_Output_Option(OutputSettings& settings, int letter, std::string const&
     case 'F': settings.format = value; return true;
     case 'O': settings.mayOverwrite = true; return true;
     case 'C': settings.codec = Read_Codec("--codec", value, pictureCodecs); return true;
-    case 'Q': settings.quality = Read_Percent("--quality", value) * 1024 / 100; return true;
+    case 'Q': settings.quality = Read_Percent("--quality", value); return true;
     case 'T': settings.isForStreaming = true; return true;
     case 'A': settings.soundCodec = Read_Codec("--audio-codec", value, soundCodecs); return true;
     case 'Y': settings.soundChoice = SoundChoice::Must; return true;

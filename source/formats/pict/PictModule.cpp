@@ -1,0 +1,97 @@
+// See PictModule.h.
+//   options, in the machine's byte order   0 codec type   4 codec   8 depth, 2 bytes   10 quality
+#include "PictModule.h"
+
+#include "PictWriter.h"
+
+#include <new>
+
+namespace {
+
+constexpr long OptionsSize = 14;
+constexpr long QualityPlace = 10;
+constexpr uint32_t PlainCodec = ZV_FourCC("raw ");
+constexpr uint32_t BestQuality = 1023;
+constexpr long LargestSide = 32767;
+constexpr long AlphaDepth = 32;
+
+bool Is_Colour(ZVBitmap const* bitmap)
+{
+    return bitmap->Type >= ZV_BITMAP_RGBA8 && bitmap->Type <= ZV_BITMAP_RGBAFLOAT;
+}
+
+BitmapBlock Like_RGBA8(ZVBitmap const* bitmap)
+{
+    return BitmapBlock{AllocBitmapZV(bitmap->Width, bitmap->Height, ZV_BITMAP_RGBA8, "picture")};
+}
+
+}  // namespace
+
+bool Describe_Picture(std::span<uint8_t const> picture, ZVClip* clip)
+{
+    ZVPictureInfo info;
+    if (!Inspect_Picture(picture.data(), picture.size(), &info)) return false;
+    clip->Width = info.width;
+    clip->Height = info.height;
+    clip->BitDepth = 8;
+    clip->AlphaType = info.depth == AlphaDepth ? ZV_ALPHA_CHANNEL : ZV_ALPHA_NONE;
+    clip->Media = ZV_MEDIA_VIDEO;
+    return true;
+}
+
+long Draw_Frame(std::span<uint8_t const> picture, ZVBitmap* bitmap, ZVRectT<long> const* offset, long width,
+                long height)
+{
+    ZVRectT<long> const area{offset ? -offset->x : 0, offset ? -offset->y : 0, width, height};
+    if (bitmap->Type == ZV_BITMAP_RGBA8) return Draw_Picture(picture.data(), picture.size(), bitmap, area);
+    if (!Is_Colour(bitmap)) {
+        SetError(ZV_ERR_CLIP);
+        return 0;
+    }
+    BitmapBlock const drawn = Like_RGBA8(bitmap);
+    if (!drawn || !Draw_Picture(picture.data(), picture.size(), drawn.get(), area)) return 0;
+    CopyBitmapZV(drawn.get(), bitmap, 0, 0, -1, -1, 0, 0);
+    return 1;
+}
+
+long Make_Picture(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> const* region,
+                  long (*take)(std::span<uint8_t const> picture, void* data), void* data)
+{
+    if (!Is_Colour(bitmap) || bitmap->Width < 1 || bitmap->Width > LargestSide || bitmap->Height < 1 ||
+        bitmap->Height > LargestSide) {
+        SetError(ZV_ERR_CLIP);
+        return 0;
+    }
+    BitmapBlock shallow;
+    if (bitmap->Type != ZV_BITMAP_RGBA8) {
+        shallow = Like_RGBA8(bitmap);
+        if (!shallow) return 0;
+        CopyBitmapZV(bitmap, shallow.get(), 0, 0, -1, -1, 0, 0);
+        bitmap = shallow.get();
+    }
+    try {
+        PictWriter writer(clip, bitmap);
+        return writer.Write(region) ? take(writer.Bytes(), data) : 0;
+    } catch (std::bad_alloc const&) {
+        SetError(ZV_ERR_MEMORY);
+        return 0;
+    }
+}
+
+bool Make_Picture_Options(ZVClip* clip)
+{
+    if (clip->VideoParams) return true;
+    auto* block = static_cast<uint8_t*>(AllocMemZV(sizeof(ZVFormatParams) + OptionsSize, ZV_MEM_CLEAR));
+    if (!block) return false;
+    uint8_t* const options = block + sizeof(ZVFormatParams);
+    std::memcpy(options, &PlainCodec, sizeof PlainCodec);
+    std::memcpy(options + QualityPlace, &BestQuality, sizeof BestQuality);
+    clip->VideoParams = new (block) ZVFormatParams{options, OptionsSize};
+    return true;
+}
+
+/// There is nothing to ask: pictures are written without loss, whatever the settings are.
+void Picture_Options(ZVClip* clip, bool)
+{
+    Make_Picture_Options(clip);
+}

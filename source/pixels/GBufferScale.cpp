@@ -1,0 +1,207 @@
+// Scaling G-buffers by point sampling. Front planes are sampled like bitmaps; a row's further samples are
+// gathered in a stage, run by run, and written from there in one go.
+#include "GBufferRows.h"
+#include "RowSampler.h"
+#include "ZVLibInternal.h"
+
+#include <algorithm>
+#include <hwy/cache_control.h>
+
+namespace {
+
+constexpr long mostSamples = UINT16_MAX;  // in a row: X values reach no further
+constexpr long blockBytes = 16;
+
+/// The samples of a source row.
+struct SampleRow {
+    uint16_t const* x;
+    unsigned char const* samples;
+    long known;             ///< samples that are there
+    uint16_t const* nextX;  ///< X values and samples of the row that will be made after this one
+    unsigned char const* next;
+};
+
+/// Gathers the further samples of the pixels that a row of the target takes.
+template <int N> class SampleGatherer {
+public:
+    SampleGatherer(SampleRow const& row, long step, unsigned char* stage)
+        : row_(row), step_(step), to_(stage), full_(stage + mostSamples * N)
+    {
+    }
+
+    /// Tells where the samples end.
+    unsigned char const* Gather(long columns)
+    {
+        long whole = columns;
+        while (whole > 0 && row_.x[Column(whole - 1) + 1] * N + blockBytes > row_.known * N)
+            --whole;
+        Copy_Blocks(whole);
+        Copy_Exactly(whole, columns);
+        return std::min(to_, full_);
+    }
+
+private:
+    long Column(long i) const { return i * step_ >> 16; }
+
+    /// Copies whole blocks: what a block holds too many, the next one overwrites. The columns are followed by
+    /// a block's worth of samples.
+    void Copy_Blocks(long columns)
+    {
+        constexpr long stretch = 64;  // of columns, between which the next row is fetched
+        for (long first = 0; first < columns; first += stretch) {
+            long const end = std::min(first + stretch, columns);
+            Fetch_Ahead(row_.nextX, Column(first), Column(end - 1) + 1);
+            Fetch_Ahead(row_.next, row_.x[Column(first)] * N, row_.x[Column(end - 1) + 1] * N);
+            Copy_Blocks(first, end);
+        }
+    }
+
+    void Copy_Blocks(long first, long end)
+    {
+        unsigned char* to = to_;
+        for (long i = first, position = first * step_; i < end && to < full_; ++i, position += step_) {
+            uint16_t const* const x = row_.x + (position >> 16);
+            unsigned char const* const from = row_.samples + x[0] * N;
+            long const bytes = (x[1] - x[0]) * N;
+            long done = 0;
+            do {
+                std::memcpy(to + done, from + done, blockBytes);
+                done += blockBytes;
+            } while (done < bytes);
+            to += bytes;
+        }
+        to_ = to;
+    }
+
+    /// Brings a part of the next row into the cache: rows that lie apart are beyond the foresight of the
+    /// processor.
+    template <typename T> static void Fetch_Ahead(T const* row, long begin, long end)
+    {
+        constexpr long line = 64 / sizeof(T);
+        for (long i = begin; i < end; i += line)
+            hwy::Prefetch(row + i);
+    }
+
+    void Copy_Exactly(long first, long end)
+    {
+        for (long i = first; i < end && to_ < full_; ++i) {
+            uint16_t const* const x = row_.x + Column(i);
+            long const begin = std::min<long>(x[0], row_.known);
+            long const bytes = (std::min<long>(x[1], row_.known) - begin) * N;
+            if (bytes == 0) continue;
+            std::memcpy(to_, row_.samples + begin * N, static_cast<std::size_t>(bytes));
+            to_ += bytes;
+        }
+    }
+
+    SampleRow row_;
+    long step_;
+    unsigned char* to_;
+    unsigned char* full_;
+};
+
+/// A row of the target in the making: its front samples and its further ones.
+class RowStage {
+public:
+    RowStage(ZVGBuffer const& source, ZVGBuffer const& target, long stepX, ZVGBuffer const* xValues)
+        : source_(source), stepX_(stepX), columns_(target.Width), xValues_(xValues, source),
+          sampler_(source.Stride, 0, stepX, columns_, source.Width), front_(Alloc(target.RowBytes))
+    {
+        // The pixel that fills the row may have as many samples again.
+        if (Is_Deep()) samples_ = Alloc(2 * mostSamples * source.Stride + blockBytes);
+    }
+
+    bool Is_Deep() const { return xValues_.Exist(); }
+
+    /// @param next  the row that will be made after this one
+    void Make(long row, long next)
+    {
+        sampler_.Sample(Front_Row(source_, row), Front_Row(source_, next), front_.get());
+        if (Is_Deep()) Make_Samples(row, next);
+    }
+
+    unsigned char const* Front() const { return front_.get(); }
+    unsigned char const* Samples() const { return samples_.get(); }
+    long Sample_Bytes() const { return sampleBytes_; }
+
+private:
+    static HeapBlock<unsigned char> Alloc(long bytes)
+    {
+        return HeapBlock<unsigned char>(
+            static_cast<unsigned char*>(AllocMemZV(static_cast<unsigned long>(bytes), 0)));
+    }
+
+    template <int N> unsigned char const* Gather(SampleRow const& row)
+    {
+        return SampleGatherer<N>(row, stepX_, samples_.get()).Gather(columns_);
+    }
+
+    void Make_Samples(long row, long next)
+    {
+        ZVGBufferLayerData const& layer = source_.Layers[row];
+        unsigned char const* const ahead = source_.Layers[next].Records;
+        SampleRow const from = {xValues_.Row(row), layer.Records, Sample_Count(layer), xValues_.Seen(next),
+                                ahead ? ahead : layer.Records};
+        unsigned char const* end;
+        switch (source_.Stride) {
+        case 1: end = Gather<1>(from); break;
+        case 2: end = Gather<2>(from); break;
+        case 3: end = Gather<3>(from); break;
+        case 4: end = Gather<4>(from); break;
+        default: end = Gather<8>(from); break;
+        }
+        sampleBytes_ = end - samples_.get();
+    }
+
+    ZVGBuffer const& source_;
+    long stepX_;
+    long columns_;
+    XValueRows xValues_;
+    RowSampler sampler_;
+    HeapBlock<unsigned char> front_;
+    HeapBlock<unsigned char> samples_;
+    long sampleBytes_ = 0;
+};
+
+}  // namespace
+
+void ScaleGBufferZV(ZVGBuffer const* src, ZVGBuffer* dst, ZVGBuffer const* xValues)
+{
+    if (!src || !dst || src == dst || src->Format != dst->Format || src->Width < 1 || src->Height < 1 ||
+        dst->Width < 1 || dst->Height < 1)
+        return;
+    long const stepX = src->Width * ZV_SCALE_ONE / dst->Width;
+    long const stepY = src->Height * ZV_SCALE_ONE / dst->Height;
+    auto const sourceRow = [=](long y) { return y * stepY >> 16; };
+    RowStage stage(*src, *dst, stepX, xValues);
+    ByteMover const move(Byte_Count(*src) + dst->DataSize);
+    for (long y = 0; y < dst->Height; ++y) {
+        long const row = sourceRow(y);
+        if (y == 0 || row != sourceRow(y - 1)) stage.Make(row, sourceRow(std::min(y + 1, dst->Height - 1L)));
+        move(Front_Row(*dst, y), stage.Front(), dst->RowBytes);
+        ZVGBufferLayerData& layer = dst->Layers[y];
+        if (stage.Is_Deep() &&
+            layer.set_layer_recs(static_cast<unsigned long>(stage.Sample_Bytes() / dst->Stride)))
+            move(layer.Records, stage.Samples(), stage.Sample_Bytes());
+    }
+}
+
+void ScaleGBufferXValsZV(ZVGBuffer const* src, ZVGBuffer* dst)
+{
+    if (!src || !dst || src == dst || src->Format != GB_FORMAT_SHORT || dst->Format != GB_FORMAT_SHORT ||
+        src->Width < 1 || src->Height < 1 || dst->Width < 1 || dst->Height < 1)
+        return;
+    long const pixels = dst->Width - 1L;
+    long const stepX = pixels ? (src->Width - 1L) * ZV_SCALE_ONE / pixels : 0;
+    long const stepY = src->Height * ZV_SCALE_ONE / dst->Height;
+    XValueRows rows(*src);
+    for (long y = 0; y < dst->Height; ++y) {
+        uint16_t const* const from = rows.Row(y * stepY >> 16);
+        uint16_t* const to = Short_Row(*dst, y);
+        to[0] = 0;
+        for (long i = 0; i < pixels; ++i) {
+            uint16_t const* const column = from + (i * stepX >> 16);
+            to[i + 1] = static_cast<uint16_t>(std::min<long>(to[i] + column[1] - column[0], UINT16_MAX));
+        }
+    }
+}
