@@ -186,6 +186,11 @@ ZV_API void CenterTextZV(ZVDrawInfo const* draw, char const* text, long x, long 
 ZV_API void CenterTextZV(ZVDrawInfo const* draw, unsigned long stringId, long x, long y, long w, long h,
                          long* outX, long* outY);
 
+/// Shortens a text that is wider than `width` from its end, in place, by whole characters: as many as fit in
+/// front of "..." stay. One character stays in any case, without the dots when `width` does not hold them.
+/// @param text  room for four bytes more than its first character takes
+ZV_API void ShortenStringZV(ZVDrawInfo const* draw, char* text, int width);
+
 /// Width of an "x"; ascent and descent of the font together.
 ZV_API long GetAveCharWidthZV(ZVDrawInfo const* draw);
 ZV_API long GetAveCharHeightZV(ZVDrawInfo const* draw);

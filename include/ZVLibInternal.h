@@ -427,6 +427,9 @@ ZV_API void extract_weight(ZVGBuffer* weight, ZVGBuffer const* coverage, ZVGBuff
 ZV_API ZVPort* Make_SysPort(unsigned char* pixels, long width, long height, long depth, long rowBytes);
 ZV_API void Free_SysPort(ZVPort* port);  ///< Null is accepted.
 
+/// The port of a system window, which owns it; null for a window that cannot be drawn on.
+ZV_API ZVPort* Mac_Window_Port(ZVWindow* window);
+
 /// A context on a port. Null without a port or an environment.
 ZV_API ZVDrawInfo* Begin_Drawing(ZVPort* port, ZVDevice* device, long originX, long originY);
 

@@ -2,10 +2,14 @@
 #include "MacDraw.h"
 #include "ZVLibInternal.h"
 
+#include <algorithm>
 #include <cstring>
+#include <vector>
 
 /// The longest text that is drawn in one go.
 static constexpr std::size_t LongestText = 255;
+
+static constexpr char Ellipsis[] = "...";
 
 /// As much of a UTF-8 text as is drawn, without a part of a character at its end.
 static std::string_view Drawn_Part(std::string_view text)
@@ -78,6 +82,30 @@ void CenterTextZV(ZVDrawInfo const* draw, unsigned long stringId, long x, long y
                   long* outY)
 {
     CenterTextZV(draw, GetStringZV(stringId), x, y, w, h, outX, outY);
+}
+
+/// Lengths of the parts of a UTF-8 text that end behind each of its characters.
+static std::vector<std::size_t> Character_Ends(std::string_view text)
+{
+    std::vector<std::size_t> ends;
+    for (std::size_t i = 1; i <= text.size(); ++i)
+        if (i == text.size() || (text[i] & 0xC0) != 0x80) ends.push_back(i);
+    return ends;
+}
+
+void ShortenStringZV(ZVDrawInfo const* draw, char* text, int width)
+{
+    if (!text || !*text) return;
+    std::string_view const whole = text;
+    TextFont const font = Context_Font(draw);
+    if (font.Width(whole) <= width) return;
+    long const dots = font.Width(Ellipsis);
+    std::vector<std::size_t> const ends = Character_Ends(whole);
+    auto const tooWide = std::partition_point(ends.begin(), ends.end(), [&](std::size_t end) {
+        return font.Width(whole.substr(0, end)) + dots <= width;
+    });
+    auto const kept = std::max<std::ptrdiff_t>(tooWide - ends.begin(), 1);
+    std::strcpy(text + ends[static_cast<std::size_t>(kept - 1)], kept > 1 || dots <= width ? Ellipsis : "");
 }
 
 long GetAveCharWidthZV(ZVDrawInfo const* draw)

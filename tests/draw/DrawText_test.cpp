@@ -174,6 +174,37 @@ TEST_F(DrawText, MeasuresAreWholePixelsOfTheChosenFont)
     CenterTextZV(draw, "x", 0, 0, 9, 9, nullptr, nullptr);
 }
 
+TEST_F(DrawText, ShorteningKeepsWholeCharactersInFrontOfTheDots)
+{
+    auto const width = [](std::string const& text) {
+        return static_cast<int>(GetTextWidthZV(nullptr, text.c_str()));
+    };
+    struct {
+        char const *why, *text;
+        int width;
+        char const* expected;
+    } const rows[] = {
+        {"it fits", "Background", width("Background"), "Background"},
+        {"a pixel is missing", "nnnnnnnn", width("nnnnnnnn") - 1, nullptr},
+        {"room for three", "nnnnnnnn", width("nnn") + width("..."), "nnn..."},
+        {"characters of two bytes", "\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9", width("ee") + width("..."),
+         "\xC3\xA9\xC3\xA9..."},
+        {"room for the dots alone", "nnnnnnnn", width("..."), "n..."},
+        {"not even that", "\xC3\xA9nnnnnnnn", width("...") - 1, "\xC3\xA9"},
+        {"nothing", "", -1, ""},
+    };
+    for (auto const& row : rows) {
+        char text[40];
+        std::strcpy(text, row.text);
+        ShortenStringZV(nullptr, text, row.width);
+        if (row.expected)
+            EXPECT_STREQ(text, row.expected) << row.why;
+        else
+            EXPECT_LE(width(text), row.width) << row.why;
+    }
+    ShortenStringZV(nullptr, nullptr, 10);
+}
+
 TEST_F(DrawText, TheStyleChangesWithTheFont)
 {
     std::vector<Canvas> drawn;

@@ -1,6 +1,10 @@
 // Contexts: what they hold, what they leave behind, and what null does.
 #include "DrawTestTools.h"
 
+#include <ZVGroup.h>
+#include <ZVItem.h>
+#include <ZVPalette.h>
+
 using namespace DrawTest;
 
 namespace {
@@ -91,6 +95,27 @@ TEST_F(Draw, ABitmapThatHasNoPortCannotBeDrawnOn)
     byHand.Pixels = reinterpret_cast<unsigned char*>(pixels.data());
     EXPECT_EQ(DrawBeginZV(&byHand), nullptr);
     EXPECT_EQ(DrawBeginZV(static_cast<ZVNativeBitmap*>(nullptr)), nullptr);
+}
+
+TEST_F(Draw, WhatDoesNotShowCannotBeDrawnOn)
+{
+    ZVWindow window{};
+    ZVPalette parent{}, palette{};
+    ZVGroup group{};
+    ZVItem item{};
+    palette.parent = &parent;
+    palette.window = &window;
+    group.palette = &palette;
+    item.group = &group;
+    parent.flags = ZV_PALF_HIDDEN;
+    EXPECT_EQ(DrawBeginZV(&palette), nullptr);
+    EXPECT_EQ(DrawBeginZV(&group), nullptr);
+    EXPECT_EQ(DrawBeginZV(&item), nullptr) << "without a system control either";
+    EXPECT_EQ(DrawBeginZV(static_cast<ZVItem*>(nullptr)), nullptr);
+    EXPECT_EQ(DrawBeginZV(static_cast<ZVGroup*>(nullptr)), nullptr);
+    EXPECT_EQ(DrawBeginZV(static_cast<ZVPalette*>(nullptr)), nullptr) << "there is no main window";
+    EXPECT_EQ(DrawBeginZV(static_cast<ZVWindow*>(nullptr)), nullptr);
+    EXPECT_EQ(DrawBeginZV(7UL), nullptr);
 }
 
 TEST_F(Draw, NullContextsDoNothing)
