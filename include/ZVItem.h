@@ -186,8 +186,8 @@ struct ZVItem {
     uint32_t pressed;          ///< armed; of the custom function
     int32_t dragWidth, dragHeight;
     uint32_t extra;
-    ZVNativeBitmap* image;
-    ZVNativeBitmap* imageOff;
+    ZVBitmap* image;     ///< an icon, which belongs to the library
+    ZVBitmap* imageOff;  ///< the icon of the on state
     uint32_t imageColor, hasImageColor;
     char const* toolTip;   ///< not owned
     ZVNativeItem* native;  ///< not null while the item is on screen

@@ -269,10 +269,16 @@ ZV_API void Do_WindowActivation(ZVWindow* window);
 ZV_API void Handle_MouseMove(long x, long y);
 
 /// Presses, moves, ticks and releases of the custom gadget that holds the mouse; the point is on the screen.
-ZV_API long Custom_Gad_MouseDown(long x, long y, long clickCount);  ///< 1 when a custom gadget took it.
+/// @param clickCount    quick presses at this place so far, this one included
+/// @param isContextual  the press asks for the contextual menu
+/// @return  1 when a custom gadget took it
+ZV_API long Custom_Gad_MouseDown(long x, long y, long clickCount, long isContextual);
 ZV_API void Custom_Gad_MouseMove(long x, long y);
 ZV_API void Custom_Gad_MouseUp(long x, long y);
 ZV_API void Custom_Gad_Tick();
+
+/// Makes `modifiers` of the mouse's bits and those of the keyboard, as every event of the desktop begins.
+ZV_API void Rebuild_Modifiers(uint32_t keyboard);
 
 ZV_API void AppTickTimerProcZV();                 ///< What the event loop's tick timer calls.
 inline constexpr double TickTimerInterval = 0.1;  ///< Of that timer, in seconds.
@@ -312,6 +318,8 @@ ZV_API void Process_Dependencies(ZVItem* item);
 
 /// Key bindings. A file by its full spec is read into the chain, nothing freed first.
 ZV_API void Parse_KeyFile(char const* spec, ZVKeySection* section);
+/// The same for a name in the home directory.
+ZV_API void Parse_Home_KeyFile(char const* name, ZVKeySection* section);
 ZV_API long Find_Key(ZVKeySection const* section, long action);  ///< Key of the first binding, or 0.
 ZV_API void Process_Keys(long key, unsigned long modifiers);     ///< Of the modal palette, else of InitZV.
 
@@ -352,7 +360,10 @@ Mac_Drop_Focus(unsigned long reportBits);  ///< Text field or list loses it and 
 ZV_API long Image_Width(unsigned short icon);
 ZV_API long Image_Height(unsigned short icon);
 
-/// The event loops. The inner ones run until the modal palette on top is closed, or until ExitZV.
+ZV_API void Mac_Idle_Text_Field();  ///< The caret of the focused text field blinks.
+
+/// The event loops, which call the timers' functions at their intervals. The inner ones run until the modal
+/// palette on top is closed, or until ExitZV.
 ZV_API void Mac_Run_Modal_Loop(ZVPalette* palette);
 ZV_API void Mac_Run_Application_Loop();
 ZV_API void Mac_End_Modal_Loop(ZVPalette* palette);
