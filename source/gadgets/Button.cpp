@@ -29,7 +29,7 @@ Face Icon_Face(ZVItem const& item)
 {
     if (!item.state) return {item.image, ZV_PEN_FACE};
     if (item.imageOff) return {item.imageOff, ZV_PEN_FACE};
-    return {item.image, On_Face(item)};
+    return {item.image, Face_Color(item, true)};
 }
 
 /// A copy of the icon in one colour, its alpha kept: the icon itself serves other gadgets too.
@@ -149,7 +149,7 @@ void Draw_Button(ZVItem* item, bool isDisabled)
         Draw_Icon(draw.get(), *item, isDisabled);
         return;
     }
-    unsigned long const face = Shown_Color(item->state ? On_Face(*item) : ZV_PEN_FACE, isDisabled);
+    unsigned long const face = Shown_Color(Face_Color(*item, item->state), isDisabled);
     Draw_Face(draw.get(), *item, face, isDisabled);
     Draw_Label(draw.get(), *item, face, isDisabled);
 }

@@ -33,7 +33,7 @@ void Draw_Check_Mark(ZVDrawInfo* draw, long box, long height)
 void Draw_Check_Label(ZVDrawInfo* draw, ZVItem const& item, Look look)
 {
     bool const isColored = item.state && FindTagItem(ZV_ITEM_COLOR, item.tags);
-    unsigned long const face = look.Pen(isColored ? On_Face(item) : ZV_PEN_FACE);
+    unsigned long const face = look.Pen(Face_Color(item, isColored));
     Draw_Bevel(draw, labelLeft, 0, item.width - labelLeft, item.height, look.isSunken, look.isDisabled);
     SetPenZV(draw, face);
     FillRectZV(draw, labelLeft + 2, 2, item.width - 3, item.height - 3);
@@ -51,7 +51,7 @@ void Draw_Check(ZVDrawInfo* draw, ZVItem const& item, Look look)
 {
     long const box = item.text ? boxWidth : item.width;
     Draw_Bevel(draw, 0, 0, box, item.height, look.isSunken, look.isDisabled);
-    SetPenZV(draw, look.Pen(item.state ? On_Face(item) : ZV_PEN_FACE));
+    SetPenZV(draw, look.Pen(Face_Color(item, item.state)));
     FillRectZV(draw, 2, 2, box - 3, item.height - 3);
     if (item.text) Draw_Check_Label(draw, item, look);
     if (!item.state) return;

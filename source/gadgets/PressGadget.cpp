@@ -3,8 +3,9 @@
 
 #include "ZVEnvironment.h"
 
-unsigned long On_Face(ZVItem const& item)
+unsigned long Face_Color(ZVItem const& item, bool isOn)
 {
+    if (!isOn) return ZV_PEN_FACE;
     TagItem const* tag = FindTagItem(ZV_ITEM_COLOR, item.tags);
     return tag ? tag->data : ZV_PEN_FACE_ON;
 }

@@ -47,8 +47,8 @@ inline unsigned long Shown_Color(unsigned long colour, bool isDisabled)
     return isDisabled ? DisableColorZV(colour) : colour;
 }
 
-/// The face of a gadget that is on, which may have a colour of its own.
-unsigned long On_Face(ZVItem const& item);
+/// The face of a gadget, which may have a colour of its own while it is on.
+unsigned long Face_Color(ZVItem const& item, bool isOn);
 
 /// A bevel border of `w` by `h` pixels.
 void Draw_Bevel(ZVDrawInfo* draw, long x, long y, long w, long h, bool isSunken, bool isDisabled);

@@ -2,6 +2,7 @@
 // walked, so the palette is looked for after each call; its groups and items live as long as it does.
 #include "EventWalk.h"
 
+#include "GadgetEvent.h"
 #include "HitTest.h"
 #include "PaletteWatch.h"
 
@@ -113,19 +114,6 @@ void Send_Mouse_Button(ZVEvent& event)
     Call_Back(group && group->callback ? group->callback : palette->callback, event);
 }
 
-/// Custom event 113 for an item that wants it and does not get it as the holder of the press already.
-static void Tick_Gadget(ZVItem* item)
-{
-    if (!(item->flags & ZV_ITEMF_TICKS) || item == ZVEnv->tickItem) return;
-    ZVPlace const place = ZVPlace{ZVEnv->pointerX, ZVEnv->pointerY} - Screen_Place_Of_Item(item);
-    ZVCustomEvent tick{};
-    tick.type = ZV_CUSTOM_TICK;
-    tick.item = item;
-    tick.x = static_cast<int32_t>(place.x);
-    tick.y = static_cast<int32_t>(place.y);
-    Do_CustomEvent(&tick);
-}
-
 /// False when the palette was closed.
 static bool Tick_Group(ZVEvent& event, ZVGroup* group, PaletteWatch const& watch)
 {
@@ -133,8 +121,9 @@ static bool Tick_Group(ZVEvent& event, ZVGroup* group, PaletteWatch const& watch
     for (Node* node = List_First(&group->items); node; node = List_Next(node)) {
         auto* const item = Record_Of<ZVItem>(node);
         if (item->flags & ZV_ITEMF_HIDDEN) continue;
-        if (item->flags & ZV_ITEMF_TICKS) {
-            Tick_Gadget(item);
+        // The holder of the press has had its tick.
+        if (item->flags & ZV_ITEMF_TICKS && item != ZVEnv->tickItem) {
+            Send_Gadget_Event(ZV_CUSTOM_TICK, item, Pointer());
             if (!watch.Is_There()) return false;
         }
         event.item = Tag_Word(item);

@@ -7,7 +7,7 @@
 
 /// Reads the text of a key file into a chain of sections, whose head is not null. The bindings are in one
 /// block of the first section that has none yet. Problems are shown to the user and reading goes on.
-void Parse_Key_Text(std::string_view text, ZVKeySection* chain);
+ZV_API void Parse_Key_Text(std::string_view text, ZVKeySection* chain);
 
 /// The binding of a key with an action; 0 for none.
 /// @param key  code with modifier bits, as in a binding

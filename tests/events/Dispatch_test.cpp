@@ -1,0 +1,352 @@
+// Who gets an event, in what order and with what in it.
+#include "EventTest.h"
+
+#include "FailingHeap.h"
+
+namespace {
+
+class Dispatch : public EventTest {
+protected:
+    ZVWindow* window = Add_Window(100, 50);
+    ZVPalette* palette = Add_Palette(window, 1);
+    ZVGroup* group = Add_Group(palette, 10, {10, 10, 60, 40});
+    ZVItem* item = Add_Item(group, 20, {5, 5, 20, 10});
+
+    unsigned long Send(uint16_t type, void* arg) { return Do_Event(type, Tag_Word(arg)); }
+};
+
+}  // namespace
+
+TEST_F(Dispatch, TheFirstCallbackThatIsThereGetsAGadgetEvent)
+{
+    Send(ZV_EVENT_GADGET, item);
+    EXPECT_EQ(Log(), "I1:5");
+    EXPECT_EQ(desktop.calls, std::vector<std::string>{"dependencies"});
+    item->callback = nullptr;
+    Send(ZV_EVENT_GADGET, item);
+    EXPECT_EQ(Log(), "G1:5");
+    group->callback = nullptr;
+    Send(ZV_EVENT_GADGET, item);
+    EXPECT_EQ(Log(), "P1:5");
+    palette->callback = nullptr;
+    Send(ZV_EVENT_GADGET, item);
+    EXPECT_EQ(Log(), "A1:5");
+    ZVEnv->callback = nullptr;
+    EXPECT_EQ(Send(ZV_EVENT_GADGET, item), 0u);
+}
+
+TEST_F(Dispatch, EventsGoWhereTheirNumbersSay)
+{
+    ZVPalette* const modal = Add_Palette(Add_Window(0, 0), 2, ZV_KIND_MODAL);
+    ZVKeySection section{};
+    struct {
+        uint16_t type;
+        char const* plain;
+        char const* modal;
+    } const rows[] = {
+        {ZV_EVENT_KEY, "A0:1", "P2:1"},        {ZV_EVENT_ACTION, "A0:24", "P2:24"},
+        {ZV_EVENT_MOUSE_DOWN, "A0:3", "A0:3"}, {ZV_EVENT_MENU_INIT, "A0:16", "A0:16"},
+        {ZV_EVENT_OPEN_DOC, "A0:18", "A0:18"}, {13, "A0:13", "A0:13"},
+        {1000, "A0:1000", "A0:1000"},
+    };
+    for (auto const& row : rows) {
+        Do_Event(row.type, 0);
+        EXPECT_EQ(Log(), row.plain);
+        ZVEnv->modalPalette = modal;
+        modal->keySection = &section;
+        Do_Event(row.type, 0);
+        EXPECT_EQ(Log(), row.modal);
+        ZVEnv->modalPalette = nullptr;
+    }
+    for (uint16_t type : {7, 8, 9, 10, 11, 12, 20, 21, 22, 23, 26, 27, 29}) {
+        Send(type, palette);
+        EXPECT_EQ(Log(), "P1:" + std::to_string(type));
+    }
+}
+
+TEST_F(Dispatch, KeysGoToAPopUpEvenBeforeAModalPalette)
+{
+    ZVEnv->modalPalette = Add_Palette(Add_Window(0, 0), 2, ZV_KIND_MODAL);
+    ZVPalette* const popUp = Add_Palette(Add_Window(0, 0), 3, ZV_KIND_TRANSIENT);
+    ZVEnv->lastPaletteId = 3;
+    onEvent = [&](auto const&, ZVEvent* event) {
+        EXPECT_EQ(event->item, 'q');
+        EXPECT_EQ(event->key, 300u);
+        EXPECT_EQ(event->modifiers, ZV_MOD_COMMAND | ZV_MOD_REPEAT) << "keys keep command";
+        EXPECT_EQ(ZVEnv->currentPalette, event->palette);
+    };
+    ZVEnv->modifiers = ZV_MOD_COMMAND | ZV_MOD_REPEAT;
+    Do_Event(ZV_EVENT_KEY, 'q' << 16 | 300);
+    EXPECT_EQ(Log(), "P3:1");
+    EXPECT_EQ(ZVEnv->modifiers, ZV_MOD_COMMAND);
+    onEvent = nullptr;
+    popUp->kind = ZV_KIND_FIXED;
+    Do_Event(ZV_EVENT_KEY, 0);
+    EXPECT_EQ(Log(), "P2:1");
+}
+
+TEST_F(Dispatch, ResultsComeBackAndAskingToCloseBeginsWithYes)
+{
+    palette->callback = nullptr;
+    EXPECT_EQ(Send(ZV_EVENT_ASK_CLOSE, palette), 1u);
+    EXPECT_EQ(Log(), "A1:22");
+    palette->callback = [](ZVEvent* event) { event->result = event->type == ZV_EVENT_ASK_CLOSE ? 0 : 7; };
+    EXPECT_EQ(Send(ZV_EVENT_ASK_CLOSE, palette), 0u);
+    EXPECT_EQ(Send(ZV_EVENT_CLOSE_BOX, palette), 7u);
+}
+
+TEST_F(Dispatch, EventsHoldWhatTheyAreAbout)
+{
+    palette->horizontal.value = -5;
+    palette->vertical.value = 6;
+    unsigned long held = 0;
+    onEvent = [&](auto const&, ZVEvent* event) { held = event->item; };
+    Send(ZV_EVENT_SCROLL_H, palette);
+    EXPECT_EQ(static_cast<int32_t>(held), -5);
+    Send(ZV_EVENT_SCROLL_V, palette);
+    EXPECT_EQ(held, 6u);
+    Send(ZV_EVENT_ZOOM, palette);
+    EXPECT_EQ(held, Tag_Word(palette));
+    Do_Event(ZV_EVENT_REMOTE_MESSAGE, 77);
+    EXPECT_EQ(held, 77u);
+}
+
+TEST_F(Dispatch, ReportAndKeyBitsLastForOneEvent)
+{
+    uint32_t const all = 0x1FFFF;
+    for (uint16_t type : {1, 5, 9, 22}) {
+        ZVEnv->modifiers = all;
+        Do_Event(type, type == 5 ? Tag_Word(item) : Tag_Word(palette));
+        EXPECT_EQ(ZVEnv->modifiers, all & ~0x6038u) << type;
+    }
+    Log();
+    ZVEnv->modifiers = all;
+    EXPECT_EQ(Do_Event(ZV_EVENT_NONE, 0), 0u);
+    EXPECT_EQ(ZVEnv->modifiers, all & ~0x38u);
+    EXPECT_EQ(Log(), "") << "no callback";
+}
+
+TEST_F(Dispatch, CommandIsControlForAllButKeys)
+{
+    ZVEnv->mousePalette = palette;
+    onEvent = [](auto const&, ZVEvent* event) {
+        uint32_t const expected = event->type <= 6 && event->type != 1 ? ZV_MOD_CONTROL : ZV_MOD_COMMAND;
+        EXPECT_EQ(event->modifiers, expected) << event->type;
+    };
+    ZVEnv->modifiers = ZV_MOD_COMMAND;
+    for (uint16_t type : {1, 2, 3, 4, 6, 24})
+        Do_Event(type, 0);
+    Send(ZV_EVENT_GADGET, item);
+    onCustom = [](ZVCustomEvent* event) {
+        EXPECT_EQ(event->modifiers, event->type == ZV_CUSTOM_KEY ? ZV_MOD_COMMAND : ZV_MOD_CONTROL);
+    };
+    for (uint16_t type : {108, 112}) {
+        ZVCustomEvent event{.type = type, .item = item};
+        Do_CustomEvent(&event);
+    }
+}
+
+TEST_F(Dispatch, PalettesInsideGetTheEventsOfThePaletteAroundThem)
+{
+    ZVPalette* const first = Add_SubPalette(palette, 2);
+    Add_SubPalette(first, 3);
+    Add_SubPalette(palette, 4);
+    Send(ZV_EVENT_ACTIVATE, palette);
+    EXPECT_EQ(Log(), "P1:9 P2:9 P3:9 P4:9");
+    Send(ZV_EVENT_ZOOM, palette);
+    EXPECT_EQ(Log(), "P1:23");
+    onEvent = [&](auto const& who, ZVEvent*) {
+        if (who == "P2") Close(first);
+    };
+    Send(ZV_EVENT_DOC_ACTIVATE, palette);
+    EXPECT_EQ(Log(), "P1:11 P2:11 P4:11") << "one of them closed";
+    onEvent = [&](auto const&, ZVEvent*) { Close(palette); };
+    Send(ZV_EVENT_DEACTIVATE, palette);
+    EXPECT_EQ(Log(), "P1:10") << "all of them closed";
+}
+
+TEST_F(Dispatch, APaletteUnderConstructionHandsOnThatItWasSetUp)
+{
+    ZVPalette* const inner = Add_SubPalette(palette, 2);
+    Remove(&palette->node);
+    ZVEnv->currentPalette = palette;
+    Send(ZV_EVENT_SETUP, palette);
+    Send(ZV_EVENT_ACTIVATE, palette);
+    EXPECT_EQ(Log(), "P1:7 P2:7 P1:9");
+    EXPECT_EQ(ZVEnv->currentPalette, palette) << "it cannot have been closed";
+    EXPECT_EQ(inner->parent, palette);
+    AddTail(&window->palettes, &palette->node);
+}
+
+TEST_F(Dispatch, TheCurrentPaletteComesBackUnlessItWasClosed)
+{
+    ZVPalette* const other = Add_Palette(Add_Window(0, 0), 2);
+    ZVEnv->currentPalette = other;
+    onEvent = [&](auto const&, ZVEvent*) { EXPECT_EQ(ZVEnv->currentPalette, palette); };
+    Send(ZV_EVENT_GADGET, item);
+    EXPECT_EQ(ZVEnv->currentPalette, other);
+    onEvent = [&](auto const&, ZVEvent*) { Close(other); };
+    Send(ZV_EVENT_GADGET, item);
+    EXPECT_EQ(ZVEnv->currentPalette, nullptr);
+}
+
+static std::string hookLog;
+static std::function<void()> onHook;
+static void Hook(void* palette, long event, void* user)
+{
+    hookLog += std::to_string(static_cast<ZVPalette*>(palette)->node.id) + ":" + std::to_string(event) +
+               static_cast<char const*>(user) + ' ';
+    if (onHook) std::exchange(onHook, nullptr)();
+}
+
+TEST_F(Dispatch, HooksAreCalledBehindTheCallbacksOfTheirPalette)
+{
+    ZVPalette* const other = Add_Palette(window, 2);
+    auto const addHook = [&](ZVPalette* of, uint32_t event, char const* user) {
+        auto* hook = new ZVEventHook{{}, of, event, Hook, const_cast<char*>(user)};
+        AddTail(&window->hooks, &hook->node);
+        return hook;
+    };
+    ZVEventHook* const first = addHook(palette, ZV_EVENT_GADGET, "a");
+    addHook(other, ZV_EVENT_GADGET, "b");
+    addHook(palette, ZV_EVENT_TICK, "c");
+    addHook(palette, ZV_EVENT_GADGET, "d");
+
+    hookLog.clear();
+    onEvent = [](auto const&, ZVEvent*) { EXPECT_EQ(hookLog, ""); };
+    Send(ZV_EVENT_GADGET, item);
+    EXPECT_EQ(std::exchange(hookLog, {}), "1:5a 1:5d ");
+    onEvent = nullptr;
+    Do_Event(ZV_EVENT_TICK, 0);
+    EXPECT_EQ(std::exchange(hookLog, {}), "1:6c ");
+    onHook = [&] {
+        Remove(&first->node);
+        delete first;
+    };
+    Send(ZV_EVENT_GADGET, item);
+    EXPECT_EQ(std::exchange(hookLog, {}), "1:5a 1:5d ") << "a hook that takes itself out";
+    onHook = [&] { Close(palette); };
+    Send(ZV_EVENT_GADGET, item);
+    EXPECT_EQ(std::exchange(hookLog, {}), "1:5d ");
+    onEvent = nullptr;
+}
+
+TEST_F(Dispatch, AGadgetFunctionAnswersWithAnEventAndItsReportBits)
+{
+    onCustom = [](ZVCustomEvent* event) {
+        EXPECT_EQ(event->replyType, event->type == ZV_CUSTOM_MOUSE_MOVE ? 2 : 14);
+        EXPECT_EQ(event->replyFlags, 0u);
+        EXPECT_EQ(event->ticks, 42u);
+        EXPECT_EQ(ZVEnv->currentPalette->node.id, 1u);
+        event->replyType = ZV_EVENT_GADGET;
+        event->replyData = Tag_Word(event->item);
+        event->replyFlags = ZV_MOD_CHANGE;
+    };
+    uint32_t reported = 0;
+    onEvent = [&](auto const&, ZVEvent* event) { reported = event->modifiers; };
+    ZVEnv->ticks = 42;
+    ZVEnv->currentPalette = nullptr;
+    ZVCustomEvent event{.type = ZV_CUSTOM_MOUSE_MOVE, .item = item, .replyFlags = 99};
+    EXPECT_EQ(Do_CustomEvent(&event), 1);
+    EXPECT_EQ(Log(), "C20:109 I1:5");
+    EXPECT_EQ(reported, ZV_MOD_CHANGE);
+    EXPECT_EQ(ZVEnv->modifiers, 0u);
+    EXPECT_EQ(ZVEnv->currentPalette, nullptr);
+
+    ZVEnv->modifiers = ZV_MOD_DOUBLE_CLICK;
+    EXPECT_EQ(Do_CustomEvent(&event), 1);
+    EXPECT_EQ(Log(), "") << "no movements in a double click";
+}
+
+TEST_F(Dispatch, AGadgetFunctionMayCloseItsPalette)
+{
+    ZVPalette* const other = Add_Palette(Add_Window(0, 0), 2);
+    ZVItem* const linked = Add_Item(Add_Group(other, 11, {0, 0, 9, 9}), 21, {0, 0, 9, 9});
+    ZVItem* reported = item;
+    onCustom = [&](ZVCustomEvent* event) {
+        event->replyType = ZV_EVENT_GADGET;
+        event->replyData = Tag_Word(reported);
+        Close(palette);
+    };
+    ZVEnv->currentPalette = palette;
+    ZVCustomEvent event{.type = ZV_CUSTOM_MOUSE_UP, .item = item};
+    Do_CustomEvent(&event);
+    EXPECT_EQ(Log(), "C20:107") << "nothing is left to report";
+    EXPECT_EQ(ZVEnv->currentPalette, nullptr);
+
+    palette = Add_Palette(window, 1);
+    event = {.type = ZV_CUSTOM_MOUSE_UP, .item = Add_Item(Add_Group(palette, 10, {}), 20, {})};
+    reported = linked;
+    Do_CustomEvent(&event);
+    EXPECT_EQ(Log(), "C20:107 I2:5") << "a pop-up reports for the gadget that opened it";
+}
+
+TEST_F(Dispatch, ATickReachesAllThatShows)
+{
+    item->flags |= ZV_ITEMF_TICKS;
+    ZVPalette* const hidden = Add_SubPalette(palette, 2);
+    hidden->flags = ZV_PALF_HIDDEN;
+    Add_SubPalette(hidden, 3);
+    Add_Group(palette, 11, {})->flags = ZV_GRPF_HIDDEN;
+    Add_Item(group, 21, {})->flags = ZV_ITEMF_HIDDEN;
+    Add_Palette(Add_Window(0, 0), 4);
+    ZVEnv->pointerX = 100 + 4 + 11 + 5 + 7;
+    onCustom = [](ZVCustomEvent* event) { EXPECT_EQ(event->x, 7); };
+    EXPECT_EQ(Do_Event(ZV_EVENT_TICK, 0), 0u);
+    EXPECT_EQ(Log(), "P1:6 G1:6 C20:113 I1:6 P4:6 A0:6");
+    ZVEnv->tickItem = item;
+    Do_Event(ZV_EVENT_TICK, 0);
+    EXPECT_EQ(Log(), "P1:6 G1:6 I1:6 P4:6 A0:6") << "the holder of the press has its own tick";
+}
+
+TEST_F(Dispatch, ATickEndsWhenAPaletteClosesInIt)
+{
+    for (std::string const closer : {"P1", "G1", "C20", "I1"}) {
+        ZVPalette* const closing = Add_Palette(Add_Window(0, 0), 1);
+        Remove(&closing->window->node);
+        AddHead(&ZVEnv->windows, &closing->window->node);
+        Add_Item(Add_Group(closing, 10, {}), 20, {})->flags = ZV_ITEMF_TICKS;
+        onEvent = [&](auto const& who, ZVEvent*) {
+            if (who == closer) Close(closing);
+        };
+        onCustom = [&](ZVCustomEvent*) {
+            if (closer == "C20") Close(closing);
+        };
+        ZVEnv->currentPalette = palette;
+        EXPECT_EQ(Do_Event(ZV_EVENT_TICK, 0), 1u);
+        std::string const log = Log();
+        EXPECT_EQ(log.find("A0"), log.npos) << closer;
+        EXPECT_EQ(log.find(closer), log.rfind(closer)) << log;
+        EXPECT_EQ(ZVEnv->currentPalette, palette);
+    }
+    onEvent = nullptr;
+}
+
+TEST_F(Dispatch, ATickGoesOnWhenAnotherPaletteCloses)
+{
+    ZVPalette* const other = Add_Palette(Add_Window(0, 0), 2);
+    Add_Palette(Add_Window(0, 0), 3);
+    onEvent = [&](auto const& who, ZVEvent*) {
+        if (who == "P1") Close(other);
+    };
+    EXPECT_EQ(Do_Event(ZV_EVENT_TICK, 0), 0u);
+    EXPECT_EQ(Log(), "P1:6 G1:6 I1:6 P3:6 A0:6");
+}
+
+TEST_F(Dispatch, AllocatesNothing)
+{
+    if (!FailingHeap::Is_Available()) GTEST_SKIP() << "no heap of its own";
+    ZVEnv->callback = nullptr;
+    for (auto** callback : {&palette->callback, &group->callback, &item->callback})
+        *callback = [](ZVEvent*) {};
+    item->customFunc = [](ZVCustomEvent*) { return 1L; };
+    FailingHeap const heap(0);
+    Handle_MouseMove(100 + 4 + 11 + 8, 50 + 5 + 11 + 8);
+    for (uint16_t type : {1, 2, 3, 4, 6, 24})
+        Do_Event(type, 0);
+    Send(ZV_EVENT_ACTIVATE, palette);
+    Custom_Gad_MouseDown(120, 70, 1, 1);
+    Custom_Gad_MouseMove(121, 70);
+    Custom_Gad_MouseUp(121, 70);
+    EXPECT_EQ(heap.Failures(), 0);
+}

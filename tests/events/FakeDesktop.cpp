@@ -1,0 +1,139 @@
+#include "FakeDesktop.h"
+
+FakeDesktop desktop;
+
+static void Note(char const* call)
+{
+    desktop.calls.emplace_back(call);
+}
+
+static bool Holds(ZVWindow const& window, long x, long y)
+{
+    return x >= window.left && y >= window.top && x < window.left + window.width &&
+           y < window.top + window.height;
+}
+
+/// Windows made later lie in front.
+ZVWindow* Mac_Find_Window(long x, long y, long* localX, long* localY)
+{
+    ZVWindow* found = nullptr;
+    for (Node* node = List_First(&ZVEnv->windows); node; node = List_Next(node)) {
+        auto* window = reinterpret_cast<ZVWindow*>(node);
+        if (!window->parent && Holds(*window, x, y)) found = window;
+    }
+    *localX = found ? x - found->left : 0;
+    *localY = found ? y - found->top : 0;
+    return found;
+}
+
+ZVPort* Mac_Window_Port(ZVWindow*)
+{
+    return desktop.port;
+}
+
+void Mac_Show_Cursor(unsigned short code)
+{
+    desktop.cursors.push_back(code);
+}
+
+uint32_t Mac_Tick_Count()
+{
+    return desktop.tickCount;
+}
+
+long Mac_Double_Click_Time()
+{
+    return 30;
+}
+
+uint32_t Mac_Keyboard_State()
+{
+    return desktop.keyboard;
+}
+
+void Mac_Drop_Focus(unsigned long)
+{
+    Note("drop focus");
+}
+
+void Activate_First_Gadget(ZVPalette*)
+{
+    Note("first gadget");
+}
+
+void Mac_Flush_Events()
+{
+    Note("flush");
+}
+
+void Mac_Run_Modal_Loop(ZVPalette*)
+{
+    Note("modal loop");
+    if (desktop.modalLoop) desktop.modalLoop();
+}
+
+void Mac_Run_Application_Loop()
+{
+    Note("application loop");
+    if (desktop.applicationLoop) desktop.applicationLoop();
+}
+
+void Mac_Handle_Waiting_Events()
+{
+    Note("waiting events");
+}
+
+void Mac_Idle_Text_Field()
+{
+    Note("idle");
+}
+
+void Mac_Move_Pointer_Freely(long on)
+{
+    Note(on ? "free pointer" : "held pointer");
+}
+
+void Process_Dependencies(ZVItem*)
+{
+    Note("dependencies");
+}
+
+unsigned short GetItemFont(ZVItem const*)
+{
+    return 0;
+}
+
+/// Next sibling of the palette or of its nearest parent that has one.
+static ZVPalette* Next_Behind(ZVPalette* palette)
+{
+    for (; palette; palette = palette->parent)
+        if (Node* next = List_Next(&palette->node)) return reinterpret_cast<ZVPalette*>(next);
+    return nullptr;
+}
+
+ZVPalette* Get_Next_Palette(ZVWindow* window, ZVPalette* palette)
+{
+    Node* first = List_First(palette ? &palette->subPalettes : &window->palettes);
+    return first ? reinterpret_cast<ZVPalette*>(first) : Next_Behind(palette);
+}
+
+template <typename Match> static ZVPalette* Find(Match matches)
+{
+    for (Node* node = List_First(&ZVEnv->windows); node; node = List_Next(node)) {
+        auto* window = reinterpret_cast<ZVWindow*>(node);
+        ZVPalette* palette = nullptr;
+        while ((palette = Get_Next_Palette(window, palette)))
+            if (matches(palette)) return palette;
+    }
+    return nullptr;
+}
+
+ZVPalette* FindPaletteZV(ZVPalette const* wanted)
+{
+    return Find([=](ZVPalette const* palette) { return palette == wanted; });
+}
+
+ZVPalette* FindPaletteZV(unsigned short id)
+{
+    return Find([=](ZVPalette const* palette) { return palette->node.id == id; });
+}

@@ -1,0 +1,261 @@
+// Key files, and what a key does by them.
+#include "EventTest.h"
+
+#include "interface/KeyFile.h"
+
+namespace {
+
+ZVKeyCommand const commands[] = {{"Save", 10}, {"Load", 11}, {"Refresh", 12}, {nullptr, 0}};
+
+/// Reads a text into the sections "Main" and "Other" and keeps what was said about it.
+struct Sections {
+    ZVKeySection other{.name = "Other", .commands = commands};
+    ZVKeySection main{.next = &other, .name = "Main", .commands = commands};
+    std::string messages;
+
+    explicit Sections(std::string_view text = {}) { Read(text); }
+    ~Sections() { CleanupKeySectionZV(&main); }
+
+    void Read(std::string_view text)
+    {
+        testing::internal::CaptureStderr();
+        Parse_Key_Text(text, &main);
+        messages = testing::internal::GetCapturedStderr();
+    }
+
+    /// Each binding as "key:action", with its number when there is one.
+    static std::string Bindings(ZVKeySection const& section)
+    {
+        std::string text;
+        for (auto const* binding = section.bindings; binding && binding->key; ++binding) {
+            text += (text.empty() ? "" : " ") + std::to_string(binding->key) + ":" +
+                    std::to_string(binding->action);
+            if (binding->parameter) text += "/" + std::to_string(binding->parameter);
+        }
+        return text;
+    }
+};
+
+/// What the user is told, as the string file has it.
+template <typename... Values> std::string Said(unsigned long id, Values... values)
+{
+    testing::internal::CaptureStderr();
+    UserMessageZV(id, values...);
+    return testing::internal::GetCapturedStderr();
+}
+
+class KeyFile : public EventTest {
+protected:
+    KeyFile() { Load_Texts(); }
+
+    /// The library's own texts, put where the string file is looked for.
+    void Load_Texts()
+    {
+        if (ZVEnv->stringTable) return;
+        std::filesystem::create_directories(environment.Path("Locale"));
+        for (char const* name : {"ZVLibStr.txt", "ZVLibStr.h"})
+            std::filesystem::copy_file(std::string(ZV_RESOURCES_DIR "/Locale/") + name,
+                                       environment.Path(std::string("Locale/") + name));
+        FreeFileSpecZV(std::exchange(ZVEnv->homeDir, AllocString((environment.Spec() + "\\").c_str())));
+        AppendStringFileZV("Locale\\ZVLibStr.txt");
+    }
+};
+
+std::string const control = std::to_string('s' | 0x200), command = std::to_string('s' | 0x1000);
+
+}  // namespace
+
+TEST_F(KeyFile, LinesBecomeBindings)
+{
+    struct {
+        char const* why;
+        std::string text;
+        std::string main, other;
+        std::string messages;
+    } const rows[] = {
+        {"the plainest", "Section Main\na Save", "97:10", "", ""},
+        {"no section yet", "a Save\nSection Main", "", "", ""},
+        {"an unknown section", "Section Main\na Save\nSection None\nb Nonsense", "97:10", "", ""},
+        {"two sections", "Section Main\na Save\nSection Other\na Load\n", "97:10", "97:11", ""},
+        {"upper case is shift", "Section Main\nA Save\na Load\nSHIFT b Save", "1121:10 97:11 1122:10", "",
+         ""},
+        {"case of keywords", "sECTION mAIN\ncontrol Command f5 sAVE", std::to_string(292 | 0x1200) + ":10",
+         "", ""},
+        {"both names of alt", "Section Main\nALT a Save\nOPTION b Load", "2145:10 2146:11", "", ""},
+        {"blanks and tabs", " \t Section\tMain \n\t\n  \t a \t Save\t ", "97:10", "", ""},
+        {"a number", "Section Main\nF5 Refresh 2\nF6 Refresh x\nF7 Save -1", "292:12/2 293:12 294:10/65535",
+         "", ""},
+        {"space", "Section Main\nSPACE Save", "32:10", "", ""},
+        {"comments", "//Section Main\nSection Main\n  // a Save\n/ Load", "47:11", "", ""},
+        {"line ends", "Section Main\ra Save\r\nb Load\n\nq None", "97:10 98:11 113:0", "", Said(116, 5)},
+        {"modifiers alone", "Section Main\nSHIFT\na Save", "97:10", "", ""},
+        {"an unknown key ends no table", "Section Main\nF99 Save\na Save", "97:10", "", Said(116, 2)},
+        {"an unknown key and action", "Section Main\nF99 None", "", "", Said(116, 2) + Said(116, 2)},
+        {"an unknown action", "Section Main\na None 5\nb", "97:0/5 98:0", "", Said(116, 2) + Said(116, 3)},
+        {"a key that is taken", "Section Main\nCONTROL Q Save\nb Load\ncontrol shift q None\n",
+         std::to_string('q' | 0x600) + ":10 98:11", "", Said(117, "q", 4)},
+        {"a section that has its keys", "Section Main\na Save\nsection main\nb Load\nSection Other\nc Save",
+         "97:10", "99:10", Said(119, "main", 3)},
+        {"conditionals", "Section Main\nif Linux\nCONTROL s Save\nelse\nCOMMAND s Save\nendif\na Load",
+         control + ":10 97:11", "", ""},
+        {"conditionals of others",
+         "Section Main\nif Macintosh\nCONTROL s Save\nelse\nCOMMAND s Save\nendif\na Load",
+         command + ":10 97:11", "", ""},
+        {"keywords of conditionals", "Section Main\nIFDEF linux64\na Save\nELSE\nb Save\nEndIf\nc Load",
+         "97:10 99:11", "", ""},
+        {"no word", "Section Main\nif\na Save\nendif\nb Load", "98:11", "", ""},
+        {"else alone", "Section Main\na Save\nelse\nb Save\nelse\nc Save", "97:10 99:10", "", ""},
+        {"skipped sections", "Section Main\nif Other\nSection Other\nendif\na Save", "97:10", "", ""},
+    };
+    for (auto const& row : rows) {
+        Sections const sections(row.text);
+        EXPECT_EQ(Sections::Bindings(sections.main), row.main) << row.why;
+        EXPECT_EQ(Sections::Bindings(sections.other), row.other) << row.why;
+        EXPECT_EQ(sections.messages, row.messages) << row.why;
+    }
+}
+
+TEST_F(KeyFile, NamedKeysCountFrom288)
+{
+    std::string_view const names =
+        "F1 F2 F3 F4 F5 F6 F7 F8 F9 F10 F11 F12 F13 F14 F15 LEFTARROW RIGHTARROW UPARROW DOWNARROW HELP "
+        "DELETE BACKSPACE ENTER HOME END TAB PAGEUP PAGEDOWN ESC RETURN CAPSLOCK INSERT ";
+    std::string text = "Section Main\n", expected;
+    for (long key = 288, start = 0; key <= 319; ++key) {
+        std::size_t const end = names.find(' ', static_cast<std::size_t>(start));
+        text += std::string(
+                    names.substr(static_cast<std::size_t>(start), end - static_cast<std::size_t>(start))) +
+                " Save\n";
+        expected += (expected.empty() ? "" : " ") + std::to_string(key) + ":10";
+        start = static_cast<long>(end) + 1;
+    }
+    Sections const sections(text);
+    EXPECT_EQ(Sections::Bindings(sections.main), expected);
+    EXPECT_EQ(sections.messages, "");
+}
+
+TEST_F(KeyFile, NamesMayComeByStringId)
+{
+    // Strings 100 and 101 are the texts of two buttons.
+    ZVKeyCommandId const ids[] = {{101, 7}, {0, 0}};
+    ZVKeySection section{.nameId = 100, .commandIds = ids};
+    Parse_Key_Text(std::string("Section ") + GetStringZV(100) + "\na " + GetStringZV(101), &section);
+    EXPECT_EQ(Sections::Bindings(section), "97:7");
+    CleanupKeySectionZV(&section);
+}
+
+TEST_F(KeyFile, ATextThatSaysNothingAllocatesNothing)
+{
+    for (char const* text : {"", "\n\r\n", "// one\n  // two", "   \t"}) {
+        Sections const sections(text);
+        EXPECT_EQ(sections.main.block, nullptr);
+    }
+}
+
+TEST_F(KeyFile, FilesAreReadFromTheHomeDirectoryInPlaceOfWhatWasThere)
+{
+    Sections sections("Section Main\na Save\nSection Other\nb Save");
+    environment.Write("Keys.txt", "Section Main\nx Load\n");
+    SetKeyFileZV("Keys.txt", &sections.main);
+    EXPECT_EQ(Sections::Bindings(sections.main), "120:11");
+    EXPECT_EQ(sections.other.bindings, nullptr);
+
+    // A second file adds to the first one.
+    Parse_KeyFile(environment.Write("More.txt", "Section Other\ny Save").c_str(), &sections.main);
+    EXPECT_EQ(Sections::Bindings(sections.main) + " " + Sections::Bindings(sections.other), "120:11 121:10");
+
+    testing::internal::CaptureStderr();
+    SetKeyFileZV("None.txt", &sections.main);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), Said(115));
+    EXPECT_EQ(sections.main.bindings, nullptr);
+}
+
+TEST_F(KeyFile, ABindingIsFoundByKeyAndFourModifiers)
+{
+    Sections sections(
+        "Section Main\nCONTROL a None\nb Save\nSection Other\nCONTROL a Load\nb Load\nc Refresh");
+    EXPECT_EQ(GetKeyActionZV(&sections.main, 'a', ZV_MOD_CONTROL | ZV_MOD_CAPS_LOCK | 1), 11)
+        << "an action of 0 is none";
+    EXPECT_EQ(GetKeyActionZV(&sections.main, 'a', 0), 0);
+    EXPECT_EQ(GetKeyActionZV(&sections.main, 'b', 0), 10) << "the first in the chain";
+    EXPECT_EQ(GetKeyActionZV(nullptr, 'b', 0), 0);
+    EXPECT_EQ(Find_Key(&sections.other, 11), 'a' | 0x200);
+    EXPECT_EQ(Find_Key(&sections.other, 10), 0);
+}
+
+TEST_F(KeyFile, AKeyThatNobodyTookBecomesAnAction)
+{
+    Sections sections("Section Main\na Save\nSection Other\nb Load");
+    ZVEnv->keySection = &sections.main;
+    unsigned long action = 0;
+    bool isTaken = false;
+    onEvent = [&](auto const&, ZVEvent* event) {
+        if (event->type == ZV_EVENT_ACTION) action = event->item;
+        event->result = isTaken;
+    };
+    Do_Event(ZV_EVENT_KEY, 'a' << 16 | 'a');
+    EXPECT_EQ(Log(), "A0:1 A0:24");
+    EXPECT_EQ(action, 10u);
+    Do_Event(ZV_EVENT_KEY, 'b' << 16 | 'b');
+    EXPECT_EQ(Log(), "A0:1") << "the first section alone";
+    ZVEnv->modifiers = ZV_MOD_KEY_UP;
+    Do_Event(ZV_EVENT_KEY, 'a' << 16 | 'a');
+    EXPECT_EQ(Log(), "A0:1") << "a release";
+    isTaken = true;
+    Do_Event(ZV_EVENT_KEY, 'a' << 16 | 'a');
+    EXPECT_EQ(Log(), "A0:1");
+    EXPECT_EQ(ProcessKeyEventZV(&sections.main, 'b', 0), 1);
+    EXPECT_EQ(ProcessKeyEventZV(&sections.main, 'b', ZV_MOD_KEY_UP), 0);
+    EXPECT_EQ(ProcessKeyEventZV(&sections.main, 'c', 0), 0);
+    EXPECT_EQ(ProcessKeyEventZV(nullptr, 'b', 0), 0);
+    EXPECT_EQ(Log(), "A0:24");
+    ZVEnv->keySection = nullptr;
+}
+
+TEST_F(KeyFile, AModalPaletteKeepsKeysForItself)
+{
+    Sections global("Section Main\na Save\nm Save");
+    Sections own("Section Main\nm Load\nSection Other\na Load");
+    ZVEnv->keySection = &global.main;
+    ZVPalette* const modal = Add_Palette(Add_Window(0, 0), 1, ZV_KIND_MODAL);
+    ZVEnv->modalPalette = modal;
+    Process_Keys('a', 0);
+    EXPECT_EQ(Log(), "") << "nothing reaches behind it";
+    modal->keySection = &own.main;
+    onEvent = [](auto const&, ZVEvent* event) { EXPECT_EQ(event->item, 11u); };
+    Process_Keys('a', 0);
+    EXPECT_EQ(Log(), "");
+    Process_Keys('m', 0);
+    EXPECT_EQ(Log(), "P1:24");
+    modal->callback = nullptr;
+    Process_Keys('m', 0);
+    EXPECT_EQ(Log(), "A0:24");
+    ZVEnv->keySection = nullptr;
+}
+
+TEST_F(KeyFile, ASectionsCallbackTakesThePlaceOfTheApplications)
+{
+    Sections sections("Section Main\na Save");
+    static int calls;
+    calls = 0;
+    sections.main.callback = [](ZVEvent* event) { calls += event->type == ZV_EVENT_ACTION; };
+    EXPECT_EQ(ProcessKeyEventZV(&sections.main, 'a', 0), 1);
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(Log(), "");
+    EXPECT_EQ(ZVEnv->callback, &EventTest::Application);
+}
+
+TEST(KeyFileAtStart, IsReadByInitZVAndFreedAtTheEnd)
+{
+    ScratchDir directory;
+    directory.Write("Keys.txt", "Section Main\na Save");
+    ZVKeySection section{.name = "Main", .commands = commands};
+    setenv("KL_APP_DATA_DIR", directory.Path().c_str(), 1);
+    ASSERT_TRUE(InitZV(nullptr, nullptr, "Keys.txt", nullptr, ZV_INIT_NO_GUI, 1, ZV_INIT_HOME_DIR,
+                       directory.Path().c_str(), ZV_INIT_KEY_SECTION, &section, 0));
+    EXPECT_EQ(Sections::Bindings(section), "97:10");
+    CleanUpZV();
+    unsetenv("KL_APP_DATA_DIR");
+    EXPECT_EQ(section.bindings, nullptr);
+    EXPECT_EQ(section.block, nullptr);
+}
