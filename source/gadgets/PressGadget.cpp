@@ -7,7 +7,7 @@ unsigned long Face_Color(ZVItem const& item, bool isOn)
 {
     if (!isOn) return ZV_PEN_FACE;
     TagItem const* tag = FindTagItem(ZV_ITEM_COLOR, item.tags);
-    return tag ? tag->data : ZV_PEN_FACE_ON;
+    return tag ? tag->data : static_cast<unsigned long>(ZV_PEN_FACE_ON);
 }
 
 void Draw_Bevel(ZVDrawInfo* draw, long x, long y, long w, long h, bool isSunken, bool isDisabled)

@@ -48,7 +48,7 @@ protected:
 
     void Draw(ZVItem* item, uint16_t type)
     {
-        ZVCustomEvent event{.type = type, .item = item};
+        ZVCustomEvent event = Custom_Event(type, item);
         EXPECT_EQ(Do_CustomEvent(&event), 1);
     }
 
@@ -240,6 +240,6 @@ TEST_F(Gadgets, AnIconIsCentredOrCutToItsMiddle)
         Draw(item, ZV_CUSTOM_DRAW_DISABLED);
         EXPECT_EQ(At(row.inside[0], row.inside[1]), DisableColorZV(0x0000FF) & 0xFFFFFF) << row.width;
         ZVBufferRGBA8 const& pixels = static_cast<ZVBufferRGBA8&>(*icon);
-        EXPECT_EQ(pixels.GetIterator(0, 0)->G8(), 255) << "the icon itself stays";
+        EXPECT_EQ(pixels.GetIterator(0, 0)->Gf(), 1.0) << "the icon itself stays";
     }
 }

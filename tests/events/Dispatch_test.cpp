@@ -58,7 +58,7 @@ TEST_F(Dispatch, EventsGoWhereTheirNumbersSay)
         EXPECT_EQ(Log(), row.modal);
         ZVEnv->modalPalette = nullptr;
     }
-    for (uint16_t type : {7, 8, 9, 10, 11, 12, 20, 21, 22, 23, 26, 27, 29}) {
+    for (uint16_t type : std::initializer_list<uint16_t>{7, 8, 9, 10, 11, 12, 20, 21, 22, 23, 26, 27, 29}) {
         Send(type, palette);
         EXPECT_EQ(Log(), "P1:" + std::to_string(type));
     }
@@ -114,7 +114,7 @@ TEST_F(Dispatch, EventsHoldWhatTheyAreAbout)
 TEST_F(Dispatch, ReportAndKeyBitsLastForOneEvent)
 {
     uint32_t const all = 0x1FFFF;
-    for (uint16_t type : {1, 5, 9, 22}) {
+    for (uint16_t type : std::initializer_list<uint16_t>{1, 5, 9, 22}) {
         ZVEnv->modifiers = all;
         Do_Event(type, type == 5 ? Tag_Word(item) : Tag_Word(palette));
         EXPECT_EQ(ZVEnv->modifiers, all & ~0x6038u) << type;
@@ -134,14 +134,14 @@ TEST_F(Dispatch, CommandIsControlForAllButKeys)
         EXPECT_EQ(event->modifiers, expected) << event->type;
     };
     ZVEnv->modifiers = ZV_MOD_COMMAND;
-    for (uint16_t type : {1, 2, 3, 4, 6, 24})
+    for (uint16_t type : std::initializer_list<uint16_t>{1, 2, 3, 4, 6, 24})
         Do_Event(type, 0);
     Send(ZV_EVENT_GADGET, item);
     onCustom = [](ZVCustomEvent* event) {
         EXPECT_EQ(event->modifiers, event->type == ZV_CUSTOM_KEY ? ZV_MOD_COMMAND : ZV_MOD_CONTROL);
     };
-    for (uint16_t type : {108, 112}) {
-        ZVCustomEvent event{.type = type, .item = item};
+    for (uint16_t type : std::initializer_list<uint16_t>{108, 112}) {
+        ZVCustomEvent event = Custom_Event(type, item);
         Do_CustomEvent(&event);
     }
 }
@@ -246,7 +246,8 @@ TEST_F(Dispatch, AGadgetFunctionAnswersWithAnEventAndItsReportBits)
     onEvent = [&](auto const&, ZVEvent* event) { reported = event->modifiers; };
     ZVEnv->ticks = 42;
     ZVEnv->currentPalette = nullptr;
-    ZVCustomEvent event{.type = ZV_CUSTOM_MOUSE_MOVE, .item = item, .replyFlags = 99};
+    ZVCustomEvent event = Custom_Event(ZV_CUSTOM_MOUSE_MOVE, item);
+    event.replyFlags = 99;
     EXPECT_EQ(Do_CustomEvent(&event), 1);
     EXPECT_EQ(Log(), "C20:109 I1:5");
     EXPECT_EQ(reported, ZV_MOD_CHANGE);
@@ -269,13 +270,13 @@ TEST_F(Dispatch, AGadgetFunctionMayCloseItsPalette)
         Close(palette);
     };
     ZVEnv->currentPalette = palette;
-    ZVCustomEvent event{.type = ZV_CUSTOM_MOUSE_UP, .item = item};
+    ZVCustomEvent event = Custom_Event(ZV_CUSTOM_MOUSE_UP, item);
     Do_CustomEvent(&event);
     EXPECT_EQ(Log(), "C20:107") << "nothing is left to report";
     EXPECT_EQ(ZVEnv->currentPalette, nullptr);
 
     palette = Add_Palette(window, 1);
-    event = {.type = ZV_CUSTOM_MOUSE_UP, .item = Add_Item(Add_Group(palette, 10, {}), 20, {})};
+    event = Custom_Event(ZV_CUSTOM_MOUSE_UP, Add_Item(Add_Group(palette, 10, {}), 20, {}));
     reported = linked;
     Do_CustomEvent(&event);
     EXPECT_EQ(Log(), "C20:107 I2:5") << "a pop-up reports for the gadget that opened it";
@@ -342,7 +343,7 @@ TEST_F(Dispatch, AllocatesNothing)
     item->customFunc = [](ZVCustomEvent*) { return 1L; };
     FailingHeap const heap(0);
     Handle_MouseMove(100 + 4 + 11 + 8, 50 + 5 + 11 + 8);
-    for (uint16_t type : {1, 2, 3, 4, 6, 24})
+    for (uint16_t type : std::initializer_list<uint16_t>{1, 2, 3, 4, 6, 24})
         Do_Event(type, 0);
     Send(ZV_EVENT_ACTIVATE, palette);
     Custom_Gad_MouseDown(120, 70, 1, 1);

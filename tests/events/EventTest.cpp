@@ -144,6 +144,14 @@ ZVItem* EventTest::Add_Item(ZVGroup* group, uint32_t id, ZVRectT<int32_t> const&
     return item;
 }
 
+ZVCustomEvent EventTest::Custom_Event(uint16_t type, ZVItem* item)
+{
+    ZVCustomEvent event{};
+    event.type = type;
+    event.item = item;
+    return event;
+}
+
 static void Forget(ZVItem* item)
 {
     for (ZVItem** place :

@@ -30,6 +30,8 @@ protected:
     static ZVGroup* Add_Group(ZVPalette* palette, uint32_t id, ZVRectT<int32_t> const& area);
     static ZVItem* Add_Item(ZVGroup* group, uint32_t id, ZVRectT<int32_t> const& area);
 
+    static ZVCustomEvent Custom_Event(uint16_t type, ZVItem* item);
+
     /// What the library does when a palette closes: nothing of it is left.
     static void Close(ZVPalette* palette);
 

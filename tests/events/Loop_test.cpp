@@ -121,8 +121,9 @@ TEST_F(Loop, TheTickTimerCountsAndReportsCapsLockOnceForEachChange)
                       {ZV_MOD_SHIFT, "A0:6 A0:1"}};
     onEvent = [](auto const&, ZVEvent* event) {
         EXPECT_EQ(event->modifiers, desktop.keyboard | ZV_MOD_BUTTON);
-        if (event->type == ZV_EVENT_KEY) EXPECT_EQ(event->key, ZV_KEY_CAPS_LOCK);
-        if (event->type == ZV_EVENT_KEY) EXPECT_EQ(event->item, ZV_KEY_CAPS_LOCK);
+        if (event->type != ZV_EVENT_KEY) return;
+        EXPECT_EQ(event->key, ZV_KEY_CAPS_LOCK);
+        EXPECT_EQ(event->item, ZV_KEY_CAPS_LOCK);
     };
     ZVEnv->buttonState = ZV_MOD_BUTTON | ZV_MOD_CONTEXTUAL;
     for (auto const& row : rows) {

@@ -66,7 +66,9 @@ TEST_F(Mouse, AMoveGoesOnToTheApplicationWhoeverClosesThePalette)
         ZVEnv->mouseX = ZVEnv->mouseY = 10;
         onEvent = [&](auto const& who, ZVEvent* event) {
             if (who == closer) Close(closing);
-            if (who[0] == 'A') EXPECT_EQ(std::pair(event->item, event->palette), (std::pair{0UL, nullptr}));
+            if (who[0] != 'A') return;
+            EXPECT_EQ(event->item, 0u);
+            EXPECT_EQ(event->palette, nullptr);
         };
         Do_Event(ZV_EVENT_MOUSE_MOVE, 0);
         std::string const log = Log();
@@ -165,7 +167,7 @@ TEST_F(Mouse, ItemsOfPseudoWindowsAndInnerPalettesAreFound)
 
 TEST_F(Mouse, TrackingSurvivesPalettesThatClose)
 {
-    for (uint16_t closer : {110, 111, 109}) {
+    for (uint16_t closer : std::initializer_list<uint16_t>{110, 111, 109}) {
         ZVPalette* const target = Add_Palette(Add_Window(500, 500), 2);
         Add_Item(Add_Group(target, 10, {0, 0, 50, 50}), 22, {0, 0, 40, 40});
         Handle_MouseMove(125, 75);
