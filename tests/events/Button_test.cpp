@@ -109,7 +109,7 @@ TEST_F(Gadgets, ActByPressAndRelease)
          0,
          {}},
         {"check", ZV_GAD_CHECK, 0, nullptr, 0, "du", 1, {release}},
-        {"check, twice", ZV_GAD_CHECK, 0, nullptr, 0, "dudu", 0, {release, release}},
+        {"check, twice", ZV_GAD_CHECK, 0, nullptr, 0, "dudu", 0, {release, release | ZV_MOD_DOUBLE_CLICK}},
         {"check, off", ZV_GAD_CHECK, 0, nullptr, 0, "dou", 0, {}},
         {"check, disabled", ZV_GAD_CHECK, ZV_ITEMF_DISABLED, nullptr, 0, "du", 0, {}},
         {"check of a set, on", ZV_GAD_CHECK, ZV_ITEMF_EXCLUSIVE, nullptr, 1, "du", 1, {}},

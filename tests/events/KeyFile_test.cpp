@@ -56,7 +56,7 @@ protected:
         for (char const* name : {"ZVLibStr.txt", "ZVLibStr.h"})
             std::filesystem::copy_file(std::string(ZV_RESOURCES_DIR "/Locale/") + name,
                                        environment.Path(std::string("Locale/") + name));
-        FreeFileSpecZV(std::exchange(ZVEnv->homeDir, AllocString((environment.Spec() + "\\").c_str())));
+        FreeFileSpecZV(std::exchange(ZVEnv->homeDir, AllocString(environment.Spec().c_str())));
         AppendStringFileZV("Locale\\ZVLibStr.txt");
     }
 };
@@ -194,21 +194,21 @@ TEST_F(KeyFile, AKeyThatNobodyTookBecomesAnAction)
         event->result = isTaken;
     };
     Do_Event(ZV_EVENT_KEY, 'a' << 16 | 'a');
-    EXPECT_EQ(Log(), "A0:1 A0:24");
+    EXPECT_EQ(Log(), "A:1 A:24");
     EXPECT_EQ(action, 10u);
     Do_Event(ZV_EVENT_KEY, 'b' << 16 | 'b');
-    EXPECT_EQ(Log(), "A0:1") << "the first section alone";
+    EXPECT_EQ(Log(), "A:1") << "the first section alone";
     ZVEnv->modifiers = ZV_MOD_KEY_UP;
     Do_Event(ZV_EVENT_KEY, 'a' << 16 | 'a');
-    EXPECT_EQ(Log(), "A0:1") << "a release";
+    EXPECT_EQ(Log(), "A:1") << "a release";
     isTaken = true;
     Do_Event(ZV_EVENT_KEY, 'a' << 16 | 'a');
-    EXPECT_EQ(Log(), "A0:1");
+    EXPECT_EQ(Log(), "A:1");
     EXPECT_EQ(ProcessKeyEventZV(&sections.main, 'b', 0), 1);
     EXPECT_EQ(ProcessKeyEventZV(&sections.main, 'b', ZV_MOD_KEY_UP), 0);
     EXPECT_EQ(ProcessKeyEventZV(&sections.main, 'c', 0), 0);
     EXPECT_EQ(ProcessKeyEventZV(nullptr, 'b', 0), 0);
-    EXPECT_EQ(Log(), "A0:24");
+    EXPECT_EQ(Log(), "A:24");
     ZVEnv->keySection = nullptr;
 }
 
@@ -229,7 +229,7 @@ TEST_F(KeyFile, AModalPaletteKeepsKeysForItself)
     EXPECT_EQ(Log(), "P1:24");
     modal->callback = nullptr;
     Process_Keys('m', 0);
-    EXPECT_EQ(Log(), "A0:24");
+    EXPECT_EQ(Log(), "A:24");
     ZVEnv->keySection = nullptr;
 }
 

@@ -50,11 +50,11 @@ TEST_F(Mouse, MovesReachPaletteGroupItemAndApplicationInTheirOwnCoordinates)
                   (event->item == Tag_Word(item) ? "i " : " ");
     };
     Do_Event(ZV_EVENT_MOUSE_MOVE, 0);
-    EXPECT_EQ(places, "P1 25,22 G1 13,10 I1 7,4i A1 127,75i ");
+    EXPECT_EQ(places, "P1 25,22 G1 13,10 I1 7,4i A 127,75i ");
     places.clear();
     ZVEnv->mousePalette = nullptr;
     Do_Event(ZV_EVENT_MOUSE_MOVE, 0);
-    EXPECT_EQ(places, "A0 25,22 ");
+    EXPECT_EQ(places, "A 25,22 ");
 }
 
 TEST_F(Mouse, AMoveGoesOnToTheApplicationWhoeverClosesThePalette)
@@ -72,7 +72,7 @@ TEST_F(Mouse, AMoveGoesOnToTheApplicationWhoeverClosesThePalette)
         };
         Do_Event(ZV_EVENT_MOUSE_MOVE, 0);
         std::string const log = Log();
-        EXPECT_EQ(log.substr(log.find(closer)), closer + ":2 A0:2");
+        EXPECT_EQ(log.substr(log.find(closer)), closer + ":2 A:2");
     }
 }
 
