@@ -1,76 +1,112 @@
-// The font service: fontconfig finds the face, FreeType reads it, HarfBuzz shapes text.
+// The font service: fontconfig finds the faces.
 #include "Fonts.h"
 
+#include "CallDelete.h"
+#include "FreeTypeFont.h"
+
 #include <fontconfig/fontconfig.h>
-#include <ft2build.h>
-#include FT_FREETYPE_H
-#include <hb-ft.h>
-#include <hb.h>
+#include <strings.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <tuple>
 #include <utility>
 
 namespace {
 
-/// Deletes by one function of a C library.
-template <auto function> struct CallDelete {
-    template <typename T> void operator()(T* object) const { function(object); }
-};
-template <typename T, auto function> using Handle = std::unique_ptr<T, CallDelete<function>>;
-
 using FontConfig = Handle<FcConfig, FcConfigDestroy>;
 using FontPattern = Handle<FcPattern, FcPatternDestroy>;
-using FontFace = Handle<FT_FaceRec_, FT_Done_Face>;
-using ShapingFont = Handle<hb_font_t, hb_font_destroy>;
-using ShapingBuffer = Handle<hb_buffer_t, hb_buffer_destroy>;
-using FontLibrary = std::shared_ptr<FT_LibraryRec_>;
+using FontObjects = Handle<FcObjectSet, FcObjectSetDestroy>;
+using FontSet = Handle<FcFontSet, FcFontSetDestroy>;
 
-constexpr double FixedOne = 64.0;  // lengths are in 26.6 fixed point
+constexpr double FixedOne = 64.0;  // sizes are in 26.6 fixed point
 
-class FreeTypeFont : public HostFont {
-public:
-    /// The face has its size set.
-    FreeTypeFont(FontLibrary library, FontFace face, double pixelSize)
-        : library_(std::move(library)), face_(std::move(face)), pixelSize_(pixelSize),
-          font_(hb_ft_font_create_referenced(face_.get())), buffer_(hb_buffer_create())
-    {
-        hb_ft_font_set_load_flags(font_.get(), FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP);
+// ---- patterns ---------------------------------------------------------------------------------------------
+
+int Get_Integer(FcPattern* pattern, char const* object, int fallback)
+{
+    int value = fallback;
+    FcPatternGetInteger(pattern, object, 0, &value);
+    return value;
+}
+
+/// A name in English where there is one, else the first.
+std::string Get_Name(FcPattern* pattern, char const* object, char const* languages)
+{
+    FcChar8 *name = nullptr, *language = nullptr;
+    int chosen = 0;
+    for (int i = 0; FcPatternGetString(pattern, languages, i, &language) == FcResultMatch; ++i) {
+        if (std::string_view(reinterpret_cast<char*>(language)) != "en") continue;
+        chosen = i;
+        break;
     }
+    if (FcPatternGetString(pattern, object, chosen, &name) != FcResultMatch) return {};
+    return reinterpret_cast<char*>(name);
+}
 
-    HostFontMetrics Metrics() const override
-    {
-        // From the design units: FreeType's own scaled values are rounded to whole pixels.
-        double const scale = pixelSize_ / face_->units_per_EM;
-        return {
-            .ascent = face_->ascender * scale,
-            .descent = -face_->descender * scale,
-            .leading = (face_->height - face_->ascender + face_->descender) * scale,
-            .maxAdvance = face_->max_advance_width * scale,
-        };
-    }
+std::string Get_Family(FcPattern* pattern)
+{
+    return Get_Name(pattern, FC_FAMILY, FC_FAMILYLANG);
+}
 
-    double Text_Width(std::string_view text) override
-    {
-        hb_buffer_clear_contents(buffer_.get());
-        hb_buffer_add_utf8(buffer_.get(), text.data(), static_cast<int>(text.size()), 0, -1);
-        hb_buffer_guess_segment_properties(buffer_.get());
-        hb_shape(font_.get(), buffer_.get(), nullptr, 0);
-        unsigned count = 0;
-        hb_glyph_position_t const* positions = hb_buffer_get_glyph_positions(buffer_.get(), &count);
-        double width = 0;
-        for (unsigned i = 0; i < count; ++i)
-            width += positions[i].x_advance;
-        return width / FixedOne;
-    }
+/// A face of the list with what it is sorted by.
+struct ListedFace {
+    HostFontFace face;
+    int formatRank;    ///< 0 for the format that is read best
+    int width, slant;  ///< distance from the regular face
+    int weight;
+    bool isVariable;  ///< stands for a variable face as a whole
 
-private:
-    FontLibrary library_;
-    FontFace face_;
-    double pixelSize_;
-    ShapingFont font_;
-    ShapingBuffer buffer_;
+    auto Style_Key() const { return std::tie(width, slant, weight, face.style); }
 };
+
+constexpr int NamedInstanceShift = 16;  // above the index of the face, counted from 1
+constexpr int FaceIndexMask = 0xFFFF;
+
+ListedFace Describe(FcPattern* pattern)
+{
+    FcChar8* file = nullptr;
+    FcPatternGetString(pattern, FC_FILE, 0, &file);
+    FcChar8* format = nullptr;
+    FcPatternGetString(pattern, FC_FONTFORMAT, 0, &format);
+    std::string_view const formatName = format ? reinterpret_cast<char*>(format) : "";
+    FcBool isVariable = FcFalse;
+    FcPatternGetBool(pattern, FC_VARIABLE, 0, &isVariable);
+    int const index = Get_Integer(pattern, FC_INDEX, 0);
+    int const instance = index >> NamedInstanceShift;
+    return {.face = {.family = Get_Family(pattern),
+                     .style = Get_Name(pattern, FC_STYLE, FC_STYLELANG),
+                     .file = file ? reinterpret_cast<char*>(file) : "",
+                     .index = index & FaceIndexMask,
+                     .instance = instance > 0 ? instance - 1 : HostFontFace::NoInstance},
+            .formatRank = formatName == "TrueType" || formatName == "CFF" ? 0 : 1,
+            .width = std::abs(Get_Integer(pattern, FC_WIDTH, FC_WIDTH_NORMAL) - FC_WIDTH_NORMAL),
+            .slant = std::abs(Get_Integer(pattern, FC_SLANT, FC_SLANT_ROMAN) - FC_SLANT_ROMAN),
+            .weight = std::abs(Get_Integer(pattern, FC_WEIGHT, FC_WEIGHT_REGULAR) - FC_WEIGHT_REGULAR),
+            .isVariable = isVariable == FcTrue};
+}
+
+int Compare_Families(std::string const& a, std::string const& b)
+{
+    int const order = strcasecmp(a.c_str(), b.c_str());
+    return order ? order : a.compare(b);
+}
+
+/// The order of the list. One style out of several files has the best of them in front.
+bool Stands_Before(ListedFace const& a, ListedFace const& b)
+{
+    if (int const order = Compare_Families(a.face.family, b.face.family); order) return order < 0;
+    return std::tuple(a.Style_Key(), a.formatRank, std::tie(a.face.file, a.face.index, a.face.instance)) <
+           std::tuple(b.Style_Key(), b.formatRank, std::tie(b.face.file, b.face.index, b.face.instance));
+}
+
+bool Is_Same_Style(ListedFace const& a, ListedFace const& b)
+{
+    return a.face.family == b.face.family && a.face.style == b.face.style;
+}
+
+// ---- the service ------------------------------------------------------------------------------------------
 
 class FontConfigFonts : public HostFonts {
 public:
@@ -81,30 +117,35 @@ public:
 
     std::unique_ptr<HostFont> Open(HostFontRequest const& request) override
     {
-        double const pixelSize = std::clamp(request.pixelSize, 1.0, 1000.0);
-        FontPattern const match = Find_Face(request, pixelSize);
-        FcChar8* file = nullptr;
-        int index = 0;
-        if (!match || FcPatternGetString(match.get(), FC_FILE, 0, &file) != FcResultMatch) return nullptr;
-        FcPatternGetInteger(match.get(), FC_INDEX, 0, &index);
+        return Open_Match(Find_Face(request).get(), request);
+    }
 
-        FT_Face opened = nullptr;
-        if (FT_New_Face(library_.get(), reinterpret_cast<char*>(file), index, &opened) != 0) return nullptr;
-        FontFace face{opened};
-        auto const height = static_cast<FT_F26Dot6>(std::lround(pixelSize * FixedOne));
-        if (!FT_IS_SCALABLE(opened) || opened->units_per_EM == 0) return nullptr;
-        if (FT_Set_Char_Size(opened, 0, height, 72, 72) != 0) return nullptr;
-        return std::make_unique<FreeTypeFont>(library_, std::move(face), pixelSize);
+    std::unique_ptr<HostFont> Open(HostFontFace const& face, double pixelSize, bool bold,
+                                   bool italic) override
+    {
+        HostFontRequest const request{face.family.c_str(), pixelSize, bold, italic};
+        if (bold || italic) {
+            FontPattern const match = Find_Face(request);
+            if (match && Get_Family(match.get()) == face.family) return Open_Match(match.get(), request);
+        }
+        int const index = face.index | (face.instance + 1) << NamedInstanceShift;
+        return Open_File(face.file.c_str(), index, pixelSize, {bold, italic});
+    }
+
+    std::span<HostFontFace const> Faces() override
+    {
+        if (!isListed_) List_Faces();
+        return faces_;
     }
 
 private:
     /// The description of the installed face that fits best, or null.
-    FontPattern Find_Face(HostFontRequest const& request, double pixelSize) const
+    FontPattern Find_Face(HostFontRequest const& request) const
     {
         FontPattern pattern{FcPatternCreate()};
         if (!pattern) return nullptr;
         FcPatternAddString(pattern.get(), FC_FAMILY, reinterpret_cast<FcChar8 const*>(request.family));
-        FcPatternAddDouble(pattern.get(), FC_PIXEL_SIZE, pixelSize);
+        FcPatternAddDouble(pattern.get(), FC_PIXEL_SIZE, request.pixelSize);
         FcPatternAddInteger(pattern.get(), FC_WEIGHT, request.bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
         FcPatternAddInteger(pattern.get(), FC_SLANT, request.italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
         FcPatternAddBool(pattern.get(), FC_OUTLINE, FcTrue);
@@ -117,8 +158,58 @@ private:
         return FontPattern{FcFontMatch(config_.get(), pattern.get(), &result)};
     }
 
+    std::unique_ptr<HostFont> Open_Match(FcPattern* match, HostFontRequest const& request) const
+    {
+        FcChar8* file = nullptr;
+        if (!match || FcPatternGetString(match, FC_FILE, 0, &file) != FcResultMatch) return nullptr;
+        FontSynthesis const synthesis{
+            request.bold && Get_Integer(match, FC_WEIGHT, FC_WEIGHT_REGULAR) < FC_WEIGHT_DEMIBOLD,
+            request.italic && Get_Integer(match, FC_SLANT, FC_SLANT_ROMAN) == FC_SLANT_ROMAN};
+        return Open_File(reinterpret_cast<char const*>(file), Get_Integer(match, FC_INDEX, 0),
+                         request.pixelSize, synthesis);
+    }
+
+    std::unique_ptr<HostFont> Open_File(char const* file, int index, double size,
+                                        FontSynthesis synthesis) const
+    {
+        double const pixelSize = std::clamp(size, 1.0, HostFontSizeLimit);
+        FT_Face opened = nullptr;
+        if (FT_New_Face(library_.get(), file, index, &opened) != 0) return nullptr;
+        FontFace face{opened};
+        auto const height = static_cast<FT_F26Dot6>(std::lround(pixelSize * FixedOne));
+        if (!FT_IS_SCALABLE(opened) || opened->units_per_EM == 0) return nullptr;
+        if (FT_Set_Char_Size(opened, 0, height, 72, 72) != 0) return nullptr;
+        return std::make_unique<FreeTypeFont>(library_, std::move(face), pixelSize, synthesis);
+    }
+
+    void List_Faces()
+    {
+        isListed_ = true;
+        FontPattern const all{FcPatternCreate()};
+        FontObjects const objects{FcObjectSetBuild(FC_FAMILY, FC_FAMILYLANG, FC_STYLE, FC_STYLELANG, FC_FILE,
+                                                   FC_INDEX, FC_FONTFORMAT, FC_VARIABLE, FC_WIDTH, FC_SLANT,
+                                                   FC_WEIGHT, nullptr)};
+        if (!all || !objects) return;
+        FcPatternAddBool(all.get(), FC_OUTLINE, FcTrue);
+        FontSet const found{FcFontList(config_.get(), all.get(), objects.get())};
+        if (!found) return;
+        std::vector<ListedFace> listed;
+        for (int i = 0; i < found->nfont; ++i) {
+            ListedFace face = Describe(found->fonts[i]);
+            // A variable face is listed as its instances, which fontconfig gives besides.
+            if (!face.isVariable && !face.face.file.empty() && !face.face.family.empty())
+                listed.push_back(std::move(face));
+        }
+        std::ranges::sort(listed, Stands_Before);
+        listed.erase(std::unique(listed.begin(), listed.end(), Is_Same_Style), listed.end());
+        for (ListedFace& face : listed)
+            faces_.push_back(std::move(face.face));
+    }
+
     FontConfig config_;
     FontLibrary library_;
+    std::vector<HostFontFace> faces_;
+    bool isListed_ = false;
 };
 
 }  // namespace

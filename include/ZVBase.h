@@ -39,6 +39,7 @@ struct ZVGroup;
 struct ZVItem;
 struct ZVMenu;
 struct ZVDrawInfo;
+struct ZVPort;
 struct ZVPlugin;
 struct ZVGBufferArray;
 struct ZVFileInfo;

@@ -82,7 +82,7 @@ struct ZVNativeBitmap {
     unsigned char* Pixels;
     int32_t Offset;  ///< bytes added to Pixels by every pixel loop
     int32_t Size;    ///< RowBytes times Height
-    void* World;     ///< what owns the pixels, released with the record; null when they are the caller's
+    ZVPort* World;   ///< draws into the pixels and owns them; null when they are the caller's
     void* PixMap;
     int32_t Reserved1;
     int32_t Reserved2;

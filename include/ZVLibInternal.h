@@ -73,8 +73,9 @@ ZV_API void OS_Advise_Huge_Pages(void* block, unsigned long size);
 /// Bytes of the last-level cache that one processor reaches; 0 when unknown.
 ZV_API unsigned long OS_Cache_Size();
 
-/// Measures of a text in the interface font at the style's font size, in pixels, rounded up. A size below 1
-/// counts as 12, one above 1000 as 1000. Without any font a line is 1.2 and a character half of the size.
+/// Measures of a text in the interface font at the style's font size, in whole pixels, as it is drawn. A size
+/// below 1 counts as 12, one above 1000 as 1000. Without any font a line is 1.2 and a character half of the
+/// size.
 ZV_API long Text_Width(char const* text);
 ZV_API long Text_Height(char const* text);  ///< Ascent and descent of the font.
 
@@ -372,6 +373,77 @@ ZV_API bool Empty_Block_Cache();
 /// `source`. There is an instance for ZV_BITMAP_RGBA10 and for ZV_BITMAP_RGBA12.
 template <typename Buffer, typename Pixel, typename Channel>
 void RGBA_To_ARGB(Buffer const* source, void* out, long bytes);
+
+/// Frees all icons.
+ZV_API void CleanupIconList();
+
+/// The factor of an exponent byte: 0.0 for 0, else 2 to the power of (e - 128).
+extern ZV_API double const _expTable[256];
+
+/// Copies one sample of N bytes.
+template <int N> struct ZVSampleCopy {
+    static constexpr int size = N;
+    void operator()(unsigned char* to, unsigned char const* from) const { std::memcpy(to, from, N); }
+};
+using Copy1 = ZVSampleCopy<1>;
+using Copy2 = ZVSampleCopy<2>;
+using Copy3 = ZVSampleCopy<3>;
+using Copy4 = ZVSampleCopy<4>;
+using Copy8 = ZVSampleCopy<8>;
+
+// What ExtractGBufferLayerZV is made of. All planes have one size, the X values are one sample wider, and the
+// rectangle lies inside. Ids are bytes or shorts; a sample is wanted when its id is `id` and `mode` is 1, or
+// when neither holds.
+
+/// The picture, with an instance for each of the five RGBA buffers. Bitmaps of one size; the rectangle lies
+/// inside them too.
+/// @param input  of which the colour, coverage, weight, transparency and X values are used
+template <typename Buffer, typename Pixel>
+void ExtractGBufferLayer_T(Buffer const* src, Buffer* dst, unsigned short id, ZVGBuffer const& ids,
+                           ZVGBufferArray const& input, long mode, ZVRectT<long> const& rect);
+
+/// One channel, with an instance for each of the copies above. Of a pixel without wanted samples the front
+/// becomes `fill`; of one whose front is not wanted the first further sample that is wanted moves to the
+/// front.
+template <typename CopyN>
+void extract_1_GB_layer(CopyN copy, ZVGBuffer const& src, ZVGBuffer* dst, unsigned short id,
+                        unsigned char const* fill, ZVGBuffer const& ids, long mode, ZVGBuffer const* xValues,
+                        ZVRectT<long> const* rect);
+
+/// The X values that go with it, from those in `src`.
+ZV_API void extract_x_values(ZVGBuffer const& src, ZVGBuffer* dst, unsigned short id, ZVGBuffer const& ids,
+                             long mode, ZVRectT<long> const* rect);
+
+/// The weights of further samples, from the coverage (null: full) and transparency (null: none) of the same
+/// samples.
+ZV_API void extract_weight(ZVGBuffer* weight, ZVGBuffer const* coverage, ZVGBuffer const* transparency,
+                           ZVGBuffer const* xValues, ZVRectT<long> const* rect);
+
+// ---- drawing ----------------------------------------------------------------------------------------------
+
+/// A port over the pixels of a native bitmap, which are the port's from then on, to be freed by FreeMemZV.
+/// @param pixels  aligned to 4 bytes, and so are the rows
+/// @return  null when memory runs out; the pixels are then still the caller's
+ZV_API ZVPort* Make_SysPort(unsigned char* pixels, long width, long height, long depth, long rowBytes);
+ZV_API void Free_SysPort(ZVPort* port);  ///< Null is accepted.
+
+/// A context on a port. Null without a port or an environment.
+ZV_API ZVDrawInfo* Begin_Drawing(ZVPort* port, ZVDevice* device, long originX, long originY);
+
+/// Make the context's port the current one, and the one before it again.
+ZV_API void ReadyDraw(ZVDrawInfo* draw);
+ZV_API void RevertDraw(ZVDrawInfo* draw);
+
+/// Clip the port to the context's rectangle, and as it was before.
+ZV_API void Set_ClipRegion(ZVDrawInfo* draw);
+ZV_API void Revert_ClipRegion(ZVDrawInfo* draw);
+
+/// A bevel border of `w` by `h` pixels in three colours.
+ZV_API void DrawShineBorder(ZVDrawInfo* draw, long x, long y, long w, long h, unsigned long frame,
+                            unsigned long light, unsigned long dark);
+
+/// GetFontOutlineZV without commands that close a contour.
+ZV_API float* ATSUI_GetOutline(unsigned long character, ZVFont* font, double x, double y);
 
 // ---- clips ------------------------------------------------------------------------------------------------
 

@@ -27,20 +27,21 @@ ZVNativeBitmap* AllocNativeBitmapZV(long width, long height, long depth)
     auto const size = static_cast<unsigned long>(fits ? rowBytes * height : 0);
     auto* const bitmap = static_cast<ZVNativeBitmap*>(AllocMemZV(sizeof(ZVNativeBitmap), ZV_MEM_CLEAR));
     void* const pixels = fits ? Alloc_Aligned(std::max(size, 1UL), rowAlignment) : nullptr;
-    if (!pixels) {
+    if (pixels) std::memset(pixels, 0, size);
+    bitmap->Pixels = static_cast<unsigned char*>(pixels);
+    bitmap->World = pixels ? Make_SysPort(bitmap->Pixels, width, height, depth, rowBytes) : nullptr;
+    if (!bitmap->World) {
+        FreeMemZV(pixels);
         FreeMemZV(bitmap);
         SetError(ZV_ERR_MEMORY);
         return nullptr;
     }
-    std::memset(pixels, 0, size);
     bitmap->Width = static_cast<int32_t>(width);
     bitmap->Height = static_cast<int32_t>(height);
     bitmap->Depth = static_cast<int32_t>(depth);
     bitmap->RowBytes = static_cast<int32_t>(rowBytes);
     bitmap->PackSize = static_cast<int32_t>(packSize);
-    bitmap->Pixels = static_cast<unsigned char*>(pixels);
     bitmap->Size = static_cast<int32_t>(size);
-    bitmap->World = pixels;
     return bitmap;
 }
 
@@ -57,7 +58,7 @@ long ConvertDDBitmapZV(ZVNativeBitmap* /*bitmap*/)
 void FreeBitmapZV(ZVNativeBitmap* bitmap)
 {
     if (!bitmap) return;
-    FreeMemZV(bitmap->World);
+    Free_SysPort(bitmap->World);
     FreeMemZV(bitmap);
 }
 

@@ -1,0 +1,51 @@
+// An open font: FreeType reads it, HarfBuzz shapes text in it.
+#pragma once
+
+#include "CallDelete.h"
+#include "Fonts.h"
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include <hb.h>
+
+#include <unordered_map>
+
+using FontLibrary = std::shared_ptr<FT_LibraryRec_>;
+using FontFace = Handle<FT_FaceRec_, FT_Done_Face>;
+using ShapingFont = Handle<hb_font_t, hb_font_destroy>;
+using ShapingBuffer = Handle<hb_buffer_t, hb_buffer_destroy>;
+
+/// Styles that the face does not have and that are made out of its outlines.
+struct FontSynthesis {
+    bool bold = false;
+    bool italic = false;
+};
+
+class FreeTypeFont : public HostFont {
+public:
+    /// The face has its size set and is scalable.
+    FreeTypeFont(FontLibrary library, FontFace face, double pixelSize, FontSynthesis synthesis);
+
+    HostFontMetrics Metrics() const override;
+    HostTextRun const& Shape(std::string_view text) override;
+    HostMask const& Glyph_Image(uint32_t glyph) override;
+    double Advance(std::span<uint32_t const> characters) override;
+    std::vector<HostPathStep> Outline(uint32_t character) override;
+
+private:
+    /// Fills the buffer with the glyphs of what it holds as text.
+    void Shape_Buffer(bool hasLigatures);
+    HostTextRun Make_Run(std::string_view text);
+    HostMask Make_Image(uint32_t glyph);
+    void Apply_Synthesis(FT_Outline& outline, double unitsPerPixel) const;
+
+    FontLibrary library_;
+    FontFace face_;
+    double pixelSize_;
+    FontSynthesis synthesis_;
+    ShapingFont font_;
+    ShapingBuffer buffer_;
+    std::unordered_map<uint32_t, HostMask> images_;
+    std::size_t imageBytes_ = 0;
+    std::unordered_map<std::string, HostTextRun> runs_;
+};

@@ -1,0 +1,147 @@
+// Rectangles, lines, ovals, polygons, borders and single pixels.
+#include "MacDraw.h"
+#include "MacShapes.h"
+#include "ZVLibInternal.h"
+
+#include <array>
+
+// ---- rectangles -------------------------------------------------------------------------------------------
+
+void EraseRectZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
+{
+    if (!draw) return;
+    PrimitiveFrame const frame(draw);
+    frame.Port().Erase(frame.Rect(x1, y1, x2, y2));
+}
+
+void FillRectZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
+{
+    if (!draw) return;
+    PrimitiveFrame const frame(draw);
+    frame.Port().Fill(frame.Rect(x1, y1, x2, y2));
+}
+
+void DrawRectZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
+{
+    if (!draw) return;
+    PrimitiveFrame const frame(draw);
+    frame.Port().Frame(frame.Rect(x1, y1, x2, y2));
+}
+
+// ---- lines, ovals, polygons -------------------------------------------------------------------------------
+
+void DrawLineZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
+{
+    long const points[] = {x1, y1, x2, y2};
+    DrawPolygonZV(draw, 2, points);
+}
+
+void FillEllipseZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
+{
+    if (!draw) return;
+    PrimitiveFrame const frame(draw);
+    frame.Port().Fill(Oval_Runs(frame.Rect(x1, y1, x2, y2), frame.Clip()));
+}
+
+void DrawEllipseZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
+{
+    if (!draw) return;
+    PrimitiveFrame const frame(draw);
+    frame.Port().Fill(Oval_Outline_Runs(frame.Rect(x1, y1, x2, y2), frame.Clip()));
+}
+
+static std::vector<ShapePoint> Place_Points(Placed const& placed, long count, long const* points)
+{
+    std::vector<ShapePoint> placedPoints;
+    placedPoints.reserve(static_cast<std::size_t>(count));
+    for (long i = 0; i < count; ++i)
+        placedPoints.push_back({placed.X(points[2 * i]), placed.Y(points[2 * i + 1])});
+    return placedPoints;
+}
+
+void DrawPolygonZV(ZVDrawInfo* draw, long count, long const* points)
+{
+    if (!draw || !points || count < 2) return;
+    PrimitiveFrame const frame(draw);
+    std::vector<ShapePoint> const corners = Place_Points(frame, count, points);
+    ShapeRuns runs;
+    for (std::size_t i = 0; i + 1 < corners.size(); ++i)
+        Add_Line(runs, corners[i], corners[i + 1], frame.Clip());
+    frame.Port().Fill(runs);
+}
+
+void FillPolygonZV(ZVDrawInfo* draw, long count, long const* points)
+{
+    if (!draw || !points || count < 1) return;
+    PrimitiveFrame const frame(draw);
+    frame.Port().Fill(Polygon_Runs(Place_Points(frame, count, points), frame.Clip()));
+}
+
+// ---- borders ----------------------------------------------------------------------------------------------
+
+static uint32_t Pen_Color(unsigned long colour)
+{
+    return static_cast<uint32_t>(GetColorZV(colour)) & 0xFFFFFF;
+}
+
+void DrawShineBorder(ZVDrawInfo* draw, long x, long y, long w, long h, unsigned long frame,
+                     unsigned long light, unsigned long dark)
+{
+    if (!draw) return;
+    PrimitiveFrame const around(draw);
+    ZVPort& port = around.Port();
+    HostRect const outer = around.Box(x, y, w, h);
+    auto const [left, top, right, bottom] =
+        HostRect{outer.left + 1, outer.top + 1, outer.right - 1, outer.bottom - 1};
+    port.state.foreColor = Pen_Color(frame);
+    port.Frame(outer);
+    if (left >= right || top >= bottom) return;
+    port.state.foreColor = Pen_Color(light);
+    port.Fill(std::array{HostRect{left, top, left + 1, bottom}, HostRect{left, top, right, top + 1}});
+    // The dark edges end over the light ones, but leave them the upper right corner.
+    port.state.foreColor = Pen_Color(dark);
+    port.Fill(
+        std::array{HostRect{right - 1, top + 1, right, bottom}, HostRect{left, bottom - 1, right, bottom}});
+}
+
+void DrawShineBorderZV(ZVDrawInfo* draw, long x, long y, long w, long h)
+{
+    DrawShineBorder(draw, x, y, w, h, ZV_PEN_DARK_EDGE, ZV_PEN_LIGHT_EDGE, ZV_PEN_SHADOW);
+}
+
+void DrawIShineBorderZV(ZVDrawInfo* draw, long x, long y, long w, long h)
+{
+    DrawShineBorder(draw, x, y, w, h, ZV_PEN_DARK_EDGE, ZV_PEN_SHADOW, ZV_PEN_LIGHT_EDGE);
+}
+
+void DrawShineBorder2ZV(ZVDrawInfo* draw, long x, long y, long w, long h)
+{
+    DrawShineBorder(draw, x, y, w, h, ZV_PEN_DARK_EDGE, DisableColorZV(ZV_PEN_LIGHT_EDGE),
+                    DisableColorZV(ZV_PEN_SHADOW));
+}
+
+void DrawIShineBorder2ZV(ZVDrawInfo* draw, long x, long y, long w, long h)
+{
+    DrawShineBorder(draw, x, y, w, h, ZV_PEN_DARK_EDGE, DisableColorZV(ZV_PEN_SHADOW),
+                    DisableColorZV(ZV_PEN_LIGHT_EDGE));
+}
+
+// ---- pixels -----------------------------------------------------------------------------------------------
+
+void ReadPixelZV(ZVDrawInfo* draw, long x, long y, ZVRGB* out)
+{
+    if (!draw || !out) return;
+    PrimitiveFrame const frame(draw);
+    uint32_t color = 0;
+    if (!frame.Port().surface.Read(frame.X(x), frame.Y(y), color)) return;
+    auto const wide = [color](int shift) { return static_cast<uint16_t>((color >> shift & 0xFF) * 257); };
+    *out = {wide(16), wide(8), wide(0), 1};
+}
+
+void WritePixelZV(ZVDrawInfo* draw, long x, long y, ZVRGB const* in)
+{
+    if (!draw || !in) return;
+    PrimitiveFrame const frame(draw);
+    uint32_t const color = (in->red >> 8U << 16) | (in->green >> 8U << 8) | in->blue >> 8U;
+    frame.Port().surface.Write(frame.X(x), frame.Y(y), color);
+}

@@ -1,0 +1,39 @@
+// Ports: what windows and native bitmaps are painted through. All primitives have one implementation on top
+// of them.
+#pragma once
+
+#include "MacText.h"
+#include "ZVDraw.h"
+#include "foundation/HeapBlock.h"
+#include "host/Surface.h"
+
+struct ZVRegion {
+    HostRegion region;
+};
+
+/// What a primitive sets for itself and puts back.
+struct PortState {
+    uint32_t foreColor = 0;
+    uint32_t backColor = 0xFFFFFF;
+    FontChoice font;
+    bool isTextTransparent = false;
+};
+
+struct ZVPort {
+    HostSurface surface;  ///< its clip is the port's
+    PortState state;
+    HeapBlock<unsigned char> pixels;  ///< of a port that owns them, or null
+
+    void Fill(HostRect const& rect) { surface.Fill(rect, state.foreColor); }
+    void Fill(std::span<HostRect const> rects) { surface.Fill(rects, state.foreColor); }
+    void Erase(HostRect const& rect) { surface.Fill(rect, state.backColor); }
+    void Frame(HostRect const& rect);  ///< An outline of one pixel inside the rectangle.
+
+    /// Draws a text whose line begins at x with its ascent below y, on its background unless text is
+    /// transparent.
+    void Draw_Text(std::string_view text, int x, int y);
+};
+
+/// The port that the platform draws in at present, or null.
+ZVPort* Current_Port();
+void Make_Current(ZVPort* port);
