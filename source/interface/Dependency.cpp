@@ -106,7 +106,7 @@ namespace {
 /// One run through the dependencies of a gadget.
 struct DependencyRun {
     ZVItem& item;
-    PaletteWatch palette;
+    LivingPalette palette;
     uint32_t reports;      ///< what the gadget just did
     double operand = 0.0;  ///< of the condition; a float gadget's condition without text takes the last one
 
@@ -158,7 +158,7 @@ static void Switch(ZVItem& target, int32_t state)
 {
     if ((target.state != 0) == (state != 0)) return;
     target.state = state;
-    PaletteWatch const palette(target.group->palette);
+    LivingPalette const palette(target.group->palette);
     UpdateGadgetZV(&target);
     if (palette.Is_There()) Process_Dependencies(&target);
 }
@@ -210,7 +210,7 @@ void Process_Dependencies(ZVItem* item)
 {
     if (!item || item->kind != ZV_ITEM_GADGET || List_Empty(&item->dependencies)) return;
     constexpr uint32_t reports = ZV_MOD_PRESS | ZV_MOD_CHANGE | ZV_MOD_RELEASE;
-    DependencyRun run{*item, PaletteWatch(item->group->palette), ZVEnv->modifiers & reports};
+    DependencyRun run{*item, LivingPalette(item->group->palette), ZVEnv->modifiers & reports};
     // By position, as an action may change the list.
     for (long i = 0; Node* node = List_Entry(&item->dependencies, i); ++i)
         if (!Run(run, reinterpret_cast<ZVDependency*>(node)->list)) return;

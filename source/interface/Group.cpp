@@ -65,7 +65,7 @@ void GroupVisibleZV(ZVGroup* group, long visible)
     if (!group || (visible != 0) == !(group->flags & ZV_GRPF_HIDDEN)) return;
     if (!Is_In_Front(*group->palette)) return;
     bool const isOnScreen = Is_On_Screen(*group->palette);
-    PaletteWatch const palette(group->palette);
+    LivingPalette const palette(group->palette);
     if (isOnScreen && !visible) Destroy_SysGroup(group);
     if (!palette.Is_There()) return;
     group->flags ^= ZV_GRPF_HIDDEN;
@@ -80,7 +80,7 @@ void GroupVisibleZV(unsigned short id, long visible)
 void GroupEnabledZV(ZVGroup* group, long enabled)
 {
     if (!group) return;
-    PaletteWatch const palette(group->palette);
+    LivingPalette const palette(group->palette);
     for (ZVItem& item : Items_Of(*group)) {
         ItemEnabledZV(&item, enabled);
         if (!palette.Is_There()) return;

@@ -101,7 +101,7 @@ void UpdateGadgetZV(ZVItem* item)
     if (!item || !item->native || item->kind != ZV_ITEM_GADGET) return;
     bool const hasField = item->type == ZV_GAD_STRING || item->type == ZV_GAD_EDITOR;
     if (item->customFunc) {
-        PaletteWatch const palette(item->group->palette);
+        LivingPalette const palette(item->group->palette);
         Send_Custom_Event(*item, ZV_CUSTOM_DRAW_STATE);
         if (!palette.Is_There()) return;
         item->flags &= ~ZV_ITEMF_ENTRIES_CHANGED;

@@ -122,7 +122,7 @@ void ModifyItemZV(ZVItem* item, TagItem* tags)
     Changes changes;
     while (TagItem const* tag = NextTagItem(&tags))
         Change_Item(*item, *tag, changes);
-    PaletteWatch const palette(item->group->palette);
+    LivingPalette const palette(item->group->palette);
     if (changes.isCursor) Update_Cursor();
     if (changes.isVisible && palette.Is_There()) UpdateGadgetZV(item);
 }

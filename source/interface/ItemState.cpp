@@ -53,7 +53,7 @@ static bool Store_State(ZVItem& item, double value)
 /// Shows a new state, and what depends on it.
 static void Show_State(ZVItem* item)
 {
-    PaletteWatch const palette(item->group->palette);
+    LivingPalette const palette(item->group->palette);
     UpdateGadgetZV(item);
     if (palette.Is_There()) Process_Dependencies(item);
 }
@@ -61,7 +61,7 @@ static void Show_State(ZVItem* item)
 void SetGadgetStateZV(ZVItem* item, double value)
 {
     if (!item || item->kind != ZV_ITEM_GADGET) return;
-    PaletteWatch const palette(item->group->palette);
+    LivingPalette const palette(item->group->palette);
     if (Store_State(*item, value) && palette.Is_There()) Show_State(item);
 }
 

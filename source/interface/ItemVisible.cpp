@@ -28,7 +28,7 @@ static void Show_Item(ZVItem& item, bool visible)
 void ItemVisibleZV(ZVItem* item, long visible)
 {
     if (!item || !Is_In_Front(*item->group->palette)) return;
-    PaletteWatch const palette(item->group->palette);
+    LivingPalette const palette(item->group->palette);
     Show_Item(*item, visible);
     if (!palette.Is_There()) return;
     For_Labels(*item, [&](ZVItem& label) { Show_Item(label, visible); });
@@ -53,7 +53,7 @@ static void Enable_Item(ZVItem& item, bool enabled)
 void ItemEnabledZV(ZVItem* item, long enabled)
 {
     if (!item) return;
-    PaletteWatch const palette(item->group->palette);
+    LivingPalette const palette(item->group->palette);
     Enable_Item(*item, enabled);
     if (!palette.Is_There()) return;
     For_Labels(*item, [&](ZVItem& label) { Enable_Item(label, enabled); });

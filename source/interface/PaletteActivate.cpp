@@ -79,14 +79,14 @@ static void Leave_Window(ZVWindow* window)
 /// Puts a palette in front of the others of its window.
 static void Switch_To(ZVWindow* window, ZVPalette* palette)
 {
-    PaletteWatch const watch(palette);
+    LivingPalette const watch(palette);
     auto const isStill = [&] {
         return watch.Is_There() && palette->window == window && window->activePalette == palette;
     };
     ZVPalette* const former = window->activePalette;
     window->activePalette = palette;
     if (former) {
-        PaletteWatch const formerWatch(former);
+        LivingPalette const formerWatch(former);
         Palette_Visible(*former, false);
         if (formerWatch.Is_There() && former->kind == ZV_KIND_FLOATER)
             Do_Event(ZV_EVENT_TAB_DEACTIVATE, Tag_Word(former));
@@ -104,7 +104,7 @@ static void Switch_To(ZVWindow* window, ZVPalette* palette)
 /// had, and when a gadget's function closed the palette or the window on the way.
 static bool Move_Into(ZVWindow*& window, ZVPalette& palette, long x, long y)
 {
-    PaletteWatch const watch(&palette);
+    LivingPalette const watch(&palette);
     if (palette.window) Palette_Visible(palette, false);
     if (!watch.Is_There() || (window && !Is_Window(window))) return false;
     if (!window && !(window = Make_Window(palette, x, y))) return false;
@@ -123,7 +123,7 @@ long NewActivePalette(ZVWindow* window, ZVPalette* palette, long x, long y, long
     if (window && window == palette->window && window->activePalette == palette) return 1;
     bool activates = activate;
     if (!window || window != palette->window) {
-        PaletteWatch const watch(palette);
+        LivingPalette const watch(palette);
         activates |= !window || List_Empty(&window->palettes);
         if (!Move_Into(window, *palette, x, y)) return 0;
         if (!watch.Is_There() || palette->window != window) return 1;
@@ -140,7 +140,7 @@ long NewActivePalette(ZVWindow* window, ZVPalette* palette, long x, long y, long
 void ActivatePaletteZV(ZVPalette* palette, long bringToFront)
 {
     if (!palette || !palette->window) return;
-    PaletteWatch const watch(palette);
+    LivingPalette const watch(palette);
     NewActivePalette(palette->window, Root_Of(palette), 0, 0, 1);
     if (bringToFront && watch.Is_There()) Mac_Select_Window(GetParentSysWindow(palette, nullptr, nullptr));
 }

@@ -87,7 +87,7 @@ void Free_Closing_Palette(ZVPalette& palette)
     for (ZVPalette* each = &palette; each; each = Next_Below(&palette, each))
         each->flags |= ZV_PALF_CLOSING;
     // The events reach the sub-palettes too. A callback can take this one away with the palette around it.
-    PaletteWatch const watch(&palette);
+    LivingPalette const watch(&palette);
     Do_Event(ZV_EVENT_DOC_DEACTIVATE, Tag_Word(&palette));
     if (!watch.Is_Known()) return;
     Do_Event(ZV_EVENT_CLEANUP, Tag_Word(&palette));

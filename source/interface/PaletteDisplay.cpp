@@ -292,7 +292,7 @@ static void Leave_Tracked_Item()
 static long Show_Modal(Display& display, ZVRectT<long> const& place)
 {
     ZVPalette* const palette = &display.palette;
-    PaletteWatch const watch(palette);
+    LivingPalette const watch(palette);
     palette->nextModal = ZVEnv->modalPalette;
     ZVEnv->modalPalette = palette;
     ++ZVEnv->modalDepth;
@@ -338,7 +338,7 @@ static long Place_And_Show(Display& display)
     Settle_Palette(*palette, isPseudo ? place.x : 0, top);
     palette->flags |= ZV_PALF_HIDDEN;
 
-    PaletteWatch const watch(palette);
+    LivingPalette const watch(palette);
     Do_Event(ZV_EVENT_SETUP, Tag_Word(palette));
     if (!watch.Is_There()) return 0;
     bool const isModal = palette->kind == ZV_KIND_MODAL, isTransient = palette->kind == ZV_KIND_TRANSIENT;

@@ -68,12 +68,12 @@ static bool Exists(ZVPalette const* palette, uint32_t serial)
     return palette && (Find_Palette(isIt) || Find_Below(Root_Of(ZVEnv->buildingPalette), isIt));
 }
 
-bool PaletteWatch::Is_Known() const
+bool LivingPalette::Is_Known() const
 {
     return Exists(palette_, serial_);
 }
 
-bool PaletteWatch::Is_There() const
+bool LivingPalette::Is_There() const
 {
     return Is_Known() && !(palette_->flags & ZV_PALF_CLOSING);
 }

@@ -167,7 +167,7 @@ template <typename Work> static bool For_Visible_Groups(ZVPalette& root, Work wo
 {
     for (ZVPalette* palette = &root; palette; palette = Next_Below(&root, palette)) {
         if (!Is_Shown(palette)) continue;
-        PaletteWatch const watch(palette);
+        LivingPalette const watch(palette);
         for (ZVGroup& group : Groups_Of(*palette)) {
             if (!(group.flags & ZV_GRPF_HIDDEN)) work(group);
             if (!watch.Is_There()) return false;
@@ -276,7 +276,7 @@ void ResizePaletteZV(ZVPalette* palette, long width, long height)
 void RebuildPaletteZV(ZVPalette* palette)
 {
     if (!palette) return;
-    PaletteWatch const watch(palette);
+    LivingPalette const watch(palette);
     Rebuild_SysPalette(palette, palette->forcedWidth, palette->forcedHeight);
     if (watch.Is_There()) Rebuild_Window(*palette);
 }

@@ -6,9 +6,9 @@
 
 /// Tells after a callback whether a palette is still there: neither closed nor about to be, and not another
 /// one that was made at its address.
-class PaletteWatch {
+class LivingPalette {
 public:
-    explicit PaletteWatch(ZVPalette* palette) : palette_(palette), serial_(palette->serial) {}
+    explicit LivingPalette(ZVPalette* palette) : palette_(palette), serial_(palette->serial) {}
     bool Is_There() const;
     bool Is_Known() const;  ///< Also while it is being closed.
 

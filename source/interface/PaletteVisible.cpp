@@ -4,7 +4,7 @@
 /// False when the palette is gone.
 static bool Show_Groups(ZVPalette& palette, bool visible)
 {
-    PaletteWatch const watch(&palette);
+    LivingPalette const watch(&palette);
     for (ZVGroup& group : Groups_Of(palette)) {
         if (visible)
             Make_SysGroup(&group);
@@ -39,7 +39,7 @@ void PaletteVisibleZV(ZVPalette* palette, long visible)
         NewActivePalette(palette->window, palette, 0, 0, 1);
         return;
     }
-    PaletteWatch const watch(palette);
+    LivingPalette const watch(palette);
     Palette_Visible(*palette, visible);
     if (watch.Is_There() && palette->kind == ZV_KIND_FLOATER)
         Do_Event(visible ? ZV_EVENT_TAB_ACTIVATE : ZV_EVENT_TAB_DEACTIVATE, Tag_Word(palette));

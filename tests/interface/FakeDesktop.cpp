@@ -179,6 +179,6 @@ ZVDrawInfo* DrawBeginZV(ZVPalette*)
 
 ZVBitmap* FindIconZV(unsigned long id)
 {
-    static ZVBitmap* const icon = AllocBitmapZV(30, 12, ZV_BITMAP_RGBA8);
+    static ZVBitmap* const icon = AllocBitmapZV(30, 12, ZV_BITMAP_RGBA8, "icon");
     return id == 500 ? icon : nullptr;
 }
