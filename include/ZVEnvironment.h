@@ -129,9 +129,12 @@ struct ZVEnvironment {
     ZVPalette* activeDocument;
     ZVPalette* activePalette;
     ZVPalette* pendingPalette;
-    int32_t hasMovies;     ///< the movie layer is there
-    int32_t processors;    ///< number of processors
-    int32_t monitorCount;  ///< 1 to 4
+    ZVPalette* displayedPalette;  ///< laid out, on its way into a window; null at other times
+    uint32_t paletteCount;        ///< palettes made so far
+    ZVItem* scheduledFocusItem;   ///< of ScheduleItemForFocusZV, or null
+    int32_t hasMovies;            ///< the movie layer is there
+    int32_t processors;           ///< number of processors
+    int32_t monitorCount;         ///< 1 to 4
     ZVMonitor monitors[4];
     uint32_t errorMode;  ///< see SetErrorModeZV
     int32_t toolTipsOn;

@@ -1,6 +1,6 @@
 // Which document and which palette are active, and who is told of a change. A document and a floater can be
 // active side by side.
-#include "PaletteWatch.h"
+#include "PaletteTree.h"
 
 #include "ZVLibInternal.h"
 
@@ -11,15 +11,15 @@ static void Retire(uint16_t type, ZVPalette* old, ZVPalette const* successor)
 }
 
 /// A document takes the place of another one only. False when an event has closed it.
-static bool Activate_Document(ZVPalette* palette, PaletteWatch const& watch)
+static bool Activate_Document(ZVPalette* palette, LivingPalette const& watch)
 {
     Retire(ZV_EVENT_DOC_DEACTIVATE, ZVEnv->activeDocument, palette);
     Retire(ZV_EVENT_DEACTIVATE, ZVEnv->activePalette, palette);
-    if (!watch.Is_There()) return false;
+    if (!watch.Is_Known()) return false;
     if (ZVEnv->activeDocument == palette) return true;
     ZVEnv->activeDocument = palette;
     Do_Event(ZV_EVENT_DOC_ACTIVATE, Tag_Word(palette));
-    return watch.Is_There();
+    return watch.Is_Known();
 }
 
 void Do_WindowActivation(ZVWindow* window)
@@ -28,7 +28,7 @@ void Do_WindowActivation(ZVWindow* window)
     if (!palette || palette->flags & ZV_PALF_NO_ACTIVATE) return;
     ZVEnv->pendingPalette = nullptr;
 
-    PaletteWatch const watch(palette);
+    LivingPalette const watch(palette);
     switch (palette->kind) {
     case ZV_KIND_DOCUMENT:
         if (!Activate_Document(palette, watch) || ZVEnv->activePalette == palette) return;
@@ -37,7 +37,7 @@ void Do_WindowActivation(ZVWindow* window)
     case ZV_KIND_FIXED:
         if (ZVEnv->activePalette == palette) return;
         Retire(ZV_EVENT_DEACTIVATE, ZVEnv->activePalette, palette);
-        if (!watch.Is_There()) return;
+        if (!watch.Is_Known()) return;
         break;
     default: return;  // dialogs, pop-ups and the windows behind the palettes take no part
     }

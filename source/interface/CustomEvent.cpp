@@ -1,6 +1,6 @@
 // What a gadget function is told, and the event that it answers with.
 #include "EventWalk.h"
-#include "PaletteWatch.h"
+#include "PaletteTree.h"
 
 #include "ZVItem.h"
 #include "ZVLibInternal.h"
@@ -17,16 +17,15 @@ long Do_CustomEvent(ZVCustomEvent* event)
     event->tablet = &ZVEnv->tablet;
 
     ZVItem* const item = event->item;
-    PaletteWatch const watch(item->group->palette);
+    LivingPalette const watch(item->group->palette);
     long result = 0;
     {
-        CurrentPaletteGuard guard;
-        ZVEnv->currentPalette = item->group->palette;
+        CurrentPalette const current(item->group->palette);
         if (item->customFunc) result = item->customFunc(event);
     }
     // An item that went with its palette has nothing to report. One that a pop-up has worked for still does.
     bool const isOwnReport = event->replyType == ZV_EVENT_GADGET && event->replyData == Tag_Word(item);
-    if (isOwnReport && !watch.Is_There()) return result;
+    if (isOwnReport && !watch.Is_Known()) return result;
     ZVEnv->modifiers |= event->replyFlags;
     Do_Event(event->replyType, event->replyData);
     return result;

@@ -1,10 +1,12 @@
 // The way of an event to the first callback that is there for it: of the item, its group, its palette, or the
 // application.
 #include "EventWalk.h"
-#include "PaletteWatch.h"
+#include "PaletteTree.h"
 
 #include "HitTest.h"
 #include "ZVLibInternal.h"
+
+#include <optional>
 
 /// The report bits and those of a key last for one event.
 static constexpr uint32_t reportBits = ZV_MOD_PRESS | ZV_MOD_CHANGE | ZV_MOD_RELEASE;
@@ -73,9 +75,9 @@ static void Send_Gadget(ZVEvent& event, ZVItem* item)
     if (!item) return;
     ZVGroup* const group = item->group;
     ZVPalette* const palette = group->palette;
-    PaletteWatch const watch(palette);
+    LivingPalette const watch(palette);
     Process_Dependencies(item);
-    if (!watch.Is_There()) return;
+    if (!watch.Is_Known()) return;
 
     event.item = Tag_Word(item);
     Enter_Palette(event, palette);
@@ -137,14 +139,14 @@ static bool Is_Forwarded(uint16_t type)
 
 /// Sends the event of a palette to the palettes that lie in it. A palette that is in no window hands on only
 /// that it was set up.
-static void Forward(uint16_t type, ZVPalette* palette, PaletteWatch const& watch)
+static void Forward(uint16_t type, ZVPalette* palette, LivingPalette const& watch)
 {
-    if (!watch.Is_There() || (type != ZV_EVENT_SETUP && !FindPaletteZV(palette))) return;
+    if (!watch.Is_Known() || (type != ZV_EVENT_SETUP && !FindPaletteZV(palette))) return;
     Node* node = List_First(&palette->subPalettes);
     while (node) {
         Node* const followed = List_Next(node);
         Do_Event(type, Tag_Word(node));
-        if (!watch.Is_There()) return;
+        if (!watch.Is_Known()) return;
         node = Next_After_Call(&palette->subPalettes, node, followed);
     }
 }
@@ -156,10 +158,11 @@ unsigned long Do_Event(unsigned short type, unsigned long arg)
         return 0;
     }
     ZVEvent event = Make_Event(type);
-    PaletteWatch const forwarder(Is_Forwarded(type) ? reinterpret_cast<ZVPalette*>(arg) : nullptr);
+    std::optional<LivingPalette> forwarder;
+    if (Is_Forwarded(type) && arg) forwarder.emplace(reinterpret_cast<ZVPalette*>(arg));
     bool isComplete;
     {
-        CurrentPaletteGuard guard;
+        CurrentPalette const current(ZVEnv->currentPalette);
         isComplete = Send(event, arg);
     }
     if (!isComplete) event.result = 1;
@@ -167,6 +170,6 @@ unsigned long Do_Event(unsigned short type, unsigned long arg)
     if (type == ZV_EVENT_KEY && event.result == 0)
         Process_Keys(static_cast<long>(arg & 0xFFFF), event.modifiers);
     ZVEnv->modifiers &= ~oneEventBits;
-    if (Is_Forwarded(type)) Forward(type, reinterpret_cast<ZVPalette*>(arg), forwarder);
+    if (forwarder) Forward(type, reinterpret_cast<ZVPalette*>(arg), *forwarder);
     return event.result;
 }

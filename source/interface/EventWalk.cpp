@@ -4,7 +4,7 @@
 
 #include "GadgetEvent.h"
 #include "HitTest.h"
-#include "PaletteWatch.h"
+#include "PaletteTree.h"
 
 #include "ZVLibInternal.h"
 
@@ -55,15 +55,15 @@ static void Set_Position(ZVEvent& event, ZVPlace place)
 }
 
 /// Calls a callback if there is one. False when the palette went with it.
-static bool Call_If_Any(void (*callback)(ZVEvent*), ZVEvent& event, PaletteWatch const& watch)
+static bool Call_If_Any(void (*callback)(ZVEvent*), ZVEvent& event, LivingPalette const& watch)
 {
     if (!callback) return true;
     callback(&event);
-    return watch.Is_There();
+    return watch.Is_Known();
 }
 
 /// The part of a movement inside a palette. False when it was closed.
-static bool Send_Move_To_Palette(ZVEvent& event, ZVPalette* palette, PaletteWatch const& watch)
+static bool Send_Move_To_Palette(ZVEvent& event, ZVPalette* palette, LivingPalette const& watch)
 {
     ZVPlace const point = Mouse_In_Window(palette);
     Enter_Palette(event, palette);
@@ -92,7 +92,7 @@ void Send_Mouse_Move(ZVEvent& event)
         return;
     }
     ZVPlace const onScreen = Mouse_On_Screen();
-    if (!Send_Move_To_Palette(event, palette, PaletteWatch(palette))) {
+    if (!Send_Move_To_Palette(event, palette, LivingPalette(palette))) {
         event.palette = nullptr;
         event.item = 0;
     }
@@ -115,7 +115,7 @@ void Send_Mouse_Button(ZVEvent& event)
 }
 
 /// False when the palette was closed.
-static bool Tick_Group(ZVEvent& event, ZVGroup* group, PaletteWatch const& watch)
+static bool Tick_Group(ZVEvent& event, ZVGroup* group, LivingPalette const& watch)
 {
     if (!Call_If_Any(group->callback, event, watch)) return false;
     for (Node* node = List_First(&group->items); node; node = List_Next(node)) {
@@ -124,7 +124,7 @@ static bool Tick_Group(ZVEvent& event, ZVGroup* group, PaletteWatch const& watch
         // The holder of the press has had its tick.
         if (item->flags & ZV_ITEMF_TICKS && item != ZVEnv->tickItem) {
             Send_Gadget_Event(ZV_CUSTOM_TICK, item, Pointer());
-            if (!watch.Is_There()) return false;
+            if (!watch.Is_Known()) return false;
         }
         event.item = Tag_Word(item);
         if (!Call_If_Any(item->callback, event, watch)) return false;
@@ -136,7 +136,7 @@ static bool Tick_Group(ZVEvent& event, ZVGroup* group, PaletteWatch const& watch
 /// False when the palette was closed or has moved to another window.
 static bool Tick_Palette(ZVEvent& event, ZVPalette* palette)
 {
-    PaletteWatch const watch(palette);
+    LivingPalette const watch(palette);
     ZVWindow const* const window = palette->window;
     Enter_Palette(event, palette);
     if (!Call_If_Any(palette->callback, event, watch)) return false;
@@ -145,17 +145,17 @@ static bool Tick_Palette(ZVEvent& event, ZVPalette* palette)
         if (!(group->flags & ZV_GRPF_HIDDEN) && !Tick_Group(event, group, watch)) return false;
     }
     Call_Hooks(palette, event.type);
-    return watch.Is_There() && palette->window == window;
+    return watch.Is_Known() && palette->window == window;
 }
 
 static bool Tick_All_Palettes(ZVEvent& event)
 {
-    CurrentPaletteGuard guard;
+    CurrentPalette const current(ZVEnv->currentPalette);
     for (Node* node = List_First(&ZVEnv->windows); node; node = List_Next(node)) {
         auto* const window = Record_Of<ZVWindow>(node);
         for (ZVPalette* palette = Get_Next_Palette(window, nullptr); palette;
              palette = Get_Next_Palette(window, palette))
-            if (!Is_Hidden(palette) && !Tick_Palette(event, palette)) return false;
+            if (Is_Shown(palette) && !Tick_Palette(event, palette)) return false;
     }
     return true;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ZVEvent.h"
+#include "ZVList.h"
 
 /// Calls the callback, or without one that of the application, if there is any.
 void Call_Back(void (*callback)(ZVEvent*), ZVEvent& event);
@@ -27,4 +28,16 @@ void Call_Hooks(ZVPalette* palette, uint16_t type);
 constexpr uint32_t Command_As_Control(uint32_t modifiers)
 {
     return modifiers & ZV_MOD_COMMAND ? (modifiers & ~uint32_t{ZV_MOD_COMMAND}) | ZV_MOD_CONTROL : modifiers;
+}
+
+/// The node to go on with after a call made for `node`, which may have taken nodes out: the one behind it,
+/// or, when it is gone itself, the one that followed it before.
+inline Node* Next_After_Call(List const* list, Node const* node, Node* followed)
+{
+    bool isFollowedThere = false;
+    for (Node* each = List_First(list); each; each = List_Next(each)) {
+        if (each == node) return List_Next(each);
+        isFollowedThere |= each == followed;
+    }
+    return isFollowedThere ? followed : nullptr;
 }

@@ -1,6 +1,6 @@
 // The press on a custom gadget: from the button going down to its release the gadget holds the mouse.
 #include "GadgetEvent.h"
-#include "PaletteWatch.h"
+#include "PaletteTree.h"
 
 #include "ZVLibInternal.h"
 
@@ -48,11 +48,11 @@ long Custom_Gad_MouseDown(long x, long y, long clickCount, long isContextual)
     ZVEnv->dragDistance = 0;
     item->flags |= ZV_ITEMF_MOUSE_INSIDE;
 
-    PaletteWatch const watch(item->group->palette);
+    LivingPalette const watch(item->group->palette);
     Send_Gadget_Event(ZV_CUSTOM_MOUSE_DOWN, item, {x, y});
     bool const isMenuWanted = ZVEnv->buttonState & ZV_MOD_CONTEXTUAL;
     ZVEnv->buttonState &= ~uint32_t{ZV_MOD_CONTEXTUAL};
-    if (isMenuWanted && watch.Is_There()) Send_Gadget_Event(ZV_CUSTOM_MENU, item, {x, y});
+    if (isMenuWanted && watch.Is_Known()) Send_Gadget_Event(ZV_CUSTOM_MENU, item, {x, y});
     return 1;
 }
 

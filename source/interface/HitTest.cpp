@@ -59,13 +59,6 @@ ZVPlace Mouse_On_Screen()
            ZVPlace{ZVEnv->mouseX, ZVEnv->mouseY};
 }
 
-bool Is_Hidden(ZVPalette const* palette)
-{
-    for (; palette; palette = palette->parent)
-        if (palette->flags & ZV_PALF_HIDDEN) return true;
-    return false;
-}
-
 static bool Holds(ZVPlace corner, long width, long height, ZVPlace point)
 {
     ZVPlace const inside = point - corner;

@@ -34,9 +34,6 @@ ZVPlace Screen_Place_Of_Item(ZVItem const* item);
 /// The mouse on the screen, as the palette and the item under it know it; of use with a mousePalette only.
 ZVPlace Mouse_On_Screen();
 
-/// True for a palette that is hidden itself or lies in a hidden one.
-bool Is_Hidden(ZVPalette const* palette);
-
 bool Holds(ZVGroup const* group, ZVPlace point);
 
 /// The first visible group of the palette that holds the point, or null.

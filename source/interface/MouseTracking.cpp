@@ -1,6 +1,6 @@
 // What lies under the mouse, and who is told that it came, went or moved.
 #include "GadgetEvent.h"
-#include "PaletteWatch.h"
+#include "PaletteTree.h"
 
 #include "ZVLibInternal.h"
 
@@ -60,7 +60,7 @@ static ZVItem* Find_In_Window(ZVWindow* window, ZVPlace point)
 {
     for (ZVPalette* palette = Get_Next_Palette(window, nullptr); palette;
          palette = Get_Next_Palette(window, palette)) {
-        if (Is_Hidden(palette) || !Is_Active_In(palette, window)) continue;
+        if (!Is_Shown(palette) || !Is_Active_In(palette, window)) continue;
         if (ZVItem* item = Find_In_Palette(palette, point)) {
             ZVPlace const inPalette = point - Place_Of_Palette(palette);
             ZVEnv->mousePalette = palette;
@@ -105,9 +105,9 @@ void Handle_MouseMove(long x, long y)
         Leave_Tracked_Item();
         return;
     }
-    PaletteWatch const watch(ZVEnv->mousePalette);
+    LivingPalette const watch(ZVEnv->mousePalette);
     if (ZVEnv->trackedItem != item) Leave_Tracked_Item();
-    if (!watch.Is_There()) return;
+    if (!watch.Is_Known()) return;
 
     if (item->kind != ZV_ITEM_GADGET || !item->customFunc) return;
     if (ZVEnv->trackingItem && ZVEnv->trackingItem != item) return;
@@ -115,7 +115,7 @@ void Handle_MouseMove(long x, long y)
         item->flags |= ZV_ITEMF_MOUSE_INSIDE;
         ZVEnv->trackedItem = item;
         Send_Gadget_Event(ZV_CUSTOM_MOUSE_IN, item, Pointer());
-        if (!watch.Is_There()) return;
+        if (!watch.Is_Known()) return;
     }
     if (!ZVEnv->trackingItem) Send_Gadget_Event(ZV_CUSTOM_MOUSE_MOVE, item, Pointer());
 }

@@ -44,7 +44,7 @@ TEST_F(Dispatch, EventsGoWhereTheirNumbersSay)
         char const* plain;
         char const* modal;
     } const rows[] = {
-        {ZV_EVENT_KEY, "A:1", "P2:1"},        {ZV_EVENT_ACTION, "A:24", "P2:24"},
+        {ZV_EVENT_KEY, "A:1", "P2:1"},       {ZV_EVENT_ACTION, "A:24", "P2:24"},
         {ZV_EVENT_MOUSE_DOWN, "A:3", "A:3"}, {ZV_EVENT_MENU_INIT, "A:16", "A:16"},
         {ZV_EVENT_OPEN_DOC, "A:18", "A:18"}, {13, "A:13", "A:13"},
         {1000, "A:1000", "A:1000"},
@@ -169,13 +169,14 @@ TEST_F(Dispatch, APaletteUnderConstructionHandsOnThatItWasSetUp)
 {
     ZVPalette* const inner = Add_SubPalette(palette, 2);
     Remove(&palette->node);
-    ZVEnv->currentPalette = palette;
+    ZVEnv->currentPalette = ZVEnv->buildingPalette = palette;
     Send(ZV_EVENT_SETUP, palette);
     Send(ZV_EVENT_ACTIVATE, palette);
     EXPECT_EQ(Log(), "P1:7 P2:7 P1:9");
     EXPECT_EQ(ZVEnv->currentPalette, palette) << "it cannot have been closed";
     EXPECT_EQ(inner->parent, palette);
     AddTail(&window->palettes, &palette->node);
+    ZVEnv->buildingPalette = nullptr;
 }
 
 TEST_F(Dispatch, TheCurrentPaletteComesBackUnlessItWasClosed)

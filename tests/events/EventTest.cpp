@@ -83,6 +83,7 @@ static ZVPalette* Make_Palette(uint32_t id, uint32_t kind)
     NewList(&palette->groups);
     NewList(&palette->subPalettes);
     palette->node.id = id;
+    palette->serial = ++ZVEnv->paletteCount;
     palette->kind = kind;
     palette->x = 2;
     palette->y = 3;

@@ -102,38 +102,3 @@ unsigned short GetItemFont(ZVItem const*)
 {
     return 0;
 }
-
-/// Next sibling of the palette or of its nearest parent that has one.
-static ZVPalette* Next_Behind(ZVPalette* palette)
-{
-    for (; palette; palette = palette->parent)
-        if (Node* next = List_Next(&palette->node)) return reinterpret_cast<ZVPalette*>(next);
-    return nullptr;
-}
-
-ZVPalette* Get_Next_Palette(ZVWindow* window, ZVPalette* palette)
-{
-    Node* first = List_First(palette ? &palette->subPalettes : &window->palettes);
-    return first ? reinterpret_cast<ZVPalette*>(first) : Next_Behind(palette);
-}
-
-template <typename Match> static ZVPalette* Find(Match matches)
-{
-    for (Node* node = List_First(&ZVEnv->windows); node; node = List_Next(node)) {
-        auto* window = reinterpret_cast<ZVWindow*>(node);
-        ZVPalette* palette = nullptr;
-        while ((palette = Get_Next_Palette(window, palette)))
-            if (matches(palette)) return palette;
-    }
-    return nullptr;
-}
-
-ZVPalette* FindPaletteZV(ZVPalette const* wanted)
-{
-    return Find([=](ZVPalette const* palette) { return palette == wanted; });
-}
-
-ZVPalette* FindPaletteZV(unsigned short id)
-{
-    return Find([=](ZVPalette const* palette) { return palette->node.id == id; });
-}

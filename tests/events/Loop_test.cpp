@@ -115,10 +115,8 @@ TEST_F(Loop, TheTickTimerCountsAndReportsCapsLockOnceForEachChange)
     struct {
         uint32_t keyboard;
         char const* log;
-    } const rows[] = {{0, "A:6"},
-                      {ZV_MOD_CAPS_LOCK, "A:6 A:1"},
-                      {ZV_MOD_CAPS_LOCK, "A:6"},
-                      {ZV_MOD_SHIFT, "A:6 A:1"}};
+    } const rows[] = {
+        {0, "A:6"}, {ZV_MOD_CAPS_LOCK, "A:6 A:1"}, {ZV_MOD_CAPS_LOCK, "A:6"}, {ZV_MOD_SHIFT, "A:6 A:1"}};
     onEvent = [](auto const&, ZVEvent* event) {
         EXPECT_EQ(event->modifiers, desktop.keyboard | ZV_MOD_BUTTON);
         if (event->type != ZV_EVENT_KEY) return;
