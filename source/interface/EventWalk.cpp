@@ -118,16 +118,15 @@ void Send_Mouse_Button(ZVEvent& event)
 static bool Tick_Group(ZVEvent& event, ZVGroup* group, LivingPalette const& watch)
 {
     if (!Call_If_Any(group->callback, event, watch)) return false;
-    for (Node* node = List_First(&group->items); node; node = List_Next(node)) {
-        auto* const item = Record_Of<ZVItem>(node);
-        if (item->flags & ZV_ITEMF_HIDDEN) continue;
+    for (ZVItem& item : Items_Of(*group)) {
+        if (item.flags & ZV_ITEMF_HIDDEN) continue;
         // The holder of the press has had its tick.
-        if (item->flags & ZV_ITEMF_TICKS && item != ZVEnv->tickItem) {
-            Send_Gadget_Event(ZV_CUSTOM_TICK, item, Pointer());
+        if (item.flags & ZV_ITEMF_TICKS && &item != ZVEnv->tickItem) {
+            Send_Gadget_Event(ZV_CUSTOM_TICK, &item, Pointer());
             if (!watch.Is_Known()) return false;
         }
-        event.item = Tag_Word(item);
-        if (!Call_If_Any(item->callback, event, watch)) return false;
+        event.item = Tag_Word(&item);
+        if (!Call_If_Any(item.callback, event, watch)) return false;
     }
     event.item = 0;
     return true;
@@ -140,10 +139,8 @@ static bool Tick_Palette(ZVEvent& event, ZVPalette* palette)
     ZVWindow const* const window = palette->window;
     Enter_Palette(event, palette);
     if (!Call_If_Any(palette->callback, event, watch)) return false;
-    for (Node* node = List_First(&palette->groups); node; node = List_Next(node)) {
-        auto* const group = Record_Of<ZVGroup>(node);
-        if (!(group->flags & ZV_GRPF_HIDDEN) && !Tick_Group(event, group, watch)) return false;
-    }
+    for (ZVGroup& group : Groups_Of(*palette))
+        if (!(group.flags & ZV_GRPF_HIDDEN) && !Tick_Group(event, &group, watch)) return false;
     Call_Hooks(palette, event.type);
     return watch.Is_Known() && palette->window == window;
 }
@@ -151,12 +148,9 @@ static bool Tick_Palette(ZVEvent& event, ZVPalette* palette)
 static bool Tick_All_Palettes(ZVEvent& event)
 {
     CurrentPalette const current(ZVEnv->currentPalette);
-    for (Node* node = List_First(&ZVEnv->windows); node; node = List_Next(node)) {
-        auto* const window = Record_Of<ZVWindow>(node);
-        for (ZVPalette* palette = Get_Next_Palette(window, nullptr); palette;
-             palette = Get_Next_Palette(window, palette))
+    for (ZVWindow& window : All_Windows())
+        for (ZVPalette* palette = nullptr; (palette = Get_Next_Palette(&window, palette));)
             if (Is_Shown(palette) && !Tick_Palette(event, palette)) return false;
-    }
     return true;
 }
 
@@ -174,7 +168,7 @@ void Call_Hooks(ZVPalette* palette, uint16_t type)
     if (!window) return;
     Node* node = List_First(&window->hooks);
     while (node) {
-        auto const* const hook = Record_Of<ZVEventHook>(node);
+        auto const* const hook = reinterpret_cast<ZVEventHook*>(node);
         Node* const followed = List_Next(node);
         if (hook->palette != palette || hook->event != type) {
             node = followed;

@@ -1,8 +1,6 @@
 // Places of windows, palettes, groups and items, and the search for what is under the mouse.
 #include "HitTest.h"
 
-#include "ZVLibInternal.h"
-
 ZVWindow* System_Window_Of(ZVWindow* window)
 {
     while (window && window->parent)
@@ -72,20 +70,17 @@ bool Holds(ZVGroup const* group, ZVPlace point)
 
 ZVGroup* Group_At(ZVPalette const* palette, ZVPlace point)
 {
-    for (Node* node = List_First(&palette->groups); node; node = List_Next(node)) {
-        auto* group = Record_Of<ZVGroup>(node);
-        if (!(group->flags & ZV_GRPF_HIDDEN) && Holds(group, point)) return group;
-    }
+    for (ZVGroup& group : Groups_Of(*palette))
+        if (!(group.flags & ZV_GRPF_HIDDEN) && Holds(&group, point)) return &group;
     return nullptr;
 }
 
 ZVItem* Item_At(ZVGroup const* group, ZVPlace point, uint32_t unwantedFlags)
 {
     ZVPlace const inner = point - Place_Of_Inner_Area(group);
-    for (Node* node = List_First(&group->items); node; node = List_Next(node)) {
-        auto* item = Record_Of<ZVItem>(node);
-        if (!(item->flags & unwantedFlags) && Holds({item->x, item->y}, item->width, item->height, inner))
-            return item;
+    for (ZVItem& item : Items_Of(*group)) {
+        if (item.flags & unwantedFlags) continue;
+        if (Holds({item.x, item.y}, item.width, item.height, inner)) return &item;
     }
     return nullptr;
 }

@@ -3,9 +3,7 @@
 // window's client area.
 #pragma once
 
-#include "ZVGroup.h"
-#include "ZVItem.h"
-#include "ZVPalette.h"
+#include "interface/Records.h"
 
 /// A point, or the offset to one.
 struct ZVPlace {
@@ -41,9 +39,3 @@ ZVGroup* Group_At(ZVPalette const* palette, ZVPlace point);
 
 /// The first item of the group that holds the point and has none of the flags, or null.
 ZVItem* Item_At(ZVGroup const* group, ZVPlace point, uint32_t unwantedFlags);
-
-/// Records begin with the node that links them.
-template <typename Record> Record* Record_Of(Node* node)
-{
-    return reinterpret_cast<Record*>(node);
-}

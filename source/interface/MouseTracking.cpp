@@ -47,10 +47,9 @@ static bool Is_Active_In(ZVPalette const* palette, ZVWindow const* window)
 
 static ZVItem* Find_In_Palette(ZVPalette const* palette, ZVPlace point)
 {
-    for (Node* node = List_First(&palette->groups); node; node = List_Next(node)) {
-        auto const* group = Record_Of<ZVGroup>(node);
-        if (group->flags & ZV_GRPF_HIDDEN || !Holds(group, point)) continue;
-        if (ZVItem* item = Item_At(group, point, ZV_ITEMF_HIDDEN)) return item;
+    for (ZVGroup const& group : Groups_Of(*palette)) {
+        if (group.flags & ZV_GRPF_HIDDEN || !Holds(&group, point)) continue;
+        if (ZVItem* item = Item_At(&group, point, ZV_ITEMF_HIDDEN)) return item;
     }
     return nullptr;
 }
@@ -80,10 +79,9 @@ static ZVItem* Find_Under_Mouse()
     ZVPlace local;
     ZVWindow const* const found = Mac_Find_Window(ZVEnv->pointerX, ZVEnv->pointerY, &local.x, &local.y);
     if (!found) return nullptr;
-    for (Node* node = List_First(&ZVEnv->windows); node; node = List_Next(node)) {
-        auto* const window = Record_Of<ZVWindow>(node);
-        if (System_Window_Of(window) != found) continue;
-        if (ZVItem* item = Find_In_Window(window, local - Place_In_System_Window(window))) return item;
+    for (ZVWindow& window : All_Windows()) {
+        if (System_Window_Of(&window) != found) continue;
+        if (ZVItem* item = Find_In_Window(&window, local - Place_In_System_Window(&window))) return item;
     }
     return nullptr;
 }
