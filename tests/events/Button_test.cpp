@@ -23,7 +23,7 @@ protected:
     /// A gadget at 20, 20 in its window, on screen.
     ZVItem* Add(ZVGadgetType type, TagItem* tags = nullptr, char const* text = nullptr)
     {
-        ZVItem* item = Add_Item(group, 20, {5, 4, 40, 16});
+        ZVItem* item = Add_Item(group, 20, 5, 4, 40, 16);
         item->type = type;
         item->customFunc = type == ZV_GAD_CHECK ? CheckRadioCustomFunc : ButtonCustomFunc;
         item->tags = tags;
@@ -59,7 +59,7 @@ protected:
     DrawTest::BitmapPtr bitmap{AllocNativeBitmapZV(120, 60, 32)};
     ZVWindow* window = Add_Window(0, 0);
     ZVPalette* palette = Add_Palette(window, 1);
-    ZVGroup* group = Add_Group(palette, 10, {10, 10, 100, 60});
+    ZVGroup* group = Add_Group(palette, 10, 10, 100, 60);
     std::vector<uint32_t> reports;
 };
 
@@ -151,53 +151,6 @@ TEST_F(Gadgets, ArmedOnesLookLikeWhatAReleaseWouldBring)
         item->flags |= ZV_ITEMF_HIDDEN;
         Do("o");
     }
-}
-
-TEST_F(Gadgets, FacesShowTheStateAndWhetherTheyCanBeUsed)
-{
-    TagItem colored[] = {{ZV_ITEM_COLOR, 0x123456}, {}};
-    struct {
-        ZVGadgetType type;
-        int state;
-        TagItem* tags;
-        unsigned long face;
-    } const rows[] = {
-        {ZV_GAD_BUTTON, 0, colored, ZV_PEN_FACE}, {ZV_GAD_TOGGLE, 1, nullptr, ZV_PEN_FACE_ON},
-        {ZV_GAD_TOGGLE, 1, colored, 0x123456},    {ZV_GAD_RADIO, 1, colored, 0x123456},
-        {ZV_GAD_CHECK, 0, colored, ZV_PEN_FACE},  {ZV_GAD_CHECK, 1, colored, 0x123456},
-    };
-    for (auto const& row : rows) {
-        ZVItem* const item = Add(row.type, row.tags);
-        item->state = row.state;
-        Draw(item, ZV_CUSTOM_DRAW);
-        EXPECT_EQ(At(3, 2), GetColorZV(row.face));
-        EXPECT_EQ(Is_Sunken(), row.state && row.type != ZV_GAD_CHECK);
-        Draw(item, ZV_CUSTOM_DRAW_DISABLED);
-        EXPECT_EQ(At(3, 2), DisableColorZV(row.face) & 0xFFFFFF);
-    }
-}
-
-TEST_F(Gadgets, ARadioHasADarkerStripAtItsRightEdge)
-{
-    SetStylePenZV(ZV_PEN_FACE, 0x0A64FF);
-    ZVEnv->style->gadgetSizes.size3 = 87;
-    Draw(Add(ZV_GAD_RADIO), ZV_CUSTOM_DRAW);
-    EXPECT_EQ(At(31, 5), 0x0A64FFu);
-    EXPECT_EQ(At(32, 5), GetColorZV(ZV_PEN_DARK_EDGE));
-    EXPECT_EQ(At(33, 5), 0x0850CCu);
-    EXPECT_EQ(At(37, 5), 0x0850CCu);
-}
-
-TEST_F(Gadgets, AToggleThatOpensSomethingHasATriangle)
-{
-    ZVItem* const item = Add(ZV_GAD_TOGGLE);
-    item->userData = 1;
-    Draw(item, ZV_CUSTOM_DRAW);
-    unsigned long const text = GetColorZV(ZV_PEN_TEXT), face = GetColorZV(ZV_PEN_FACE);
-    for (long x = 28; x < 37; ++x)
-        for (long y = 2; y < 14; ++y)
-            EXPECT_EQ(At(x, y), x >= 30 && x < 35 && std::abs(y - 8) <= 4 - (x - 30) ? text : face)
-                << x << ',' << y;
 }
 
 TEST_F(Gadgets, ACheckHasABoxOfItsOwnOnlyBesideALabel)

@@ -2,37 +2,37 @@
 
 std::function<void(std::string const&, ZVEvent*)> EventTest::onEvent;
 std::function<void(ZVCustomEvent*)> EventTest::onCustom;
-
 static std::string entries;
 
-static void Add_Entry(std::string const& entry)
+static void Told(std::string const& who, int type)
 {
-    entries += (entries.empty() ? "" : " ") + entry;
-}
-
-static void Told(std::string const& who, ZVEvent* event)
-{
-    Add_Entry(who + ":" + std::to_string(event->type));
-    if (EventTest::onEvent) EventTest::onEvent(who, event);
-}
-
-/// The level is that of the callback: palette, group or item.
-template <int level> static void Callback(ZVEvent* event)
-{
-    static char const letters[] = "PGI";
-    Told(letters[level] + std::to_string(event->palette ? event->palette->node.id : 0), event);
+    entries += (entries.empty() ? "" : " ") + who + ":" + std::to_string(type);
 }
 
 void EventTest::Application(ZVEvent* event)
 {
-    Told("A", event);
+    Told("A", event->type);
+    if (onEvent) onEvent("A", event);
+}
+
+/// The level is that of the callback: palette, group or item.
+template <char level> static void Callback(ZVEvent* event)
+{
+    std::string const who = level + std::to_string(event->palette->node.id);
+    Told(who, event->type);
+    if (EventTest::onEvent) EventTest::onEvent(who, event);
 }
 
 long EventTest::Custom(ZVCustomEvent* event)
 {
-    Add_Entry("C" + std::to_string(event->item->node.id) + ":" + std::to_string(event->type));
+    Told("C" + std::to_string(event->item->node.id), event->type);
     if (onCustom) onCustom(event);
     return 1;
+}
+
+std::string EventTest::Log()
+{
+    return std::exchange(entries, {});
 }
 
 EventTest::EventTest()
@@ -46,38 +46,29 @@ EventTest::EventTest()
 
 EventTest::~EventTest()
 {
-    while (Node* node = List_First(&ZVEnv->windows)) {
-        auto* window = reinterpret_cast<ZVWindow*>(node);
-        while (Node* palette = List_First(&window->palettes))
+    while (Node* window = RemHead(&ZVEnv->windows)) {
+        auto& record = *reinterpret_cast<ZVWindow*>(window);
+        while (Node* palette = List_First(&record.palettes))
             Close(reinterpret_cast<ZVPalette*>(palette));
-        while (Node* hook = RemHead(&window->hooks))
-            delete reinterpret_cast<ZVEventHook*>(hook);
-        Remove(node);
-        delete window;
+        delete &record;
     }
 }
 
-ZVWindow* EventTest::Add_Window(int32_t left, int32_t top, int32_t width, int32_t height)
+ZVWindow* EventTest::Add_Window(int32_t left, int32_t top, ZVWindow* parent)
 {
     auto* window = new ZVWindow{};
     NewList(&window->palettes);
     NewList(&window->hooks);
     window->left = left;
     window->top = top;
-    window->width = width;
-    window->height = height;
+    window->width = 200;
+    window->height = 100;
+    window->parent = parent;
     AddTail(&ZVEnv->windows, &window->node);
     return window;
 }
 
-ZVWindow* EventTest::Add_Pseudo_Window(ZVWindow* parent, int32_t left, int32_t top)
-{
-    ZVWindow* window = Add_Window(left, top);
-    window->parent = parent;
-    return window;
-}
-
-static ZVPalette* Make_Palette(uint32_t id, uint32_t kind)
+ZVPalette* EventTest::Add_Palette(ZVWindow* window, uint32_t id, uint32_t kind, ZVPalette* parent)
 {
     auto* palette = new ZVPalette{};
     NewList(&palette->groups);
@@ -89,57 +80,42 @@ static ZVPalette* Make_Palette(uint32_t id, uint32_t kind)
     palette->y = 3;
     palette->originX = 4;
     palette->originY = 5;
-    palette->callback = Callback<0>;
-    return palette;
-}
-
-ZVPalette* EventTest::Add_Palette(ZVWindow* window, uint32_t id, uint32_t kind)
-{
-    ZVPalette* palette = Make_Palette(id, kind);
+    palette->callback = Callback<'P'>;
     palette->window = window;
-    AddTail(&window->palettes, &palette->node);
-    window->activePalette = palette;
-    return palette;
-}
-
-ZVPalette* EventTest::Add_SubPalette(ZVPalette* parent, uint32_t id)
-{
-    ZVPalette* palette = Make_Palette(id, ZV_KIND_FIXED);
-    palette->window = parent->window;
     palette->parent = parent;
-    AddTail(&parent->subPalettes, &palette->node);
+    AddTail(parent ? &parent->subPalettes : &window->palettes, &palette->node);
+    if (!parent) window->activePalette = palette;
     return palette;
 }
 
-ZVGroup* EventTest::Add_Group(ZVPalette* palette, uint32_t id, ZVRectT<int32_t> const& area)
+ZVGroup* EventTest::Add_Group(ZVPalette* palette, long x, long y, long width, long height)
 {
     auto* group = new ZVGroup{};
     NewList(&group->items);
-    group->node.id = id;
     group->palette = palette;
-    group->x = area.x;
-    group->y = area.y;
-    group->innerX = area.x + 1;
-    group->innerY = area.y + 1;
-    group->width = area.width;
-    group->height = area.height;
-    group->callback = Callback<1>;
+    group->x = static_cast<int32_t>(x);
+    group->y = static_cast<int32_t>(y);
+    group->innerX = group->x + 1;
+    group->innerY = group->y + 1;
+    group->width = static_cast<int32_t>(width);
+    group->height = static_cast<int32_t>(height);
+    group->callback = Callback<'G'>;
     AddTail(&palette->groups, &group->node);
     return group;
 }
 
-ZVItem* EventTest::Add_Item(ZVGroup* group, uint32_t id, ZVRectT<int32_t> const& area)
+ZVItem* EventTest::Add_Item(ZVGroup* group, uint32_t id, long x, long y, long width, long height)
 {
     auto* item = new ZVItem{};
     item->node.id = id;
     item->kind = ZV_ITEM_GADGET;
     item->type = ZV_GAD_CUSTOM;
     item->group = group;
-    item->x = area.x;
-    item->y = area.y;
-    item->width = area.width;
-    item->height = area.height;
-    item->callback = Callback<2>;
+    item->x = static_cast<int32_t>(x);
+    item->y = static_cast<int32_t>(y);
+    item->width = static_cast<int32_t>(width);
+    item->height = static_cast<int32_t>(height);
+    item->callback = Callback<'I'>;
     item->customFunc = Custom;
     AddTail(&group->items, &item->node);
     return item;
@@ -153,32 +129,21 @@ ZVCustomEvent EventTest::Custom_Event(uint16_t type, ZVItem* item)
     return event;
 }
 
-static void Forget(ZVItem* item)
-{
-    for (ZVItem** place :
-         {&ZVEnv->trackedItem, &ZVEnv->trackingItem, &ZVEnv->tickItem, &ZVEnv->lastClickItem})
-        if (*place == item) *place = nullptr;
-}
-
 void EventTest::Close(ZVPalette* palette)
 {
     while (Node* sub = List_First(&palette->subPalettes))
         Close(reinterpret_cast<ZVPalette*>(sub));
     while (Node* group = RemHead(&palette->groups)) {
-        while (Node* item = RemHead(&reinterpret_cast<ZVGroup*>(group)->items)) {
-            Forget(reinterpret_cast<ZVItem*>(item));
-            delete reinterpret_cast<ZVItem*>(item);
+        while (Node* node = RemHead(&reinterpret_cast<ZVGroup*>(group)->items)) {
+            auto* item = reinterpret_cast<ZVItem*>(node);
+            for (ZVItem** place : {&ZVEnv->trackedItem, &ZVEnv->trackingItem, &ZVEnv->tickItem})
+                if (*place == item) *place = nullptr;
+            delete item;
         }
         delete reinterpret_cast<ZVGroup*>(group);
     }
-    for (ZVPalette** place : {&ZVEnv->mousePalette, &ZVEnv->modalPalette, &ZVEnv->activeDocument,
-                              &ZVEnv->currentPalette, &palette->window->activePalette})
+    for (ZVPalette** place : {&ZVEnv->mousePalette, &ZVEnv->currentPalette, &palette->window->activePalette})
         if (*place == palette) *place = nullptr;
     Remove(&palette->node);
     delete palette;
-}
-
-std::string EventTest::Log()
-{
-    return std::exchange(entries, {});
 }

@@ -4,9 +4,6 @@
 #include "FakeDesktop.h"
 #include "TestEnvironment.h"
 
-#include <functional>
-#include <memory>
-
 class EventTest : public testing::Test {
 public:
     /// Run in every callback, behind the log.
@@ -17,25 +14,22 @@ protected:
     EventTest();
     ~EventTest() override;
 
-    static ZVWindow* Add_Window(int32_t left, int32_t top, int32_t width = 200, int32_t height = 100);
+    /// A window of 200 by 100; with a parent, one inside that.
+    static ZVWindow* Add_Window(int32_t left, int32_t top, ZVWindow* parent = nullptr);
 
-    /// A window in another one.
-    static ZVWindow* Add_Pseudo_Window(ZVWindow* parent, int32_t left, int32_t top);
-
-    /// A palette at 2, 3 in its window; the window's active one. It logs as "P" with its id.
-    static ZVPalette* Add_Palette(ZVWindow* window, uint32_t id, uint32_t kind = ZV_KIND_FLOATER);
-    static ZVPalette* Add_SubPalette(ZVPalette* parent, uint32_t id);
-
-    /// Log as "G" and "I" with the id of their palette; custom events of an item log as "C" with its own.
-    static ZVGroup* Add_Group(ZVPalette* palette, uint32_t id, ZVRectT<int32_t> const& area);
-    static ZVItem* Add_Item(ZVGroup* group, uint32_t id, ZVRectT<int32_t> const& area);
-
+    /// A palette at 2, 3 in its window, the window's active one or one inside another.
+    static ZVPalette* Add_Palette(ZVWindow* window, uint32_t id, uint32_t kind = ZV_KIND_FLOATER,
+                                  ZVPalette* parent = nullptr);
+    static ZVGroup* Add_Group(ZVPalette* palette, long x = 0, long y = 0, long width = 50, long height = 50);
+    static ZVItem* Add_Item(ZVGroup* group, uint32_t id, long x = 0, long y = 0, long width = 40,
+                            long height = 40);
     static ZVCustomEvent Custom_Event(uint16_t type, ZVItem* item);
 
     /// What the library does when a palette closes: nothing of it is left.
     static void Close(ZVPalette* palette);
 
-    /// The log since the last call, each entry "P1:6" for event 6 at palette 1.
+    /// The log since the last call. "P1:6" is event 6 at palette 1, "G1" and "I1" a group and an item in it,
+    /// "A" the application, "C20:108" custom event 108 of item 20.
     static std::string Log();
 
     static void Application(ZVEvent* event);

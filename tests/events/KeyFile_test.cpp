@@ -85,6 +85,9 @@ TEST_F(KeyFile, LinesBecomeBindings)
         {"blanks and tabs", " \t Section\tMain \n\t\n  \t a \t Save\t ", "97:10", "", ""},
         {"a number", "Section Main\nF5 Refresh 2\nF6 Refresh x\nF7 Save -1", "292:12/2 293:12 294:10/65535",
          "", ""},
+        {"named keys", "Section Main\nF1 Save\nF15 Save\nLEFTARROW Save\nHelp Save\nESC Save\nINSERT Save",
+         "288:10 302:10 303:10 307:10 316:10 319:10", "", ""},
+        {"nothing but comments", "// one\n  // two\n", "", "", ""},
         {"space", "Section Main\nSPACE Save", "32:10", "", ""},
         {"comments", "//Section Main\nSection Main\n  // a Save\n/ Load", "47:11", "", ""},
         {"line ends", "Section Main\ra Save\r\nb Load\n\nq None", "97:10 98:11 113:0", "", Said(116, 5)},
@@ -115,43 +118,6 @@ TEST_F(KeyFile, LinesBecomeBindings)
     }
 }
 
-TEST_F(KeyFile, NamedKeysCountFrom288)
-{
-    std::string_view const names =
-        "F1 F2 F3 F4 F5 F6 F7 F8 F9 F10 F11 F12 F13 F14 F15 LEFTARROW RIGHTARROW UPARROW DOWNARROW HELP "
-        "DELETE BACKSPACE ENTER HOME END TAB PAGEUP PAGEDOWN ESC RETURN CAPSLOCK INSERT ";
-    std::string text = "Section Main\n", expected;
-    for (long key = 288, start = 0; key <= 319; ++key) {
-        std::size_t const end = names.find(' ', static_cast<std::size_t>(start));
-        text += std::string(
-                    names.substr(static_cast<std::size_t>(start), end - static_cast<std::size_t>(start))) +
-                " Save\n";
-        expected += (expected.empty() ? "" : " ") + std::to_string(key) + ":10";
-        start = static_cast<long>(end) + 1;
-    }
-    Sections const sections(text);
-    EXPECT_EQ(Sections::Bindings(sections.main), expected);
-    EXPECT_EQ(sections.messages, "");
-}
-
-TEST_F(KeyFile, NamesMayComeByStringId)
-{
-    // Strings 100 and 101 are the texts of two buttons.
-    ZVKeyCommandId const ids[] = {{101, 7}, {0, 0}};
-    ZVKeySection section{.nameId = 100, .commandIds = ids};
-    Parse_Key_Text(std::string("Section ") + GetStringZV(100) + "\na " + GetStringZV(101), &section);
-    EXPECT_EQ(Sections::Bindings(section), "97:7");
-    CleanupKeySectionZV(&section);
-}
-
-TEST_F(KeyFile, ATextThatSaysNothingAllocatesNothing)
-{
-    for (char const* text : {"", "\n\r\n", "// one\n  // two", "   \t"}) {
-        Sections const sections(text);
-        EXPECT_EQ(sections.main.block, nullptr);
-    }
-}
-
 TEST_F(KeyFile, FilesAreReadFromTheHomeDirectoryInPlaceOfWhatWasThere)
 {
     Sections sections("Section Main\na Save\nSection Other\nb Save");
@@ -168,19 +134,6 @@ TEST_F(KeyFile, FilesAreReadFromTheHomeDirectoryInPlaceOfWhatWasThere)
     SetKeyFileZV("None.txt", &sections.main);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), Said(115));
     EXPECT_EQ(sections.main.bindings, nullptr);
-}
-
-TEST_F(KeyFile, ABindingIsFoundByKeyAndFourModifiers)
-{
-    Sections sections(
-        "Section Main\nCONTROL a None\nb Save\nSection Other\nCONTROL a Load\nb Load\nc Refresh");
-    EXPECT_EQ(GetKeyActionZV(&sections.main, 'a', ZV_MOD_CONTROL | ZV_MOD_CAPS_LOCK | 1), 11)
-        << "an action of 0 is none";
-    EXPECT_EQ(GetKeyActionZV(&sections.main, 'a', 0), 0);
-    EXPECT_EQ(GetKeyActionZV(&sections.main, 'b', 0), 10) << "the first in the chain";
-    EXPECT_EQ(GetKeyActionZV(nullptr, 'b', 0), 0);
-    EXPECT_EQ(Find_Key(&sections.other, 11), 'a' | 0x200);
-    EXPECT_EQ(Find_Key(&sections.other, 10), 0);
 }
 
 TEST_F(KeyFile, AKeyThatNobodyTookBecomesAnAction)
@@ -231,18 +184,6 @@ TEST_F(KeyFile, AModalPaletteKeepsKeysForItself)
     Process_Keys('m', 0);
     EXPECT_EQ(Log(), "A:24");
     ZVEnv->keySection = nullptr;
-}
-
-TEST_F(KeyFile, ASectionsCallbackTakesThePlaceOfTheApplications)
-{
-    Sections sections("Section Main\na Save");
-    static int calls;
-    calls = 0;
-    sections.main.callback = [](ZVEvent* event) { calls += event->type == ZV_EVENT_ACTION; };
-    EXPECT_EQ(ProcessKeyEventZV(&sections.main, 'a', 0), 1);
-    EXPECT_EQ(calls, 1);
-    EXPECT_EQ(Log(), "");
-    EXPECT_EQ(ZVEnv->callback, &EventTest::Application);
 }
 
 TEST(KeyFileAtStart, IsReadByInitZVAndFreedAtTheEnd)

@@ -42,46 +42,6 @@ TEST_F(Activation, DocumentsAndFloatersAreActiveSideBySide)
     EXPECT_EQ(ZVEnv->activeDocument, documents[0]);
 }
 
-TEST_F(Activation, APaletteThatIsGoneGetsNoFarewell)
-{
-    ZVPalette* const old = Show(1, ZV_KIND_FLOATER);
-    ZVPalette* const next = Show(2, ZV_KIND_FLOATER);
-    Do_WindowActivation(old->window);
-    Log();
-    Close(old);
-    Do_WindowActivation(next->window);
-    EXPECT_EQ(Log(), "P2:9");
-}
-
-TEST_F(Activation, AFarewellMayCloseThePaletteThatComes)
-{
-    for (int event : {12, 10, 11}) {
-        ZVPalette* const old = Show(1, ZV_KIND_DOCUMENT);
-        ZVPalette* const next = Show(2, ZV_KIND_DOCUMENT);
-        Do_WindowActivation(old->window);
-        Log();
-        onEvent = [&](auto const&, ZVEvent* told) {
-            if (told->type == event) Close(next);
-        };
-        Do_WindowActivation(next->window);
-        EXPECT_EQ(Log().find("P2:9"), std::string::npos) << event;
-        onEvent = nullptr;
-        Close(old);
-    }
-}
-
-TEST_F(Activation, AWindowWithoutOneActivatesThePendingPalette)
-{
-    ZVPalette* const palette = Show(1, ZV_KIND_FLOATER);
-    palette->window->activePalette = nullptr;
-    Do_WindowActivation(palette->window);
-    EXPECT_EQ(Log(), "");
-    ZVEnv->pendingPalette = palette;
-    Do_WindowActivation(palette->window);
-    EXPECT_EQ(Log(), "P1:9");
-    EXPECT_EQ(ZVEnv->pendingPalette, nullptr);
-}
-
 TEST_F(Loop, RunsTheApplicationsOrTheModalPalettes)
 {
     using Calls = std::vector<std::string>;
@@ -100,14 +60,6 @@ TEST_F(Loop, RunsTheApplicationsOrTheModalPalettes)
     EXPECT_EQ(HandleGUIZV(), 1);
     EXPECT_EQ(desktop.calls, (Calls{"drop focus", "first gadget", "flush", "modal loop", "flush"}));
     EXPECT_EQ(ZVEnv->guiLevel, 0);
-}
-
-TEST_F(Loop, AdvancingTellsWhetherTheApplicationGoesOn)
-{
-    EXPECT_EQ(AdvanceGUIZV(0), 1);
-    ExitZV();
-    EXPECT_EQ(AdvanceGUIZV(0), 0);
-    EXPECT_EQ(desktop.calls, (std::vector<std::string>{"waiting events", "waiting events"}));
 }
 
 TEST_F(Loop, TheTickTimerCountsAndReportsCapsLockOnceForEachChange)
