@@ -61,61 +61,53 @@ protected:
     }
 };
 
-std::string const control = std::to_string('s' | 0x200), command = std::to_string('s' | 0x1000);
-
 }  // namespace
+
+/// Each bar is the end of a line.
+static std::string Lines(std::string text)
+{
+    std::ranges::replace(text, '|', '\n');
+    return text;
+}
 
 TEST_F(KeyFile, LinesBecomeBindings)
 {
     struct {
-        char const* why;
-        std::string text;
-        std::string main, other;
+        char const *text, *main, *other;
         std::string messages;
     } const rows[] = {
-        {"the plainest", "Section Main\na Save", "97:10", "", ""},
-        {"no section yet", "a Save\nSection Main", "", "", ""},
-        {"an unknown section", "Section Main\na Save\nSection None\nb Nonsense", "97:10", "", ""},
-        {"two sections", "Section Main\na Save\nSection Other\na Load\n", "97:10", "97:11", ""},
-        {"upper case is shift", "Section Main\nA Save\na Load\nSHIFT b Save", "1121:10 97:11 1122:10", "",
-         ""},
-        {"case of keywords", "sECTION mAIN\ncontrol Command f5 sAVE", std::to_string(292 | 0x1200) + ":10",
-         "", ""},
-        {"both names of alt", "Section Main\nALT a Save\nOPTION b Load", "2145:10 2146:11", "", ""},
-        {"blanks and tabs", " \t Section\tMain \n\t\n  \t a \t Save\t ", "97:10", "", ""},
-        {"a number", "Section Main\nF5 Refresh 2\nF6 Refresh x\nF7 Save -1", "292:12/2 293:12 294:10/65535",
-         "", ""},
-        {"named keys", "Section Main\nF1 Save\nF15 Save\nLEFTARROW Save\nHelp Save\nESC Save\nINSERT Save",
-         "288:10 302:10 303:10 307:10 316:10 319:10", "", ""},
-        {"nothing but comments", "// one\n  // two\n", "", "", ""},
-        {"space", "Section Main\nSPACE Save", "32:10", "", ""},
-        {"comments", "//Section Main\nSection Main\n  // a Save\n/ Load", "47:11", "", ""},
-        {"line ends", "Section Main\ra Save\r\nb Load\n\nq None", "97:10 98:11 113:0", "", Said(116, 5)},
-        {"modifiers alone", "Section Main\nSHIFT\na Save", "97:10", "", ""},
-        {"an unknown key ends no table", "Section Main\nF99 Save\na Save", "97:10", "", Said(116, 2)},
-        {"an unknown key and action", "Section Main\nF99 None", "", "", Said(116, 2) + Said(116, 2)},
-        {"an unknown action", "Section Main\na None 5\nb", "97:0/5 98:0", "", Said(116, 2) + Said(116, 3)},
-        {"a key that is taken", "Section Main\nCONTROL Q Save\nb Load\ncontrol shift q None\n",
-         std::to_string('q' | 0x600) + ":10 98:11", "", Said(117, "q", 4)},
-        {"a section that has its keys", "Section Main\na Save\nsection main\nb Load\nSection Other\nc Save",
-         "97:10", "99:10", Said(119, "main", 3)},
-        {"conditionals", "Section Main\nif Linux\nCONTROL s Save\nelse\nCOMMAND s Save\nendif\na Load",
-         control + ":10 97:11", "", ""},
-        {"conditionals of others",
-         "Section Main\nif Macintosh\nCONTROL s Save\nelse\nCOMMAND s Save\nendif\na Load",
-         command + ":10 97:11", "", ""},
-        {"keywords of conditionals", "Section Main\nIFDEF linux64\na Save\nELSE\nb Save\nEndIf\nc Load",
-         "97:10 99:11", "", ""},
-        {"no word", "Section Main\nif\na Save\nendif\nb Load", "98:11", "", ""},
-        {"else alone", "Section Main\na Save\nelse\nb Save\nelse\nc Save", "97:10 99:10", "", ""},
-        {"skipped sections", "Section Main\nif Other\nSection Other\nendif\na Save", "97:10", "", ""},
+        {"a Save|Section Main", "", "", ""},
+        {"Section Main|a Save|Section None|b Nonsense", "97:10", "", ""},
+        {"Section Main|a Save|Section Other|a Load|", "97:10", "97:11", ""},
+        {"Section Main|A Save|a Load|SHIFT b Save", "1121:10 97:11 1122:10", "", ""},
+        {"sECTION mAIN|control Command f5 sAVE", "4900:10", "", ""},
+        {"Section Main|ALT a Save|OPTION b Load", "2145:10 2146:11", "", ""},
+        {" \t Section\tMain |\t|  \t a \t Save\t ", "97:10", "", ""},
+        {"Section Main|F5 Refresh 2|F6 Refresh x|F7 Save -1", "292:12/2 293:12 294:10/65535", "", ""},
+        {"Section Main|F1 Save|F15 Save|LEFTARROW Save|Help Save|INSERT Save|SPACE Save",
+         "288:10 302:10 303:10 307:10 319:10 32:10", "", ""},
+        {"//Section Main|Section Main|  // a Save|/ Load", "47:11", "", ""},
+        {"Section Main\ra Save\r\nb Load||q None", "97:10 98:11 113:0", "", Said(116, 5)},
+        {"Section Main|SHIFT|a Save", "97:10", "", ""},
+        {"Section Main|F99 Save|a Save", "97:10", "", Said(116, 2)},
+        {"Section Main|a None 5|b", "97:0/5 98:0", "", Said(116, 2) + Said(116, 3)},
+        {"Section Main|SHIFT q Save|b Load|Q None|", "1137:10 98:11", "", Said(117, "Q", 4)},
+        {"Section Main|a Save|section main|b Load|Section Other|c Save", "97:10", "99:10",
+         Said(119, "main", 3)},
+        {"Section Main|if Linux|a Save|else|b Save|endif|c Load", "97:10 99:11", "", ""},
+        {"Section Main|if Macintosh|a Save|else|b Save|endif|c Load", "98:10 99:11", "", ""},
+        {"Section Main|IFDEF linux64|a Save|ELSE|b Save|EndIf|c Load", "97:10 99:11", "", ""},
+        {"Section Main|if|a Save|endif|b Load", "98:11", "", ""},
+        {"Section Main|a Save|else|b Save|else|c Save", "97:10 99:10", "", ""},
+        {"Section Main|if Other|Section Other|endif|a Save", "97:10", "", ""},
     };
     for (auto const& row : rows) {
-        Sections const sections(row.text);
-        EXPECT_EQ(Sections::Bindings(sections.main), row.main) << row.why;
-        EXPECT_EQ(Sections::Bindings(sections.other), row.other) << row.why;
-        EXPECT_EQ(sections.messages, row.messages) << row.why;
+        Sections const sections(Lines(row.text));
+        EXPECT_EQ(Sections::Bindings(sections.main), row.main) << row.text;
+        EXPECT_EQ(Sections::Bindings(sections.other), row.other) << row.text;
+        EXPECT_EQ(sections.messages, row.messages) << row.text;
     }
+    EXPECT_EQ(Sections("// nothing but comments\n").main.block, nullptr);
 }
 
 TEST_F(KeyFile, FilesAreReadFromTheHomeDirectoryInPlaceOfWhatWasThere)
