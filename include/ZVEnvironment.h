@@ -129,9 +129,12 @@ struct ZVEnvironment {
     ZVPalette* activeDocument;
     ZVPalette* activePalette;
     ZVPalette* pendingPalette;
-    int32_t hasMovies;     ///< the movie layer is there
-    int32_t processors;    ///< number of processors
-    int32_t monitorCount;  ///< 1 to 4
+    ZVPalette* displayedPalette;  ///< laid out, on its way into a window; null at other times
+    uint32_t paletteCount;        ///< palettes made so far
+    ZVItem* scheduledFocusItem;   ///< of ScheduleItemForFocusZV, or null
+    int32_t hasMovies;            ///< the movie layer is there
+    int32_t processors;           ///< number of processors
+    int32_t monitorCount;         ///< 1 to 4
     ZVMonitor monitors[4];
     uint32_t errorMode;  ///< see SetErrorModeZV
     int32_t toolTipsOn;
@@ -165,7 +168,11 @@ struct ZVEnvironment {
     double seqAspect;
     long seqFieldsSet;
     uint8_t seqFields;
-    uint8_t timeUnits;  ///< how applications show frame numbers
+    uint8_t timeUnits;             ///< how applications show frame numbers
+    int32_t pointerX, pointerY;    ///< the mouse on the screen; stays while it moves without end
+    int32_t movedToX, movedToY;    ///< where the last mouse event left it, from which movements count
+    uint32_t capsLockState;        ///< ZV_MOD_CAPS_LOCK as the last key event of its own told it
+    int32_t busySteps, busyFrame;  ///< of the busy cursor: timer steps of this frame, and its colour cursor
 };
 
 extern ZV_API ZVEnvironment* ZVEnv;    ///< the environment, null before InitZV and after CleanUpZV

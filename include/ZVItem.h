@@ -5,6 +5,7 @@
 // Main thread only.
 #pragma once
 
+#include "ZVBitmap.h"
 #include "ZVLayout.h"
 #include "ZVList.h"
 #include "ZVTags.h"
@@ -186,11 +187,12 @@ struct ZVItem {
     uint32_t pressed;          ///< armed; of the custom function
     int32_t dragWidth, dragHeight;
     uint32_t extra;
-    ZVNativeBitmap* image;
-    ZVNativeBitmap* imageOff;
+    ZVBitmap* image;  ///< icons, which the library owns
+    ZVBitmap* imageOff;
     uint32_t imageColor, hasImageColor;
-    char const* toolTip;   ///< not owned
-    ZVNativeItem* native;  ///< not null while the item is on screen
+    char const* toolTip;        ///< not owned
+    ZVNativeItem* native;       ///< not null while the item is on screen
+    ZVGadgetType declaredType;  ///< `type` before a cycle or menu became a custom gadget
 };
 
 /// Adds a gadget to the open group. Types that show their label beside them get it as an attached text.
@@ -280,7 +282,7 @@ ZV_API void ItemVisibleZV(unsigned short id, long visible);
 ZV_API void ItemEnabledZV(ZVItem* item, long enabled);
 ZV_API void ItemEnabledZV(unsigned short id, long enabled);
 
-/// Marks an item, and shows it exactly when it is marked.
+/// Marks an item, or takes its mark away; the second call shows it exactly when it is marked.
 ZV_API void MarkItemZV(ZVItem* item, long marked);
 ZV_API void MarkItemZV(unsigned short id, long marked);
 ZV_API void ItemVisibleIfMarkedZV(unsigned short id);
@@ -299,9 +301,6 @@ ZV_API void GetGadgetSizeZV(ZVGadgetType type, ZVGadgetSize size, long* width, l
 
 /// The item takes the focus at the next opportunity.
 ZV_API void ScheduleItemForFocusZV(ZVItem* item);
-
-/// A colour as a disabled gadget shows it: 30 percent of it with the darkened palette background.
-ZV_API unsigned long DisableColorZV(unsigned long colour);
 
 /// Brings the screen in line with a gadget's state.
 ZV_API void UpdateGadgetZV(ZVItem* item);

@@ -60,14 +60,14 @@ struct ZVKeyBinding {
 
 /// A section, declared by the application, which owns it.
 struct ZVKeySection {
-    ZVKeySection* next;                ///< tried after this one; null ends the chain
-    char const* name;                  ///< in the file, or null
-    uint32_t nameId;                   ///< string id of the name, when that is null
-    ZVKeyCommand const* commands;      ///< or null
-    ZVKeyCommandId const* commandIds;  ///< used when `commands` is null
-    ZVKeyBinding const* bindings;      ///< of the file, or a table of the application's own; may be null
-    void* block;                       ///< holds the file's bindings; of the chain's head
-    void (*callback)(ZVEvent*);        ///< gets this section's actions in place of the application's, or null
+    ZVKeySection* next = nullptr;                ///< tried after this one; null ends the chain
+    char const* name = nullptr;                  ///< in the file, or null
+    uint32_t nameId = 0;                         ///< string id of the name, when that is null
+    ZVKeyCommand const* commands = nullptr;      ///< or null
+    ZVKeyCommandId const* commandIds = nullptr;  ///< used when `commands` is null
+    ZVKeyBinding const* bindings = nullptr;      ///< of the file, or a table of the application's own
+    void* block = nullptr;                       ///< holds a file's bindings; of the chain's head
+    void (*callback)(ZVEvent*) = nullptr;  ///< gets this section's actions in place of the application's
 };
 
 /// Frees what the chain holds of a file and reads the named file of the home directory into it.

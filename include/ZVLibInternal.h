@@ -274,10 +274,16 @@ ZV_API void Do_WindowActivation(ZVWindow* window);
 ZV_API void Handle_MouseMove(long x, long y);
 
 /// Presses, moves, ticks and releases of the custom gadget that holds the mouse; the point is on the screen.
-ZV_API long Custom_Gad_MouseDown(long x, long y, long clickCount);  ///< 1 when a custom gadget took it.
+/// @param clickCount    quick presses at this place so far, this one included
+/// @param isContextual  the press asks for the contextual menu
+/// @return  1 when a custom gadget took it
+ZV_API long Custom_Gad_MouseDown(long x, long y, long clickCount, long isContextual);
 ZV_API void Custom_Gad_MouseMove(long x, long y);
 ZV_API void Custom_Gad_MouseUp(long x, long y);
 ZV_API void Custom_Gad_Tick();
+
+/// Makes `modifiers` of the mouse's bits and those of the keyboard, as every event of the desktop begins.
+ZV_API void Rebuild_Modifiers(uint32_t keyboard);
 
 ZV_API void AppTickTimerProcZV();                 ///< What the event loop's tick timer calls.
 inline constexpr double TickTimerInterval = 0.1;  ///< Of that timer, in seconds.
@@ -299,8 +305,27 @@ ZV_API long Get_MouseQueue(MacMouseEvent* event);        ///< 0 when it is empty
 /// that has one. Null starts the walk, and ends it.
 ZV_API ZVPalette* Get_Next_Palette(ZVWindow* window, ZVPalette* palette);
 
+/// Makes a palette the active one of a window, or with `activate` 0 only a further one in it. It moves there
+/// from the window that it was in; a null window is a new one at that place of the screen.
+/// @return  0 with error 1 when no window can be made, the palette staying where it was
 ZV_API long NewActivePalette(ZVWindow* window, ZVPalette* palette, long x, long y, long activate);
 ZV_API void Free_Palette(ZVPalette* palette);  ///< With all that it owns; unlinked from its list.
+
+/// Unlinks a window's record and frees it with its name, hooks and tags. Free_SysWindow ends with it.
+ZV_API void Free_Window(ZVWindow* window);
+
+/// The system window that a palette is in, and where the palette's own window lies in that: 0, 0 unless it is
+/// a pseudo-window. Null, with 0, 0, without a palette or window. Outputs may be null.
+ZV_API ZVWindow* GetParentSysWindow(ZVPalette const* palette, long* dx, long* dy);
+
+ZV_API void RenderTabs(ZVWindow* window);  ///< Draws the tab bars of a window's palettes again.
+
+/// Window preferences: takes down how things stand now, and answers where a palette was the last time.
+/// Outputs may be null.
+/// @return  1 when something is known of the palette; the outputs are left alone otherwise
+ZV_API void Snapshot_WindowPrefs();
+ZV_API long Get_Dest_Window(ZVPalette const* palette, ZVWindow** window, unsigned long* pseudoId, long* x,
+                            long* y, long* width, long* height, long* active);
 
 /// Lays a palette out in that size and brings the screen in line. -1 is the natural size.
 ZV_API void Rebuild_SysPalette(ZVPalette* palette, long width, long height);
@@ -317,6 +342,8 @@ ZV_API void Process_Dependencies(ZVItem* item);
 
 /// Key bindings. A file by its full spec is read into the chain, nothing freed first.
 ZV_API void Parse_KeyFile(char const* spec, ZVKeySection* section);
+/// The same for a name in the home directory.
+ZV_API void Parse_Home_KeyFile(char const* name, ZVKeySection* section);
 ZV_API long Find_Key(ZVKeySection const* section, long action);  ///< Key of the first binding, or 0.
 ZV_API void Process_Keys(long key, unsigned long modifiers);     ///< Of the modal palette, else of InitZV.
 
@@ -328,6 +355,7 @@ ZV_API void Free_SysWindow(ZVWindow* window);  ///< With the ZVWindow, unlinked.
 ZV_API void Set_SysWindowName(ZVWindow* window, char const* name);
 ZV_API ZVWindow* GetZVWind_From_SysWind(ZVSysWindow const* window);
 ZV_API void Mac_Select_Window(ZVWindow* window);  ///< To the front.
+ZV_API void Mac_Get_Pointer(long* x, long* y);    ///< Where the mouse is on the screen.
 
 /// The library's window at a point of the screen, and the point in its client area. Null when there is none.
 ZV_API ZVWindow* Mac_Find_Window(long x, long y, long* localX, long* localY);
@@ -354,13 +382,13 @@ ZV_API void Activate_First_Gadget(ZVPalette* palette);
 ZV_API void
 Mac_Drop_Focus(unsigned long reportBits);  ///< Text field or list loses it and reports by event 5.
 
-ZV_API long Image_Width(unsigned short icon);
-ZV_API long Image_Height(unsigned short icon);
+ZV_API void Mac_Idle_Text_Field();  ///< The caret of the focused text field blinks.
 
-/// The event loops. The inner ones run until the modal palette on top is closed, or until ExitZV.
+/// The event loops, which call the timers' functions at their intervals. The inner ones run until the modal
+/// palette on top is closed, or until ExitZV.
 ZV_API void Mac_Run_Modal_Loop(ZVPalette* palette);
 ZV_API void Mac_Run_Application_Loop();
-ZV_API void Mac_End_Modal_Loop(ZVPalette* palette);
+ZV_API void Mac_End_Modal_Loop(ZVPalette* palette);  ///< Nothing when that loop is not running.
 ZV_API void Mac_Handle_Waiting_Events();
 ZV_API void Mac_Flush_Events();
 ZV_API uint32_t Mac_Keyboard_State();  ///< Modifier bits of the keys that are held.

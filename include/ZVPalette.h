@@ -23,7 +23,8 @@ enum ZVPaletteFlag : uint32_t {
     ZV_PALF_HILITED = 0x00002000,       ///< marked by a frame of one pixel
     ZV_PALF_PSEUDO = 0x00008000,        ///< lies in a pseudo-window; cleared without a root window
     ZV_PALF_NO_TAB_BAR = 0x00010000,    ///< a floater without its tab bar
-    ZV_PALF_NO_PREFS = 0x00020000       ///< nothing of it is kept in or taken from the window preferences
+    ZV_PALF_NO_PREFS = 0x00020000,      ///< nothing of it is kept in or taken from the window preferences
+    ZV_PALF_CLOSING = 0x00040000        ///< set by the library while the palette is being closed
 };
 
 inline constexpr uint32_t ZV_PALF_SIZES = ZV_PALF_SIZE_BOTH | ZV_PALF_SIZE_X | ZV_PALF_SIZE_Y;
@@ -95,6 +96,9 @@ struct ZVPalette {
     uint32_t flags;   ///< ZVPaletteFlag
     void (*callback)(ZVEvent*);
     int32_t tabPriority;
+    uint32_t serial;       ///< tells it from an earlier palette at its address
+    uint16_t freeItemId;   ///< all item ids above it, up to 32767, are taken
+    uint16_t takenItemId;  ///< highest one taken below it
 };
 
 /// Starts a palette, or a sub-palette of the one under construction; it becomes the current one.
@@ -115,7 +119,8 @@ bool EndPaletteZV(unsigned short id, Name name, Key first, Rest... rest)
 }
 
 /// Lays out the palette under construction and shows it. That of a modal one returns when it has been closed.
-/// @return  0 with error 1 when memory runs out or there is no window to be had, and without a palette
+/// @return  0 without a palette, when it closes itself while it is set up (event 7), and with error 1 when
+///          memory runs out or there is no window to be had; the palette is gone then
 ZV_API long DisplayPaletteZV(TagItem* tags);
 template <ZVTagKey Key, ZVTagValue... Rest> long DisplayPaletteZV(Key first, Rest... rest)
 {

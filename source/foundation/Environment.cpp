@@ -173,7 +173,10 @@ ZVEnvironment* InitZV(void (*callback)(ZVEvent*), char const* prefsName, char co
     ZVEnv->region = CreateCriticalRegionZV();
     ZVEnv->hasMovies = OS_Enter_Movies();
     TagItem const* section = keyFile ? FindTagItem(ZV_INIT_KEY_SECTION, ZVEnv->initTags) : nullptr;
-    if (section) ZVEnv->keySection = reinterpret_cast<ZVKeySection*>(section->data);
+    if (section) {
+        ZVEnv->keySection = reinterpret_cast<ZVKeySection*>(section->data);
+        Parse_Home_KeyFile(keyFile, ZVEnv->keySection);
+    }
     SetError(ZV_ERR_NONE);
     start.isFinished = true;
     return ZVEnv;
@@ -191,6 +194,7 @@ void CleanUpZV()
     Cleanup_OS();
     Free_Format_Modules();
     CleanUpWindowsZV();
+    CleanupKeySectionZV(ZVEnv->keySection);
     Cleanup_Clip();
     Free_Environment();
 }

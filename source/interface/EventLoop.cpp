@@ -1,0 +1,58 @@
+// The main loop, which modal palettes nest, and what its tick timer does. The desktop layer's loops run the
+// timers: Do_VBL too, so that the busy cursor moves while a loop runs.
+#include "ZVLibInternal.h"
+
+#include <utility>
+
+/// Runs until the modal palette on top is closed. Events come through again, whoever held them back.
+static void Run_Modal_Loop()
+{
+    int32_t const suspended = std::exchange(ZVEnv->eventsSuspended, 0);
+    Activate_First_Gadget(ZVEnv->modalPalette);
+    Mac_Flush_Events();
+    Mac_Run_Modal_Loop(ZVEnv->modalPalette);
+    Mac_Flush_Events();
+    ZVEnv->eventsSuspended = suspended;
+}
+
+long HandleGUIZV()
+{
+    Mac_Drop_Focus(ZV_MOD_RELEASE);
+    ++ZVEnv->guiLevel;
+    if (ZVEnv->modalDepth > 0)
+        Run_Modal_Loop();
+    else
+        Mac_Run_Application_Loop();
+    --ZVEnv->guiLevel;
+    return 1;
+}
+
+long AdvanceGUIZV(long)
+{
+    Mac_Handle_Waiting_Events();
+    return !ZVEnv->exitRequested;
+}
+
+void Rebuild_Modifiers(uint32_t keyboard)
+{
+    ZVEnv->modifiers = (ZVEnv->buttonState & ~uint32_t{ZV_MOD_CONTEXTUAL}) | keyboard;
+}
+
+/// A change of Caps Lock is a key event of its own.
+static void Report_Caps_Lock()
+{
+    uint32_t const state = ZVEnv->modifiers & ZV_MOD_CAPS_LOCK;
+    if (std::exchange(ZVEnv->capsLockState, state) == state) return;
+    // The code of the key in both halves, so that a binding of CAPSLOCK finds it.
+    Do_Event(ZV_EVENT_KEY, ZV_KEY_CAPS_LOCK << 16 | ZV_KEY_CAPS_LOCK);
+}
+
+void AppTickTimerProcZV()
+{
+    ++ZVEnv->ticks;
+    Rebuild_Modifiers(Mac_Keyboard_State());
+    Custom_Gad_Tick();
+    Do_Event(ZV_EVENT_TICK, 0);
+    Mac_Idle_Text_Field();
+    Report_Caps_Lock();
+}

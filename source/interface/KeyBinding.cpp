@@ -1,0 +1,102 @@
+// From a key to the action that it is bound to, and on to whoever takes actions.
+#include "KeyFile.h"
+
+#include "ZVLibInternal.h"
+
+/// The modifiers that bindings tell apart.
+static constexpr uint32_t bindingBits = ZV_MOD_CONTROL | ZV_MOD_SHIFT | ZV_MOD_ALT | ZV_MOD_COMMAND;
+
+long Binding_Key(long key, unsigned long modifiers)
+{
+    return key | static_cast<long>(modifiers & bindingBits);
+}
+
+long Action_Of_Key(ZVKeySection const& section, long key)
+{
+    ZVKeyBinding const* binding = section.bindings;
+    for (; binding && binding->key; ++binding)
+        if (binding->key == key && binding->action) return binding->action;
+    return 0;
+}
+
+long Find_Key(ZVKeySection const* section, long action)
+{
+    ZVKeyBinding const* binding = section ? section->bindings : nullptr;
+    for (; binding && binding->key; ++binding)
+        if (binding->action == action) return binding->key;
+    return 0;
+}
+
+namespace {
+
+struct Hit {
+    ZVKeySection const* section = nullptr;
+    long action = 0;
+};
+
+Hit Find_In_Chain(ZVKeySection const* section, long key)
+{
+    for (; section; section = section->next)
+        if (long const action = Action_Of_Key(*section, key)) return {section, action};
+    return {};
+}
+
+/// The menu title of an action, lit while its event is on its way.
+class ActionMenuTitle {
+public:
+    /// There are no menus yet, so no action has an item, nothing is lit and nothing can be disabled.
+    ActionMenuTitle(long, ZVKeySection const&) {}
+
+    bool Is_Item_Disabled() const { return false; }
+};
+
+/// A section's own callback in the place of the application's, for the time of an action.
+class SectionCallback {
+public:
+    explicit SectionCallback(ZVKeySection const& section) : saved_(ZVEnv->callback)
+    {
+        if (section.callback) ZVEnv->callback = section.callback;
+    }
+    ~SectionCallback() { ZVEnv->callback = saved_; }
+    SectionCallback(SectionCallback const&) = delete;
+    SectionCallback& operator=(SectionCallback const&) = delete;
+
+private:
+    void (*saved_)(ZVEvent*);
+};
+
+}  // namespace
+
+/// Sends the action, unless its menu item is disabled: then the key is taken and nothing happens.
+static void Send_Action(Hit hit)
+{
+    ActionMenuTitle const title(hit.action, *hit.section);
+    if (title.Is_Item_Disabled()) return;
+    SectionCallback const callback(*hit.section);
+    Do_Event(ZV_EVENT_ACTION, static_cast<unsigned long>(hit.action));
+}
+
+long GetKeyActionZV(ZVKeySection const* section, long key, unsigned long modifiers)
+{
+    return Find_In_Chain(section, Binding_Key(key, modifiers)).action;
+}
+
+long ProcessKeyEventZV(ZVKeySection* section, long key, unsigned long modifiers)
+{
+    if (modifiers & ZV_MOD_KEY_UP) return 0;
+    Hit const hit = Find_In_Chain(section, Binding_Key(key, modifiers));
+    if (!hit.action) return 0;
+    Send_Action(hit);
+    return 1;
+}
+
+void Process_Keys(long key, unsigned long modifiers)
+{
+    if (modifiers & ZV_MOD_KEY_UP) return;
+    // What lies behind a modal palette is out of reach, its keys included.
+    ZVPalette const* const modal = ZVEnv->modalPalette;
+    ZVKeySection const* const section = modal ? modal->keySection : ZVEnv->keySection;
+    if (!section) return;
+    long const action = Action_Of_Key(*section, Binding_Key(key, modifiers));
+    if (action) Send_Action({section, action});
+}
