@@ -93,7 +93,7 @@ static bool Take_Tags(Display& display, TagItem* tags)
     palette.relativeTo = 0;
     palette.forcedWidth = palette.forcedHeight = -1;
     palette.kind = ZV_KIND_FIXED;
-    palette.flags = 0;
+    palette.flags &= ZV_PALF_NO_ACTIVATE | ZV_PALF_HILITED;
     for (TagItem* cursor = tags; TagItem const* tag = NextTagItem(&cursor);)
         Take_Display_Tag(display, *tag);
     if (display.pseudoWindow || display.pseudoId) palette.flags |= ZV_PALF_PSEUDO;

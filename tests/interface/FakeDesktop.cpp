@@ -136,6 +136,7 @@ long Make_SysItem(ZVItem* item)
     if ((item->flags & ZV_ITEMF_HIDDEN) || !item->group->palette->window) return 1;
     desktop.Note("make ", item->node.id);
     item->native = reinterpret_cast<ZVNativeItem*>(item);
+    item->flags &= ~ZV_ITEMF_MOVED;
     Custom(item, ZV_CUSTOM_CREATE);
     return 1;
 }
@@ -149,6 +150,7 @@ void Destroy_SysItem(ZVItem* item)
 long Make_SysGroup(ZVGroup* group)
 {
     if (group->flags & ZV_GRPF_HIDDEN) return 1;
+    group->flags &= ~ZV_GRPF_MOVED;
     for (Node* item = group->items.head; item->next; item = item->next)
         Make_SysItem(reinterpret_cast<ZVItem*>(item));
     return 1;

@@ -54,7 +54,7 @@ TEST_F(Palettes, IdsAreTheHighestFreeOnesBelow65000)
 TEST_F(Palettes, TheWalkGoesThroughSubPalettesFirst)
 {
     InitPaletteZV();
-    for (unsigned short id : {2, 4}) {
+    for (unsigned short id : std::initializer_list<unsigned short>{2, 4}) {
         InitPaletteZV();
         if (id == 2) {
             InitPaletteZV();
@@ -117,7 +117,7 @@ TEST_F(Palettes, FloatersShareAWindowInTheOrderOfTheirPriority)
 
 TEST_F(Palettes, APaletteMayCloseItselfInAnyOfItsEvents)
 {
-    for (unsigned short type : {7, 8, 9, 12, 26, 27}) {
+    for (unsigned short type : std::initializer_list<unsigned short>{7, 8, 9, 12, 26, 27}) {
         closingEvent = type;
         FakeDesktop::Reset();
         Show(1, ZV_KIND_FLOATER);
