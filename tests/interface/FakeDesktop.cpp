@@ -99,11 +99,6 @@ void Set_SysWindowName(ZVWindow*, char const* name)
     desktop.log.push_back(std::string("title ") + name);
 }
 void Mac_Select_Window(ZVWindow*) {}
-void Mac_Get_Pointer(long* x, long* y)
-{
-    *x = desktop.pointerX;
-    *y = desktop.pointerY;
-}
 void GetWindowRectZV(ZVWindow const* window, ZVRectT<long>* rect)
 {
     rect->Set(window->left - FrameSide, window->top - FrameTop, window->width + 2 * FrameSide,

@@ -173,7 +173,7 @@ TEST_F(Palettes, WindowsStandWhereTheTagsSay)
 
     ZVEnv->monitorCount = 2;
     ZVEnv->monitors[1] = {1600, 0, 800, 600};
-    Desktop().pointerX = 1700;
+    ZVEnv->pointerX = 1700;
     TagItem corner[] = {{ZV_PAL_POSITION, 0x0909}, {ZV_PAL_FORCE_WINDOW_WIDTH, 202}, {}};
     ZVPalette* const other = Show(4, ZV_KIND_FLOATER, nullptr, corner);
     EXPECT_EQ(other->window->left, 1601) << "the monitor with the mouse";
