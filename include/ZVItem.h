@@ -187,8 +187,8 @@ struct ZVItem {
     uint32_t pressed;          ///< armed; of the custom function
     int32_t dragWidth, dragHeight;
     uint32_t extra;
-    ZVBitmap* image;  ///< icons, which the library owns
-    ZVBitmap* imageOff;
+    ZVBitmap* image;     ///< an icon, which belongs to the library
+    ZVBitmap* imageOff;  ///< the icon of the on state
     uint32_t imageColor, hasImageColor;
     char const* toolTip;        ///< not owned
     ZVNativeItem* native;       ///< not null while the item is on screen
@@ -253,7 +253,10 @@ ZV_API void ModifyItemZV(unsigned short id, TagItem* tags);
 template <typename Item, ZVTagKey Key, ZVTagValue... Rest>
 void ModifyItemZV(Item item, Key first, Rest... rest)
 {
-    ModifyItemZV(item, Tag_Array(first, rest...).data());
+    if constexpr (ZVTagKey<Item>)
+        ModifyItemZV(static_cast<unsigned short>(item), Tag_Array(first, rest...).data());
+    else
+        ModifyItemZV(item, Tag_Array(first, rest...).data());
 }
 
 /// The first item of that id in the current palette, or in a given one; null when there is none.

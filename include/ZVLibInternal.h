@@ -355,7 +355,6 @@ ZV_API void Free_SysWindow(ZVWindow* window);  ///< With the ZVWindow, unlinked.
 ZV_API void Set_SysWindowName(ZVWindow* window, char const* name);
 ZV_API ZVWindow* GetZVWind_From_SysWind(ZVSysWindow const* window);
 ZV_API void Mac_Select_Window(ZVWindow* window);  ///< To the front.
-ZV_API void Mac_Get_Pointer(long* x, long* y);    ///< Where the mouse is on the screen.
 
 /// The library's window at a point of the screen, and the point in its client area. Null when there is none.
 ZV_API ZVWindow* Mac_Find_Window(long x, long y, long* localX, long* localY);
@@ -388,7 +387,7 @@ ZV_API void Mac_Idle_Text_Field();  ///< The caret of the focused text field bli
 /// palette on top is closed, or until ExitZV.
 ZV_API void Mac_Run_Modal_Loop(ZVPalette* palette);
 ZV_API void Mac_Run_Application_Loop();
-ZV_API void Mac_End_Modal_Loop(ZVPalette* palette);  ///< Nothing when that loop is not running.
+ZV_API void Mac_End_Modal_Loop(ZVPalette* palette);
 ZV_API void Mac_Handle_Waiting_Events();
 ZV_API void Mac_Flush_Events();
 ZV_API uint32_t Mac_Keyboard_State();  ///< Modifier bits of the keys that are held.

@@ -116,7 +116,7 @@ static long Place_Group(unsigned half, ZVGroup const* reference, long start, lon
         case ZV_POS_PARENT_START: return low;
         case ZV_POS_ALIGN_END:
         case ZV_POS_PARENT_END: return high - size + 1;
-        default: return 0;
+        default: return isFull ? low : 0;
         }
     }
     bool const isOut = Is_Out(*reference);

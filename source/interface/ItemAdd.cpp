@@ -290,11 +290,12 @@ ZVItem* AddGadgetZV(unsigned short id, unsigned short position, short reference,
     NewItem text;
     if (label && Has_Attached_Label(made->type) && !(text = Make_Label(*made, label))) return nullptr;
 
+    // Measured before anything is linked, as that can run out of memory too.
+    if (text) Set_Item_Size(text.get());
     ZVItem* const item = made.release();
     Link_Item(*item);
     if (text) {
         if (text->node.id == ZV_LABEL_ID) Attach_Label(*item, *text);
-        Set_Item_Size(text.get());
         Link_Item(*text.release());
     }
     if (item->type == ZV_GAD_CYCLE || item->type == ZV_GAD_MENU) item->type = ZV_GAD_CUSTOM;
@@ -319,13 +320,13 @@ static ZVItem* Finish_Item(NewItem made, unsigned short id, unsigned short posit
     Place_New_Item(*made, id, position, reference);
     Take_Adding_Tags(*made);
     Clean_Position(*made);
+    Set_Item_Size(made.get());
     ZVItem* const item = made.release();
     if (item->kind == ZV_ITEM_LABEL && item->node.id == ZV_LABEL_ID) {
         item->flags |= ZV_ITEMF_ATTACHED;
         if (ZVItem* owner = Find_Record<ZVItem>(item->group->items, item->reference))
             Attach_Label(*owner, *item);
     }
-    Set_Item_Size(item);
     Link_Item(*item);
     return item;
 }

@@ -107,12 +107,12 @@ void SetPaletteNameZV(unsigned short id, unsigned long nameId)
 
 void HilitePaletteZV(ZVPalette* palette, long on)
 {
-    static constexpr unsigned long markColor = 0xFFFFFF00;  // no pen, but a plain yellow
+    static constexpr uint32_t markColor = 0xFFFFFF00;  // no pen, but a plain yellow
     if (!palette) return;
     palette->flags &= ~ZV_PALF_HILITED;
     if (on) palette->flags |= ZV_PALF_HILITED;
     ZVDrawInfo* const draw = DrawBeginZV(palette);
-    SetPenZV(draw, on ? markColor : ZV_PEN_PALETTE);
+    SetPenZV(draw, on ? markColor : uint32_t{ZV_PEN_PALETTE});
     DrawRectZV(draw, 1, 1, palette->width - 2, palette->height - 2);
     DrawEndZV(draw);
 }

@@ -93,7 +93,7 @@ static bool Take_Tags(Display& display, TagItem* tags)
     palette.relativeTo = 0;
     palette.forcedWidth = palette.forcedHeight = -1;
     palette.kind = ZV_KIND_FIXED;
-    palette.flags = 0;
+    palette.flags &= ZV_PALF_NO_ACTIVATE | ZV_PALF_HILITED;
     for (TagItem* cursor = tags; TagItem const* tag = NextTagItem(&cursor);)
         Take_Display_Tag(display, *tag);
     if (display.pseudoWindow || display.pseudoId) palette.flags |= ZV_PALF_PSEUDO;
@@ -164,10 +164,13 @@ static void Settle_Size(Display& display)
     if (display.height == -1) display.height = display.pseudoWindow->height;
 }
 
-/// Gives a floater the bar with the tabs of its window. False when memory runs out.
+/// Gives a floater the bar with the tabs of its window. False when memory runs out. An error that declaring
+/// the palette has left stays for its application.
 static bool Add_Tab_Bar(ZVPalette& palette)
 {
     CurrentPalette const current(&palette);
+    unsigned long const pending = GetErrorZV();
+    SetError(ZV_ERR_NONE);
     ZVGroup* const group = InitGroupZV();
     if (!group) return false;
     group->flags |= ZV_GRPF_TAB_BAR;
@@ -176,6 +179,7 @@ static bool Add_Tab_Bar(ZVPalette& palette)
                                           ZV_ITEM_GROW_WIDTH, 100, ZV_ITEM_HEIGHT, ZVEnv->style->tabHeight);
     EndGroupZV(0, ZV_Position(ZV_POS_PARENT_START, ZV_POS_PARENT_START), 0, nullptr, ZV_GRP_FULL_WIDTH, 0,
                ZV_MARGIN_NONE, 0);
+    if (GetErrorZV() == ZV_ERR_NONE) SetError(pending);
     return bar;
 }
 
@@ -200,12 +204,10 @@ static void Lay_Out(Display& display)
 /// The monitor that holds the mouse; the first one when none does.
 static ZVRectT<long> Mouse_Monitor()
 {
-    long x = 0, y = 0;
-    Mac_Get_Pointer(&x, &y);
     for (int i = ZVEnv->monitorCount; i-- > 0;) {
         ZVMonitor const& monitor = ZVEnv->monitors[i];
         ZVRectT<long> const area{monitor.left, monitor.top, monitor.width, monitor.height};
-        if (i == 0 || area.IsIn(x, y)) return area;
+        if (i == 0 || area.IsIn(ZVEnv->pointerX, ZVEnv->pointerY)) return area;
     }
     return {};
 }
@@ -280,11 +282,10 @@ static void Leave_Tracked_Item()
     ZVCustomEvent event{};
     event.type = ZV_CUSTOM_MOUSE_OUT;
     event.item = item;
-    long x = 0, y = 0, left = 0, top = 0;
-    Mac_Get_Pointer(&x, &y);
+    long left = 0, top = 0;
     GetItemScreenPosZV(item, &left, &top);
-    event.x = static_cast<int32_t>(x - left);
-    event.y = static_cast<int32_t>(y - top);
+    event.x = static_cast<int32_t>(ZVEnv->pointerX - left);
+    event.y = static_cast<int32_t>(ZVEnv->pointerY - top);
     Do_CustomEvent(&event);
 }
 

@@ -114,7 +114,7 @@ TEST_F(Dependencies, ActionsReachItemsAndGroupsOfThePalette)
 
 TEST_F(Dependencies, ChainsRunAndLoopsEnd)
 {
-    for (unsigned short id : {1, 2, 3})
+    for (unsigned short id : std::initializer_list<unsigned short>{1, 2, 3})
         Add(id);
     AddGadgetDependencyZV(1, ZV_DEP_ON, 0, ZV_DEP_SET_ON, 2);
     AddGadgetDependencyZV(2, ZV_DEP_ON, 0, ZV_DEP_SET_ON, 3);
@@ -204,7 +204,7 @@ TEST_F(Dependencies, RemovalComparesTheBeginningOfTheList)
 
 TEST_F(Dependencies, ExcludedGadgetsTurnEachOtherOff)
 {
-    for (unsigned short id : {1, 2, 4})
+    for (unsigned short id : std::initializer_list<unsigned short>{1, 2, 4})
         Add(id, ZV_GAD_RADIO);
     SetItemExclusionRangeZV(3, 2);
     EXPECT_FALSE(FindItemZV(2)->flags & ZV_ITEMF_EXCLUSIVE);

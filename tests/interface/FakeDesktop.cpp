@@ -99,11 +99,6 @@ void Set_SysWindowName(ZVWindow*, char const* name)
     desktop.log.push_back(std::string("title ") + name);
 }
 void Mac_Select_Window(ZVWindow*) {}
-void Mac_Get_Pointer(long* x, long* y)
-{
-    *x = desktop.pointerX;
-    *y = desktop.pointerY;
-}
 void GetWindowRectZV(ZVWindow const* window, ZVRectT<long>* rect)
 {
     rect->Set(window->left - FrameSide, window->top - FrameTop, window->width + 2 * FrameSide,
@@ -136,6 +131,7 @@ long Make_SysItem(ZVItem* item)
     if ((item->flags & ZV_ITEMF_HIDDEN) || !item->group->palette->window) return 1;
     desktop.Note("make ", item->node.id);
     item->native = reinterpret_cast<ZVNativeItem*>(item);
+    item->flags &= ~ZV_ITEMF_MOVED;
     Custom(item, ZV_CUSTOM_CREATE);
     return 1;
 }
@@ -149,6 +145,7 @@ void Destroy_SysItem(ZVItem* item)
 long Make_SysGroup(ZVGroup* group)
 {
     if (group->flags & ZV_GRPF_HIDDEN) return 1;
+    group->flags &= ~ZV_GRPF_MOVED;
     for (Node* item = group->items.head; item->next; item = item->next)
         Make_SysItem(reinterpret_cast<ZVItem*>(item));
     return 1;

@@ -17,7 +17,6 @@ struct FakeDesktop {
     std::vector<std::string> log;
     std::function<void(ZVPalette*)> modalLoop;  ///< what happens while a modal palette runs
     bool hasWindows = true;                     ///< whether windows can be had
-    long pointerX = 0, pointerY = 0;
 
     void Note(std::string const& what, unsigned long id) { log.push_back(what + std::to_string(id)); }
     long Count(std::string const& line) const { return std::count(log.begin(), log.end(), line); }

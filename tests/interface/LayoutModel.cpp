@@ -189,7 +189,8 @@ static void Place_Group(Palette& palette, Group& group, Box& box, bool second, P
         int const half = group.Half(static_cast<int>(a));
         long at = 0;
         if (group.position) {
-            if (beside) at = group.full[a] && half == 0 ? box.low[a] : beside->at[a];
+            if (beside) at = beside->at[a];
+            if (group.full[a] && (half == 0 || (!beside && half != 4))) at = box.low[a];
             if (half == 3) at = (box.high[a] - box.low[a] - size + 1) / 2 + box.low[a];
             if (half == 9 || (!beside && half == 4)) at = box.low[a];
             if (half == 10 || (!beside && half == 6)) at = box.high[a] - size + 1;

@@ -54,7 +54,7 @@ TEST_F(Palettes, IdsAreTheHighestFreeOnesBelow65000)
 TEST_F(Palettes, TheWalkGoesThroughSubPalettesFirst)
 {
     InitPaletteZV();
-    for (unsigned short id : {2, 4}) {
+    for (unsigned short id : std::initializer_list<unsigned short>{2, 4}) {
         InitPaletteZV();
         if (id == 2) {
             InitPaletteZV();
@@ -117,7 +117,7 @@ TEST_F(Palettes, FloatersShareAWindowInTheOrderOfTheirPriority)
 
 TEST_F(Palettes, APaletteMayCloseItselfInAnyOfItsEvents)
 {
-    for (unsigned short type : {7, 8, 9, 12, 26, 27}) {
+    for (unsigned short type : std::initializer_list<unsigned short>{7, 8, 9, 12, 26, 27}) {
         closingEvent = type;
         FakeDesktop::Reset();
         Show(1, ZV_KIND_FLOATER);
@@ -173,7 +173,7 @@ TEST_F(Palettes, WindowsStandWhereTheTagsSay)
 
     ZVEnv->monitorCount = 2;
     ZVEnv->monitors[1] = {1600, 0, 800, 600};
-    Desktop().pointerX = 1700;
+    ZVEnv->pointerX = 1700;
     TagItem corner[] = {{ZV_PAL_POSITION, 0x0909}, {ZV_PAL_FORCE_WINDOW_WIDTH, 202}, {}};
     ZVPalette* const other = Show(4, ZV_KIND_FLOATER, nullptr, corner);
     EXPECT_EQ(other->window->left, 1601) << "the monitor with the mouse";

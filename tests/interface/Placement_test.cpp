@@ -75,7 +75,7 @@ TEST_F(Placement, FlexGapsOnBothAxesAreRefused)
     InitPaletteZV();
     ZVGroup* const group = InitGroupZV();
     Add(1, 0, 0);
-    for (unsigned short position : {0x0002, 0x0200})
+    for (unsigned short position : std::initializer_list<unsigned short>{0x0002, 0x0200})
         AddGadgetZV(2, position, 1, ZV_GAD_CUSTOM, ZV_SIZE_CUSTOM, "", ZV_GAP_NORMAL_FLEX, 0);
     EXPECT_EQ(SetUp_Gadgets(group), 1);
     EXPECT_EQ(Build_Gadgets(group), 0);
@@ -86,7 +86,7 @@ TEST_F(Placement, FlexGapsSpreadARowOverTheGroup)
     InitPaletteZV();
     ZVGroup* const group = InitGroupZV();
     Add(1, 0, 0);
-    for (unsigned short id : {2, 3})
+    for (unsigned short id : std::initializer_list<unsigned short>{2, 3})
         AddGadgetZV(id, 2, -1, ZV_GAD_CUSTOM, ZV_SIZE_CUSTOM, "", ZV_ITEM_WIDTH, 50, ZV_GAP_FIXED_FLEX, 4);
     SetUp_Gadgets(group);
     EXPECT_EQ(group->naturalWidth, 158);
@@ -122,7 +122,7 @@ TEST_F(Placement, LabelsStandBesideTheirGadgetOneBeyondTheOther)
 TEST_F(Placement, ConformedGroupsAgree)
 {
     InitPaletteZV();
-    for (unsigned short id : {1, 2, 3}) {
+    for (unsigned short id : std::initializer_list<unsigned short>{1, 2, 3}) {
         InitGroupZV();
         Add(id, 0, 0, 40L * id);
         EndGroupZV(static_cast<short>(id), 0x0402, -1, "", ZV_MARGIN_NONE, 0);
