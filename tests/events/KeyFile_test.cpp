@@ -124,7 +124,8 @@ TEST_F(KeyFile, FilesAreReadFromTheHomeDirectoryInPlaceOfWhatWasThere)
 
     testing::internal::CaptureStderr();
     SetKeyFileZV("None.txt", &sections.main);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), Said(115));
+    std::string const message = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(message, Said(115));
     EXPECT_EQ(sections.main.bindings, nullptr);
 }
 
