@@ -24,9 +24,9 @@ enum class HostEventType : uint8_t {
     Text,          ///< characters typed or handed over by an input method
     Composition,   ///< the input method's unfinished text; empty when it is given up
     WindowClose,   ///< the user asks for it
-    WindowBounds,  ///< moved or resized by the user; the surface has the new size
+    WindowBounds,  ///< moved or resized by the user; the surface has the new size by now
     WindowZoom,    ///< maximised or back, likewise with the new size
-    WindowFront,   ///< has come to the front by the user or the desktop
+    WindowFront,   ///< gets keys from here on: by the user, the desktop, or because it was shown or raised
     WindowBack,    ///< no longer the one that gets keys
     AppFront,      ///< a window of this process gets keys, when none did
     AppBack,
@@ -125,9 +125,11 @@ public:
     virtual ~HostWindow() = default;  ///< Takes it off the desktop.
 
     /// The pixels of the client area, 32 bits deep. What is drawn shows with the next Present. It is another
-    /// surface after a change of size, with what the old one held.
+    /// surface after a change of size, with what the old one held and white beside it. That happens in
+    /// Set_Client and in Next_Event alone.
     virtual HostSurface& Surface() = 0;
 
+    /// In front of its kind. Keys go to a document or a dialog, to others when no window has them.
     virtual void Show() = 0;
     virtual void Hide() = 0;
     virtual void Raise() = 0;  ///< To the front of its kind, and keys go to it.
@@ -175,17 +177,20 @@ public:
     virtual HostFrame Frame_Of(HostWindowRequest const& request) = 0;
     virtual std::unique_ptr<HostWindow> Make_Window(HostWindowRequest const& request) = 0;  ///< Hidden.
 
-    /// The front window, by the service's own order. Null when none of ours is there.
+    /// The front window there, by its frame too and by the service's own order. Null when none of ours is
+    /// there.
     virtual HostWindow* Window_At(int x, int y) const = 0;
     virtual HostWindow* Front_Window() const = 0;  ///< that gets keys
 
     /// The next event; waits for it so long, or not at all for 0. In memory the clock moves on by the wait.
     virtual std::optional<HostEvent> Next_Event(double seconds) = 0;
-    virtual bool Has_Events() = 0;
+    virtual bool Has_Events() = 0;   ///< Whether there is something to ask Next_Event for.
     virtual void Flush_Input() = 0;  ///< Forgets waiting mouse and key events.
 
     virtual uint64_t Milliseconds() const = 0;
     virtual uint64_t Double_Click_Milliseconds() const = 0;
+
+    // As of the last event that was taken or forgotten.
     virtual HostModifiers Modifiers() const = 0;
     virtual bool Is_Button_Down() const = 0;
     virtual void Pointer(int& x, int& y) const = 0;
