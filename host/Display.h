@@ -84,7 +84,7 @@ struct HostEvent {
     HostEventType type;
     HostWindow* window = nullptr;  ///< null for events of the whole application
     uint64_t milliseconds = 0;     ///< the service's clock
-    HostModifiers modifiers;
+    HostModifiers modifiers = {};
     int x = 0, y = 0;            ///< mouse events: on the desktop
     int deltaX = 0, deltaY = 0;  ///< MouseMove: the movement, also while the pointer is held
     HostButton button = HostButton::Left;
@@ -93,7 +93,7 @@ struct HostEvent {
     HostKey key = HostKey::Other;   ///< KeyDown, KeyUp
     char32_t character = 0;         ///< of the key without modifiers but shift; 0 for none
     bool isRepeat = false;
-    std::string text;       ///< Text and Composition: UTF-8; OpenFile: a native path
+    std::string text = {};  ///< Text and Composition: UTF-8; OpenFile: a native path
     int caret = 0;          ///< Composition: characters of it ahead of the caret
     double pressure = 1.0;  ///< of a pen, 0 to 1
     bool isPen = false, isEraser = false;
@@ -109,8 +109,8 @@ enum class HostWindowKind : uint8_t {
 
 struct HostWindowRequest {
     HostWindowKind kind = HostWindowKind::Document;
-    HostRect client;  ///< on the desktop
-    std::string title;
+    HostRect client = {};  ///< on the desktop
+    std::string title = {};
     bool hasFrame = true;
     bool canClose = false, canCollapse = false, canZoom = false, canResize = false;
 };
