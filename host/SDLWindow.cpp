@@ -81,12 +81,14 @@ void SDLWindow::Show()
     if (isShown_) return;
     isShown_ = true;
     bool const takesKeys = Takes_Keys(request_.kind) || !display_.Front_Window();
+    // A window manager puts the corner of the frame where a new window asks to be.
+    HostFrame const frame = wasShown_ ? HostFrame() : display_.Frame_Of(request_);
+    Move_To(client_.left - frame.left, client_.top - frame.top);
     {
         PassingHint const quiet(SDL_HINT_WINDOW_NO_ACTIVATION_WHEN_SHOWN, takesKeys ? "0" : "1");
         SDL_ShowWindow(window_);
     }
-    if (Real_Client() != client_)
-        SDL_SetWindowPosition(window_, client_.left * display_.Unit(), client_.top * display_.Unit());
+    wasShown_ = isPlacing_ = true;
     display_.Place_In_Front(*this, request_.kind);
     if (takesKeys) display_.Give_Keys(this);
     Show_Again();
@@ -119,6 +121,11 @@ HostRect SDLWindow::Real_Client() const
     return Window_Client({left, top, left + width / unit, top + height / unit});
 }
 
+void SDLWindow::Move_To(int left, int top)
+{
+    SDL_SetWindowPosition(window_, left * display_.Unit(), top * display_.Unit());
+}
+
 void SDLWindow::Set_Client(HostRect const& client)
 {
     HostRect const old = std::exchange(client_, Window_Client(client));
@@ -127,15 +134,20 @@ void SDLWindow::Set_Client(HostRect const& client)
         pixels_.Resize(client_.Width(), client_.Height());
         SDL_SetWindowSize(window_, client_.Width() * unit, client_.Height() * unit);
     }
-    if (client_.left != old.left || client_.top != old.top)
-        SDL_SetWindowPosition(window_, client_.left * unit, client_.top * unit);
+    if (client_.left != old.left || client_.top != old.top) Move_To(client_.left, client_.top);
 }
 
 bool SDLWindow::Follow_Bounds(HostEventType& type)
 {
     bool const isZoomed = (SDL_GetWindowFlags(window_) & SDL_WINDOW_MAXIMIZED) != 0;
     bool const isZoomChange = std::exchange(isZoomed_, isZoomed) != isZoomed;
-    HostRect const old = std::exchange(client_, Real_Client());
+    HostRect const real = Real_Client();
+    if (std::exchange(isPlacing_, false) && (real.left != client_.left || real.top != client_.top)) {
+        // The frame has turned out to be another; where that is refused the next event says so.
+        Move_To(client_.left, client_.top);
+        return false;
+    }
+    HostRect const old = std::exchange(client_, real);
     if (client_.Width() != old.Width() || client_.Height() != old.Height()) {
         pixels_.Resize(client_.Width(), client_.Height());
         Show_Again();

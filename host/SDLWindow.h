@@ -41,6 +41,7 @@ public:
 
 private:
     HostRect Real_Client() const;
+    void Move_To(int left, int top);
     void Show_Region(HostRegion const& region);
 
     SDLDisplay& display_;
@@ -49,4 +50,6 @@ private:
     WindowPixels pixels_;
     SDL_Window* window_ = nullptr;
     bool isShown_ = false, isZoomed_ = false;
+    bool wasShown_ = false;   // at least once
+    bool isPlacing_ = false;  // shown, and the desktop has not said where yet
 };
