@@ -60,7 +60,12 @@ SDLDisplay::SDLDisplay()
     if (!isUp_) return;
     SDL_StopTextInput();
     SDL_EventState(SDL_DROPFILE, SDL_ENABLE);
-    if (SDL_GetCurrentVideoDriver() == std::string_view("x11")) unit_ = X_Display_Scale();
+    if (SDL_GetCurrentVideoDriver() == std::string_view("x11")) {
+        unit_ = X_Display_Scale();
+        // Pixels go there by shared memory. For a renderer SDL would make each window anew, which costs its
+        // type and its parent.
+        SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+    }
     doubleClick_ = Desktop_Double_Click_Milliseconds();
     int x = 0, y = 0;
     SDL_GetGlobalMouseState(&x, &y);
