@@ -1,0 +1,164 @@
+#include "DisplayBase.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+namespace {
+
+/// How far the pointer may move between two presses that belong together.
+constexpr int ClickSlack = 4;
+
+int Layer_Of(HostWindowKind kind)
+{
+    switch (kind) {
+    case HostWindowKind::Root: return 0;
+    case HostWindowKind::Document:
+    case HostWindowKind::Dialog: return 1;
+    case HostWindowKind::Floater: return 2;
+    case HostWindowKind::Popup: break;
+    }
+    return 3;
+}
+
+unsigned Button_Bit(HostButton button)
+{
+    return 1U << static_cast<unsigned>(button);
+}
+
+}  // namespace
+
+bool Is_Mouse_Event(HostEventType type)
+{
+    return type >= HostEventType::MouseMove && type <= HostEventType::Wheel;
+}
+
+bool Is_Key_Event(HostEventType type)
+{
+    return type >= HostEventType::KeyDown && type <= HostEventType::Composition;
+}
+
+bool Takes_Keys(HostWindowKind kind)
+{
+    return kind == HostWindowKind::Document || kind == HostWindowKind::Dialog;
+}
+
+HostRect Outer_Bounds(HostWindow const& window)
+{
+    HostRect const client = window.Client();
+    HostFrame const frame = window.Frame();
+    return {client.left - frame.left, client.top - frame.top, client.right + frame.right,
+            client.bottom + frame.bottom};
+}
+
+// ---- windows ----------------------------------------------------------------------------------------------
+
+HostWindow* DisplayBase::Window_At(int x, int y) const
+{
+    auto const found = std::find_if(placed_.rbegin(), placed_.rend(), [x, y](Placed const& placed) {
+        return Outer_Bounds(*placed.window).Contains(x, y);
+    });
+    return found == placed_.rend() ? nullptr : found->window;
+}
+
+void DisplayBase::Place_In_Front(HostWindow& window, HostWindowKind kind)
+{
+    std::erase_if(placed_, [&](Placed const& placed) { return placed.window == &window; });
+    auto const above = std::find_if(placed_.begin(), placed_.end(), [kind](Placed const& placed) {
+        return Layer_Of(placed.kind) > Layer_Of(kind);
+    });
+    placed_.insert(above, {&window, kind});
+}
+
+HostWindow* DisplayBase::Next_For_Keys() const
+{
+    for (bool const isOrdinary : {true, false}) {
+        for (auto placed = placed_.rbegin(); placed != placed_.rend(); ++placed)
+            if (Takes_Keys(placed->kind) == isOrdinary) return placed->window;
+    }
+    return nullptr;
+}
+
+void DisplayBase::Take_Off(HostWindow& window)
+{
+    std::erase_if(placed_, [&](Placed const& placed) { return placed.window == &window; });
+    if (front_ == &window) Give_Keys(Next_For_Keys());
+}
+
+void DisplayBase::Forget_Events(HostWindow const& window)
+{
+    std::erase_if(events_, [&](HostEvent const& event) { return event.window == &window; });
+    if (lastPress_ && lastPress_->window == &window) lastPress_.reset();
+}
+
+void DisplayBase::Give_Keys(HostWindow* window)
+{
+    HostWindow* const old = std::exchange(front_, window);
+    if (old == window) return;
+    if (old) Add_Event({.type = HostEventType::WindowBack, .window = old});
+    if (!old) Add_Event({.type = HostEventType::AppFront});
+    if (window) Add_Event({.type = HostEventType::WindowFront, .window = window});
+    if (!window) Add_Event({.type = HostEventType::AppBack});
+}
+
+// ---- input ------------------------------------------------------------------------------------------------
+
+void DisplayBase::Pointer(int& x, int& y) const
+{
+    x = pointerX_;
+    y = pointerY_;
+}
+
+int DisplayBase::Count_Clicks(HostEvent const& press)
+{
+    bool const isNext =
+        lastPress_ && lastPress_->window == press.window && lastPress_->button == press.button &&
+        press.milliseconds - lastPress_->milliseconds <= Double_Click_Milliseconds() &&
+        std::abs(press.x - lastPress_->x) <= ClickSlack && std::abs(press.y - lastPress_->y) <= ClickSlack;
+    int const clicks = isNext ? lastPress_->clicks + 1 : 1;
+    lastPress_ = press;
+    lastPress_->clicks = clicks;
+    return clicks;
+}
+
+void DisplayBase::Add_Event(HostEvent event)
+{
+    if (event.milliseconds == 0) event.milliseconds = Milliseconds();
+    if (event.type == HostEventType::MouseDown) event.clicks = Count_Clicks(event);
+    events_.push_back(std::move(event));
+}
+
+void DisplayBase::Follow(HostEvent const& event)
+{
+    if (Is_Mouse_Event(event.type)) {
+        pointerX_ = event.x;
+        pointerY_ = event.y;
+    }
+    if (Is_Mouse_Event(event.type) || Is_Key_Event(event.type)) modifiers_ = event.modifiers;
+    if (event.type == HostEventType::MouseDown) buttons_ |= Button_Bit(event.button);
+    if (event.type == HostEventType::MouseUp) buttons_ &= ~Button_Bit(event.button);
+}
+
+std::optional<HostEvent> DisplayBase::Take_Event()
+{
+    if (events_.empty()) return std::nullopt;
+    HostEvent event = std::move(events_.front());
+    events_.pop_front();
+    Follow(event);
+    return event;
+}
+
+bool DisplayBase::Is_Waiting(HostEventType type, HostWindow const* window) const
+{
+    return std::any_of(events_.begin(), events_.end(),
+                       [=](HostEvent const& event) { return event.type == type && event.window == window; });
+}
+
+void DisplayBase::Flush_Events()
+{
+    std::erase_if(events_, [this](HostEvent const& event) {
+        if (!Is_Mouse_Event(event.type) && !Is_Key_Event(event.type)) return false;
+        Follow(event);
+        return true;
+    });
+}

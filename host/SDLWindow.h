@@ -1,0 +1,55 @@
+// A window of the display on SDL.
+#pragma once
+
+#include "SDLDisplay.h"
+#include "WindowPixels.h"
+
+class SDLWindow : public HostWindow {
+public:
+    SDLWindow(SDLDisplay& display, HostWindowRequest const& request, SDLWindow const* parent);
+    ~SDLWindow() override;
+    SDLWindow(SDLWindow const&) = delete;
+    SDLWindow& operator=(SDLWindow const&) = delete;
+
+    bool IsMade() const { return window_ != nullptr; }
+    bool IsShown() const { return isShown_; }
+    void Position(int& x, int& y) const { SDL_GetWindowPosition(window_, &x, &y); }  ///< in SDL's units
+    HostWindowRequest const& Request() const { return request_; }
+    Uint32 Id() const { return SDL_GetWindowID(window_); }
+
+    /// Keeps this window above another one, or above none.
+    void Set_Parent(SDLWindow const* parent);
+
+    HostSurface& Surface() override { return pixels_.Surface(); }
+    void Show() override;
+    void Hide() override;
+    void Raise() override;
+    void Set_Title(std::string const& title) override { SDL_SetWindowTitle(window_, title.c_str()); }
+    HostRect Client() const override { return client_; }
+    void Set_Client(HostRect const& client) override;
+    HostFrame Frame() const override;
+    void Set_Size_Limits(int minWidth, int minHeight, int maxWidth, int maxHeight) override;
+    void Present() override;
+    void Start_Text(HostRect const& caret) override;
+    void Stop_Text() override;
+
+    /// Shows all of the surface again.
+    void Show_Again();
+
+    /// Follows the bounds that the desktop has given to the window. False when they are known.
+    bool Follow_Bounds(HostEventType& type);
+
+private:
+    HostRect Real_Client() const;
+    void Move_To(int left, int top);
+    void Show_Region(HostRegion const& region);
+
+    SDLDisplay& display_;
+    HostWindowRequest request_;
+    HostRect client_;
+    WindowPixels pixels_;
+    SDL_Window* window_ = nullptr;
+    bool isShown_ = false, isZoomed_ = false;
+    bool wasShown_ = false;   // at least once
+    bool isPlacing_ = false;  // shown, and the desktop has not said where yet
+};

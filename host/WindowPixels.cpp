@@ -1,0 +1,33 @@
+#include "WindowPixels.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int LargestWindow = 16384;
+constexpr uint32_t White = 0xFFFFFF;
+
+}  // namespace
+
+HostRect Window_Client(HostRect const& client)
+{
+    return {client.left, client.top, client.left + std::clamp(client.Width(), 1, LargestWindow),
+            client.top + std::clamp(client.Height(), 1, LargestWindow)};
+}
+
+WindowPixels::WindowPixels(int width, int height)
+{
+    Resize(width, height);
+}
+
+void WindowPixels::Resize(int width, int height)
+{
+    std::vector<uint32_t> words(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    auto surface = std::make_unique<HostSurface>(reinterpret_cast<unsigned char*>(words.data()), width,
+                                                 height, 32, width * 4);
+    surface->Track_Touched();
+    surface->Fill(surface->Bounds(), White);
+    if (surface_) surface->Blit(*surface_, surface_->Bounds(), 0, 0);
+    words_ = std::move(words);
+    surface_ = std::move(surface);
+}
