@@ -51,12 +51,12 @@ protected:
     /// The library's own texts, put where the string file is looked for.
     void Load_Texts()
     {
+        FreeFileSpecZV(std::exchange(ZVEnv->homeDir, AllocString(environment.Spec().c_str())));
         if (ZVEnv->stringTable) return;
         std::filesystem::create_directories(environment.Path("Locale"));
         for (char const* name : {"ZVLibStr.txt", "ZVLibStr.h"})
             std::filesystem::copy_file(std::string(ZV_RESOURCES_DIR "/Locale/") + name,
                                        environment.Path(std::string("Locale/") + name));
-        FreeFileSpecZV(std::exchange(ZVEnv->homeDir, AllocString(environment.Spec().c_str())));
         AppendStringFileZV("Locale\\ZVLibStr.txt");
     }
 };

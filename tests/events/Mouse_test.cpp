@@ -128,7 +128,7 @@ TEST_F(Mouse, ItemsOfPseudoWindowsAndInnerPalettesAreFound)
 
 TEST_F(Mouse, AHeldGadgetGetsAllMovements)
 {
-    ZVEnv->callback = item->callback = group->callback = palette->callback = nullptr;
+    ZVEnv->callback = item->callback = other->callback = group->callback = palette->callback = nullptr;
     Handle_MouseMove(125, 75);
     Log();
     Custom_Gad_MouseDown(125, 75, 1, 0);
@@ -150,6 +150,7 @@ TEST_F(Mouse, AHeldGadgetGetsAllMovements)
 
 TEST_F(Mouse, DoubleClicks)
 {
+    other->x = 26;  // one pixel behind its neighbour
     EXPECT_FALSE(Is_Double(Click(125, 75)));
     EXPECT_TRUE(Is_Double(Click(129, 71)));
     EXPECT_FALSE(Is_Double(Click(125, 75))) << "a third one is single";
@@ -158,8 +159,8 @@ TEST_F(Mouse, DoubleClicks)
     desktop.tickCount += 25;
     EXPECT_FALSE(Is_Double(Click(125, 75))) << "too late";
     EXPECT_FALSE(Is_Double(Click(130, 75))) << "too far";
-    EXPECT_FALSE(Is_Double(Click(145, 75))) << "another gadget";
-    EXPECT_FALSE(Is_Double(Click(140, 75, 2))) << "another gadget, whatever the desktop counts";
+    EXPECT_FALSE(Is_Double(Click(142, 75))) << "another gadget";
+    EXPECT_FALSE(Is_Double(Click(139, 75, 2))) << "another gadget, whatever the desktop counts";
 }
 
 TEST_F(Mouse, AContextualClickAsksForTheMenuBehindThePress)
