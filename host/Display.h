@@ -124,9 +124,9 @@ class HostWindow {
 public:
     virtual ~HostWindow() = default;  ///< Takes it off the desktop.
 
-    /// The pixels of the client area, 32 bits deep. What is drawn shows with the next Present. It is another
-    /// surface after a change of size, with what the old one held and white beside it. That happens in
-    /// Set_Client and in Next_Event alone.
+    /// The pixels of the client area, 32 bits deep. What is drawn shows with the next Present. With a change
+    /// of size, which happens in Set_Client and in Next_Event alone, it keeps what it held, with white beside
+    /// it; its clip is lifted, and all of it counts as touched.
     virtual HostSurface& Surface() = 0;
 
     /// In front of its kind. Keys go to a document or a dialog, to others when no window has them.

@@ -15,7 +15,7 @@ HostRect Window_Client(HostRect const& client)
             client.top + std::clamp(client.Height(), 1, LargestWindow)};
 }
 
-WindowPixels::WindowPixels(int width, int height)
+WindowPixels::WindowPixels(int width, int height) : surface_(nullptr, 0, 0, 32, 0)
 {
     Resize(width, height);
 }
@@ -23,11 +23,10 @@ WindowPixels::WindowPixels(int width, int height)
 void WindowPixels::Resize(int width, int height)
 {
     std::vector<uint32_t> words(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    auto surface = std::make_unique<HostSurface>(reinterpret_cast<unsigned char*>(words.data()), width,
-                                                 height, 32, width * 4);
-    surface->Track_Touched();
-    surface->Fill(surface->Bounds(), White);
-    if (surface_) surface->Blit(*surface_, surface_->Bounds(), 0, 0);
+    HostSurface surface(reinterpret_cast<unsigned char*>(words.data()), width, height, 32, width * 4);
+    surface.Track_Touched();
+    surface.Fill(surface.Bounds(), White);
+    surface.Blit(surface_, surface_.Bounds(), 0, 0);
     words_ = std::move(words);
     surface_ = std::move(surface);
 }

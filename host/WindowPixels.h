@@ -4,7 +4,6 @@
 #include "Surface.h"
 
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 /// The size nearest to the one asked for that a window can have: at least 1 and at most 16384 each way.
@@ -15,14 +14,14 @@ public:
     /// White, and all of it touched.
     WindowPixels(int width, int height);
 
-    HostSurface& Surface() { return *surface_; }
-    HostSurface const& Surface() const { return *surface_; }
+    HostSurface& Surface() { return surface_; }
+    HostSurface const& Surface() const { return surface_; }
     std::vector<uint32_t> const& Words() const { return words_; }
 
-    /// Makes another surface with what the old one held, white elsewhere, and all of it touched.
+    /// What the surface held stays, white beside it; its clip is lifted, and all of it counts as touched.
     void Resize(int width, int height);
 
 private:
     std::vector<uint32_t> words_;
-    std::unique_ptr<HostSurface> surface_;
+    HostSurface surface_;
 };

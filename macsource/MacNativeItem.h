@@ -3,10 +3,19 @@
 
 #include "ZVItem.h"
 
-/// Of an item on screen. Text fields and lists have more of it; all other items share `drawnItem`.
+/// Of an item on screen: a text field, a list, or the bare fact for everything else. The item outlives it.
 struct ZVNativeItem {
     virtual ~ZVNativeItem() = default;
+    virtual void Draw() {}        ///< All of it with its frame, enabled or disabled as the item is.
+    virtual void Show_State() {}  ///< Takes the item's state over and shows it.
+
+    /// It gets or loses the look of the one that keys go to.
+    virtual void Set_Focus(bool) {}
 };
+
+/// Null when memory runs out.
+ZVNativeItem* Make_Text_Field(ZVItem& item);
+ZVNativeItem* Make_List(ZVItem& item);
 
 /// Follows the mouse from a press to its release. Points are on the screen.
 class MouseTracker {

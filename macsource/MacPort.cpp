@@ -19,10 +19,12 @@ void Make_Current(ZVPort* port)
 
 ZVPort* Make_SysPort(unsigned char* pixels, long width, long height, long depth, long rowBytes)
 {
-    HostSurface surface(pixels, static_cast<int>(width), static_cast<int>(height), static_cast<int>(depth),
-                        static_cast<int>(rowBytes));
-    auto* const port = new (std::nothrow) ZVPort{std::move(surface), {}, nullptr};
-    if (port) port->pixels.reset(pixels);
+    auto surface = std::make_unique<HostSurface>(pixels, static_cast<int>(width), static_cast<int>(height),
+                                                 static_cast<int>(depth), static_cast<int>(rowBytes));
+    auto* const port = new (std::nothrow) ZVPort{*surface, {}, nullptr, nullptr};
+    if (!port) return nullptr;
+    port->ownSurface = std::move(surface);
+    port->pixels.reset(pixels);
     return port;
 }
 

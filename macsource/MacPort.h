@@ -7,6 +7,8 @@
 #include "foundation/HeapBlock.h"
 #include "host/Surface.h"
 
+#include <memory>
+
 struct ZVRegion {
     HostRegion region;
 };
@@ -20,9 +22,11 @@ struct PortState {
 };
 
 struct ZVPort {
-    HostSurface surface;  ///< its clip is the port's
+    HostSurface& surface;  ///< its clip is the port's
     PortState state;
-    HeapBlock<unsigned char> pixels;  ///< of a port that owns them, or null
+    // Of a port that owns them: that of a native bitmap. A window's belong to the host.
+    std::unique_ptr<HostSurface> ownSurface;
+    HeapBlock<unsigned char> pixels;
 
     void Fill(HostRect const& rect) { surface.Fill(rect, state.foreColor); }
     void Fill(std::span<HostRect const> rects) { surface.Fill(rects, state.foreColor); }
