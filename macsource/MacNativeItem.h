@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ZVItem.h"
+#include "host/Region.h"
 
 /// Of an item on screen: a text field, a list, or the bare fact for everything else. The item outlives it.
 struct ZVNativeItem {
@@ -12,6 +13,9 @@ struct ZVNativeItem {
     /// It gets or loses the look of the one that keys go to.
     virtual void Set_Focus(bool) {}
 };
+
+/// Draws the items of a visible group that touch a region of the client area again, and its frame.
+void Refresh_Items(ZVGroup& group, HostRegion const& region);
 
 /// Null when memory runs out.
 ZVNativeItem* Make_Text_Field(ZVItem& item);
