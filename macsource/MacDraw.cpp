@@ -79,11 +79,6 @@ void FillPolygonZV(ZVDrawInfo* draw, long count, long const* points)
 
 // ---- borders ----------------------------------------------------------------------------------------------
 
-static uint32_t Pen_Color(unsigned long colour)
-{
-    return static_cast<uint32_t>(GetColorZV(colour)) & 0xFFFFFF;
-}
-
 void DrawShineBorder(ZVDrawInfo* draw, long x, long y, long w, long h, unsigned long frame,
                      unsigned long light, unsigned long dark)
 {

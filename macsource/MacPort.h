@@ -38,6 +38,9 @@ struct ZVPort {
     void Draw_Text(std::string_view text, int x, int y);
 };
 
+/// The colour that a pen has now, or a colour itself, as a port takes it.
+uint32_t Pen_Color(unsigned long colour);
+
 /// The port that the platform draws in at present, or null.
 ZVPort* Current_Port();
 void Make_Current(ZVPort* port);

@@ -3,6 +3,8 @@
 
 #include "MacNativeItem.h"
 
+#include "host/Region.h"
+
 #include <functional>
 
 /// Thickness of a bar, its frame included.
