@@ -4,8 +4,7 @@
 
 #include <array>
 
-/// Each component half way to the middle of its 16 bits.
-static uint32_t Toward_Grey(uint32_t color)
+uint32_t Toward_Grey(uint32_t color)
 {
     uint32_t grey = 0;
     for (int shift : {16, 8, 0}) {

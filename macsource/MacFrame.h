@@ -4,6 +4,9 @@
 
 #include "MacPort.h"
 
+/// The colour of what is disabled: each component half way to the middle of its 16 bits.
+uint32_t Toward_Grey(uint32_t color);
+
 /// A frame that is the rectangle's outermost pixels.
 void FrameRect3D(ZVPort& port, HostRect const& rect);
 void FrameRect3DInv(ZVPort& port, HostRect const& rect);  ///< Of what is disabled, half way to grey.

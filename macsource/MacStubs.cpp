@@ -36,9 +36,6 @@ void Destroy_SysItem(ZVItem*) {}
 void Enable_SysItem(ZVItem*) {}
 void Disable_SysItem(ZVItem*) {}
 void Mac_Update_Item(ZVItem*) {}
-void Activate_First_Gadget(ZVPalette*) {}
-void Mac_Drop_Focus(unsigned long) {}
-void Mac_Idle_Text_Field() {}
 void Mac_Run_Modal_Loop(ZVPalette*) {}
 void Mac_Run_Application_Loop() {}
 void Mac_End_Application_Loop() {}

@@ -2,6 +2,7 @@
 // MacTextFieldInput.cpp.
 #include "MacTextField.h"
 
+#include "MacFrame.h"
 #include "MacWindow.h"
 #include "ZVLibInternal.h"
 #include "interface/ItemParts.h"
@@ -10,9 +11,10 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdio>
+#include <limits>
 #include <new>
 #include <string>
+#include <utility>
 
 /// Ticks of a half of the caret's blinking: half a second.
 static constexpr uint32_t BlinkTicks = 30;
@@ -120,21 +122,10 @@ void TextField::Show_State()
 
 // ---- looks ------------------------------------------------------------------------------------------------
 
-/// Half way to middle grey, worked out for components of 16 bits.
-static uint32_t Greyed(uint32_t color)
-{
-    uint32_t grey = 0;
-    for (int const shift : {16, 8, 0}) {
-        int const component = static_cast<int>(color >> shift & 0xFF) * 257;
-        grey |= static_cast<uint32_t>((component - (component - 32768) / 2) >> 8) << shift;
-    }
-    return grey;
-}
-
 static uint32_t Color_Of(ZVItem const& item, ZVPen pen)
 {
-    auto const color = static_cast<uint32_t>(GetColorZV(pen)) & 0xFFFFFF;
-    return item.flags & ZV_ITEMF_DISABLED ? Greyed(color) : color;
+    uint32_t const color = Pen_Color(pen);
+    return item.flags & ZV_ITEMF_DISABLED ? Toward_Grey(color) : color;
 }
 
 TextColors TextField::Colors() const
@@ -151,27 +142,14 @@ ZVPort* TextField::Port() const
     return window ? Mac_Window_Port(window) : nullptr;
 }
 
-/// Sunken, or plain on an interface that is drawn without edges.
-void TextField::Draw_Frame(ZVPort& port) const
-{
-    HostRect const frame = Bounds();
-    uint32_t const dark = Color_Of(item_, ZV_PEN_DARK_EDGE);
-    uint32_t const light = ZVEnv->style->flat3D ? Color_Of(item_, ZV_PEN_LIGHT_EDGE) : dark;
-    port.surface.Fill(std::array{HostRect{frame.left, frame.top, frame.right, frame.top + 1},
-                                 HostRect{frame.left, frame.top, frame.left + 1, frame.bottom}},
-                      dark);
-    port.surface.Fill(std::array{HostRect{frame.left, frame.bottom - 1, frame.right, frame.bottom},
-                                 HostRect{frame.right - 1, frame.top, frame.right, frame.bottom}},
-                      light);
-}
-
 void TextField::Draw()
 {
     view_.Place(Bounds());
     view_.Update();
     ZVPort* const port = Port();
     if (!port || Bounds().IsEmpty()) return;
-    Draw_Frame(*port);
+    bool const isDisabled = item_.flags & ZV_ITEMF_DISABLED;
+    (isDisabled ? FrameRect3DInv : FrameRect3D)(*port, Bounds());
     view_.Draw(*port, view_.Inside(), Colors());
 }
 

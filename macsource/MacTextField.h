@@ -47,7 +47,6 @@ public:
 private:
     ZVPort* Port() const;
     TextColors Colors() const;
-    void Draw_Frame(ZVPort& port) const;
     void Redraw(HostRect const& area);
     void Show_Change();
     void Place_Input_Method();

@@ -10,7 +10,8 @@ void GetTextEditorPropertiesZV(ZVItem const* item, ZVTextEditorProperties* prope
 {
     if (!properties || !Has_Properties(item)) return;
     // What is not on screen has one line and nothing else.
-    *properties = {.lineCount = 1};
+    *properties = {};
+    properties->lineCount = 1;
     if (TextField* const field = Text_Field_Of(item)) field->Get_Properties(*properties);
 }
 

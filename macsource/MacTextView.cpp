@@ -86,8 +86,7 @@ void TextView::Move_By_Lines(long lines, bool extends)
     else if (wanted >= Line_Count())
         buffer.Move_To(shown_.size(), extends);
     else
-        buffer.Move_To(lines_.Place_Near(look_, shown_, static_cast<std::size_t>(wanted), *column_),
-                       extends);
+        buffer.Move_To(lines_.Place_Near(look_, shown_, static_cast<std::size_t>(wanted), *column_), extends);
     columnCaret_ = buffer.Caret();
 }
 

@@ -1,5 +1,6 @@
-// A text that is edited, in a frame on a port: its lines, how far it is scrolled, the caret and the selection,
-// and where a point lies in it. One line that moves sideways, or several that wrap at words and move by lines.
+// A text that is edited, in a frame on a port: its lines, how far it is scrolled, the caret and the
+// selection, and where a point lies in it. One line that moves sideways, or several that wrap at words and
+// move by lines.
 #pragma once
 
 #include "MacPort.h"
@@ -64,12 +65,12 @@ private:
     TextLook look_;
     bool isMultiLine_;
     TextLines lines_;
-    std::string shown_;                ///< what the lines are of
-    TextRange selection_;              ///< of shown_, as drawn
-    bool wasActive_ = false;           ///< the same
-    HostRect frame_, inside_, text_;   ///< inside the frame; where lines stand
-    int scrollX_ = 0;                  ///< of one line
-    long firstLine_ = 0;               ///< of several
-    std::optional<int> column_;        ///< x that Move_By_Lines stays at
-    std::size_t columnCaret_ = 0;      ///< and where that left the caret
+    std::string shown_;               ///< what the lines are of
+    TextRange selection_;             ///< of shown_, as drawn
+    bool wasActive_ = false;          ///< the same
+    HostRect frame_, inside_, text_;  ///< inside the frame; where lines stand
+    int scrollX_ = 0;                 ///< of one line
+    long firstLine_ = 0;              ///< of several
+    std::optional<int> column_;       ///< x that Move_By_Lines stays at
+    std::size_t columnCaret_ = 0;     ///< and where that left the caret
 };

@@ -78,6 +78,5 @@ void TextView::Draw(ZVPort& port, HostRect const& area, TextColors const& colors
         if (top >= dirty.bottom) break;
         if (top + look_.Line_Height() > dirty.top) Draw_Line(surface, line, colors);
     }
-    if (isActive && isCaretOn && buffer.Shown_Selection().IsEmpty())
-        surface.Fill(Caret_Rect(), colors.ink);
+    if (isActive && isCaretOn && buffer.Shown_Selection().IsEmpty()) surface.Fill(Caret_Rect(), colors.ink);
 }
