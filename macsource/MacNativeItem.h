@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ZVItem.h"
+#include "host/Region.h"
 
 /// Of an item on screen: a text field, a list, or the bare fact for everything else. The item outlives it.
 struct ZVNativeItem {
@@ -13,7 +14,10 @@ struct ZVNativeItem {
     virtual void Set_Focus(bool) {}
 };
 
-/// Null when memory runs out.
+/// Draws the items of a visible group that touch a region of the client area again, and its frame.
+void Refresh_Items(ZVGroup& group, HostRegion const& region);
+
+/// They draw nothing yet. Null when memory runs out.
 ZVNativeItem* Make_Text_Field(ZVItem& item);
 ZVNativeItem* Make_List(ZVItem& item);
 
