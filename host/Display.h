@@ -182,6 +182,9 @@ public:
     virtual HostWindow* Window_At(int x, int y) const = 0;
     virtual HostWindow* Front_Window() const = 0;  ///< that gets keys
 
+    /// Those that are shown, from the front to the back.
+    virtual std::vector<HostWindow*> Windows() const = 0;
+
     /// The next event; waits for it so long, or not at all for 0. In memory the clock moves on by the wait.
     virtual std::optional<HostEvent> Next_Event(double seconds) = 0;
     virtual bool Has_Events() = 0;   ///< Whether there is something to ask Next_Event for.

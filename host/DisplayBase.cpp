@@ -61,6 +61,14 @@ HostWindow* DisplayBase::Window_At(int x, int y) const
     return found == placed_.rend() ? nullptr : found->window;
 }
 
+std::vector<HostWindow*> DisplayBase::Windows() const
+{
+    std::vector<HostWindow*> windows;
+    for (auto placed = placed_.rbegin(); placed != placed_.rend(); ++placed)
+        windows.push_back(placed->window);
+    return windows;
+}
+
 void DisplayBase::Place_In_Front(HostWindow& window, HostWindowKind kind)
 {
     std::erase_if(placed_, [&](Placed const& placed) { return placed.window == &window; });

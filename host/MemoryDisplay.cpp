@@ -138,6 +138,11 @@ void MemoryDisplay::Move(int x, int y)
 void MemoryDisplay::Press(int x, int y, HostButton button)
 {
     if (x != scriptX_ || y != scriptY_) Move(x, y);
+    Press_Here(button);
+}
+
+void MemoryDisplay::Press_Here(HostButton button)
+{
     HostEvent event = Scripted(HostEventType::MouseDown);
     event.button = button;
     Post(std::move(event));

@@ -24,7 +24,8 @@ public:
 
     void Move(int x, int y);
     void Press(int x, int y, HostButton button = HostButton::Left);
-    void Release(HostButton button = HostButton::Left);  ///< where the script has moved to
+    void Press_Here(HostButton button = HostButton::Left);  ///< where the script has moved to, as the next
+    void Release(HostButton button = HostButton::Left);
     void Click(int x, int y, HostButton button = HostButton::Left);
     void Wheel(double x, double y);
     void Key(HostKey key, char32_t character = 0);  ///< down and up
@@ -38,6 +39,8 @@ public:
 
     /// Moves the clock on now.
     void Advance(uint64_t milliseconds) { now_ += milliseconds; }
+
+    bool Has_Script() const { return !script_.empty(); }  ///< Something was posted that has not come yet.
 
     // ---- the user at a window's frame
 

@@ -17,6 +17,7 @@
 #include "ZVFormat.h"
 #include "ZVGBuffer.h"
 #include "ZVGroup.h"
+#include "ZVHeadless.h"
 #include "ZVIcon.h"
 #include "ZVItem.h"
 #include "ZVJob.h"

@@ -363,6 +363,10 @@ ZV_API ZVWindow* Mac_Find_Window(long x, long y, long* localX, long* localY);
 ZV_API void Get_SysWindowDimFromPalette(ZVPalette const* palette, ZVRectT<long>* size);
 ZV_API void OffsetWindowToClient(ZVPalette const* palette, long* x, long* y);
 
+ZV_API void Draw_Mark(ZVPalette* palette);  ///< The frame of one that is marked, or its place without.
+
+ZV_API long Menu_Bar_Height();  ///< Of the strip at the top of the main monitor that windows leave free.
+
 ZV_API void Move_Sliders(ZVWindow* window);  ///< Brings the scroll bars to their edges and values.
 ZV_API void Enable_Sliders(ZVWindow* window, long enabled);
 
@@ -376,7 +380,9 @@ ZV_API void Enable_SysItem(ZVItem* item);
 ZV_API void Disable_SysItem(ZVItem* item);
 ZV_API void Mac_Update_Item(ZVItem* item);  ///< The native object shows the state; see UpdateGadgetZV.
 ZV_API void Mac_Validate(ZVWindow* window, ZVRectT<long> const& area);  ///< Needs no redraw any more.
-ZV_API void Refresh_GUI();
+ZV_API void Refresh_GUI();        ///< Draws what of the windows waits to be drawn again.
+ZV_API void Mac_Refresh_All();    ///< Draws all windows again, in the present pens.
+ZV_API void Mac_Close_Display();  ///< When all windows are gone.
 ZV_API void Activate_First_Gadget(ZVPalette* palette);
 ZV_API void
 Mac_Drop_Focus(unsigned long reportBits);  ///< Text field or list loses it and reports by event 5.
@@ -387,6 +393,7 @@ ZV_API void Mac_Idle_Text_Field();  ///< The caret of the focused text field bli
 /// palette on top is closed, or until ExitZV.
 ZV_API void Mac_Run_Modal_Loop(ZVPalette* palette);
 ZV_API void Mac_Run_Application_Loop();
+ZV_API void Mac_End_Application_Loop();  ///< The loop ends as soon as it has control; without one, nothing.
 ZV_API void Mac_End_Modal_Loop(ZVPalette* palette);
 ZV_API void Mac_Handle_Waiting_Events();
 ZV_API void Mac_Flush_Events();

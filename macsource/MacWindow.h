@@ -3,18 +3,28 @@
 #pragma once
 
 #include "MacPort.h"
+#include "MacScrollBar.h"
 #include "ZVWindow.h"
 #include "host/Display.h"
 
 #include <memory>
+#include <string>
+
+struct ZVSysScrollBar {
+    ScrollBar bar;
+};
 
 struct ZVSysWindow {
     ZVSysWindow(ZVWindow& owner, std::unique_ptr<HostWindow> made);
+    ~ZVSysWindow();  ///< Nobody in the window holds the mouse any more.
 
     ZVWindow& window;
     std::unique_ptr<HostWindow> host;
-    ZVPort port;        ///< over the host's surface
-    HostRegion update;  ///< of the client area, to be drawn again by Redraw_Window
+    ZVPort port;  ///< over the host's surface
+    std::string title;
+    HostRegion update;            ///< of the client area, to be drawn again by Redraw_Window
+    int knownWidth, knownHeight;  ///< of the part of the client area that has been drawn
+    std::unique_ptr<ZVSysScrollBar> verticalBar, horizontalBar;  ///< or null
 };
 
 /// The display of the running interface; null without one.
@@ -47,8 +57,18 @@ struct WindowStrips {
 };
 WindowStrips Strips_Of(uint32_t flags);
 
-/// What a palette's window can be made to by its edges.
-void Set_Size_Limits(ZVWindow& window);
+/// Takes over where the display has the window, and how large. What it has gained in size shows the
+/// background. True when the size is another one.
+bool Take_Bounds(ZVWindow& window);
+
+/// What the user can make of the window by its edges, for its active palette.
+void Limit_Size(ZVWindow& window);
+
+/// Makes the bars that the window's flags ask for.
+void Make_Bars(ZVWindow& window);
+
+/// Draws the window's bars and its grow box.
+void Draw_Bars(ZVWindow& window);
 
 /// The front window that is no floater; null when there is none.
 ZVWindow* Mac_FrontNonFloatingWindow();

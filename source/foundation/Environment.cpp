@@ -194,19 +194,17 @@ void CleanUpZV()
     Cleanup_OS();
     Free_Format_Modules();
     CleanUpWindowsZV();
+    Mac_Close_Display();
     CleanupKeySectionZV(ZVEnv->keySection);
     Cleanup_Clip();
     Free_Environment();
 }
 
-void CleanUpWindowsZV()
-{
-    // Until the interface can be started there is never a window.
-}
-
 void ExitZV()
 {
-    if (ZVEnv) ZVEnv->exitRequested = 1;
+    if (!ZVEnv) return;
+    ZVEnv->exitRequested = 1;
+    Mac_End_Application_Loop();
 }
 
 ZVEnvironment* GetEnvironmentZV()

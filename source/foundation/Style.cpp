@@ -156,7 +156,7 @@ void CalcGadgetSizes(ZVGadgetSizes* sizes, long width, long columns, long gap)
 
 void RefreshUIZV()
 {
-    // Until the interface can be started no window is ever open.
+    if (ZVEnv) Mac_Refresh_All();
 }
 
 void SetAlwaysOnTopZV(long) {}

@@ -105,16 +105,21 @@ void SetPaletteNameZV(unsigned short id, unsigned long nameId)
     SetPaletteNameZV(FindPaletteZV(id), Text_Of_Id(nameId));
 }
 
-void HilitePaletteZV(ZVPalette* palette, long on)
+void Draw_Mark(ZVPalette* palette)
 {
     static constexpr uint32_t markColor = 0xFFFFFF00;  // no pen, but a plain yellow
+    ZVDrawInfo* const draw = DrawBeginZV(palette);
+    SetPenZV(draw, palette->flags & ZV_PALF_HILITED ? markColor : uint32_t{ZV_PEN_PALETTE});
+    DrawRectZV(draw, 1, 1, palette->width - 2, palette->height - 2);
+    DrawEndZV(draw);
+}
+
+void HilitePaletteZV(ZVPalette* palette, long on)
+{
     if (!palette) return;
     palette->flags &= ~ZV_PALF_HILITED;
     if (on) palette->flags |= ZV_PALF_HILITED;
-    ZVDrawInfo* const draw = DrawBeginZV(palette);
-    SetPenZV(draw, on ? markColor : uint32_t{ZV_PEN_PALETTE});
-    DrawRectZV(draw, 1, 1, palette->width - 2, palette->height - 2);
-    DrawEndZV(draw);
+    Draw_Mark(palette);
 }
 
 void SupressPaletteActivationZV(ZVPalette* palette, long on)

@@ -7,17 +7,14 @@
 /// A window for a palette, its client area at that place. Null with error 1 when it cannot be had.
 static ZVWindow* Make_Window(ZVPalette& palette, long x, long y)
 {
-    auto* const window = New_Record<ZVWindow>();
+    ZVWindow* const window = New_Window();
     if (!window) return nullptr;
-    NewList(&window->palettes);
-    NewList(&window->hooks);
     window->kind = palette.kind;
     window->flags = palette.flags;
     window->left = static_cast<int32_t>(x);
     window->top = static_cast<int32_t>(y);
     window->width = palette.width;
     window->height = palette.height + palette.y;
-    AddTail(&ZVEnv->windows, &window->node);
     if (Make_SysWindow(window, &palette)) {
         if (palette.kind == ZV_KIND_APP) ZVEnv->rootWindow = window;
         return window;

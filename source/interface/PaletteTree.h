@@ -53,6 +53,9 @@ inline bool Is_On_Screen(ZVPalette const& palette)
     return palette.window && Is_Shown(&palette);
 }
 
+/// A window's record, the last of the environment's; null with error 1 when memory runs out.
+ZVWindow* New_Window();
+
 /// Whether a window is still there; the pointer is compared, never followed.
 bool Is_Window(ZVWindow const* window);
 

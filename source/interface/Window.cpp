@@ -40,6 +40,16 @@ ZVWindow* GetParentSysWindow(ZVPalette const* palette, long* dx, long* dy)
     return window;
 }
 
+ZVWindow* New_Window()
+{
+    auto* const window = New_Record<ZVWindow>();
+    if (!window) return nullptr;
+    NewList(&window->palettes);
+    NewList(&window->hooks);
+    AddTail(&ZVEnv->windows, &window->node);
+    return window;
+}
+
 void Free_Window(ZVWindow* window)
 {
     if (!window) return;

@@ -1,0 +1,306 @@
+// System windows: made for a palette, fitted to it, and taken down.
+#include "MacWindow.h"
+
+#include "ZVLibInternal.h"
+#include "ZVPalette.h"
+
+#include <strings.h>
+#include <utility>
+
+/// Room for a bar or the grow box.
+static constexpr int StripSize = 15;
+
+/// What a window is made of, which cannot be changed while it stands.
+static constexpr uint32_t BuildFlags = ZV_PALF_SIZES | ZV_PALF_ZOOM | ZV_PALF_NO_CLOSE | ZV_PALF_PLAIN;
+
+// ---- what a window is like --------------------------------------------------------------------------------
+
+/// The flags that a window of the kind can have.
+static uint32_t Usable_Flags(uint32_t kind, uint32_t flags)
+{
+    bool const isPlain = flags & ZV_PALF_PLAIN;
+    switch (kind) {
+    case ZV_KIND_DOCUMENT:
+    case ZV_KIND_FLOATER:
+    case ZV_KIND_FIXED: return isPlain ? flags & ~uint32_t{ZV_PALF_SIZES} : flags;
+    case ZV_KIND_MODAL: return flags & ~uint32_t{ZV_PALF_ZOOM | ZV_PALF_NO_CLOSE};
+    case ZV_KIND_TRANSIENT: return flags & ~uint32_t{ZV_PALF_SIZES | ZV_PALF_ZOOM | ZV_PALF_NO_CLOSE};
+    default: return flags;
+    }
+}
+
+WindowStrips Strips_Of(uint32_t flags)
+{
+    bool const resizes = flags & ZV_PALF_SIZES;
+    if (resizes && !(flags & ZV_PALF_NO_GROW_AREA)) return {StripSize, StripSize};
+    WindowStrips const strips{flags & ZV_PALF_VSCROLL ? StripSize : 0,
+                              flags & ZV_PALF_HSCROLL ? StripSize : 0};
+    bool const hasBars = strips.right || strips.bottom;
+    return resizes && !hasBars ? WindowStrips{-1, -1} : strips;
+}
+
+static HostWindowKind Host_Kind(uint32_t kind)
+{
+    switch (kind) {
+    case ZV_KIND_MODAL: return HostWindowKind::Dialog;
+    case ZV_KIND_FLOATER:
+    case ZV_KIND_FIXED: return HostWindowKind::Floater;
+    case ZV_KIND_ROOT:
+    case ZV_KIND_APP: return HostWindowKind::Root;
+    case ZV_KIND_TRANSIENT: return HostWindowKind::Popup;
+    default: return HostWindowKind::Document;
+    }
+}
+
+/// A window of a kind with the parts that it has, its client area still empty.
+static HostWindowRequest Request_Of(uint32_t kind, uint32_t flags)
+{
+    HostWindowRequest request{.kind = Host_Kind(kind)};
+    bool const isPlain = flags & ZV_PALF_PLAIN;
+    request.hasFrame = !isPlain && kind != ZV_KIND_ROOT && kind != ZV_KIND_TRANSIENT;
+    bool const isDocument = kind == ZV_KIND_DOCUMENT;
+    bool const isFloater = kind == ZV_KIND_FLOATER || kind == ZV_KIND_FIXED;
+    request.canClose = isDocument || (isFloater && !(flags & ZV_PALF_NO_CLOSE));
+    request.canCollapse = isDocument;
+    request.canZoom = (isDocument || isFloater) && (flags & ZV_PALF_ZOOM);
+    request.canResize = kind == ZV_KIND_APP || ((isDocument || isFloater) && (flags & ZV_PALF_SIZES) != 0);
+    return request;
+}
+
+static HostRect Host_Client(ZVWindow const& window)
+{
+    WindowStrips const strips = Strips_Of(window.flags);
+    return {window.left, window.top, window.left + window.width + strips.right,
+            window.top + window.height + strips.bottom};
+}
+
+/// The window's own title, and failing that the palette's.
+static char const* Title_For(ZVWindow const& window, ZVPalette const* palette)
+{
+    if (window.name) return window.name;
+    return palette && palette->title ? palette->title : "";
+}
+
+uint32_t Background_Of(ZVWindow const& window)
+{
+    bool const isBehind = window.kind == ZV_KIND_ROOT || window.kind == ZV_KIND_APP;
+    return static_cast<uint32_t>(GetColorZV(isBehind ? ZV_PEN_ROOT : ZV_PEN_PALETTE));
+}
+
+// ---- making and freeing -----------------------------------------------------------------------------------
+
+ZVSysWindow::ZVSysWindow(ZVWindow& owner, std::unique_ptr<HostWindow> made)
+    : window(owner), host(std::move(made)), port{host->Surface(), {}, nullptr, nullptr},
+      knownWidth(host->Client().Width()), knownHeight(host->Client().Height())
+{
+    host->owner = &owner;
+    port.surface.Fill(port.surface.Bounds(), Background_Of(owner));
+}
+
+ZVSysWindow::~ZVSysWindow()
+{
+    Hold_Mouse(nullptr);
+    if (Current_Port() == &port) Make_Current(nullptr);
+    if (ZVEnv && ZVEnv->savedPort == &port) ZVEnv->savedPort = nullptr;
+}
+
+long Make_SysWindow(ZVWindow* window, ZVPalette* palette)
+{
+    if (window->sysWindow) return 1;
+    if (!Display()) return 0;
+    window->flags = Usable_Flags(window->kind, window->flags);
+    if (palette) palette->flags = Usable_Flags(palette->kind, palette->flags);
+    HostWindowRequest request = Request_Of(window->kind, window->flags);
+    request.client = Host_Client(*window);
+    request.title = Title_For(*window, palette);
+    std::unique_ptr<HostWindow> host = Display()->Make_Window(request);
+    if (!host) return 0;
+    window->sysWindow = new ZVSysWindow(*window, std::move(host));
+    window->sysWindow->title = request.title;
+    Make_Bars(*window);
+    if (palette) ZVEnv->pendingPalette = palette;
+    window->sysWindow->host->Show();
+    if (window->kind == ZV_KIND_ROOT || window->kind == ZV_KIND_APP) ZVEnv->rootSysWindow = window->sysWindow;
+    ZVEnv->frontWindow = Mac_FrontNonFloatingWindow();
+    return 1;
+}
+
+/// Takes the native window down; the record stays.
+static void Dispose_Native(ZVWindow& window)
+{
+    window.verticalBar = window.horizontalBar = nullptr;
+    if (ZVEnv->rootSysWindow == window.sysWindow) ZVEnv->rootSysWindow = nullptr;
+    delete std::exchange(window.sysWindow, nullptr);
+}
+
+void Free_SysWindow(ZVWindow* window)
+{
+    bool const wasFront = ZVEnv->frontWindow == window;
+    Dispose_Native(*window);
+    Free_Window(window);
+    if (wasFront) ZVEnv->frontWindow = Mac_FrontNonFloatingWindow();
+}
+
+// ---- fitting ----------------------------------------------------------------------------------------------
+
+/// Another native window in place of the one that cannot become what the palette asks for.
+static void Replace_Native(ZVWindow& window, ZVPalette& palette)
+{
+    Dispose_Native(window);
+    window.kind = palette.kind;
+    window.flags = palette.flags;
+    window.width = palette.width;
+    window.height = palette.height + palette.y;
+    if (Make_SysWindow(&window, &palette)) Invalidate(window);
+}
+
+/// Background for what the surface has gained, and a new look for all that stands at its edges.
+static void Cover_New_Area(ZVSysWindow& native)
+{
+    HostRect const all = native.port.surface.Bounds();
+    uint32_t const color = Background_Of(native.window);
+    native.port.surface.Fill({native.knownWidth, 0, all.right, all.bottom}, color);
+    native.port.surface.Fill({0, native.knownHeight, all.right, all.bottom}, color);
+    native.knownWidth = all.right;
+    native.knownHeight = all.bottom;
+}
+
+static void Resize_Native(ZVWindow& window, long width, long height)
+{
+    window.width = static_cast<int32_t>(width);
+    window.height = static_cast<int32_t>(height);
+    window.sysWindow->host->Set_Client(Host_Client(window));
+    Cover_New_Area(*window.sysWindow);
+    Invalidate(window);
+}
+
+void Rebuild_SysWindow(ZVWindow* window, ZVPalette* palette)
+{
+    if (!window->sysWindow) return;
+    palette->flags = Usable_Flags(palette->kind, palette->flags);
+    if (palette->kind != ZV_KIND_MODAL && ((window->flags ^ palette->flags) & BuildFlags)) {
+        Replace_Native(*window, *palette);
+    } else {
+        long const height = palette->height + palette->y;
+        if (palette->width != window->width || height != window->height)
+            Resize_Native(*window, palette->width, height);
+    }
+    if (!window->sysWindow) return;
+    Limit_Size(*window);
+    Move_Sliders(window);
+    char const* const title = Title_For(*window, palette);
+    if (strcasecmp(title, window->sysWindow->title.c_str()) != 0) Set_SysWindowName(window, title);
+}
+
+bool Take_Bounds(ZVWindow& window)
+{
+    HostRect const client = window.sysWindow->host->Client();
+    WindowStrips const strips = Strips_Of(window.flags);
+    int32_t const width = client.Width() - strips.right, height = client.Height() - strips.bottom;
+    bool const isResized = width != window.width || height != window.height;
+    window.left = client.left;
+    window.top = client.top;
+    window.width = width;
+    window.height = height;
+    Cover_New_Area(*window.sysWindow);
+    return isResized;
+}
+
+void Limit_Size(ZVWindow& window)
+{
+    ZVPalette const* const palette = window.activePalette;
+    if (!window.sysWindow || !palette) return;
+    WindowStrips const strips = Strips_Of(window.flags);
+    int const minWidth = palette->minWidth + strips.right;
+    int const minHeight = palette->minHeight + palette->y + strips.bottom;
+    HostRect const client = window.sysWindow->host->Client();
+    bool const isBoth = window.kind == ZV_KIND_APP || window.flags & ZV_PALF_SIZE_BOTH;
+    bool const growsX = isBoth || window.flags & ZV_PALF_SIZE_X;
+    bool const growsY = isBoth || window.flags & ZV_PALF_SIZE_Y;
+    constexpr int unlimited = 16384;
+    window.sysWindow->host->Set_Size_Limits(
+        growsX ? minWidth : client.Width(), growsY ? minHeight : client.Height(),
+        growsX ? unlimited : client.Width(), growsY ? unlimited : client.Height());
+}
+
+void Set_SysWindowName(ZVWindow* window, char const* name)
+{
+    if (!window->sysWindow) return;
+    window->sysWindow->title = name;
+    window->sysWindow->host->Set_Title(name);
+}
+
+// ---- finding ----------------------------------------------------------------------------------------------
+
+ZVWindow* GetZVWind_From_SysWind(ZVSysWindow const* window)
+{
+    return window ? &window->window : nullptr;
+}
+
+ZVWindow* Window_Of(HostWindow const* host)
+{
+    return host ? static_cast<ZVWindow*>(host->owner) : nullptr;
+}
+
+ZVWindow* Mac_Find_Window(long x, long y, long* localX, long* localY)
+{
+    *localX = *localY = 0;
+    HostWindow* const host =
+        Display() ? Display()->Window_At(static_cast<int>(x), static_cast<int>(y)) : nullptr;
+    if (!host || !host->Client().Contains(static_cast<int>(x), static_cast<int>(y))) return nullptr;
+    *localX = x - host->Client().left;
+    *localY = y - host->Client().top;
+    return Window_Of(host);
+}
+
+ZVPort* Mac_Window_Port(ZVWindow* window)
+{
+    return window && window->sysWindow ? &window->sysWindow->port : nullptr;
+}
+
+static void Store(HostRect const& from, ZVRectT<long>* rect)
+{
+    rect->Set(from.left, from.top, from.Width(), from.Height());
+}
+
+void GetClientRectZV(ZVWindow const* window, ZVRectT<long>* rect)
+{
+    *rect = {};
+    if (window && window->sysWindow) Store(window->sysWindow->host->Client(), rect);
+}
+
+void GetWindowRectZV(ZVWindow const* window, ZVRectT<long>* rect)
+{
+    *rect = {};
+    if (!window || !window->sysWindow) return;
+    HostRect const client = window->sysWindow->host->Client();
+    HostFrame const frame = window->sysWindow->host->Frame();
+    Store({client.left - frame.left, client.top - frame.top, client.right + frame.right,
+           client.bottom + frame.bottom},
+          rect);
+}
+
+/// The frame of the window that would hold the palette.
+static HostFrame Frame_For(ZVPalette const& palette)
+{
+    return Display()
+               ? Display()->Frame_Of(Request_Of(palette.kind, Usable_Flags(palette.kind, palette.flags)))
+               : HostFrame();
+}
+
+void Get_SysWindowDimFromPalette(ZVPalette const* palette, ZVRectT<long>* size)
+{
+    HostFrame const frame = Frame_For(*palette);
+    WindowStrips const strips = Strips_Of(Usable_Flags(palette->kind, palette->flags));
+    bool const hasTabs = palette->kind == ZV_KIND_FLOATER;
+    size->Set(0, 0, palette->width + strips.right + frame.left + frame.right,
+              palette->height + (hasTabs ? ZVEnv->style->tabHeight : 0) + strips.bottom + frame.top +
+                  frame.bottom);
+}
+
+void OffsetWindowToClient(ZVPalette const* palette, long* x, long* y)
+{
+    HostFrame const frame = Frame_For(*palette);
+    *x += frame.left;
+    *y += frame.top;
+}
