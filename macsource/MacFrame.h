@@ -1,17 +1,26 @@
-// The frames of text fields and lists: one pixel wide and sunken, the left and upper edges in the dark pen
-// and the right and lower ones in the light pen. Without `flat3D` they are plain outlines in the dark pen.
+// The frames that native objects and gadgets are drawn with.
 #pragma once
 
 #include "MacPort.h"
 
+/// The rectangle's outermost pixels: the left and upper edges in one colour, over them the right and lower
+/// ones in another, which leave the upper right corner.
+void Draw_Edges(ZVPort& port, HostRect const& rect, uint32_t upper, uint32_t lower);
+
+/// A frame one pixel wide with such edges inside it.
+void Draw_Bevel(ZVPort& port, HostRect const& rect, uint32_t frame, uint32_t upper, uint32_t lower);
+
+// Text fields and lists lie in a sunken frame, one pixel wide: the left and upper edges in the dark pen, the
+// right and lower ones in the light pen. Without `flat3D` it is an outline in the dark pen.
+
 /// The colour of what is disabled: each component half way to the middle of its 16 bits.
 uint32_t Toward_Grey(uint32_t color);
 
-/// A frame that is the rectangle's outermost pixels.
+/// Just inside a rectangle.
 void FrameRect3D(ZVPort& port, HostRect const& rect);
 void FrameRect3DInv(ZVPort& port, HostRect const& rect);  ///< Of what is disabled, half way to grey.
 
-/// A frame around the rectangle, which stays whole.
+/// Around a rectangle.
 void EmbossRect3D(ZVPort& port, HostRect const& rect);
 void EmbossRect3DInv(ZVPort& port, HostRect const& rect);  ///< Of what is disabled, half way to grey.
 

@@ -34,6 +34,13 @@ static void Report_Text(ZVItem& item)
     Send_Gadget_Event(item, ZV_MOD_CHANGE);
 }
 
+/// The focused field; null when nothing, a list, or a field that has been disabled since has the focus.
+static TextField* Focused_Field()
+{
+    ZVItem const* const item = ZVEnv->focusedTextItem;
+    return item && !(item->flags & ZV_ITEMF_DISABLED) ? Text_Field_Of(item) : nullptr;
+}
+
 /// Not a control character, as the keys have that type nothing.
 static bool Is_Typed(char32_t character)
 {
@@ -133,7 +140,7 @@ static bool List_Key(ZVItem& item, KeyStroke const& key)
 static bool Focus_Key(KeyStroke const& key, bool isEntered)
 {
     ZVItem* const item = ZVEnv->focusedTextItem;
-    TextField* const field = Text_Field_Of(item);
+    TextField* const field = Focused_Field();
     ZVItem* const listItem = ZVEnv->focusedListItem;
     if (!(field && field->Is_Multi_Line())) {
         if (key.code == ZV_KEY_TAB && (field || listItem)) {
@@ -153,12 +160,11 @@ void Handle_KeyStroke(unsigned long key, long isEntered)
 
 void Enter_Text(std::string_view utf8)
 {
-    ZVItem* const item = ZVEnv->focusedTextItem;
-    TextField* const field = Text_Field_Of(item);
-    if (field && field->Type(utf8)) Report_Text(*item);
+    TextField* const field = Focused_Field();
+    if (field && field->Type(utf8)) Report_Text(*ZVEnv->focusedTextItem);
 }
 
 void Compose_Text(std::string_view utf8, int caret)
 {
-    if (TextField* const field = Text_Field_Of(ZVEnv->focusedTextItem)) field->Compose(utf8, caret);
+    if (TextField* const field = Focused_Field()) field->Compose(utf8, caret);
 }

@@ -3,6 +3,7 @@
 
 #include "MacScrollBar.h"
 
+#include <algorithm>
 #include <vector>
 
 class ListBox : public ZVNativeItem, public MouseTracker {
@@ -35,15 +36,37 @@ public:
     /// moved.
     bool Scroll(int rows);
 
+    /// The item's state becomes what is selected.
+    void Store_State();
+
 private:
-    HostRect Rows_Area() const;
-    int Row_At(int y) const;  ///< Of the window's y, whether it is in view or not.
+    /// Where things are at present: items move with their groups and windows.
+    struct Place {
+        HostRect bounds;  ///< in the system window
+        HostRect rows;    ///< inside the bounds, beside the bar
+        int rowHeight;
+
+        int Whole_Rows() const { return std::max(rows.Height() / rowHeight, 1); }
+    };
+    Place Place_Now() const;
+    int Row_At(Place const& place, int y) const;  ///< in view or not, and beyond the last one too
+
+    void Take_Entries();
+    void Take_State();
+    void Take_Range(Place const& place);
+    void Draw_Row(ZVPort& port, Place const& place, int row) const;
+    void Draw_Rows(ZVPort& port, Place const& place) const;
+    void Draw_View();  ///< The rows and the bar.
+    bool Show_Row(Place const& place, int row);
+    void Follow(int y);
 
     ZVItem& item_;
-    std::vector<char const*> rows_;  ///< texts of the item's entries, null for none
-    ScrollBar bar_;
+    std::vector<char const*> rows_;  ///< texts of the item's entries
+    ScrollBar bar_;                  ///< its value is the first row in view
     int selected_ = -1;
     bool hasFocus_ = false;
+    bool isOnRows_ = false;    ///< the mouse that is held has been on a row
+    uint32_t nextScroll_ = 0;  ///< tick from which on the mouse beyond an edge scrolls again
 };
 
 /// The list of an item on screen; null for all other items.

@@ -17,11 +17,6 @@ void Make_Current(ZVPort* port)
     currentPort = port;
 }
 
-uint32_t Pen_Color(unsigned long colour)
-{
-    return static_cast<uint32_t>(GetColorZV(colour)) & 0xFFFFFF;
-}
-
 ZVPort* Make_SysPort(unsigned char* pixels, long width, long height, long depth, long rowBytes)
 {
     auto surface = std::make_unique<HostSurface>(pixels, static_cast<int>(width), static_cast<int>(height),

@@ -37,7 +37,7 @@ TextField::TextField(ZVItem& item)
 
 TextField::~TextField()
 {
-    Set_Focus(false);
+    if (hasFocus_) Release_Keyboard();
 }
 
 ZVNativeItem* Make_Text_Field(ZVItem& item)
@@ -122,17 +122,12 @@ void TextField::Show_State()
 
 // ---- looks ------------------------------------------------------------------------------------------------
 
-static uint32_t Color_Of(ZVItem const& item, ZVPen pen)
-{
-    uint32_t const color = Pen_Color(pen);
-    return item.flags & ZV_ITEMF_DISABLED ? Toward_Grey(color) : color;
-}
-
 TextColors TextField::Colors() const
 {
-    return {.paper = Color_Of(item_, ZV_PEN_TEXT_FIELD),
-            .ink = Color_Of(item_, ZV_PEN_TEXT),
-            .marked = Color_Of(item_, ZV_PEN_MARKED),
+    uint32_t const paper = Pen_Color(ZV_PEN_TEXT_FIELD), ink = Pen_Color(ZV_PEN_TEXT);
+    return {.paper = Is_Disabled() ? Toward_Grey(paper) : paper,
+            .ink = Is_Disabled() ? Toward_Grey(ink) : ink,
+            .marked = Pen_Color(ZV_PEN_MARKED),
             .markedInk = 0};
 }
 
@@ -145,11 +140,11 @@ ZVPort* TextField::Port() const
 void TextField::Draw()
 {
     view_.Place(Bounds());
+    view_.isActive = hasFocus_ && !Is_Disabled();
     view_.Update();
     ZVPort* const port = Port();
     if (!port || Bounds().IsEmpty()) return;
-    bool const isDisabled = item_.flags & ZV_ITEMF_DISABLED;
-    (isDisabled ? FrameRect3DInv : FrameRect3D)(*port, Bounds());
+    (Is_Disabled() ? FrameRect3DInv : FrameRect3D)(*port, Bounds());
     view_.Draw(*port, view_.Inside(), Colors());
 }
 
@@ -196,17 +191,25 @@ void TextField::Place_Input_Method()
     if (HostWindow* const host = Host_Of(item_)) host->Start_Text(caret);
 }
 
+void TextField::Release_Keyboard()
+{
+    hasFocus_ = false;
+    inputPlace_ = {};
+    if (HostWindow* const host = Host_Of(item_)) host->Stop_Text();
+}
+
 void TextField::Set_Focus(bool hasFocus)
 {
     if (hasFocus == hasFocus_) return;
-    hasFocus_ = view_.isActive = hasFocus;
-    if (!hasFocus) {
+    if (hasFocus) {
+        hasFocus_ = true;
+    } else {
+        Release_Keyboard();
         // What an input method has not finished is not the field's yet.
         view_.buffer.Compose("", 0);
         if (Mouse_Holder() == this) Hold_Mouse(nullptr);
-        if (HostWindow* const host = Host_Of(item_)) host->Stop_Text();
-        inputPlace_ = {};
     }
+    view_.isActive = hasFocus && !Is_Disabled();
     Show_Change();
 }
 

@@ -50,6 +50,8 @@ private:
     void Redraw(HostRect const& area);
     void Show_Change();
     void Place_Input_Method();
+    void Release_Keyboard();
+    bool Is_Disabled() const { return item_.flags & ZV_ITEMF_DISABLED; }
     void Count_Press(int x, int y);
     TextRange Unit_At(std::size_t offset) const;
     bool Insert(std::string_view text, bool isTyped);
