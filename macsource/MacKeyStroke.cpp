@@ -143,14 +143,15 @@ static bool Focus_Key(KeyStroke const& key, bool isEntered)
     TextField* const field = Focused_Field();
     ZVItem* const listItem = ZVEnv->focusedListItem;
     if (!(field && field->Is_Multi_Line())) {
-        if (key.code == ZV_KEY_TAB && (field || listItem)) {
+        if (key.code == ZV_KEY_TAB && (item || listItem)) {
             key.Has(ZV_MOD_SHIFT) ? Tab_to_Prev_Gad() : Tab_to_Next_Gad();
             return true;
         }
         if (field && (key.code == ZV_KEY_RETURN || key.code == ZV_KEY_ENTER)) return Commit_Key(*item);
     }
     if (field && Text_Key(*item, key, isEntered)) return true;
-    return !field && listItem && List_Of(*listItem) && List_Key(*listItem, key);
+    bool const hasList = listItem && List_Of(*listItem) && !(listItem->flags & ZV_ITEMF_DISABLED);
+    return !field && hasList && List_Key(*listItem, key);
 }
 
 void Handle_KeyStroke(unsigned long key, long isEntered)

@@ -3,6 +3,7 @@
 #include "MacTextField.h"
 
 #include "MacFrame.h"
+#include "MacItem.h"
 #include "MacWindow.h"
 #include "ZVLibInternal.h"
 #include "interface/ItemParts.h"
@@ -52,10 +53,7 @@ TextField* Text_Field_Of(ZVItem const* item)
 
 HostRect TextField::Bounds() const
 {
-    long dx = 0, dy = 0;
-    GetParentSysWindow(item_.group->palette, &dx, &dy);
-    auto const left = static_cast<int>(Item_Left(item_) + dx), top = static_cast<int>(Item_Top(item_) + dy);
-    return {left, top, left + item_.width, top + item_.height};
+    return Area_Of(item_);
 }
 
 // ---- the item's state -------------------------------------------------------------------------------------
@@ -131,18 +129,12 @@ TextColors TextField::Colors() const
             .markedInk = 0};
 }
 
-ZVPort* TextField::Port() const
-{
-    ZVWindow* const window = GetParentSysWindow(item_.group->palette, nullptr, nullptr);
-    return window ? Mac_Window_Port(window) : nullptr;
-}
-
 void TextField::Draw()
 {
     view_.Place(Bounds());
     view_.isActive = hasFocus_ && !Is_Disabled();
     view_.Update();
-    ZVPort* const port = Port();
+    ZVPort* const port = Port_Of(item_);
     if (!port || Bounds().IsEmpty()) return;
     (Is_Disabled() ? FrameRect3DInv : FrameRect3D)(*port, Bounds());
     view_.Draw(*port, view_.Inside(), Colors());
@@ -151,7 +143,7 @@ void TextField::Draw()
 void TextField::Redraw(HostRect const& area)
 {
     if (area.IsEmpty()) return;
-    if (ZVPort* const port = Port()) view_.Draw(*port, area, Colors());
+    if (ZVPort* const port = Port_Of(item_)) view_.Draw(*port, area, Colors());
 }
 
 /// Shows what has become of the text and the selection, with the caret lit.

@@ -45,7 +45,6 @@ public:
     void Set_Properties(ZVTextEditorProperties const& properties);
 
 private:
-    ZVPort* Port() const;
     TextColors Colors() const;
     void Redraw(HostRect const& area);
     void Show_Change();
