@@ -11,8 +11,7 @@ static constexpr std::size_t LongestText = 255;
 
 static constexpr char Ellipsis[] = "...";
 
-/// As much of a UTF-8 text as is drawn, without a part of a character at its end.
-static std::string_view Drawn_Part(std::string_view text)
+std::string_view Drawn_Part(std::string_view text)
 {
     if (text.size() <= LongestText) return text;
     std::size_t length = LongestText;

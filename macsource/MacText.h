@@ -35,6 +35,9 @@ TextFont Find_Font(FontChoice const& choice);
 /// The font of a context, or the interface font for null.
 TextFont Context_Font(ZVDrawInfo const* draw);
 
+/// As much of a UTF-8 text as is drawn in one go, 255 bytes, without a part of a character at its end.
+std::string_view Drawn_Part(std::string_view text);
+
 /// The machine's fonts; null when there is no font library to be had.
 HostFonts* Open_Fonts();
 
