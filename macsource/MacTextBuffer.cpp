@@ -111,6 +111,7 @@ bool TextBuffer::Undo()
 
 void TextBuffer::Compose(std::string_view text, std::size_t caret)
 {
+    if (text.empty() && composition_.empty()) return;
     composition_ = text;
     compositionCaret_ = Place_At(text, caret);
     last_.isOpen = false;
