@@ -70,6 +70,9 @@ void Make_Bars(ZVWindow& window);
 /// Draws the window's bars and its grow box.
 void Draw_Bars(ZVWindow& window);
 
+/// Whether it is kept above the ordinary windows: floaters and pop-ups.
+bool Is_Floating(ZVWindow const& window);
+
 /// The front window that is no floater; null when there is none.
 ZVWindow* Mac_FrontNonFloatingWindow();
 
