@@ -237,6 +237,10 @@ template <std::integral Colour> void SetStylePenZV(unsigned long pen, Colour col
 /// The colour stored for a pen id; any other value unchanged.
 ZV_API unsigned long GetColorZV(unsigned long colour);
 
+/// Gives the pens the colours of a theme, and shows them in all open windows: 1 is the light theme, any other
+/// number the dark one. Pens that a theme has no colour for stay as they are.
+ZV_API void SetPenPresetZV(long which);
+
 /// Converts a colour from display gamma 2.2 to 1.8, in place; the top byte becomes 0.
 ZV_API void GammaCorrect(unsigned long* colour);
 

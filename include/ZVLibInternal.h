@@ -256,6 +256,12 @@ inline constexpr double JobTimerInterval = 0.001;  ///< Of that timer, in second
 /// Unlinks the jobs that are left; they stay their owners'.
 ZV_API void Cleanup_Jobs();
 
+/// The pens of the two themes, and the colours of one in the same order; see SetPenPresetZV.
+inline constexpr uint32_t PresetPens[] = {0xFF000001, 0xFF000002, 0xFF00000A, 0xFF000011, 0xFF000003,
+                                          0xFF000004, 0xFF000005, 0xFF00000B, 0xFF00000C, 0xFF00000E,
+                                          0xFF000007, 0xFF000008, 0xFF000009, 0xFF000006};
+ZV_API uint32_t const* Pen_Preset(long which);
+
 // ---- interface --------------------------------------------------------------------------------------------
 
 /// Sends an event down its chain of callbacks and answers its result. `arg` is the event's `item`: a palette,

@@ -1,9 +1,8 @@
 // Rectangles, lines, ovals, polygons, borders and single pixels.
 #include "MacDraw.h"
+#include "MacFrame.h"
 #include "MacShapes.h"
 #include "ZVLibInternal.h"
-
-#include <array>
 
 // ---- rectangles -------------------------------------------------------------------------------------------
 
@@ -79,29 +78,12 @@ void FillPolygonZV(ZVDrawInfo* draw, long count, long const* points)
 
 // ---- borders ----------------------------------------------------------------------------------------------
 
-static uint32_t Pen_Color(unsigned long colour)
-{
-    return static_cast<uint32_t>(GetColorZV(colour)) & 0xFFFFFF;
-}
-
 void DrawShineBorder(ZVDrawInfo* draw, long x, long y, long w, long h, unsigned long frame,
                      unsigned long light, unsigned long dark)
 {
     if (!draw) return;
     PrimitiveFrame const around(draw);
-    ZVPort& port = around.Port();
-    HostRect const outer = around.Box(x, y, w, h);
-    auto const [left, top, right, bottom] =
-        HostRect{outer.left + 1, outer.top + 1, outer.right - 1, outer.bottom - 1};
-    port.state.foreColor = Pen_Color(frame);
-    port.Frame(outer);
-    if (left >= right || top >= bottom) return;
-    port.state.foreColor = Pen_Color(light);
-    port.Fill(std::array{HostRect{left, top, left + 1, bottom}, HostRect{left, top, right, top + 1}});
-    // The dark edges end over the light ones, but leave them the upper right corner.
-    port.state.foreColor = Pen_Color(dark);
-    port.Fill(
-        std::array{HostRect{right - 1, top + 1, right, bottom}, HostRect{left, bottom - 1, right, bottom}});
+    Draw_Bevel(around.Port(), around.Box(x, y, w, h), Pen_Color(frame), Pen_Color(light), Pen_Color(dark));
 }
 
 void DrawShineBorderZV(ZVDrawInfo* draw, long x, long y, long w, long h)

@@ -61,3 +61,6 @@ private:
     ZVDrawInfo* draw_;
     PortState saved_;
 };
+
+/// A picture over pen 1, to be freed by FreeBitmapZV; null with error 1 when memory runs out.
+ZVNativeBitmap* Compose_Image(ZVBitmap const& picture);

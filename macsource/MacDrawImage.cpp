@@ -1,16 +1,22 @@
 // Icons drawn in a context.
-#include "ZVDraw.h"
+#include "MacDraw.h"
 #include "ZVEnvironment.h"
 #include "ZVIcon.h"
+
+ZVNativeBitmap* Compose_Image(ZVBitmap const& picture)
+{
+    ZVNativeBitmap* const composed = AllocNativeBitmapZV(picture.Width, picture.Height, SuggestedDepthZV());
+    if (!composed) return nullptr;
+    FillBitmapZV(composed, ZV_PEN_PALETTE);  // for the pad bytes, which blending leaves alone
+    AlphaCopyBitmapZV(&picture, composed, ZV_PEN_PALETTE, 0, 0, picture.Width, picture.Height, 0, 0);
+    return composed;
+}
 
 void DrawImageZV(ZVDrawInfo* draw, unsigned short icon, long x, long y)
 {
     ZVBitmap const* const picture = draw ? FindIconZV(icon) : nullptr;
-    if (!picture) return;
-    ZVNativeBitmap* const composed = AllocNativeBitmapZV(picture->Width, picture->Height, SuggestedDepthZV());
+    ZVNativeBitmap* const composed = picture ? Compose_Image(*picture) : nullptr;
     if (!composed) return;
-    FillBitmapZV(composed, ZV_PEN_PALETTE);  // for the pad bytes, which blending leaves alone
-    AlphaCopyBitmapZV(picture, composed, ZV_PEN_PALETTE, 0, 0, picture->Width, picture->Height, 0, 0);
     DrawBitmapZV(draw, composed, x, y);
     FreeBitmapZV(composed);
 }

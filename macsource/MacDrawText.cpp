@@ -11,8 +11,7 @@ static constexpr std::size_t LongestText = 255;
 
 static constexpr char Ellipsis[] = "...";
 
-/// As much of a UTF-8 text as is drawn, without a part of a character at its end.
-static std::string_view Drawn_Part(std::string_view text)
+std::string_view Drawn_Part(std::string_view text)
 {
     if (text.size() <= LongestText) return text;
     std::size_t length = LongestText;
@@ -106,6 +105,17 @@ void ShortenStringZV(ZVDrawInfo const* draw, char* text, int width)
     });
     auto const kept = std::max<std::ptrdiff_t>(tooWide - ends.begin(), 1);
     std::strcpy(text + ends[static_cast<std::size_t>(kept - 1)], kept > 1 || dots <= width ? Ellipsis : "");
+}
+
+FittedText::FittedText(FontChoice const& choice, char const* text, int width) : text_(Drawn_Part(text))
+{
+    if (Find_Font(choice).Width(text_) <= width) return;
+    shortened_[text_.copy(shortened_.data(), LongestText)] = 0;
+    ZVDrawInfo context{};
+    context.Font = choice.number;
+    context.FontObject = choice.object;
+    ShortenStringZV(&context, shortened_.data(), width);
+    text_ = shortened_.data();
 }
 
 long GetAveCharWidthZV(ZVDrawInfo const* draw)

@@ -4,6 +4,7 @@
 
 #include "MacText.h"
 #include "ZVDraw.h"
+#include "ZVEnvironment.h"
 #include "foundation/HeapBlock.h"
 #include "host/Surface.h"
 
@@ -37,6 +38,30 @@ struct ZVPort {
     /// transparent.
     void Draw_Text(std::string_view text, int x, int y);
 };
+
+/// Limits what is painted through a port to a rectangle, as long as it exists.
+class PortClip {
+public:
+    PortClip(ZVPort& port, HostRect const& rect) : surface_(port.surface), saved_(surface_.Clip())
+    {
+        HostRegion narrowed = saved_;
+        narrowed.Intersect(rect);
+        surface_.Set_Clip(std::move(narrowed));
+    }
+    ~PortClip() { surface_.Set_Clip(std::move(saved_)); }
+    PortClip(PortClip const&) = delete;
+    PortClip& operator=(PortClip const&) = delete;
+
+private:
+    HostSurface& surface_;
+    HostRegion saved_;
+};
+
+/// The colour that a pen has now, or a colour itself, as a port takes it; dimmed for what is disabled.
+inline uint32_t Pen_Color(unsigned long colour, bool isDisabled = false)
+{
+    return static_cast<uint32_t>(isDisabled ? DisableColorZV(colour) : GetColorZV(colour)) & 0xFFFFFF;
+}
 
 /// The port that the platform draws in at present, or null.
 ZVPort* Current_Port();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "MacNativeItem.h"
+#include "host/Region.h"
 
 #include <functional>
 
@@ -14,13 +15,20 @@ public:
     ScrollBar(bool isVertical, std::function<void()> changed);
 
     // Each draws nothing by itself.
-    void Place(HostRect const& bounds) { bounds_ = bounds; }  ///< In the port that it is drawn in.
-    void Set_Range(int maximum, int page);                    ///< Values are 0 to maximum, at least 0.
-    void Set_Value(int value);                                ///< Held within the range.
+
+    /// Where the bar is in the port that it is drawn in, and what is seen of it there.
+    void Place(HostRect const& bounds, HostRect const& seen);
+    void Place(HostRect const& bounds) { Place(bounds, bounds); }
+    void Set_Range(int maximum, int page);  ///< Values are 0 to maximum, at least 0.
+    void Set_Value(int value);              ///< Held within the range.
     void Set_Enabled(bool isEnabled) { isEnabled_ = isEnabled; }
 
     HostRect const& Bounds() const { return bounds_; }
+    int Maximum() const { return maximum_; }
     int Value() const { return value_; }
+
+    /// The whole bar, dimmed when it is disabled or has no range. A bar that is too short for it has no
+    /// thumb.
     void Draw(ZVPort& port) const;
 
     /// A press: an arrow moves by 1, the area beside the thumb by a page, the thumb follows the mouse. Arrows
@@ -34,9 +42,42 @@ public:
     void Finish(long x, long y) override;
 
 private:
+    enum class Part { None, Back, Forward, PageBack, PageForward, Thumb };
+
+    /// A stretch along the bar, from its start; empty when both are equal.
+    struct Span {
+        int start, end;
+        int Length() const { return end - start; }
+    };
+
+    bool Is_Live() const { return isEnabled_ && maximum_ > 0; }
+    int Length() const { return isVertical_ ? bounds_.Height() : bounds_.Width(); }
+    int Along(int x, int y) const { return isVertical_ ? y - bounds_.top : x - bounds_.left; }
+    HostRect Box(Span const& span) const;
+    int Arrow_Length() const;
+    Span Way() const;
+    int Thumb_Length() const;
+    Span Thumb() const;
+    Part Part_At(int x, int y) const;
+    void Draw_Arrow(ZVPort& port, bool isForward) const;
+
+    // The bar may be gone when these return.
+    void Take_Value(int value);
+    void Step();
+    void Drag(int along);
+
     bool isVertical_;
     std::function<void()> changed_;
-    HostRect bounds_;
+    HostRect bounds_, seen_;
     int maximum_ = 0, page_ = 1, value_ = 0;
     bool isEnabled_ = true;
+
+    // Of a press.
+    Part held_ = Part::None;
+    bool isOnPart_ = false;  ///< the mouse is where it was pressed
+    ZVPort* port_ = nullptr;
+    int originX_ = 0, originY_ = 0;
+    int grab_ = 0;           ///< from the thumb's start to the mouse
+    int thumbStart_ = 0;     ///< of the thumb while it is held
+    uint32_t nextStep_ = 0;  ///< tick from which on an arrow or page repeats
 };

@@ -7,35 +7,10 @@ long OS_Events_Waiting()
 {
     return 0;
 }
-ScrollBar::ScrollBar(bool isVertical, std::function<void()> changed)
-    : isVertical_(isVertical), changed_(changed)
+ZVNativeItem* Make_Text_Field(ZVItem&)
 {
+    return nullptr;
 }
-void ScrollBar::Set_Range(int, int) {}
-void ScrollBar::Set_Value(int) {}
-void ScrollBar::Draw(ZVPort&) const {}
-bool ScrollBar::Press(ZVPort&, int, int, int, int)
-{
-    return false;
-}
-void ScrollBar::Track(long, long) {}
-void ScrollBar::Finish(long, long) {}
-void Refresh_Items(ZVGroup&, HostRegion const&) {}
-long Make_SysGroup(ZVGroup*)
-{
-    return 1;
-}
-void Destroy_SysGroup(ZVGroup*) {}
-void Make_SysGroupFrame(ZVGroup*) {}
-void Destroy_SysGroupFrame(ZVGroup*) {}
-long Make_SysItem(ZVItem*)
-{
-    return 1;
-}
-void Destroy_SysItem(ZVItem*) {}
-void Enable_SysItem(ZVItem*) {}
-void Disable_SysItem(ZVItem*) {}
-void Mac_Update_Item(ZVItem*) {}
 void Activate_First_Gadget(ZVPalette*) {}
 void Mac_Drop_Focus(unsigned long) {}
 void Mac_Idle_Text_Field() {}

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 namespace {
@@ -21,6 +22,13 @@ constexpr DefaultPen defaultPens[ZV_PEN_COUNT] = {
     {0xE1A899, true},  {0xE1A899, true}, {0xA3A3D7, true}, {0x777777, true}, {0xEE5500, false},
     {0xFFFFFF, false}, {0xEECC55, true},
 };
+
+constexpr uint32_t lightPreset[] = {0x848484, 0x848484, 0xCCCCCC, 0xEECC55, 0x000000, 0xFFFFFF, 0xB3B3B3,
+                                    0xE1A899, 0xE1A899, 0x777777, 0x000000, 0x666666, 0xFFFFFF, 0xEECC55};
+constexpr uint32_t darkPreset[] = {0x383838, 0x383838, 0x414141, 0x666666, 0x000000, 0x757575, 0x333333,
+                                   0x354657, 0x354657, 0x444444, 0xA5A5A5, 0x808080, 0xFFFFFF, 0xEECC55};
+static_assert(std::size(lightPreset) == std::size(PresetPens));
+static_assert(std::size(darkPreset) == std::size(PresetPens));
 
 struct MonitorMetrics {
     long belowWidth;
@@ -152,6 +160,19 @@ void CalcGadgetSizes(ZVGadgetSizes* sizes, long width, long columns, long gap)
         .size2 = Narrow((total - 3 * gap) / 4),
         .size1 = Narrow(base / 6),
     };
+}
+
+uint32_t const* Pen_Preset(long which)
+{
+    return which == 1 ? lightPreset : darkPreset;
+}
+
+void SetPenPresetZV(long which)
+{
+    uint32_t const* colour = Pen_Preset(which);
+    for (uint32_t const pen : PresetPens)
+        SetStylePenZV(pen, *colour++);
+    RefreshUIZV();
 }
 
 void RefreshUIZV()

@@ -1,0 +1,57 @@
+// What the files of the gallery share.
+#pragma once
+
+#include <ZVLib.h>
+
+enum PaletteId : unsigned short { MainPalette = 100, ToolsPalette, DialogPalette, PopUpPalette };
+
+enum ItemId : unsigned short {
+    Push = 1,
+    PushDisabled,
+    PushDefault,
+    ToggleOff,
+    ToggleOn,
+    ToggleDisabled,
+    CheckFirst,
+    CheckSecond,
+    CheckDisabled,
+    CheckBare,
+    RadioFirst,
+    RadioSecond,
+    RadioThird,
+    RadioDisabled,
+    TextField,
+    IntegerField,
+    FloatField,
+    PasswordField,
+    DisabledField,
+    RowList,
+    DisabledList,
+    Editor,
+    Swatch,
+    LightTheme,
+    DarkTheme,
+    OpenDialog,
+    OpenPopUp,
+    MoreRows,
+    DialogName,
+    DialogCopies,
+    DialogAccept,
+    DialogCancel,
+    PopUpFirst,
+    PopUpLast = PopUpFirst + 3,
+    ToolFirst,
+    ToolLast = ToolFirst + 7
+};
+
+/// The palettes, each declared and shown.
+void Show_Main_Palette();
+void Show_Tools_Palette();
+void Show_Dialog();
+void Show_Pop_Up();
+
+/// Writes an event to standard output, when the gallery was started to tell them.
+void Tell(ZVEvent const* event);
+
+/// The function of a custom gadget: a swatch that changes its hue by dragging.
+long Swatch_Gadget(ZVCustomEvent* event);

@@ -1,0 +1,127 @@
+// Items coming on screen, leaving it, and drawn again when they change.
+#include "MacItem.h"
+#include "MacFrame.h"
+
+#include "interface/ItemParts.h"
+#include "interface/PaletteTree.h"
+
+#include <utility>
+
+/// Of all items but text fields and lists, for which being on screen is all there is to know.
+static ZVNativeItem onScreen;
+
+/// How far the frames of text fields and lists reach beyond their items.
+static constexpr int NativeFrame = 1;
+
+static bool Is_Text_Field(ZVItem const& item)
+{
+    return item.type == ZV_GAD_STRING || item.type == ZV_GAD_INTEGER || item.type == ZV_GAD_FLOAT ||
+           item.type == ZV_GAD_EDITOR;
+}
+
+/// Types that draw themselves, with or without a function.
+static bool Is_Custom_Type(ZVGadgetType type)
+{
+    return type <= ZV_GAD_RADIO || type == ZV_GAD_SLIDER || (type >= ZV_GAD_HPROP && type <= ZV_GAD_LABEL);
+}
+
+/// Null for a gadget of a type that nobody knows, and when memory runs out.
+static ZVNativeItem* Make_Native(ZVItem& item)
+{
+    if (item.kind != ZV_ITEM_GADGET) return &onScreen;
+    if (Is_Text_Field(item)) return Make_Text_Field(item);
+    if (item.customFunc || Is_Custom_Type(item.type)) return &onScreen;
+    return item.type == ZV_GAD_LIST ? Make_List(item) : nullptr;
+}
+
+/// Whether the item is a gadget that its function draws.
+static bool Is_Custom(ZVItem const& item)
+{
+    return item.kind == ZV_ITEM_GADGET && item.native == &onScreen;
+}
+
+void Draw_SysItem(ZVItem& item)
+{
+    switch (item.kind) {
+    case ZV_ITEM_LABEL: Make_SysText(item); break;
+    case ZV_ITEM_PICTURE: Make_SysImage(item); break;
+    case ZV_ITEM_LINE: Make_SysLine(item); break;
+    default:
+        if (Is_Custom(item))
+            Send_Custom_Event(item,
+                              item.flags & ZV_ITEMF_DISABLED ? ZV_CUSTOM_DRAW_DISABLED : ZV_CUSTOM_DRAW);
+        else
+            item.native->Draw();
+    }
+}
+
+long Make_SysItem(ZVItem* item)
+{
+    if (!item || item->flags & ZV_ITEMF_HIDDEN || !item->group->palette->window) return 1;
+    item->flags &= ~ZV_ITEMF_MOVED;
+    if (!item->native) {
+        LivingPalette const watch(item->group->palette);
+        item->native = Make_Native(*item);
+        if (Is_Custom(*item)) Send_Custom_Event(*item, ZV_CUSTOM_CREATE);
+        if (!watch.Is_Known() || !item->native) return 1;
+    }
+    Draw_SysItem(*item);
+    return 1;
+}
+
+static void Erase(ZVItem const& item, int frame)
+{
+    if (ZVPort* port = Port_Of(item))
+        port->surface.Fill(Outset(Area_Of(item), frame), Pen_Color(ZV_PEN_PALETTE));
+}
+
+/// Erases a text, an image or a line by the function that draws it.
+static void Erase_Plain(ZVItem& item)
+{
+    uint32_t const flags = item.flags;
+    item.flags |= ZV_ITEMF_HIDDEN;
+    Draw_SysItem(item);
+    item.flags = flags;
+}
+
+static void Destroy_Native(ZVItem& item)
+{
+    Erase(item, NativeFrame);
+    for (ZVItem** focus : {&ZVEnv->focusedTextItem, &ZVEnv->focusedListItem})
+        if (*focus == &item) *focus = nullptr;
+    delete std::exchange(item.native, nullptr);
+}
+
+void Destroy_SysItem(ZVItem* item)
+{
+    if (!item || !item->native) return;
+    if (item->native != &onScreen) {
+        Destroy_Native(*item);
+        return;
+    }
+    bool const isGadget = item->kind == ZV_ITEM_GADGET;
+    if (!isGadget)
+        Erase_Plain(*item);
+    else if (ZVEnv->eraseOnDestroy)
+        Erase(*item, 0);
+    item->native = nullptr;
+    if (!isGadget) return;
+    if (ZVEnv->trackingItem == item) ZVEnv->trackingItem = nullptr;
+    // The function may close the palette, so it comes last.
+    Send_Custom_Event(*item, ZV_CUSTOM_DESTROY);
+}
+
+void Enable_SysItem(ZVItem* item)
+{
+    if (item && item->native) Draw_SysItem(*item);
+}
+
+void Disable_SysItem(ZVItem* item)
+{
+    if (item && item->native) Draw_SysItem(*item);
+}
+
+void Mac_Update_Item(ZVItem* item)
+{
+    if (item && item->native) item->native->Show_State();
+}
