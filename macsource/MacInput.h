@@ -1,5 +1,5 @@
-// The input of the desktop as events of the library. Every call may run callbacks, which may close any palette
-// and any window.
+// The input of the desktop as events of the library. Every call may run callbacks, which may close any
+// palette and any window.
 #pragma once
 
 #include "host/Display.h"
@@ -28,8 +28,11 @@ void Forget_Press();
 
 /// Begins what starts with a press, be it in the window or on its frame: pop-ups other than this window go. A
 /// null window is the desktop.
-/// @return  false when that took the window away, and when a modal palette is open and this is not its window
+/// @return  whether there is a window still
 bool Begin_Press(ZVWindow* window);
+
+/// The focused text field reports, and keeps the focus.
+void Mac_Report_Text();
 
 /// Closes all pop-ups but one.
 void Close_Pop_Ups(ZVWindow const* except);

@@ -18,14 +18,14 @@ struct NamedKey {
     unsigned code;
 };
 constexpr NamedKey namedKeys[] = {
-    {HostKey::Home, 1, ZV_KEY_HOME},       {HostKey::Enter, 3, ZV_KEY_ENTER},
-    {HostKey::End, 4, ZV_KEY_END},         {HostKey::Help, 5, ZV_KEY_HELP},
-    {HostKey::Insert, 5, ZV_KEY_INSERT},   {HostKey::Backspace, 8, ZV_KEY_BACKSPACE},
-    {HostKey::Tab, 9, ZV_KEY_TAB},         {HostKey::PageUp, 11, ZV_KEY_PAGE_UP},
-    {HostKey::Return, 13, ZV_KEY_RETURN},  {HostKey::PageDown, 12, ZV_KEY_PAGE_DOWN},
-    {HostKey::Escape, 27, ZV_KEY_ESCAPE},  {HostKey::Left, 28, ZV_KEY_LEFT},
-    {HostKey::Right, 29, ZV_KEY_RIGHT},    {HostKey::Up, 30, ZV_KEY_UP},
-    {HostKey::Down, 31, ZV_KEY_DOWN},      {HostKey::Delete, 127, ZV_KEY_DELETE},
+    {HostKey::Home, 1, ZV_KEY_HOME},      {HostKey::Enter, 3, ZV_KEY_ENTER},
+    {HostKey::End, 4, ZV_KEY_END},        {HostKey::Help, 5, ZV_KEY_HELP},
+    {HostKey::Insert, 5, ZV_KEY_INSERT},  {HostKey::Backspace, 8, ZV_KEY_BACKSPACE},
+    {HostKey::Tab, 9, ZV_KEY_TAB},        {HostKey::PageUp, 11, ZV_KEY_PAGE_UP},
+    {HostKey::Return, 13, ZV_KEY_RETURN}, {HostKey::PageDown, 12, ZV_KEY_PAGE_DOWN},
+    {HostKey::Escape, 27, ZV_KEY_ESCAPE}, {HostKey::Left, 28, ZV_KEY_LEFT},
+    {HostKey::Right, 29, ZV_KEY_RIGHT},   {HostKey::Up, 30, ZV_KEY_UP},
+    {HostKey::Down, 31, ZV_KEY_DOWN},     {HostKey::Delete, 127, ZV_KEY_DELETE},
 };
 
 /// Codes of characters are bytes; those above belong to named keys.
@@ -65,8 +65,7 @@ unsigned long Key_Word(char32_t character, char32_t code)
 
 unsigned long Character_Key(HostEvent const& event)
 {
-    char32_t const character =
-        event.modifiers.capsLock ? Other_Case(event.character) : event.character;
+    char32_t const character = event.modifiers.capsLock ? Other_Case(event.character) : event.character;
     char32_t const code = Lower(event.plain ? event.plain : event.character);
     return Key_Word(character, code < CodeEnd ? code : 0);
 }

@@ -3,10 +3,6 @@
 #include "MacWindow.h"
 #include "ZVLibInternal.h"
 
-long OS_Events_Waiting()
-{
-    return 0;
-}
 ZVNativeItem* Make_Text_Field(ZVItem&)
 {
     return nullptr;
@@ -14,23 +10,3 @@ ZVNativeItem* Make_Text_Field(ZVItem&)
 void Activate_First_Gadget(ZVPalette*) {}
 void Mac_Drop_Focus(unsigned long) {}
 void Mac_Idle_Text_Field() {}
-void Mac_Run_Modal_Loop(ZVPalette*) {}
-void Mac_Run_Application_Loop() {}
-void Mac_End_Application_Loop() {}
-void Mac_End_Modal_Loop(ZVPalette*) {}
-void Mac_Handle_Waiting_Events() {}
-void Mac_Flush_Events() {}
-uint32_t Mac_Keyboard_State()
-{
-    return 0;
-}
-void Mac_Show_Cursor(unsigned short) {}
-void Mac_Move_Pointer_Freely(long) {}
-long Mac_Double_Click_Time()
-{
-    return 30;
-}
-uint32_t Mac_Tick_Count()
-{
-    return 0;
-}
