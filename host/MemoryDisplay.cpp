@@ -198,7 +198,8 @@ void MemoryDisplay::Type(std::string const& text)
 HostPicture MemoryDisplay::Screenshot(HostWindow const& window) const
 {
     auto const& shown = static_cast<MemoryWindow const&>(window);
-    return {shown.Shown().Bounds().Width(), shown.Shown().Bounds().Height(), shown.Shown_Words()};
+    HostRect const all = shown.Shown().Bounds();
+    return {all.right, all.bottom, {shown.Shown_Words().begin(), shown.Shown_Words().end()}};
 }
 
 HostPicture MemoryDisplay::Screenshot() const
@@ -213,5 +214,5 @@ HostPicture MemoryDisplay::Screenshot() const
             Draw_Frame(surface, {outer, client, window.Request(), &window == Front_Window()});
         surface.Blit(window.Shown(), window.Shown().Bounds(), client.left, client.top);
     }
-    return {Screen.Width(), Screen.Height(), desk.Words()};
+    return {Screen.Width(), Screen.Height(), {desk.Words().begin(), desk.Words().end()}};
 }
