@@ -107,6 +107,17 @@ void ShortenStringZV(ZVDrawInfo const* draw, char* text, int width)
     std::strcpy(text + ends[static_cast<std::size_t>(kept - 1)], kept > 1 || dots <= width ? Ellipsis : "");
 }
 
+FittedText::FittedText(FontChoice const& choice, char const* text, int width) : text_(Drawn_Part(text))
+{
+    if (Find_Font(choice).Width(text_) <= width) return;
+    shortened_[text_.copy(shortened_.data(), LongestText)] = 0;
+    ZVDrawInfo context{};
+    context.Font = choice.number;
+    context.FontObject = choice.object;
+    ShortenStringZV(&context, shortened_.data(), width);
+    text_ = shortened_.data();
+}
+
 long GetAveCharWidthZV(ZVDrawInfo const* draw)
 {
     return Context_Font(draw).Width("x");

@@ -54,15 +54,15 @@ static HostRect Area_Of(ZVGroup const& group)
 /// The title's line lies with its middle on the upper edge.
 static void Draw_Title(ZVPort& port, HostRect const& area, char const* title, uint32_t color)
 {
+    FittedText const fitted({}, title, area.Width() - 2 * TitleInset);
     TextFont const font = Find_Font({});
-    std::string_view const text = Drawn_Part(title);
     int const ascent = static_cast<int>(font.Ascent()), descent = static_cast<int>(font.Descent());
     int const left = area.left + TitleInset, baseLine = area.top + (ascent + descent) / 2 - descent;
-    HostRect const line{left, baseLine - ascent, left + static_cast<int>(font.Width(text)),
+    HostRect const line{left, baseLine - ascent, left + static_cast<int>(font.Width(fitted.Text())),
                         baseLine + descent};
     PortClip const clip(port, {area.left, line.top, area.right, line.bottom});
     port.surface.Fill(line, Pen_Color(ZV_PEN_PALETTE));
-    font.Draw(port.surface, text, left, baseLine, color);
+    font.Draw(port.surface, fitted.Text(), left, baseLine, color);
 }
 
 static void Draw_Frame(ZVGroup const& group, unsigned long pen)

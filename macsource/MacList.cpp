@@ -6,7 +6,6 @@
 
 #include "interface/HitTest.h"
 
-#include <array>
 #include <new>
 
 /// Width of the rows that the bar takes; its last column lies over the frame.
@@ -98,19 +97,10 @@ void ListBox::Draw_Row(ZVPort& port, Place const& place, int row) const
     if (row >= Row_Count()) return;
 
     FontChoice const choice{GetItemFont(&item_), nullptr};
+    FittedText const fitted(choice, rows_[static_cast<std::size_t>(row)], box.Width() - 2 * TextInset);
     TextFont const font = Find_Font(choice);
-    std::string_view text = Drawn_Part(rows_[static_cast<std::size_t>(row)]);
-    int const room = box.Width() - 2 * TextInset;
-    std::array<char, 264> shortened;
-    if (font.Width(text) > room) {
-        shortened[text.copy(shortened.data(), shortened.size())] = 0;
-        ZVDrawInfo context{};
-        context.Font = choice.number;
-        ShortenStringZV(&context, shortened.data(), room);
-        text = shortened.data();
-    }
     unsigned long const ink = isSelected ? SelectedInk : static_cast<unsigned long>(ZV_PEN_TEXT);
-    font.Draw(port.surface, text, box.left + TextInset, top + static_cast<int>(font.Ascent()),
+    font.Draw(port.surface, fitted.Text(), box.left + TextInset, top + static_cast<int>(font.Ascent()),
               Pen_Color(ink, isDisabled));
 }
 

@@ -5,6 +5,7 @@
 #include "host/Fonts.h"
 #include "host/Surface.h"
 
+#include <array>
 #include <memory>
 #include <string_view>
 
@@ -37,6 +38,21 @@ TextFont Context_Font(ZVDrawInfo const* draw);
 
 /// As much of a UTF-8 text as is drawn in one go, 255 bytes, without a part of a character at its end.
 std::string_view Drawn_Part(std::string_view text);
+
+/// What of a text is drawn in a width: all that goes in one go, or less with an ellipsis, as ShortenStringZV
+/// makes it.
+class FittedText {
+public:
+    FittedText(FontChoice const& choice, char const* text, int width);
+    FittedText(FittedText const&) = delete;
+    FittedText& operator=(FittedText const&) = delete;
+
+    std::string_view Text() const { return text_; }
+
+private:
+    std::array<char, 264> shortened_;  ///< room for the longest text and its ellipsis
+    std::string_view text_;
+};
 
 /// The machine's fonts; null when there is no font library to be had.
 HostFonts* Open_Fonts();
