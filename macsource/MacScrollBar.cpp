@@ -76,9 +76,10 @@ ScrollBar::Span ScrollBar::Thumb() const
     int const length = Thumb_Length();
     if (length == 0) return {Way().start, Way().start};
     int64_t const free = Way().Length() - length;
-    int const start = held_ == Part::Thumb
-                          ? thumbStart_
-                          : static_cast<int>((2 * value_ * free + maximum_) / (2 * int64_t{maximum_}));
+    int const start =
+        held_ == Part::Thumb
+            ? thumbStart_
+            : static_cast<int>((2 * int64_t{value_} * free + maximum_) / (2 * int64_t{maximum_}));
     return {Way().start + start, Way().start + start + length};
 }
 
