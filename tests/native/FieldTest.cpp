@@ -38,8 +38,8 @@ ZVPalette* FieldTest::Show(std::function<void()> add, ZVKind kind)
 {
     ZVPalette* const palette = InitPaletteZV();
     add();
-    EndPaletteZV(PaletteId, "Fields", ZV_PAL_KIND, kind, 0);
-    EXPECT_EQ(DisplayPaletteZV(ZV_PAL_WINDOW_X, 200, ZV_PAL_WINDOW_Y, 200, 0), 1);
+    EndPaletteZV(PaletteId, "Fields", nullptr);
+    EXPECT_EQ(DisplayPaletteZV(ZV_PAL_KIND, kind, ZV_PAL_WINDOW_X, 200, ZV_PAL_WINDOW_Y, 200, 0), 1);
     HeadlessRunZV(0);
     events.clear();
     return palette;

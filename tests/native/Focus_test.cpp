@@ -108,8 +108,8 @@ TEST_F(FocusTest, TheFirstFieldMayBeLeftAlone)
 {
     ZVPalette* const palette = InitPaletteZV();
     Add_Group(1, {{1, ZV_GAD_STRING}});
-    EndPaletteZV(PaletteId, "Fields", ZV_PAL_KIND, ZV_KIND_FLOATER, ZV_PAL_EDIT_FOCUS, 0, 0);
-    DisplayPaletteZV(nullptr);
+    EndPaletteZV(PaletteId, "Fields", nullptr);
+    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_FLOATER, ZV_PAL_EDIT_FOCUS, 0, 0);
     Activate_First_Gadget(palette);
     EXPECT_EQ(Focus(), 0);
     Activate_First_Gadget(nullptr);
@@ -175,7 +175,7 @@ TEST_F(FocusTest, ReturnInADialogCommitsAndGoesOn)
     std::string text;
     InitPaletteZV();
     Add_Group(1, {{1, ZV_GAD_STRING}});
-    EndPaletteZV(PaletteId, "Dialog", ZV_PAL_KIND, ZV_KIND_MODAL, 0);
+    EndPaletteZV(PaletteId, "Dialog", nullptr);
     HeadlessPauseZV(200);
     HeadlessTypeZV("abc");
     HeadlessKeyZV(ZV_KEY_RETURN);
@@ -185,7 +185,7 @@ TEST_F(FocusTest, ReturnInADialogCommitsAndGoesOn)
         if (event.key == ZV_KEY_RETURN) text = Text(1);
         if (event.key == ZV_KEY_ESCAPE) ClosePaletteZV(PaletteId);
     };
-    DisplayPaletteZV(nullptr);
+    EXPECT_EQ(DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_MODAL, 0), 1);
     EXPECT_EQ(text, "abc");
     EXPECT_EQ(events, (Strings{"change 1", "change 1", "change 1", "release 1", "key 317", "key 316"}));
 }
