@@ -70,6 +70,35 @@ TEST_F(TextField, KeysEditTheText)
     }
 }
 
+/// Whatever the bytes are, steps to the left lead back over the places that steps to the right came by.
+TEST_F(TextField, StepsLeadBackTheSameWay)
+{
+    static constexpr char const* pieces[] = {"a",  "\u0301", "\xE6", "\x97",       "\U0001F1E8", "\u200D",
+                                             "日", "\xF0",   " ",    "\U0001F469", "\xFF"};
+    Show_Field(ZV_GAD_STRING, "");
+    uint32_t random = 1;
+    for (int round = 0; round < 50; ++round) {
+        std::string text;
+        for (int i = 0; i < 12; ++i) {
+            random = random * 1664525 + 1013904223;
+            text += pieces[(random >> 16) % std::size(pieces)];
+        }
+        SetTextGadgetStateZV(1, text.c_str());
+        Play("<Home>");
+        std::vector<int> there{0}, back;
+        while (there.back() < static_cast<int>(text.size())) {
+            Play("<Right>");
+            ASSERT_GT(Properties().caretOffset, there.back());
+            there.push_back(Properties().caretOffset);
+        }
+        for (std::size_t i = 0; i < there.size(); ++i) {
+            back.insert(back.begin(), Properties().caretOffset);
+            Play("<Left>");
+        }
+        EXPECT_EQ(there, back) << testing::PrintToString(text);
+    }
+}
+
 struct FilterCase {
     char const* why;
     ZVGadgetType type;
