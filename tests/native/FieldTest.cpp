@@ -137,14 +137,16 @@ unsigned short FieldTest::Focus()
 
 FieldTest::Picture::Picture(unsigned long id)
 {
+    ZVWindow* const window = Item(id)->group->palette->window;
     ZVRectT<long> const place = Place(id);
     width = place.width;
     height = place.height;
-    ZVBitmap* const desktop = HeadlessPictureZV(nullptr);
-    for (long y = place.y; y < place.y + height; ++y)
-        for (long x = place.x; x < place.x + width; ++x) {
-            auto const* const pixel = static_cast<ZVBufferRGBA8*>(desktop)->GetIterator(x, y);
+    ZVBitmap* const shown = HeadlessPictureZV(window);
+    long const left = place.x - window->left, top = place.y - window->top;
+    for (long y = top; y < top + height; ++y)
+        for (long x = left; x < left + width; ++x) {
+            auto const* const pixel = static_cast<ZVBufferRGBA8*>(shown)->GetIterator(x, y);
             pixels.push_back(static_cast<uint32_t>(pixel->Red() << 16 | pixel->Green() << 8 | pixel->Blue()));
         }
-    FreeBitmapZV(desktop);
+    FreeBitmapZV(shown);
 }
