@@ -68,7 +68,7 @@ ZVPalette* DesktopTest::Show(unsigned short id, ZVKind kind, long x, long y, std
     AddGadgetZV(1, 0, 0, ZV_GAD_CUSTOM, ZV_SIZE_CUSTOM, "", ZV_ITEM_WIDTH, 60, ZV_ITEM_HEIGHT, 20,
                 ZV_ITEM_CUSTOM_FUNC, Function, 0);
     if (hasField) AddGadgetZV(2, below, -1, ZV_GAD_STRING, ZV_SIZE_LARGE, "", nullptr);
-    EndGroupZV(1, 0, 0, "", nullptr);
+    EndGroupZV(1, 0, 0, "", ZV_GRP_AUTO_SIZE, 1, 0);
     EndPaletteZV(id, "palette", ZV_PAL_CALLBACK, Callback, 0);
     for (TagItem const& tag : std::initializer_list<TagItem>{{ZV_PAL_KIND, kind},
                                                              {ZV_MARGIN_ALL, 30},
@@ -80,7 +80,7 @@ ZVPalette* DesktopTest::Show(unsigned short id, ZVKind kind, long x, long y, std
     return palette;
 }
 
-void DesktopTest::Script_Click(ZVPalette* palette, ZVItem* item, unsigned long button)
+void DesktopTest::Script_Move(ZVPalette* palette, ZVItem* item)
 {
     long x = palette->window->left + 4, y = palette->window->top + palette->y + 4;
     if (item) {
@@ -88,7 +88,14 @@ void DesktopTest::Script_Click(ZVPalette* palette, ZVItem* item, unsigned long b
         x += item->width / 2;
         y += item->height / 2;
     }
-    HeadlessClickZV(x, y, button);
+    HeadlessMoveZV(x, y);
+}
+
+void DesktopTest::Script_Click(ZVPalette* palette, ZVItem* item, unsigned long button)
+{
+    Script_Move(palette, item);
+    HeadlessPressZV(button);
+    HeadlessReleaseZV(button);
 }
 
 Strings DesktopTest::Log()

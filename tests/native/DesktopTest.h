@@ -17,17 +17,20 @@ protected:
     ~DesktopTest() override;
 
     /// Shows a palette with a gadget of 60 by 20, whose function logs, and with a text field below it when
-    /// wanted. Margins of 30 have nothing in them.
+    /// wanted. Margins of 30 have nothing in them. It takes all of its window.
     static ZVPalette* Show(unsigned short id, ZVKind kind, long x, long y, std::vector<TagItem> tags = {},
                            bool hasField = false);
 
     static ZVItem* Gadget(ZVPalette* palette) { return FindItem2ZV(palette, 1); }
     static ZVItem* Field(ZVPalette* palette) { return FindItem2ZV(palette, 2); }
 
-    /// Clicks in the middle of an item, or in the palette's margin for null.
+    /// The middle of an item, or the palette's margin for null. Clicks come a second after what was before,
+    /// so that they are single.
+    static void Script_Move(ZVPalette* palette, ZVItem* item);
     static void Script_Click(ZVPalette* palette, ZVItem* item, unsigned long button = ZV_HEADLESS_LEFT);
     static void Click(ZVPalette* palette, ZVItem* item, unsigned long button = ZV_HEADLESS_LEFT)
     {
+        HeadlessPauseZV(1000);
         Script_Click(palette, item, button);
         HeadlessRunZV(0);
     }
