@@ -3,21 +3,12 @@
 #include "host/Fonts.h"
 
 uint32_t ticks;
-
 uint32_t Mac_Tick_Count()
 {
     return ticks;
 }
 
-ZVNativeItem* Make_Text_Field(ZVItem&)
-{
-    return nullptr;
-}
-
-// ---- the font ---------------------------------------------------------------------------------------------
-
 namespace {
-
 struct BlockFont : HostFont {
     HostTextRun run;
     HostMask block{0, -6, 4, 6, std::vector<unsigned char>(24, 255)}, blank{};
@@ -34,10 +25,7 @@ struct BlockFont : HostFont {
         return run;
     }
     HostMask const& Glyph_Image(uint32_t glyph) override { return glyph == ' ' ? blank : block; }
-    double Advance(std::span<uint32_t const> characters) override
-    {
-        return 6.0 * static_cast<double>(characters.size());
-    }
+    double Advance(std::span<uint32_t const>) override { return 0; }
     std::vector<HostPathStep> Outline(uint32_t) override { return {}; }
 };
 
@@ -46,15 +34,6 @@ struct BlockFonts : HostFonts {
     std::span<HostFontFace const> Faces() override { return {}; }
     std::unique_ptr<HostFont> Open(HostFontFace const&, double, bool, bool) override { return nullptr; }
 };
-
-std::string calls;
-
-void Note(std::string const& entry)
-{
-    calls += (calls.empty() ? "" : " ") + entry;
-    if (NativeItems::onCall) NativeItems::onCall(entry);
-}
-
 }  // namespace
 
 std::unique_ptr<HostFonts> Make_Host_Fonts()
@@ -62,9 +41,8 @@ std::unique_ptr<HostFonts> Make_Host_Fonts()
     return std::make_unique<BlockFonts>();
 }
 
-// ---- the fixture ------------------------------------------------------------------------------------------
-
 std::function<void(std::string const& entry)> NativeItems::onCall;
+static std::string calls;
 
 NativeItems::NativeItems()
 {
@@ -75,6 +53,7 @@ NativeItems::NativeItems()
     SetStylePenZV(ZV_PEN_TEXT, ink);
     ticks = 1000;
     palette = InitPaletteZV();
+    InitGroupZV();
 }
 
 NativeItems::~NativeItems()
@@ -87,26 +66,20 @@ NativeItems::~NativeItems()
     Log();
 }
 
-ZVPalette* NativeItems::Show()
+void NativeItems::Show(char const* title)
 {
-    TagItem tags[] = {{ZV_PAL_KIND, ZV_KIND_FIXED}, {}};
-    EXPECT_TRUE(DisplayPaletteZV(tags));
+    TagItem border[] = {{ZV_GRP_BORDER, 0}, {}}, tags[] = {{ZV_PAL_KIND, ZV_KIND_FIXED}, {}};
+    EndGroupZV(1, 0, 0, title, title ? border : nullptr);
+    ASSERT_TRUE(DisplayPaletteZV(tags));
     SetCurrentPaletteZV(palette);
-    return palette;
-}
-
-uint32_t NativeItems::At(int x, int y) const
-{
-    uint32_t color = 0xBAD00000;
-    Mac_Window_Port(palette->window)->surface.Read(x, y, color);
-    return color;
 }
 
 bool NativeItems::Is_Filled(HostRect const& rect, uint32_t color) const
 {
+    uint32_t found = 0;
     for (int y = rect.top; y < rect.bottom; ++y)
         for (int x = rect.left; x < rect.right; ++x)
-            if (At(x, y) != color) return false;
+            if (!Port().surface.Read(x, y, found) || found != color) return false;
     return true;
 }
 
@@ -115,17 +88,23 @@ std::string NativeItems::Log()
     return std::exchange(calls, {});
 }
 
+static void Note(std::string const& entry)
+{
+    calls += (calls.empty() ? "" : " ") + entry;
+    if (NativeItems::onCall) NativeItems::onCall(entry);
+}
+
 void NativeItems::On_Event(ZVEvent* event)
 {
-    if (event->type != ZV_EVENT_GADGET) return;
-    uint32_t const bits = ZV_MOD_PRESS | ZV_MOD_CHANGE | ZV_MOD_RELEASE;
-    Note("E" + std::to_string(Event_Item(event)->node.id) + "." + std::to_string(event->modifiers & bits));
+    uint32_t const bits = event->modifiers & (ZV_MOD_PRESS | ZV_MOD_CHANGE | ZV_MOD_RELEASE);
+    if (event->type == ZV_EVENT_GADGET)
+        Note("E" + std::to_string(Event_Item(event)->node.id) + "." + std::to_string(bits));
 }
 
 long NativeItems::On_Custom(ZVCustomEvent* event)
 {
-    bool const isOfScreen = event->type >= ZV_CUSTOM_CREATE && event->type <= ZV_CUSTOM_DRAW_DISABLED &&
-                            event->type != ZV_CUSTOM_CLEANUP;
-    if (isOfScreen) Note("C" + std::to_string(event->item->node.id) + ":" + std::to_string(event->type));
+    if (event->type > ZV_CUSTOM_SETUP && event->type <= ZV_CUSTOM_DRAW_DISABLED &&
+        event->type != ZV_CUSTOM_CLEANUP)
+        Note("C" + std::to_string(event->item->node.id) + ":" + std::to_string(event->type));
     return 1;
 }

@@ -17,24 +17,24 @@ public:
     /// Run in every callback and gadget function, behind the log.
     static std::function<void(std::string const& entry)> onCall;
 
+    static void On_Event(ZVEvent* event);
+    static long On_Custom(ZVCustomEvent* event);
+
 protected:
-    static constexpr int charWidth = 6, lineHeight = 10;
+    static constexpr int left = 24, top = 24;                    ///< of a group's first item in the window
     static constexpr uint32_t paper = 0x606060, ink = 0x102030;  ///< pens 1 and 7
 
     NativeItems();
     ~NativeItems() override;
 
-    /// Shows a palette of the groups that are declared, at 0, 0 of its window.
-    ZVPalette* Show();
-
-    /// The colour of a pixel of the window, and whether all of a rectangle has it.
-    uint32_t At(int x, int y) const;
+    /// Ends the group, with a frame when it has a title, and shows the palette at 0, 0 of its window.
+    void Show(char const* title = nullptr);
+    ZVPort& Port() const { return *Mac_Window_Port(palette->window); }
     bool Is_Filled(HostRect const& rect, uint32_t color) const;
+    static uint32_t Pen(unsigned long pen, bool isDimmed = false) { return Pen_Color(pen, isDimmed); }
 
     /// "E5.32" is event 5 of item 5 with modifier 32, "C5:104" a custom event, since the last call.
     static std::string Log();
-    static void On_Event(ZVEvent* event);
-    static long On_Custom(ZVCustomEvent* event);
 
     ZVPalette* palette;
 };
