@@ -208,7 +208,8 @@ void Act()
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, std::size_t size)
+extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(uint8_t const* data,
+                                                                             std::size_t size)
 {
     static bool const isStarted = [] {
         setenv("ZV_HOST", "headless", 1);
