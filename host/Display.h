@@ -92,6 +92,7 @@ struct HostEvent {
     double wheelX = 0, wheelY = 0;  ///< Wheel: notches, to the right and away from the user
     HostKey key = HostKey::Other;   ///< KeyDown, KeyUp
     char32_t character = 0;         ///< of the key without modifiers but shift; 0 for none
+    char32_t plain = 0;             ///< the same without shift too; 0 when that is not known
     bool isRepeat = false;
     std::string text = {};  ///< Text and Composition: UTF-8; OpenFile: a native path
     int caret = 0;          ///< Composition: characters of it ahead of the caret

@@ -113,11 +113,11 @@ void Set_Key(HostEvent& event, SDL_Keysym const& key)
     } else if (PadKey const* const pad = Find_Key(padKeys, key.sym)) {
         bool const types = pad->key == HostKey::Character || (key.mod & KMOD_NUM) != 0;
         event.key = types ? HostKey::Character : pad->key;
-        event.character = types ? pad->character : 0;
+        event.character = event.plain = types ? pad->character : 0;
     } else if (key.sym >= ' ' && (key.sym & SDLK_SCANCODE_MASK) == 0) {
         event.key = HostKey::Character;
-        auto const character = static_cast<char32_t>(key.sym);
-        event.character = (key.mod & KMOD_SHIFT) != 0 ? Shifted(character) : character;
+        event.plain = static_cast<char32_t>(key.sym);
+        event.character = (key.mod & KMOD_SHIFT) != 0 ? Shifted(event.plain) : event.plain;
     } else {
         event.key = HostKey::Other;
     }

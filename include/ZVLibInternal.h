@@ -404,6 +404,14 @@ ZV_API void Mac_End_Modal_Loop(ZVPalette* palette);
 ZV_API void Mac_Handle_Waiting_Events();
 ZV_API void Mac_Flush_Events();
 ZV_API uint32_t Mac_Keyboard_State();  ///< Modifier bits of the keys that are held.
+/// Tablets, which tell of themselves in mouse events: there is nothing to start, to end or to ask between.
+ZV_API long Init_Tablet();  ///< Always 1.
+ZV_API void Cleanup_Tablet();
+ZV_API long Get_Pressure();
+ZV_API long Eraser_Active();
+
+/// Shows a cursor: 0 the arrow, below 128 one of the desktop's by its number, from 128 on a colour cursor of
+/// the library, of which 128 to 135 are the frames of the busy cursor. ZV_CURSOR_NONE hides the pointer.
 ZV_API void Mac_Show_Cursor(unsigned short code);
 ZV_API void Mac_Move_Pointer_Freely(long on);  ///< The pointer is hidden and held, movements still come.
 ZV_API long Mac_Double_Click_Time();           ///< Ticks of 1/60 second.

@@ -1,5 +1,6 @@
 // The display: which one it is, its monitors, and what an application asks of it. Without an interface there
 // is one monitor in memory.
+#include "MacInput.h"
 #include "MacWindow.h"
 
 #include "ZVLibInternal.h"
@@ -51,6 +52,7 @@ bool Open_Display()
 
 void Close_Display()
 {
+    Forget_Input();
     display = nullptr;
 }
 

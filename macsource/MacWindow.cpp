@@ -206,21 +206,32 @@ bool Take_Bounds(ZVWindow& window)
     return isResized;
 }
 
+WindowLimits Limits_Of(ZVWindow const& window)
+{
+    constexpr int unlimited = 16384;
+    HostRect const client = window.sysWindow->host->Client();
+    WindowLimits limits{client.Width(), client.Height(), client.Width(), client.Height()};
+    ZVPalette const* const palette = window.activePalette;
+    if (!palette) return limits;
+    WindowStrips const strips = Strips_Of(window.flags);
+    bool const isBoth = window.kind == ZV_KIND_APP || window.flags & ZV_PALF_SIZE_BOTH;
+    if (isBoth || window.flags & ZV_PALF_SIZE_X) {
+        limits.minWidth = palette->minWidth + strips.right;
+        limits.maxWidth = unlimited;
+    }
+    if (isBoth || window.flags & ZV_PALF_SIZE_Y) {
+        limits.minHeight = palette->minHeight + palette->y + strips.bottom;
+        limits.maxHeight = unlimited;
+    }
+    return limits;
+}
+
 void Limit_Size(ZVWindow& window)
 {
-    ZVPalette const* const palette = window.activePalette;
-    if (!window.sysWindow || !palette) return;
-    WindowStrips const strips = Strips_Of(window.flags);
-    int const minWidth = palette->minWidth + strips.right;
-    int const minHeight = palette->minHeight + palette->y + strips.bottom;
-    HostRect const client = window.sysWindow->host->Client();
-    bool const isBoth = window.kind == ZV_KIND_APP || window.flags & ZV_PALF_SIZE_BOTH;
-    bool const growsX = isBoth || window.flags & ZV_PALF_SIZE_X;
-    bool const growsY = isBoth || window.flags & ZV_PALF_SIZE_Y;
-    constexpr int unlimited = 16384;
-    window.sysWindow->host->Set_Size_Limits(
-        growsX ? minWidth : client.Width(), growsY ? minHeight : client.Height(),
-        growsX ? unlimited : client.Width(), growsY ? unlimited : client.Height());
+    if (!window.sysWindow || !window.activePalette) return;
+    WindowLimits const limits = Limits_Of(window);
+    window.sysWindow->host->Set_Size_Limits(limits.minWidth, limits.minHeight, limits.maxWidth,
+                                            limits.maxHeight);
 }
 
 void Set_SysWindowName(ZVWindow* window, char const* name)

@@ -61,14 +61,25 @@ WindowStrips Strips_Of(uint32_t flags);
 /// background. True when the size is another one.
 bool Take_Bounds(ZVWindow& window);
 
-/// What the user can make of the window by its edges, for its active palette.
-void Limit_Size(ZVWindow& window);
+/// What the client area of a window can be made to: what its active palette needs at least, and no other size
+/// than it has in a direction in which it does not grow.
+struct WindowLimits {
+    int minWidth, minHeight, maxWidth, maxHeight;
+};
+WindowLimits Limits_Of(ZVWindow const& window);
+void Limit_Size(ZVWindow& window);  ///< Tells them to the desktop.
+
+/// The grow box in the client area; empty for a window without.
+HostRect Grow_Box(ZVWindow const& window);
 
 /// Makes the bars that the window's flags ask for.
 void Make_Bars(ZVWindow& window);
 
 /// Draws the window's bars and its grow box.
 void Draw_Bars(ZVWindow& window);
+
+/// Whether it is kept above the ordinary windows: floaters and pop-ups.
+bool Is_Floating(ZVWindow const& window);
 
 /// The front window that is no floater; null when there is none.
 ZVWindow* Mac_FrontNonFloatingWindow();

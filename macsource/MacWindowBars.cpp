@@ -73,17 +73,22 @@ void Enable_Sliders(ZVWindow* window, long enabled)
     Draw_Bars(*window);
 }
 
-/// Three slanted lines in the lower right corner, by which people know that a window can be resized.
-static void Draw_Grow_Box(ZVPort& port)
+HostRect Grow_Box(ZVWindow const& window)
 {
-    HostRect const all = port.surface.Bounds();
+    if (!(window.flags & ZV_PALF_SIZES) || window.flags & ZV_PALF_NO_GROW_AREA) return {};
+    HostRect const all = window.sysWindow->port.surface.Bounds();
+    return {all.right - GrowSize, all.bottom - GrowSize, all.right, all.bottom};
+}
+
+/// Three slanted lines in the lower right corner, by which people know that a window can be resized.
+static void Draw_Grow_Box(ZVPort& port, HostRect const& box)
+{
     auto const light = static_cast<uint32_t>(GetColorZV(ZV_PEN_LIGHT_EDGE));
     auto const dark = static_cast<uint32_t>(GetColorZV(ZV_PEN_TAB_BAR));
-    port.surface.Fill({all.right - GrowSize, all.bottom - GrowSize, all.right, all.bottom},
-                      static_cast<uint32_t>(GetColorZV(ZV_PEN_PALETTE)));
+    port.surface.Fill(box, static_cast<uint32_t>(GetColorZV(ZV_PEN_PALETTE)));
     for (int const length : {4, 8, 12}) {
         for (int i = 0; i < length; ++i) {
-            int const x = all.right - 2 - i, y = all.bottom - 1 - length + i;
+            int const x = box.right - 2 - i, y = box.bottom - 1 - length + i;
             port.surface.Write(x, y, dark);
             port.surface.Write(x, y + 1, light);
         }
@@ -93,8 +98,8 @@ static void Draw_Grow_Box(ZVPort& port)
 void Draw_Bars(ZVWindow& window)
 {
     ZVSysWindow& native = *window.sysWindow;
-    bool const hasGrowBox = window.flags & ZV_PALF_SIZES && !(window.flags & ZV_PALF_NO_GROW_AREA);
-    if (hasGrowBox) Draw_Grow_Box(native.port);
+    HostRect const growBox = Grow_Box(window);
+    if (!growBox.IsEmpty()) Draw_Grow_Box(native.port, growBox);
     for (ZVSysScrollBar* bar : {window.verticalBar, window.horizontalBar})
         if (bar) bar->bar.Draw(native.port);
 }

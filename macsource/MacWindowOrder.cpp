@@ -14,7 +14,7 @@ void Mac_Select_Window(ZVWindow* window)
     ZVEnv->frontWindow = Mac_FrontNonFloatingWindow();
 }
 
-static bool Is_Floating(ZVWindow const& window)
+bool Is_Floating(ZVWindow const& window)
 {
     return window.kind == ZV_KIND_FLOATER || window.kind == ZV_KIND_FIXED || window.kind == ZV_KIND_TRANSIENT;
 }

@@ -59,6 +59,9 @@ ZVWindow* New_Window();
 /// Whether a window is still there; the pointer is compared, never followed.
 bool Is_Window(ZVWindow const* window);
 
+/// Frees a window with all its palettes. It stays when one of those is being closed already.
+void Close_Window(ZVWindow& window);
+
 /// The highest id below 65000 that no palette has; 0 when there is none.
 uint16_t Free_Palette_Id();
 

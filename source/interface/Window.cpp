@@ -92,7 +92,7 @@ void RemoveEventHookZV(ZVPalette* palette, unsigned long id)
 
 // ---- the end ----------------------------------------------------------------------------------------------
 
-static void Close_Window(ZVWindow& window)
+void Close_Window(ZVWindow& window)
 {
     // What a palette's own callbacks ask for while it is being freed leaves it where it is.
     while (Node* first = List_First(&window.palettes)) {
