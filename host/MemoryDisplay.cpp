@@ -1,5 +1,6 @@
 #include "MemoryDisplay.h"
 
+#include "MemoryDesk.h"
 #include "MemoryWindow.h"
 
 #include <algorithm>
@@ -9,8 +10,6 @@ namespace {
 
 constexpr HostRect Screen{0, 0, 1600, 1200};
 constexpr HostFrame FrameSize{.left = 1, .top = 22, .right = 1, .bottom = 1};
-
-constexpr uint32_t DeskColor = 0x3A6EA5, FrameColor = 0x404040, FrontColor = 0xC8C8C8, BackColor = 0xE8E8E8;
 
 /// Bytes of the UTF-8 character at `place`, and the character itself; a byte that begins none stands for
 /// itself.
@@ -199,23 +198,21 @@ void MemoryDisplay::Type(std::string const& text)
 HostPicture MemoryDisplay::Screenshot(HostWindow const& window) const
 {
     auto const& shown = static_cast<MemoryWindow const&>(window);
-    return {shown.Shown().Bounds().Width(), shown.Shown().Bounds().Height(), shown.Shown_Words()};
+    HostRect const all = shown.Shown().Bounds();
+    return {all.right, all.bottom, {shown.Shown_Words().begin(), shown.Shown_Words().end()}};
 }
 
 HostPicture MemoryDisplay::Screenshot() const
 {
     WindowPixels desk(Screen.Width(), Screen.Height());
     HostSurface& surface = desk.Surface();
-    surface.Fill(Screen, DeskColor);
+    Draw_Ground(surface);
     for (Placed const& placed : Placed_Windows()) {
         auto const& window = static_cast<MemoryWindow const&>(*placed.window);
         HostRect const outer = Outer_Bounds(window), client = window.Client();
-        if (outer != client) {
-            surface.Fill(outer, FrameColor);
-            surface.Fill(HostRect{client.left, outer.top + 1, client.right, client.top - 1},
-                         &window == Front_Window() ? FrontColor : BackColor);
-        }
+        if (outer != client)
+            Draw_Frame(surface, {outer, client, window.Request(), &window == Front_Window()});
         surface.Blit(window.Shown(), window.Shown().Bounds(), client.left, client.top);
     }
-    return {Screen.Width(), Screen.Height(), desk.Words()};
+    return {Screen.Width(), Screen.Height(), {desk.Words().begin(), desk.Words().end()}};
 }

@@ -52,6 +52,9 @@ std::optional<HostEvent> SDLDisplay::Next_Event(double seconds)
         }
         uint64_t const passed = Milliseconds() - start;
         if (passed >= wait) return std::nullopt;
+        // What was uncovered does not wait for whoever presents next.
+        for (SDLWindow* const window : windows_)
+            if (window->Is_Exposed()) window->Present();
         SDL_WaitEventTimeout(nullptr, static_cast<int>(wait - passed));
     }
 }
@@ -112,7 +115,7 @@ void SDLDisplay::Translate_Window(SDL_WindowEvent const& event)
     SDLWindow* const window = Find_Window(event.windowID);
     if (!window) return;
     switch (event.event) {
-    case SDL_WINDOWEVENT_EXPOSED: window->Show_Again(); break;
+    case SDL_WINDOWEVENT_EXPOSED: window->Expose(); break;
     case SDL_WINDOWEVENT_MOVED:
     case SDL_WINDOWEVENT_SIZE_CHANGED:
     case SDL_WINDOWEVENT_MAXIMIZED:

@@ -91,7 +91,7 @@ void SDLWindow::Show()
     wasShown_ = isPlacing_ = true;
     display_.Place_In_Front(*this, request_.kind);
     if (takesKeys) display_.Give_Keys(this);
-    Show_Again();
+    Expose();
 }
 
 void SDLWindow::Hide()
@@ -150,7 +150,7 @@ bool SDLWindow::Follow_Bounds(HostEventType& type)
     HostRect const old = std::exchange(client_, real);
     if (client_.Width() != old.Width() || client_.Height() != old.Height()) {
         pixels_.Resize(client_.Width(), client_.Height());
-        Show_Again();
+        Expose();
     }
     type = isZoomChange && request_.canZoom ? HostEventType::WindowZoom : HostEventType::WindowBounds;
     return isZoomChange || client_ != old;
@@ -182,13 +182,10 @@ void SDLWindow::Set_Size_Limits(int minWidth, int minHeight, int maxWidth, int m
 
 void SDLWindow::Present()
 {
-    HostRegion const touched = pixels_.Surface().Take_Touched();
-    if (isShown_ && !touched.IsEmpty()) Show_Region(touched);
-}
-
-void SDLWindow::Show_Again()
-{
-    if (isShown_) Show_Region(HostRegion(pixels_.Surface().Bounds()));
+    HostRegion touched = pixels_.Surface().Take_Touched();
+    if (!isShown_) return;
+    if (std::exchange(isExposed_, false)) touched = HostRegion(pixels_.Surface().Bounds());
+    if (!touched.IsEmpty()) Show_Region(touched);
 }
 
 void SDLWindow::Show_Region(HostRegion const& region)

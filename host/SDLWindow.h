@@ -33,8 +33,9 @@ public:
     void Start_Text(HostRect const& caret) override;
     void Stop_Text() override;
 
-    /// Shows all of the surface again.
-    void Show_Again();
+    /// All of the surface shows again with the next Present.
+    void Expose() { isExposed_ = true; }
+    bool Is_Exposed() const { return isExposed_; }
 
     /// Follows the bounds that the desktop has given to the window. False when they are known.
     bool Follow_Bounds(HostEventType& type);
@@ -50,6 +51,7 @@ private:
     WindowPixels pixels_;
     SDL_Window* window_ = nullptr;
     bool isShown_ = false, isZoomed_ = false;
+    bool isExposed_ = false;
     bool wasShown_ = false;   // at least once
     bool isPlacing_ = false;  // shown, and the desktop has not said where yet
 };

@@ -3,6 +3,7 @@
 #include <pixman.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <vector>
 
@@ -128,13 +129,37 @@ uint64_t Blend_Lanes(uint64_t pixel, uint64_t color, uint64_t coverage)
     return (sum + (sum >> 8 & bytes)) >> 8 & bytes;
 }
 
+/// Two pixels of 32 bits at a time: their eight components side by side in the halves of a vector.
+int Blend_Pairs(unsigned char* pixel, unsigned char const* coverage, int count, uint32_t word)
+{
+    using Bytes = unsigned char __attribute__((vector_size(8)));
+    using Halves = uint16_t __attribute__((vector_size(16)));
+    Bytes colorBytes;
+    uint32_t const pair[] = {word, word};
+    std::memcpy(&colorBytes, pair, sizeof pair);
+    Halves const color = __builtin_convertvector(colorBytes, Halves);
+    int done = 0;
+    for (; done + 2 <= count; done += 2, pixel += sizeof pair) {
+        uint16_t const a = coverage[done], b = coverage[done + 1];
+        Halves const opacity = {a, a, a, a, b, b, b, b};
+        auto const under = __builtin_convertvector(Load<Bytes>(pixel), Halves);
+        Halves const sum = color * opacity + under * (255 - opacity) + 128;
+        auto const blended = std::bit_cast<uint64_t>(__builtin_convertvector((sum + (sum >> 8)) >> 8, Bytes));
+        Store(pixel, blended | 0xFF000000FF000000);
+    }
+    return done;
+}
+
 template <typename Format>
 void Blend_Row(unsigned char* pixel, unsigned char const* coverage, int count, uint64_t color)
 {
     using Word = typename Format::Word;
     // Without a branch: where the glyph begins and ends is not foreseen, and blending costs less than a wrong
     // guess.
-    for (int i = 0; i < count; ++i, pixel += sizeof(Word)) {
+    int i = 0;
+    if constexpr (sizeof(Word) == 4) i = Blend_Pairs(pixel, coverage, count, Format::Gather(color));
+    pixel += static_cast<std::size_t>(i) * sizeof(Word);
+    for (; i < count; ++i, pixel += sizeof(Word)) {
         uint64_t const under = Format::Spread(Load<Word>(pixel));
         Store(pixel, Format::Gather(Blend_Lanes(under, color, coverage[i])));
     }
@@ -176,15 +201,21 @@ template <typename Visit> void HostSurface::Visit_Clip(HostRect const& rect, Vis
     }
 }
 
+/// Adds what of the rectangle lies inside the clip.
 void HostSurface::Touch(HostRect const& rect)
 {
-    if (!isTracking_) return;
-    Visit_Clip(rect, [this](HostRect const& part) { touched_.Unite(part); });
+    // Most of what is drawn lies on what was filled just before.
+    if (!isTracking_ || Intersection(rect, lastTouched_) == rect) return;
+    Visit_Clip(rect, [this](HostRect const& part) {
+        touched_.Unite(part);
+        lastTouched_ = part;
+    });
     if (touched_.Box_Count() > MostTouchedBoxes) touched_ = HostRegion(touched_.Bounds());
 }
 
 HostRegion HostSurface::Take_Touched()
 {
+    lastTouched_ = {};
     return std::exchange(touched_, HostRegion());
 }
 

@@ -22,6 +22,7 @@ public:
     /// What limits all drawing below, inside the bounds. A new surface has the bounds.
     HostRegion const& Clip() const { return clip_; }
     void Set_Clip(HostRegion clip);
+    bool Is_Unclipped() const { return clip_.Box_Count() == 1 && clip_.Bounds() == Bounds(); }
 
     void Fill(HostRect const& rect, uint32_t color);
 
@@ -62,5 +63,6 @@ private:
     int width_, height_, depth_, rowBytes_;
     HostRegion clip_;
     HostRegion touched_;
+    HostRect lastTouched_;  // a part of it
     bool isTracking_ = false;
 };

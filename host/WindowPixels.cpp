@@ -22,11 +22,14 @@ WindowPixels::WindowPixels(int width, int height) : surface_(nullptr, 0, 0, 32, 
 
 void WindowPixels::Resize(int width, int height)
 {
-    std::vector<uint32_t> words(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    HostSurface surface(reinterpret_cast<unsigned char*>(words.data()), width, height, 32, width * 4);
+    auto words = std::make_unique_for_overwrite<uint32_t[]>(static_cast<std::size_t>(width) *
+                                                            static_cast<std::size_t>(height));
+    HostSurface surface(reinterpret_cast<unsigned char*>(words.get()), width, height, 32, width * 4);
+    HostRect const old = surface_.Bounds();
     surface.Track_Touched();
-    surface.Fill(surface.Bounds(), White);
-    surface.Blit(surface_, surface_.Bounds(), 0, 0);
+    surface.Blit(surface_, old, 0, 0);
+    surface.Fill({old.right, 0, width, height}, White);
+    surface.Fill({0, old.bottom, width, height}, White);
     words_ = std::move(words);
     surface_ = std::move(surface);
 }

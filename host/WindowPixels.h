@@ -4,7 +4,8 @@
 #include "Surface.h"
 
 #include <cstdint>
-#include <vector>
+#include <memory>
+#include <span>
 
 /// The size nearest to the one asked for that a window can have: at least 1 and at most 16384 each way.
 HostRect Window_Client(HostRect const& client);
@@ -16,12 +17,16 @@ public:
 
     HostSurface& Surface() { return surface_; }
     HostSurface const& Surface() const { return surface_; }
-    std::vector<uint32_t> const& Words() const { return words_; }
+    std::span<uint32_t const> Words() const
+    {
+        HostRect const all = surface_.Bounds();
+        return {words_.get(), static_cast<std::size_t>(all.right) * static_cast<std::size_t>(all.bottom)};
+    }
 
     /// What the surface held stays, white beside it; its clip is lifted, and all of it counts as touched.
     void Resize(int width, int height);
 
 private:
-    std::vector<uint32_t> words_;
+    std::unique_ptr<uint32_t[]> words_;
     HostSurface surface_;
 };

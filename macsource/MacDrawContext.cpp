@@ -104,8 +104,11 @@ void Set_ClipRegion(ZVDrawInfo* draw)
 {
     if (!draw) return;
     HostSurface& surface = draw->Port->surface;
+    HostRect const clip{draw->Clip.left, draw->Clip.top, draw->Clip.right, draw->Clip.bottom};
+    bool const isWhole = Intersection(clip, surface.Bounds()) == surface.Bounds();
+    if (isWhole && surface.Is_Unclipped()) return;  // as most contexts are
     if (!draw->SavedClip) draw->SavedClip = new ZVRegion{surface.Clip()};
-    surface.Set_Clip(HostRegion({draw->Clip.left, draw->Clip.top, draw->Clip.right, draw->Clip.bottom}));
+    surface.Set_Clip(HostRegion(clip));
 }
 
 void Revert_ClipRegion(ZVDrawInfo* draw)

@@ -7,13 +7,6 @@ long OS_Events_Waiting()
 {
     return 0;
 }
-ZVNativeItem* Make_Text_Field(ZVItem&)
-{
-    return nullptr;
-}
-void Activate_First_Gadget(ZVPalette*) {}
-void Mac_Drop_Focus(unsigned long) {}
-void Mac_Idle_Text_Field() {}
 void Mac_Run_Modal_Loop(ZVPalette*) {}
 void Mac_Run_Application_Loop() {}
 void Mac_End_Application_Loop() {}

@@ -139,6 +139,11 @@ long TextFont::Descent() const
     return Round(static_cast<double>(size_) * BareHeight) - Ascent();
 }
 
+long TextFont::Leading() const
+{
+    return font_ ? Round(font_->Metrics().leading) : 0;
+}
+
 long TextFont::Width(std::string_view text) const
 {
     if (font_) return font_->Shape(text).width;

@@ -17,6 +17,7 @@ public:
 
     long Ascent() const;
     long Descent() const;
+    long Leading() const;  ///< Between the descent of a line and the ascent of the next.
     long Width(std::string_view text) const;
     void Draw(HostSurface& surface, std::string_view text, int x, int baseLine, uint32_t color) const;
 

@@ -1,0 +1,15 @@
+// What kinds of characters there are, by the tables of Unicode.
+#pragma once
+
+#include <cstdint>
+
+enum class HostCharacterKind : uint8_t {
+    Letter,  ///< digits too, and all that words are made of
+    Mark,    ///< stands on or around the character ahead of it
+    Space,
+    Sign,  ///< punctuation and symbols
+    Control
+};
+
+/// @param character  code point; one that is none is a Control
+HostCharacterKind Character_Kind(char32_t character);

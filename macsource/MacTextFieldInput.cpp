@@ -1,0 +1,239 @@
+// What the user does to a text field: mouse, keys, clipboard, input method.
+#include "MacTextField.h"
+
+#include "MacWindow.h"
+#include "ZVLibInternal.h"
+#include "interface/Layout.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+/// A press farther from the one before is the first of its own.
+static constexpr int PressReach = 4;
+
+/// Digits and sign of the longest whole number.
+static constexpr std::size_t LongestInteger = 11;
+
+// ---- mouse ------------------------------------------------------------------------------------------------
+
+/// The first press places the caret, the second takes a word, the third the line, and a fourth begins anew.
+void TextField::Count_Press(int x, int y)
+{
+    uint32_t const now = Mac_Tick_Count();
+    bool const isNear = std::abs(x - pressX_) <= PressReach && std::abs(y - pressY_) <= PressReach;
+    bool const isQuick = now - pressTime_ <= static_cast<uint32_t>(Mac_Double_Click_Time());
+    pressCount_ = isNear && isQuick && pressCount_ < 3 ? pressCount_ + 1 : 1;
+    pressX_ = x;
+    pressY_ = y;
+    pressTime_ = now;
+}
+
+/// What the present press takes together.
+TextRange TextField::Unit_At(std::size_t offset) const
+{
+    std::string const& text = view_.buffer.Text();
+    if (pressCount_ < 2) return {offset, offset};
+    // The words of a password are nobody's to see.
+    if (!view_.Is_Multi_Line() && (pressCount_ > 2 || view_.Is_Password())) return {0, text.size()};
+    return pressCount_ == 2 ? Word_At(text, offset) : view_.Line_At(offset);
+}
+
+void TextField::Press(int x, int y, bool reports)
+{
+    view_.buffer.Compose("", 0);
+    Show_Change();
+    Count_Press(x, y);
+    reportsRelease_ = reports;
+    TextBuffer& buffer = view_.buffer;
+    pressed_ = Unit_At(view_.Offset_At(x, y));
+    if (pressCount_ == 1 && ZVEnv->modifiers & ZV_MOD_SHIFT) pressed_ = {buffer.Anchor(), buffer.Anchor()};
+    buffer.Select(pressed_.start, pressed_.end);
+    Hold_Mouse(this);
+    long left = 0, top = 0;
+    GetItemScreenPosZV(&item_, &left, &top);
+    HostRect const bounds = Bounds();
+    Track(left + x - bounds.left, top + y - bounds.top);
+}
+
+void TextField::Track(long x, long y)
+{
+    long left = 0, top = 0;
+    GetItemScreenPosZV(&item_, &left, &top);
+    HostRect const bounds = Bounds();
+    auto const localX = static_cast<int>(x - left) + bounds.left;
+    auto const localY = static_cast<int>(y - top) + bounds.top;
+    TextRange const unit = Unit_At(view_.Offset_At(localX, localY));
+    if (unit.start < pressed_.start)
+        view_.buffer.Select(pressed_.end, unit.start);
+    else
+        view_.buffer.Select(pressed_.start, std::max(unit.end, pressed_.end));
+    Show_Change();
+}
+
+void TextField::Finish(long x, long y)
+{
+    Track(x, y);
+    // Last, since whoever gets it may take the field away.
+    if (reportsRelease_) Do_Event(ZV_EVENT_GADGET, Tag_Word(&item_));
+}
+
+// ---- keys -------------------------------------------------------------------------------------------------
+
+void TextField::Select_All()
+{
+    view_.buffer.Select_All();
+    Show_Change();
+}
+
+bool TextField::Move(unsigned code, bool extends, bool byWord)
+{
+    TextBuffer& buffer = view_.buffer;
+    std::string const& text = buffer.Text();
+    std::size_t const caret = buffer.Caret();
+    TextRange const selection = buffer.Selection();
+    bool const closes = !selection.IsEmpty() && !extends && !byWord;
+    bool const skipsWords = byWord && !view_.Is_Password();
+    // Without lines to move by, up and down mean the start and the end.
+    if (!view_.Is_Multi_Line() && code == ZV_KEY_UP) code = ZV_KEY_HOME;
+    if (!view_.Is_Multi_Line() && code == ZV_KEY_DOWN) code = ZV_KEY_END;
+    if (view_.Is_Password() && byWord && code == ZV_KEY_LEFT) code = ZV_KEY_HOME;
+    if (view_.Is_Password() && byWord && code == ZV_KEY_RIGHT) code = ZV_KEY_END;
+    switch (code) {
+    case ZV_KEY_LEFT:
+        if (closes)
+            buffer.Move_To(selection.start, false);
+        else
+            buffer.Move_To(skipsWords ? Previous_Word_Start(text, caret) : Previous_Place(text, caret),
+                           extends);
+        break;
+    case ZV_KEY_RIGHT:
+        if (closes)
+            buffer.Move_To(selection.end, false);
+        else
+            buffer.Move_To(skipsWords ? Next_Word_End(text, caret) : Next_Place(text, caret), extends);
+        break;
+    case ZV_KEY_UP: view_.Move_By_Lines(-1, extends); break;
+    case ZV_KEY_DOWN: view_.Move_By_Lines(1, extends); break;
+    case ZV_KEY_HOME:
+    case ZV_KEY_PAGE_UP: buffer.Move_To(0, extends); break;
+    case ZV_KEY_END:
+    case ZV_KEY_PAGE_DOWN: buffer.Move_To(text.size(), extends); break;
+    default: return false;
+    }
+    Show_Change();
+    return true;
+}
+
+bool TextField::Erase(bool isBehind)
+{
+    TextBuffer& buffer = view_.buffer;
+    buffer.Compose("", 0);
+    bool const hasChanged = isBehind ? buffer.Erase_Behind() : buffer.Erase_Before();
+    Show_Change();
+    return hasChanged;
+}
+
+bool TextField::Undo()
+{
+    bool const hasChanged = view_.buffer.Undo();
+    if (!hasChanged) Display()->Beep();
+    Show_Change();
+    return hasChanged;
+}
+
+// ---- text that comes in -----------------------------------------------------------------------------------
+
+std::size_t TextField::Capacity() const
+{
+    if (item_.type != ZV_GAD_INTEGER) return static_cast<std::size_t>(std::max(item_.maxChars, 0));
+    // The upper limit of the number is in the place of the capacity, unless the capacity was given.
+    TagItem const* const tag = item_.tags ? Find_Item_Tag(item_, ZV_ITEM_MAX_CHARS) : nullptr;
+    return tag ? static_cast<std::size_t>(std::max(static_cast<int32_t>(tag->data), 0)) : LongestInteger;
+}
+
+static bool Is_Integer(std::string_view text)
+{
+    if (text.starts_with('-')) text.remove_prefix(1);
+    return text.find_first_not_of("0123456789") == text.npos;
+}
+
+/// Whether the field's type allows a text.
+bool TextField::Accepts(std::string const& text) const
+{
+    if (item_.type == ZV_GAD_INTEGER) return Is_Integer(text);
+    return item_.type != ZV_GAD_FLOAT || text.find_first_not_of("0123456789-.+eE") == text.npos;
+}
+
+/// Lines end with a line feed; in a field of one line they go on behind a blank. Other control characters but
+/// tabs have no place in a text.
+static std::string Cleaned(std::string_view text, bool isMultiLine)
+{
+    std::string clean;
+    clean.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char const byte = text[i];
+        bool const isPair = byte == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
+        if (isPair) continue;
+        if (Is_Line_Break(byte))
+            clean += isMultiLine ? '\n' : ' ';
+        else if (byte == '\t')
+            clean += isMultiLine ? '\t' : ' ';
+        else if (static_cast<unsigned char>(byte) >= ' ' && byte != '\x7F')
+            clean += byte;
+    }
+    return clean;
+}
+
+/// Puts a text in place of the selection, as a whole or not at all.
+bool TextField::Insert(std::string_view text, bool isTyped)
+{
+    TextBuffer& buffer = view_.buffer;
+    buffer.Compose("", 0);
+    bool const isNumber = item_.type == ZV_GAD_INTEGER || item_.type == ZV_GAD_FLOAT;
+    std::string const clean = isNumber ? std::string(text) : Cleaned(text, view_.Is_Multi_Line());
+    std::string const result = buffer.With(clean);
+    // A state that is longer than the field takes may still be shortened.
+    bool const isTooLong = result.size() > std::max(Capacity(), buffer.Text().size());
+    bool const isTaken = !clean.empty() && !isTooLong && Accepts(result);
+    if (isTaken)
+        buffer.Insert(clean, isTyped);
+    else if (!text.empty())
+        Display()->Beep();
+    Show_Change();
+    return isTaken;
+}
+
+bool TextField::Type(std::string_view text)
+{
+    return Insert(text, true);
+}
+
+bool TextField::Paste()
+{
+    return Insert(Display()->Clipboard(), false);
+}
+
+void TextField::Copy() const
+{
+    std::string_view const selected = view_.buffer.Selected();
+    if (selected.empty()) return;
+    if (view_.Is_Password())
+        Display()->Beep();
+    else
+        Display()->Set_Clipboard(std::string(selected));
+}
+
+bool TextField::Cut()
+{
+    Copy();
+    if (view_.buffer.Selected().empty() || view_.Is_Password()) return false;
+    return Erase(false);
+}
+
+void TextField::Compose(std::string_view text, int caret)
+{
+    std::string const clean = Cleaned(text, false);
+    view_.buffer.Compose(clean, Characters_Size(clean, caret));
+    Show_Change();
+}

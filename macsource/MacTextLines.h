@@ -1,0 +1,65 @@
+// The lines of a text in a field: how a line looks and how wide it is, and where a text wraps.
+#pragma once
+
+#include "MacText.h"
+#include "MacTextSteps.h"
+
+#include <string>
+#include <vector>
+
+/// How a field shows a text: its font, and placeholders for a password.
+class TextLook {
+public:
+    TextLook(FontChoice const& font, bool isPassword) : font_(font), isPassword_(isPassword) {}
+
+    int Ascent() const;
+    int Text_Height() const;  ///< Ascent and descent.
+    int Line_Height() const;  ///< With the leading.
+
+    /// Width of the beginning of a line. Tabs go to the next multiple of eight blanks.
+    int Width(std::string_view line) const;
+    void Draw(HostSurface& surface, std::string_view line, int x, int baseLine, uint32_t color) const;
+    bool Is_Password() const { return isPassword_; }
+
+private:
+    template <typename Visit> int Visit_Pieces(std::string_view line, Visit&& visit) const;
+
+    FontChoice font_;
+    bool isPassword_;
+};
+
+struct TextLine {
+    std::size_t start = 0;
+    std::size_t end = 0;   ///< without the line break
+    std::size_t next = 0;  ///< start of the next line; the text's size in the last one
+
+    bool operator==(TextLine const&) const = default;
+};
+
+/// Always at least one line. The text is the owner's, which tells of changes.
+class TextLines {
+public:
+    /// @param width  where it wraps; 0 for one line, whatever breaks the text has
+    void Lay_Out(TextLook const& look, std::string_view text, int width);
+
+    /// After text[changed.start, oldEnd) has become text[changed.start, changed.end).
+    /// @return  the lines that are new; to the last one when those below have moved
+    TextRange Change(TextLook const& look, std::string_view text, TextRange const& changed,
+                     std::size_t oldEnd);
+
+    std::size_t Count() const { return lines_.size(); }
+    TextLine const& operator[](std::size_t line) const { return lines_[line]; }
+    std::size_t Line_Of(std::size_t offset) const;
+
+    /// The place nearest to x in a line.
+    std::size_t Place_Near(TextLook const& look, std::string_view text, std::size_t line, int x) const;
+
+private:
+    bool Begins_Paragraph(std::size_t line) const;
+    std::size_t Append_Paragraph(TextLook const& look, std::string_view text, std::size_t start,
+                                 std::vector<TextLine>& lines) const;
+    std::size_t Wrap(TextLook const& look, std::string_view paragraph) const;
+
+    int width_ = 0;
+    std::vector<TextLine> lines_ = {TextLine{}};
+};

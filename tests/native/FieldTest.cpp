@@ -1,0 +1,133 @@
+#include "FieldTest.h"
+
+std::vector<std::string> FieldTest::events;
+std::function<void(ZVEvent const&)> FieldTest::onEvent, FieldTest::onKey;
+
+FieldTest::FieldTest()
+{
+    events.clear();
+    onEvent = onKey = nullptr;
+    setenv("ZV_HOST", "headless", 1);
+    setenv("KL_APP_DATA_DIR", scratch_.Path().c_str(), 1);
+    if (!InitZV(Callback, nullptr, nullptr, nullptr, nullptr)) throw std::runtime_error("InitZV failed");
+}
+
+FieldTest::~FieldTest()
+{
+    CleanUpZV();
+    unsetenv("KL_APP_DATA_DIR");
+    unsetenv("ZV_HOST");
+}
+
+void FieldTest::Callback(ZVEvent* event)
+{
+    if (event->type == ZV_EVENT_KEY && !(event->modifiers & ZV_MOD_KEY_UP)) {
+        events.push_back("key " + std::to_string(event->key));
+        if (onKey) onKey(*event);
+    }
+    if (event->type != ZV_EVENT_GADGET) return;
+    char const* const what = event->modifiers & ZV_MOD_PRESS     ? "press "
+                             : event->modifiers & ZV_MOD_CHANGE  ? "change "
+                             : event->modifiers & ZV_MOD_RELEASE ? "release "
+                                                                 : "gadget ";
+    events.push_back(what + std::to_string(Event_Item(event)->node.id));
+    if (onEvent) onEvent(*event);
+}
+
+ZVPalette* FieldTest::Show(std::function<void()> add, ZVKind kind)
+{
+    ZVPalette* const palette = InitPaletteZV();
+    add();
+    EndPaletteZV(PaletteId, "Fields", ZV_PAL_KIND, kind, 0);
+    EXPECT_EQ(DisplayPaletteZV(ZV_PAL_WINDOW_X, 200, ZV_PAL_WINDOW_Y, 200, 0), 1);
+    HeadlessRunZV(0);
+    events.clear();
+    return palette;
+}
+
+void FieldTest::Show_Field(ZVGadgetType type, char const* text, std::vector<TagItem> tags)
+{
+    ZVPalette* const palette = Show([&] {
+        InitGroupZV();
+        tags.push_back({});
+        AddGadgetZV(1, 0, 0, type, ZV_SIZE_XXLARGE, "", tags.data());
+        if (type == ZV_GAD_STRING || type == ZV_GAD_EDITOR) SetTextGadgetStateZV(1, text);
+        EndGroupZV(1, 0, 0, "", nullptr);
+    });
+    Activate_First_Gadget(palette);
+    EXPECT_EQ(Focus(), 1);
+}
+
+void FieldTest::Add_Group(short id, std::vector<std::pair<unsigned short, ZVGadgetType>> const& gadgets)
+{
+    constexpr unsigned short below = ZV_Position(ZV_POS_ALIGN_START, ZV_POS_AFTER);
+    InitGroupZV();
+    for (auto const& [gadget, type] : gadgets)
+        AddGadgetZV(gadget, below, -1, type, ZV_SIZE_LARGE, "", ZV_ITEM_ENTRIES_CSV, "one,two,three", 0);
+    EndGroupZV(id, below, -1, "", nullptr);
+}
+
+void FieldTest::Play(std::string_view keys)
+{
+    static std::map<std::string_view, unsigned long> const named = {
+        {"Left", ZV_KEY_LEFT},      {"Right", ZV_KEY_RIGHT},        {"Up", ZV_KEY_UP},
+        {"Down", ZV_KEY_DOWN},      {"Home", ZV_KEY_HOME},          {"End", ZV_KEY_END},
+        {"Tab", ZV_KEY_TAB},        {"Return", ZV_KEY_RETURN},      {"Enter", ZV_KEY_ENTER},
+        {"Back", ZV_KEY_BACKSPACE}, {"Delete", ZV_KEY_DELETE},      {"Esc", ZV_KEY_ESCAPE},
+        {"PageUp", ZV_KEY_PAGE_UP}, {"PageDown", ZV_KEY_PAGE_DOWN}, {"F5", ZV_KEY_F1 + 4}};
+    static std::map<char, unsigned long> const modifiers = {
+        {'S', ZV_MOD_SHIFT}, {'C', ZV_MOD_CONTROL}, {'A', ZV_MOD_ALT}, {'M', ZV_MOD_COMMAND}};
+    while (!keys.empty()) {
+        if (keys[0] != '<') {
+            std::size_t const end = std::min(keys.find('<'), keys.size());
+            HeadlessTypeZV(std::string(keys.substr(0, end)).c_str());
+            keys.remove_prefix(end);
+            continue;
+        }
+        std::string_view key = keys.substr(1, keys.find('>') - 1);
+        keys.remove_prefix(key.size() + 2);
+        unsigned long held = 0;
+        for (; key.size() > 2 && key[1] == '-'; key.remove_prefix(2))
+            held |= modifiers.at(key[0]);
+        HeadlessHoldZV(held);
+        HeadlessKeyZV(key.size() == 1 ? static_cast<unsigned char>(key[0]) : named.at(key));
+        HeadlessHoldZV(0);
+    }
+    HeadlessRunZV(0);
+}
+
+ZVRectT<long> FieldTest::Place(unsigned long id)
+{
+    ZVItem const* const item = Item(id);
+    ZVRectT<long> place{0, 0, item->width, item->height};
+    GetItemScreenPosZV(item, &place.x, &place.y);
+    return place;
+}
+
+void FieldTest::Click(unsigned long id, long x, long y)
+{
+    ZVRectT<long> const place = Place(id);
+    HeadlessClickZV(place.x + x, place.y + y, ZV_HEADLESS_LEFT);
+    HeadlessRunZV(0);
+}
+
+ZVTextEditorProperties FieldTest::Properties(unsigned long id)
+{
+    ZVTextEditorProperties properties{};
+    GetTextEditorPropertiesZV(Item(id), &properties);
+    return properties;
+}
+
+unsigned short FieldTest::Focus()
+{
+    ZVItem const* const item = ZVEnv->focusedTextItem ? ZVEnv->focusedTextItem : ZVEnv->focusedListItem;
+    return item ? static_cast<unsigned short>(item->node.id) : 0;
+}
+
+FieldTest::Picture::Picture() : bitmap_(HeadlessPictureZV(nullptr)) {}
+
+uint32_t FieldTest::Picture::At(long x, long y) const
+{
+    auto const* const pixel = static_cast<ZVBufferRGBA8*>(bitmap_.get())->GetIterator(x, y);
+    return static_cast<uint32_t>(pixel->Red() << 16 | pixel->Green() << 8 | pixel->Blue());
+}

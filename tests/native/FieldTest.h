@@ -1,0 +1,68 @@
+// A palette of fields and lists on the desktop in memory, what happened to it, and keys and mouse in short.
+#pragma once
+
+#include "TestEnvironment.h"
+
+#include <ZVHeadless.h>
+#include <ZVKey.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+class FieldTest : public testing::Test {
+protected:
+    static constexpr unsigned short PaletteId = 9;
+
+    /// The desktop as it shows.
+    class Picture {
+    public:
+        Picture();
+        uint32_t At(long x, long y) const;  ///< 0xRRGGBB
+
+    private:
+        struct Releaser {
+            void operator()(ZVBitmap* bitmap) const { FreeBitmapZV(bitmap); }
+        };
+        std::unique_ptr<ZVBitmap, Releaser> bitmap_;
+    };
+
+    FieldTest();
+    ~FieldTest() override;
+
+    /// Displays a palette whose groups and items are added by the function.
+    ZVPalette* Show(std::function<void()> add, ZVKind kind = ZV_KIND_FLOATER);
+
+    /// Shows one gadget of id 1 and gives it the focus.
+    void Show_Field(ZVGadgetType type, char const* text, std::vector<TagItem> tags = {});
+
+    /// Adds a group with one gadget below the other.
+    static void Add_Group(short id, std::vector<std::pair<unsigned short, ZVGadgetType>> const& gadgets);
+
+    /// Plays keys: text as it is typed, "<Left>" for a named key, with S- C- A- M- ahead of it for Shift,
+    /// Control, Alt and Command, as in "<S-Left>" and "<C-a>".
+    static void Play(std::string_view keys);
+
+    /// A point of an item on the screen.
+    static ZVRectT<long> Place(unsigned long id);
+    static void Click(unsigned long id, long x, long y);
+
+    static ZVItem* Item(unsigned long id)
+    {
+        return FindItem2ZV(FindPaletteZV(PaletteId), static_cast<unsigned short>(id));
+    }
+    static std::string Text(unsigned long id = 1) { return Item(id)->editText; }
+    static ZVTextEditorProperties Properties(unsigned long id = 1);
+    static unsigned short Focus();  ///< id; 0 for none
+
+    /// "change 1" for event 5 of gadget 1 with that report bit, "gadget 1" for one without, "key 65".
+    static std::vector<std::string> events;
+    static std::function<void(ZVEvent const&)> onEvent, onKey;  ///< gadget and key events
+
+private:
+    static void Callback(ZVEvent* event);
+
+    ScratchDir scratch_;
+};
