@@ -14,6 +14,13 @@ protected:
         item->flags |= flags;
         return item;
     }
+    static long On_Custom(ZVCustomEvent* event)
+    {
+        if (event->type > ZV_CUSTOM_SETUP && event->type <= ZV_CUSTOM_DRAW_DISABLED &&
+            event->type != ZV_CUSTOM_CLEANUP)
+            Note("C" + std::to_string(event->item->node.id) + ":" + std::to_string(event->type));
+        return 1;
+    }
     static HostRect Box(ZVItem const* item)
     {
         return {left + item->x, top + item->y, left + item->x + item->width, top + item->y + item->height};
@@ -40,14 +47,14 @@ TEST_F(ScreenItems, GadgetsAreToldHowTheyComeChangeAndGo)
     EXPECT_EQ(Log(), "C3:101 C3:104 C2:104 C1:106 C1:105");
 
     ZVEnv->trackingItem = one;
-    Port().surface.Fill(Box(one), stain);
+    Mac_Window_Port(palette->window)->surface.Fill(Box(one), stain);
     ItemVisibleZV(one, 0);
     Destroy_SysItem(one);
     EXPECT_EQ(Log(), "C1:102") << "once";
     EXPECT_EQ(ZVEnv->trackingItem, nullptr);
     EXPECT_TRUE(Is_Filled(Box(one), paper));
     ZVEnv->eraseOnDestroy = 0;
-    Port().surface.Fill(Box(two), stain);
+    Mac_Window_Port(palette->window)->surface.Fill(Box(two), stain);
     GroupVisibleZV(1, 0);
     EXPECT_EQ(Log(), "C2:102 C3:102");
     EXPECT_TRUE(Is_Filled(Box(two), stain));
@@ -56,8 +63,9 @@ TEST_F(ScreenItems, GadgetsAreToldHowTheyComeChangeAndGo)
 TEST_F(ScreenItems, AWalkEndsWhenAGadgetClosesThePalette)
 {
     for (std::string const at : {"C2:101", "C2:104", "C2:102", "C2:106"}) {
-        for (unsigned short id : {1, 2, 3})
-            Add(id);
+        Add(1);
+        Add(2);
+        Add(3);
         Show();
         onCall = [&](std::string const& entry) {
             if (entry == at) ClosePaletteZV(palette);
@@ -71,41 +79,29 @@ TEST_F(ScreenItems, AWalkEndsWhenAGadgetClosesThePalette)
     }
 }
 
-TEST_F(ScreenItems, TextsAndLinesShowAndGo)
-{
-    ZVItem* const text = AddTextZV(1, 0, 0, "abc", nullptr);
-    ZVItem* const line = AddLineZV(2, 0x0204, -1, ZV_SIZE_MEDIUM, 1, nullptr);
-    Show();
-    HostRect const box = Box(text), lineBox = Box(line);
-    EXPECT_EQ(box, (HostRect{left, top, left + 20, top + 10})) << "three blocks and 2 pixels";
-    for (bool const isDisabled : {false, true}) {
-        GroupEnabledZV(1, !isDisabled);
-        uint32_t const color = Pen(ink, isDisabled);
-        for (int i = 0; i < 3; ++i)
-            EXPECT_TRUE(Is_Filled({left + 1 + 6 * i, top + 2, left + 5 + 6 * i, top + 8}, color)) << i;
-        EXPECT_TRUE(Is_Filled({left + 5, top, left + 7, top + 10}, paper));
-        EXPECT_TRUE(Is_Filled(lineBox, color));
-    }
-    // The layout has moved them since, but what is erased is what was drawn.
-    text->x += 40;
-    line->y += 40;
-    GroupVisibleZV(1, 0);
-    EXPECT_TRUE(Is_Filled(box, paper) && Is_Filled(lineBox, paper));
-}
-
-TEST_F(ScreenItems, ImagesLieOverThePaletteAndAreDimmed)
+TEST_F(ScreenItems, TextsLinesAndImagesShowAreDimmedAndGo)
 {
     ZVBitmap* const picture = AllocBitmapZV(4, 3, ZV_BITMAP_RGBA8, nullptr);
     FillBitmapZV(picture, 0xFF4080C0);
-    ZVItem* const image = AddImageZV(1, 0, 0, 0, nullptr);
+    ZVItem* const text = AddTextZV(1, 0, 0, "abc", nullptr);
+    ZVItem* const line = AddLineZV(2, 0x0204, -1, ZV_SIZE_MEDIUM, 1, nullptr);
+    ZVItem* const image = AddImageZV(3, 0x0204, -1, 0, nullptr);
     image->image = picture;
     Set_Item_Size(image);
     Show();
-    EXPECT_TRUE(Is_Filled(Box(image), 0x4080C0));
-    ItemEnabledZV(image, 0);
-    EXPECT_TRUE(Is_Filled(Box(image), Pen(0x4080C0, true)));
-    ItemVisibleZV(image, 0);
-    EXPECT_TRUE(Is_Filled(Box(image), paper));
+    EXPECT_EQ(Box(text), (HostRect{left, top, left + 20, top + 10})) << "three blocks and 2 pixels";
+    for (bool const isDisabled : {false, true}) {
+        GroupEnabledZV(1, !isDisabled);
+        for (int x = left + 1; x < left + 19; x += 6)
+            EXPECT_TRUE(Is_Filled({x, top + 2, x + 4, top + 8}, Pen_Color(ink, isDisabled))) << x;
+        EXPECT_TRUE(Is_Filled({left + 5, top, left + 7, top + 10}, paper));
+        EXPECT_TRUE(Is_Filled(Box(line), Pen_Color(ink, isDisabled)));
+        EXPECT_TRUE(Is_Filled(Box(image), Pen_Color(0x4080C0, isDisabled)));
+    }
+    // The layout has moved it since, but what is erased is what was drawn.
+    text->x += 40;
+    GroupVisibleZV(1, 0);
+    EXPECT_TRUE(Is_Filled({0, 0, 100, 50}, paper));
     FreeBitmapZV(picture);
 }
 

@@ -64,15 +64,11 @@ TEST_F(Lists, RowsFrameAndBarLieWhereTheItemIs)
     EXPECT_EQ(Marked_Row(), 2);
     EXPECT_EQ(Blocks(1), 2);
     EXPECT_EQ(Blocks(2, 0x000000), 2) << "black on the marking pen";
-    for (bool const hasFocus : {true, false}) {
-        list->Set_Focus(hasFocus);
-        uint32_t const upper = hasFocus ? marked : Pen(ZV_PEN_DARK_EDGE);
-        uint32_t const lower = hasFocus ? marked : Pen(ZV_PEN_LIGHT_EDGE);
-        EXPECT_TRUE(Is_Filled({left - 1, top - 1, left, bottom}, upper));
-        EXPECT_TRUE(Is_Filled({left - 1, top - 1, right, top}, upper));
-        EXPECT_TRUE(Is_Filled({left, bottom, right + 1, bottom + 1}, lower));
-        EXPECT_TRUE(Is_Filled({right, top, right + 1, bottom}, lower));
-    }
+    HostRect const upper{left - 1, top - 1, right, top}, lower{left, bottom, right + 1, bottom + 1};
+    EXPECT_TRUE(Is_Filled(upper, Pen_Color(ZV_PEN_DARK_EDGE)) &&
+                Is_Filled(lower, Pen_Color(ZV_PEN_LIGHT_EDGE)));
+    list->Set_Focus(true);
+    EXPECT_TRUE(Is_Filled(upper, marked) && Is_Filled(lower, marked));
 }
 
 TEST_F(Lists, LongTextsEndWithAnEllipsisBehindAWholeCharacter)
@@ -146,28 +142,23 @@ TEST_F(Lists, TheBarScrollsAndReportsNothing)
     ASSERT_TRUE(Mouse_Holder() && Mouse_Holder() != list);
     EXPECT_EQ(Marked_Row(), -1) << "the selected row is out of view";
     Mouse_Holder()->Finish(0, 0);
-    EXPECT_EQ(Log() + std::to_string(item->state), "1");
-    EXPECT_TRUE(list->Scroll(-1));
-    EXPECT_EQ(Marked_Row(), 0);
-    EXPECT_FALSE(list->Scroll(INT_MIN));
-    EXPECT_TRUE(list->Scroll(INT_MAX));
-    EXPECT_FALSE(list->Scroll(1));
-    list->Select_Row(19);
-    EXPECT_EQ(Marked_Row(), 5);
+    EXPECT_EQ(Log(), "");
+    EXPECT_TRUE(list->Scroll(-1) && !list->Scroll(INT_MIN) && list->Scroll(INT_MAX) && !list->Scroll(1));
 }
 
 TEST_F(Lists, ARowIsSelectedWithAsLittleScrollingAsItTakes)
 {
     Show_Rows(20);
-    for (auto const& [row, place] : {std::pair(4, 4), {10, 5}, {7, 2}, {2, 0}, {-1, -1}, {20, -1}}) {
+    for (auto const& [row, place] : {std::pair(4, 4), {10, 5}, {7, 2}, {2, 0}, {-1, -1}, {20, -1}, {19, 5}}) {
         list->Select_Row(row);
         EXPECT_EQ(Marked_Row(), place) << row;
     }
     SetGadgetStateZV(item, 12);
     EXPECT_EQ(list->Selected_Row(), 11);
-    EXPECT_EQ(Marked_Row(), 5);
+    EXPECT_EQ(Marked_Row(), 0);
     ModifyItemZV(item, ZV_ITEM_ENTRIES_CSV, "a,b");
-    EXPECT_EQ(list->Row_Count() * 100 + list->Selected_Row(), 199) << "none of the two is the twelfth";
+    EXPECT_EQ(list->Row_Count(), 2);
+    EXPECT_EQ(list->Selected_Row(), -1);
     EXPECT_EQ(Blocks(1) * 10 + Blocks(2), 10);
 }
 
@@ -175,7 +166,7 @@ TEST_F(Lists, ADisabledListIsDimAndAHiddenOneLeavesNothing)
 {
     Show_Rows(20, 3);
     ItemEnabledZV(item, 0);
-    EXPECT_EQ(Blocks(0, Pen(ZV_PEN_TEXT, true)), 2);
+    EXPECT_EQ(Blocks(0, Pen_Color(ZV_PEN_TEXT, true)), 2);
     list->Press(left + 5, top + 5);
     list->Press(right - 8, bottom - 3);
     EXPECT_EQ(Mouse_Holder(), nullptr);

@@ -17,7 +17,6 @@ protected:
         SetStylePenZV(ZV_PEN_FACE_ON, face);
     }
     ~ScrollBars() override { FreeBitmapZV(canvas); }
-
     void Make(bool vertical, int maximum, int page, int value, int size = length)
     {
         isVertical = vertical;
@@ -67,7 +66,7 @@ BarCase const barCases[] = {
     {"half of the whole is seen", 50, 50, 0, 15, 65},
     {"between, halves of a pixel go up", 100, 100, 51, 41, 91},
     {"the end of a long list, with the least thumb", 99999, 10, 99999, 101, 115},
-    {"a page larger than the range leaves a pixel to move", 1, 1000, 1, 16, 115},
+    {"a page beyond the range leaves a pixel to move", 1, 1000, 1, 16, 115},
     {"numbers as large as they get", INT_MAX, INT_MAX, INT_MAX, 65, 115},
 };
 
