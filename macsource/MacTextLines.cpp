@@ -1,6 +1,7 @@
 #include "MacTextLines.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 static constexpr std::string_view Placeholder = "\u2022";
@@ -87,6 +88,59 @@ void TextLook::Draw(HostSurface& surface, std::string_view line, int x, int base
 
 // ---- wrapping ---------------------------------------------------------------------------------------------
 
+namespace {
+
+/// Makes lines one behind the other. A line depends on nothing ahead of it.
+class LineMaker {
+public:
+    /// @param width  0 for one line
+    LineMaker(TextLook const& look, std::string_view text, int width)
+        : look_(look), text_(text), width_(width)
+    {
+    }
+
+    TextLine Line_From(std::size_t at);
+    bool Is_Last(TextLine const& line) const { return line.end == text_.size(); }
+
+private:
+    std::size_t Fitting(std::string_view rest) const;
+    std::size_t Wrap(std::string_view rest) const;
+
+    TextLook const& look_;
+    std::string_view text_;
+    int width_;
+    std::optional<std::size_t> stop_;  ///< end of the paragraph that the last line was in
+    std::size_t guess_ = 32;           ///< how much of the next line fits, going by the last one
+};
+
+}  // namespace
+
+/// Size of the longest beginning of a paragraph's rest that is no wider than a line.
+std::size_t LineMaker::Fitting(std::string_view rest) const
+{
+    auto const fits = [&](std::size_t size) {
+        return look_.Width(rest.substr(0, Place_At(rest, size))) <= width_;
+    };
+    std::size_t least = 0, most = std::min(guess_, rest.size()), step = 8;
+    if (fits(most)) {
+        do {
+            least = most;
+            if (least == rest.size()) return least;
+            most = std::min(least + step, rest.size());
+            step *= 2;
+        } while (fits(most));
+    } else {
+        for (; most > step && !fits(most - step); step *= 2)
+            most -= step;
+        least = most > step ? most - step : 0;
+    }
+    while (most - least > 1) {
+        std::size_t const middle = least + (most - least) / 2;
+        (fits(middle) ? least : most) = middle;
+    }
+    return Place_At(rest, least);
+}
+
 static std::size_t Behind_Blanks(std::string_view text, std::size_t at)
 {
     while (at < text.size() && Is_Blank(text[at]))
@@ -94,96 +148,66 @@ static std::size_t Behind_Blanks(std::string_view text, std::size_t at)
     return at;
 }
 
-/// Size of the longest beginning of a paragraph that is no wider than a line.
-static std::size_t Fitting(TextLook const& look, std::string_view paragraph, int width)
+/// Size of the line that a paragraph's rest begins with. Blanks hang over its edge; a word that is longer
+/// than a line is cut.
+std::size_t LineMaker::Wrap(std::string_view rest) const
 {
-    auto const fits = [&](std::size_t size) { return look.Width(paragraph.substr(0, size)) <= width; };
-    std::size_t least = 0, most = 32;
-    while (most < paragraph.size() && fits(Place_At(paragraph, most)))
-        least = std::exchange(most, most * 2);
-    if (most >= paragraph.size()) {
-        most = paragraph.size();
-        if (fits(most)) return most;
-    }
-    while (most - least > 1) {
-        std::size_t const middle = least + (most - least) / 2;
-        (fits(Place_At(paragraph, middle)) ? least : most) = middle;
-    }
-    return Place_At(paragraph, least);
-}
-
-/// Where the first line of a paragraph ends. Blanks hang over its edge; a word that is longer than a line is
-/// cut.
-std::size_t TextLines::Wrap(TextLook const& look, std::string_view paragraph) const
-{
-    std::size_t const fitting = Fitting(look, paragraph, width_);
-    if (fitting == paragraph.size()) return fitting;
-    if (Is_Blank(paragraph[fitting])) return Behind_Blanks(paragraph, fitting);
+    std::size_t const fitting = Fitting(rest);
+    if (fitting == rest.size()) return fitting;
+    if (Is_Blank(rest[fitting])) return Behind_Blanks(rest, fitting);
     std::size_t end = fitting;
-    while (end > 0 && !Is_Wrap_Place(paragraph, end))
+    while (end > 0 && !Is_Wrap_Place(rest, end))
         --end;
     if (end > 0) return end;
-    return fitting > 0 ? fitting : Next_Place(paragraph, 0);
+    return fitting > 0 ? fitting : Next_Place(rest, 0);
 }
 
-/// Adds the lines of a paragraph.
-/// @return  where the next one starts; past the text's end behind the last one
-std::size_t TextLines::Append_Paragraph(TextLook const& look, std::string_view text, std::size_t start,
-                                        std::vector<TextLine>& lines) const
+TextLine LineMaker::Line_From(std::size_t at)
 {
-    std::size_t const stop = width_ > 0 ? text.find_first_of("\r\n", start) : text.npos;
-    bool const isLast = stop == text.npos;
-    std::string_view const paragraph = text.substr(0, stop);
-    std::size_t at = start;
-    do {
-        std::size_t end = paragraph.size();
-        if (width_ > 0) end = at + Wrap(look, paragraph.substr(at));
-        lines.push_back({at, end, end});
-        at = end;
-    } while (at < paragraph.size());
-    if (isLast) return text.size() + 1;
-    return lines.back().next = Next_Place(text, stop);
+    if (width_ == 0) return {at, text_.size(), text_.size()};
+    if (!stop_ || at > *stop_) stop_ = std::min(text_.find_first_of("\r\n", at), text_.size());
+    std::size_t const end = at + Wrap(text_.substr(at, *stop_ - at));
+    guess_ = std::max<std::size_t>(end - at, 1);
+    return {at, end, end == *stop_ ? Next_Place(text_, end) : end};
 }
 
 void TextLines::Lay_Out(TextLook const& look, std::string_view text, int width)
 {
     width_ = width;
     lines_.clear();
-    for (std::size_t at = 0; at <= text.size();)
-        at = Append_Paragraph(look, text, at, lines_);
-}
-
-bool TextLines::Begins_Paragraph(std::size_t line) const
-{
-    return line == 0 || lines_[line - 1].end != lines_[line - 1].next;
+    LineMaker maker(look, text, width);
+    do
+        lines_.push_back(maker.Line_From(lines_.empty() ? 0 : lines_.back().next));
+    while (!maker.Is_Last(lines_.back()));
 }
 
 TextRange TextLines::Change(TextLook const& look, std::string_view text, TextRange const& changed,
                             std::size_t oldEnd)
 {
-    // From the paragraph ahead on, whose break the change may have completed.
-    std::size_t first = Line_Of(changed.start > 0 ? changed.start - 1 : 0);
-    while (!Begins_Paragraph(first))
-        --first;
+    // A line ends by what the next one begins with: what has changed there may fit the line ahead now.
+    std::size_t const touched = Line_Of(changed.start > 0 ? changed.start - 1 : 0);
+    std::size_t const first = touched > 0 ? touched - 1 : 0;
+    std::size_t kept = lines_.size();  // the first old line that stays, since it starts where a new one would
     std::vector<TextLine> made;
-    std::size_t at = lines_[first].start;
-    std::size_t kept = lines_.size();  // the first old line that stays
-    while (at <= text.size()) {
+    LineMaker maker(look, text, width_);
+    for (std::size_t at = lines_[first].start;; at = made.back().next) {
         if (at > changed.end) {
-            kept = Line_Of(at - changed.end + oldEnd);
-            break;
+            std::size_t const oldAt = at - changed.end + oldEnd, old = Line_Of(oldAt);
+            if (lines_[old].start == oldAt) {
+                kept = old;
+                break;
+            }
         }
-        at = Append_Paragraph(look, text, at, made);
+        made.push_back(maker.Line_From(at));
+        if (maker.Is_Last(made.back())) break;
     }
-    std::size_t const old = lines_.size();
+    std::size_t const oldCount = lines_.size();
     for (std::size_t i = kept; i < lines_.size(); ++i)
         for (std::size_t* offset : {&lines_[i].start, &lines_[i].end, &lines_[i].next})
             *offset = *offset - oldEnd + changed.end;
-    auto const place = lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(first),
-                                    lines_.begin() + static_cast<std::ptrdiff_t>(kept));
-    lines_.insert(place, made.begin(), made.end());
-    bool const hasMoved = lines_.size() != old;
-    return {first, hasMoved ? lines_.size() : first + made.size()};
+    auto const line = [&](std::size_t index) { return lines_.begin() + static_cast<std::ptrdiff_t>(index); };
+    lines_.insert(lines_.erase(line(first), line(kept)), made.begin(), made.end());
+    return {first, lines_.size() == oldCount ? first + made.size() : lines_.size()};
 }
 
 // ---- places -----------------------------------------------------------------------------------------------

@@ -55,11 +55,6 @@ public:
     std::size_t Place_Near(TextLook const& look, std::string_view text, std::size_t line, int x) const;
 
 private:
-    bool Begins_Paragraph(std::size_t line) const;
-    std::size_t Append_Paragraph(TextLook const& look, std::string_view text, std::size_t start,
-                                 std::vector<TextLine>& lines) const;
-    std::size_t Wrap(TextLook const& look, std::string_view paragraph) const;
-
     int width_ = 0;
     std::vector<TextLine> lines_ = {TextLine{}};
 };
