@@ -118,6 +118,7 @@ long Make_SysWindow(ZVWindow* window, ZVPalette* palette)
     window->sysWindow = new ZVSysWindow(*window, std::move(host));
     window->sysWindow->title = request.title;
     Make_Bars(*window);
+    if (palette) Limit_Size(*window, *palette);
     if (palette) ZVEnv->pendingPalette = palette;
     window->sysWindow->host->Show();
     if (window->kind == ZV_KIND_ROOT || window->kind == ZV_KIND_APP) ZVEnv->rootSysWindow = window->sysWindow;
@@ -154,13 +155,16 @@ static void Replace_Native(ZVWindow& window, ZVPalette& palette)
     if (Make_SysWindow(&window, &palette)) Invalidate(window);
 }
 
-/// Background for what the surface has gained, and a new look for all that stands at its edges.
+/// Background for what the surface has gained; what lies there has to be drawn again.
 static void Cover_New_Area(ZVSysWindow& native)
 {
     HostRect const all = native.port.surface.Bounds();
-    uint32_t const color = Background_Of(native.window);
-    native.port.surface.Fill({native.knownWidth, 0, all.right, all.bottom}, color);
-    native.port.surface.Fill({0, native.knownHeight, all.right, all.bottom}, color);
+    for (HostRect const& strip : {HostRect{native.knownWidth, 0, all.right, all.bottom},
+                                  HostRect{0, native.knownHeight, all.right, all.bottom}}) {
+        if (strip.IsEmpty()) continue;
+        native.port.surface.Fill(strip, Background_Of(native.window));
+        Invalidate(native.window, strip);
+    }
     native.knownWidth = all.right;
     native.knownHeight = all.bottom;
 }
@@ -171,7 +175,6 @@ static void Resize_Native(ZVWindow& window, long width, long height)
     window.height = static_cast<int32_t>(height);
     window.sysWindow->host->Set_Client(Host_Client(window));
     Cover_New_Area(*window.sysWindow);
-    Invalidate(window);
 }
 
 void Rebuild_SysWindow(ZVWindow* window, ZVPalette* palette)
