@@ -11,6 +11,8 @@
 #include <cstddef>
 #include <utility>
 
+namespace {
+
 /// An item that goes on only while its palette does.
 class LivingItem {
 public:
@@ -28,6 +30,8 @@ private:
     ZVItem& item_;
     LivingPalette palette_;
 };
+
+}  // namespace
 
 void Send_Gadget_Event(ZVItem& item, uint32_t reportBits)
 {
@@ -188,7 +192,8 @@ long Focused_Text_Press(ZVWindow* window, long x, long y)
 {
     ZVItem* const item = ZVEnv->focusedTextItem;
     TextField* const field = Text_Field_Of(item);
-    if (!field || GetParentSysWindow(item->group->palette, nullptr, nullptr) != window) return 0;
+    if (!field || !LivingItem::Takes_Focus(*item)) return 0;
+    if (GetParentSysWindow(item->group->palette, nullptr, nullptr) != window) return 0;
     if (!Holds_Point(field->Bounds(), x, y)) return 0;
     field->Press(static_cast<int>(x), static_cast<int>(y), true);
     return 1;

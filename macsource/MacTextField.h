@@ -3,6 +3,7 @@
 
 #include "MacNativeItem.h"
 #include "MacTextView.h"
+#include "interface/HitTest.h"
 
 class TextField : public ZVNativeItem, public MouseTracker {
 public:
@@ -53,6 +54,10 @@ private:
     bool Is_Disabled() const { return item_.flags & ZV_ITEMF_DISABLED; }
     void Count_Press(int x, int y);
     TextRange Unit_At(std::size_t offset) const;
+    void Select_To(int x, int y);
+    ZVPlace In_Window(long x, long y) const;
+    unsigned Effective_Key(unsigned code, bool byWord) const;
+    std::size_t Side_Step(bool isRight, bool extends, bool byWord) const;
     bool Insert(std::string_view text, bool isTyped);
     bool Accepts(std::string const& text) const;
     std::size_t Capacity() const;
@@ -69,6 +74,7 @@ private:
     uint32_t pressTime_ = 0;
     TextRange pressed_;  ///< what the press has selected
     bool reportsRelease_ = false;
+    uint32_t scrollTime_ = 0;  ///< ticks, of the last step beside the view
 };
 
 /// The field of an item on screen; null for another item.

@@ -12,6 +12,9 @@
 /// A press farther from the one before is the first of its own.
 static constexpr int PressReach = 4;
 
+/// Between two steps of a text beside which the mouse is held: a twentieth of a second.
+static constexpr uint32_t ScrollTicks = 3;
+
 /// Digits and sign of the longest whole number.
 static constexpr std::size_t LongestInteger = 11;
 
@@ -50,20 +53,13 @@ void TextField::Press(int x, int y, bool reports)
     if (pressCount_ == 1 && ZVEnv->modifiers & ZV_MOD_SHIFT) pressed_ = {buffer.Anchor(), buffer.Anchor()};
     buffer.Select(pressed_.start, pressed_.end);
     Hold_Mouse(this);
-    long left = 0, top = 0;
-    GetItemScreenPosZV(&item_, &left, &top);
-    HostRect const bounds = Bounds();
-    Track(left + x - bounds.left, top + y - bounds.top);
+    Select_To(x, y);
 }
 
-void TextField::Track(long x, long y)
+/// Selects from what the press took to the point in the window, in units of the press.
+void TextField::Select_To(int x, int y)
 {
-    long left = 0, top = 0;
-    GetItemScreenPosZV(&item_, &left, &top);
-    HostRect const bounds = Bounds();
-    auto const localX = static_cast<int>(x - left) + bounds.left;
-    auto const localY = static_cast<int>(y - top) + bounds.top;
-    TextRange const unit = Unit_At(view_.Offset_At(localX, localY));
+    TextRange const unit = Unit_At(view_.Offset_At(x, y));
     if (unit.start < pressed_.start)
         view_.buffer.Select(pressed_.end, unit.start);
     else
@@ -71,9 +67,28 @@ void TextField::Track(long x, long y)
     Show_Change();
 }
 
+ZVPlace TextField::In_Window(long x, long y) const
+{
+    return ZVPlace{x, y} - Place_On_Screen(System_Window_Of(item_.group->palette->window));
+}
+
+void TextField::Track(long x, long y)
+{
+    auto const [localX, localY] = In_Window(x, y);
+    auto const pointX = static_cast<int>(localX), pointY = static_cast<int>(localY);
+    if (!view_.Inside().Contains(pointX, pointY)) {
+        // The text moves while the mouse is held beside it, slowly enough to be read.
+        uint32_t const now = Mac_Tick_Count();
+        if (now - scrollTime_ < ScrollTicks) return;
+        scrollTime_ = now;
+    }
+    Select_To(pointX, pointY);
+}
+
 void TextField::Finish(long x, long y)
 {
-    Track(x, y);
+    auto const [localX, localY] = In_Window(x, y);
+    Select_To(static_cast<int>(localX), static_cast<int>(localY));
     // Last, since whoever gets it may take the field away.
     if (reportsRelease_) Do_Event(ZV_EVENT_GADGET, Tag_Word(&item_));
 }
@@ -86,39 +101,39 @@ void TextField::Select_All()
     Show_Change();
 }
 
+/// Up and down in one line mean its ends, and so do steps by words in a password, whose words are nobody's to
+/// see.
+unsigned TextField::Effective_Key(unsigned code, bool byWord) const
+{
+    bool const isLine = !view_.Is_Multi_Line(), isHidden = view_.Is_Password() && byWord;
+    if ((isLine && code == ZV_KEY_UP) || (isHidden && code == ZV_KEY_LEFT)) return ZV_KEY_HOME;
+    if ((isLine && code == ZV_KEY_DOWN) || (isHidden && code == ZV_KEY_RIGHT)) return ZV_KEY_END;
+    return code;
+}
+
+/// Where a step to the side leads. Without Shift it closes a selection at that side of it.
+std::size_t TextField::Side_Step(bool isRight, bool extends, bool byWord) const
+{
+    std::string const& text = view_.buffer.Text();
+    TextRange const selection = view_.buffer.Selection();
+    std::size_t const caret = view_.buffer.Caret();
+    if (byWord) return isRight ? Next_Word_End(text, caret) : Previous_Word_Start(text, caret);
+    if (!selection.IsEmpty() && !extends) return isRight ? selection.end : selection.start;
+    return isRight ? Next_Place(text, caret) : Previous_Place(text, caret);
+}
+
 bool TextField::Move(unsigned code, bool extends, bool byWord)
 {
     TextBuffer& buffer = view_.buffer;
-    std::string const& text = buffer.Text();
-    std::size_t const caret = buffer.Caret();
-    TextRange const selection = buffer.Selection();
-    bool const closes = !selection.IsEmpty() && !extends && !byWord;
-    bool const skipsWords = byWord && !view_.Is_Password();
-    // Without lines to move by, up and down mean the start and the end.
-    if (!view_.Is_Multi_Line() && code == ZV_KEY_UP) code = ZV_KEY_HOME;
-    if (!view_.Is_Multi_Line() && code == ZV_KEY_DOWN) code = ZV_KEY_END;
-    if (view_.Is_Password() && byWord && code == ZV_KEY_LEFT) code = ZV_KEY_HOME;
-    if (view_.Is_Password() && byWord && code == ZV_KEY_RIGHT) code = ZV_KEY_END;
-    switch (code) {
-    case ZV_KEY_LEFT:
-        if (closes)
-            buffer.Move_To(selection.start, false);
-        else
-            buffer.Move_To(skipsWords ? Previous_Word_Start(text, caret) : Previous_Place(text, caret),
-                           extends);
-        break;
-    case ZV_KEY_RIGHT:
-        if (closes)
-            buffer.Move_To(selection.end, false);
-        else
-            buffer.Move_To(skipsWords ? Next_Word_End(text, caret) : Next_Place(text, caret), extends);
-        break;
+    switch (Effective_Key(code, byWord)) {
+    case ZV_KEY_LEFT: buffer.Move_To(Side_Step(false, extends, byWord), extends); break;
+    case ZV_KEY_RIGHT: buffer.Move_To(Side_Step(true, extends, byWord), extends); break;
     case ZV_KEY_UP: view_.Move_By_Lines(-1, extends); break;
     case ZV_KEY_DOWN: view_.Move_By_Lines(1, extends); break;
     case ZV_KEY_HOME:
     case ZV_KEY_PAGE_UP: buffer.Move_To(0, extends); break;
     case ZV_KEY_END:
-    case ZV_KEY_PAGE_DOWN: buffer.Move_To(text.size(), extends); break;
+    case ZV_KEY_PAGE_DOWN: buffer.Move_To(buffer.Text().size(), extends); break;
     default: return false;
     }
     Show_Change();

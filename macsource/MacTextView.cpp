@@ -58,7 +58,7 @@ std::size_t TextView::Offset_At(int x, int y) const
 {
     int const height = std::max(look_.Line_Height(), 1);
     if (!isMultiLine_) {
-        int const near = std::clamp(x, text_.left - 2 * height, text_.right + 2 * height);
+        int const near = std::clamp(x, text_.left - height, text_.right + height);
         return lines_.Place_Near(look_, shown_, 0, near - text_.left + scrollX_);
     }
     long const row = y < text_.top ? -1 : std::min<long>((y - text_.top) / height, Whole_Lines());

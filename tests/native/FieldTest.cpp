@@ -1,5 +1,8 @@
 #include "FieldTest.h"
 
+#include <algorithm>
+#include <iterator>
+
 std::vector<std::string> FieldTest::events;
 std::function<void(ZVEvent const&)> FieldTest::onEvent, FieldTest::onKey;
 
@@ -34,12 +37,12 @@ void FieldTest::Callback(ZVEvent* event)
     if (onEvent) onEvent(*event);
 }
 
-ZVPalette* FieldTest::Show(std::function<void()> add, ZVKind kind)
+ZVPalette* FieldTest::Show(std::function<void()> add)
 {
     ZVPalette* const palette = InitPaletteZV();
     add();
-    EndPaletteZV(PaletteId, "Fields", ZV_PAL_KIND, kind, 0);
-    EXPECT_EQ(DisplayPaletteZV(ZV_PAL_WINDOW_X, 200, ZV_PAL_WINDOW_Y, 200, 0), 1);
+    EndPaletteZV(PaletteId, "Fields", nullptr);
+    EXPECT_EQ(DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_FLOATER, 0), 1);
     HeadlessRunZV(0);
     events.clear();
     return palette;
@@ -69,14 +72,12 @@ void FieldTest::Add_Group(short id, std::vector<std::pair<unsigned short, ZVGadg
 
 void FieldTest::Play(std::string_view keys)
 {
-    static std::map<std::string_view, unsigned long> const named = {
-        {"Left", ZV_KEY_LEFT},      {"Right", ZV_KEY_RIGHT},        {"Up", ZV_KEY_UP},
-        {"Down", ZV_KEY_DOWN},      {"Home", ZV_KEY_HOME},          {"End", ZV_KEY_END},
-        {"Tab", ZV_KEY_TAB},        {"Return", ZV_KEY_RETURN},      {"Enter", ZV_KEY_ENTER},
-        {"Back", ZV_KEY_BACKSPACE}, {"Delete", ZV_KEY_DELETE},      {"Esc", ZV_KEY_ESCAPE},
-        {"PageUp", ZV_KEY_PAGE_UP}, {"PageDown", ZV_KEY_PAGE_DOWN}, {"F5", ZV_KEY_F1 + 4}};
-    static std::map<char, unsigned long> const modifiers = {
-        {'S', ZV_MOD_SHIFT}, {'C', ZV_MOD_CONTROL}, {'A', ZV_MOD_ALT}, {'M', ZV_MOD_COMMAND}};
+    static constexpr std::string_view named[] = {"Left",   "Right",  "Up",       "Down", "Help",
+                                                 "Delete", "Back",   "Enter",    "Home", "End",
+                                                 "Tab",    "PageUp", "PageDown", "Esc",  "Return"};
+    auto const modifier = [](char letter) {
+        return letter == 'S' ? ZV_MOD_SHIFT : letter == 'C' ? ZV_MOD_CONTROL : ZV_MOD_COMMAND;
+    };
     while (!keys.empty()) {
         if (keys[0] != '<') {
             std::size_t const end = std::min(keys.find('<'), keys.size());
@@ -88,9 +89,10 @@ void FieldTest::Play(std::string_view keys)
         keys.remove_prefix(key.size() + 2);
         unsigned long held = 0;
         for (; key.size() > 2 && key[1] == '-'; key.remove_prefix(2))
-            held |= modifiers.at(key[0]);
+            held |= modifier(key[0]);
         HeadlessHoldZV(held);
-        HeadlessKeyZV(key.size() == 1 ? static_cast<unsigned char>(key[0]) : named.at(key));
+        auto const index = std::ranges::find(named, key) - std::begin(named);
+        HeadlessKeyZV(static_cast<unsigned long>(key.size() == 1 ? key[0] : ZV_KEY_LEFT + index));
         HeadlessHoldZV(0);
     }
     HeadlessRunZV(0);
@@ -111,6 +113,15 @@ void FieldTest::Click(unsigned long id, long x, long y)
     HeadlessRunZV(0);
 }
 
+std::string FieldTest::Marked_Text()
+{
+    ZVTextEditorProperties const now = Properties();
+    auto const start = static_cast<std::size_t>(now.selectionStart),
+               end = static_cast<std::size_t>(now.selectionEnd);
+    std::string text = Text();
+    return start == end ? text.insert(start, "|") : text.insert(end, "]").insert(start, "[");
+}
+
 ZVTextEditorProperties FieldTest::Properties(unsigned long id)
 {
     ZVTextEditorProperties properties{};
@@ -124,10 +135,16 @@ unsigned short FieldTest::Focus()
     return item ? static_cast<unsigned short>(item->node.id) : 0;
 }
 
-FieldTest::Picture::Picture() : bitmap_(HeadlessPictureZV(nullptr)) {}
-
-uint32_t FieldTest::Picture::At(long x, long y) const
+FieldTest::Picture::Picture(unsigned long id)
 {
-    auto const* const pixel = static_cast<ZVBufferRGBA8*>(bitmap_.get())->GetIterator(x, y);
-    return static_cast<uint32_t>(pixel->Red() << 16 | pixel->Green() << 8 | pixel->Blue());
+    ZVRectT<long> const place = Place(id);
+    width = place.width;
+    height = place.height;
+    ZVBitmap* const desktop = HeadlessPictureZV(nullptr);
+    for (long y = place.y; y < place.y + height; ++y)
+        for (long x = place.x; x < place.x + width; ++x) {
+            auto const* const pixel = static_cast<ZVBufferRGBA8*>(desktop)->GetIterator(x, y);
+            pixels.push_back(static_cast<uint32_t>(pixel->Red() << 16 | pixel->Green() << 8 | pixel->Blue()));
+        }
+    FreeBitmapZV(desktop);
 }

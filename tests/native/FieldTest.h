@@ -7,8 +7,6 @@
 #include <ZVKey.h>
 
 #include <functional>
-#include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -16,24 +14,21 @@ class FieldTest : public testing::Test {
 protected:
     static constexpr unsigned short PaletteId = 9;
 
-    /// The desktop as it shows.
-    class Picture {
-    public:
-        Picture();
-        uint32_t At(long x, long y) const;  ///< 0xRRGGBB
+    /// What shows of an item.
+    struct Picture {
+        explicit Picture(unsigned long id);
+        uint32_t At(long x, long y) const { return pixels[static_cast<std::size_t>(y * width + x)]; }
+        bool operator==(Picture const&) const = default;
 
-    private:
-        struct Releaser {
-            void operator()(ZVBitmap* bitmap) const { FreeBitmapZV(bitmap); }
-        };
-        std::unique_ptr<ZVBitmap, Releaser> bitmap_;
+        long width, height;
+        std::vector<uint32_t> pixels;  ///< 0xRRGGBB
     };
 
     FieldTest();
     ~FieldTest() override;
 
     /// Displays a palette whose groups and items are added by the function.
-    ZVPalette* Show(std::function<void()> add, ZVKind kind = ZV_KIND_FLOATER);
+    ZVPalette* Show(std::function<void()> add);
 
     /// Shows one gadget of id 1 and gives it the focus.
     void Show_Field(ZVGadgetType type, char const* text, std::vector<TagItem> tags = {});
@@ -54,6 +49,7 @@ protected:
         return FindItem2ZV(FindPaletteZV(PaletteId), static_cast<unsigned short>(id));
     }
     static std::string Text(unsigned long id = 1) { return Item(id)->editText; }
+    static std::string Marked_Text();  ///< of 1, with "|" for the caret or the selection in brackets
     static ZVTextEditorProperties Properties(unsigned long id = 1);
     static unsigned short Focus();  ///< id; 0 for none
 
