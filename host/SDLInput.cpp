@@ -178,10 +178,16 @@ void SDLDisplay::Translate_Motion(SDL_MouseMotionEvent const& motion)
 void SDLDisplay::Translate_Button(SDL_MouseButtonEvent const& button)
 {
     SDLWindow* const window = Find_Window(button.windowID);
-    if (!window || button.button > SDL_BUTTON_RIGHT) return;
-    HostEvent event =
-        Mouse_Event(button.state == SDL_PRESSED ? HostEventType::MouseDown : HostEventType::MouseUp, window,
-                    button.x, button.y);
+    bool const isPress = button.state == SDL_PRESSED;
+    if (button.button > SDL_BUTTON_RIGHT || (isPress && !window)) return;
+    HostEvent event{.type = HostEventType::MouseUp,
+                    .modifiers = Modifiers_Of(SDL_GetModState()),
+                    .x = mouseX_,
+                    .y = mouseY_};
+    // A window that goes while the button is held takes the place of the release along, but not the release.
+    if (window)
+        event = Mouse_Event(isPress ? HostEventType::MouseDown : HostEventType::MouseUp, window, button.x,
+                            button.y);
     event.button = button.button == SDL_BUTTON_LEFT     ? HostButton::Left
                    : button.button == SDL_BUTTON_MIDDLE ? HostButton::Middle
                                                         : HostButton::Right;

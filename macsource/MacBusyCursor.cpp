@@ -8,10 +8,10 @@
 namespace {
 
 constexpr int Size = 32;
-constexpr double Middle = Size / 2.0, RingRadius = 10.5, DotRadius = 3.1;
+constexpr double Middle = Size / 2.0, RingRadius = 11, DotRadius = 2.8;
 
 /// The dark rim by which the dots stand out from any ground.
-constexpr double RimRadius = DotRadius + 1.1, RimOpacity = 0.8;
+constexpr double RimRadius = DotRadius + 1.2, RimOpacity = 0.9;
 
 /// Light of the dot that leads, and what is left of it in the last one behind.
 constexpr double LeadLight = 1.0, TailLight = 0.22;

@@ -101,8 +101,8 @@ void Timers::Run_Due()
     for (Timer& timer : timers_) {
         if (!timer.isWanted() || timer.due > Now()) continue;
         // What was missed is not made up for.
-        timer.due += timer.interval;
-        if (timer.due <= Now()) timer.due = Now() + timer.interval;
+        bool const isLate = timer.due + timer.interval <= Now();
+        timer.due = (timer.due == 0 || isLate ? Now() : timer.due) + timer.interval;
         timer.run();
     }
 }

@@ -4,13 +4,15 @@
 
 #include <utility>
 
-/// Runs until the modal palette on top is closed. Events come through again, whoever held them back.
+/// Runs until the modal palette that is on top now is closed. Events come through again, whoever held them
+/// back.
 static void Run_Modal_Loop()
 {
+    ZVPalette* const palette = ZVEnv->modalPalette;
     int32_t const suspended = std::exchange(ZVEnv->eventsSuspended, 0);
-    Activate_First_Gadget(ZVEnv->modalPalette);
+    Activate_First_Gadget(palette);
     Mac_Flush_Events();
-    Mac_Run_Modal_Loop(ZVEnv->modalPalette);
+    Mac_Run_Modal_Loop(palette);
     Mac_Flush_Events();
     ZVEnv->eventsSuspended = suspended;
 }
