@@ -12,6 +12,33 @@ namespace {
 constexpr long mostSamples = UINT16_MAX;  // in a row: X values reach no further
 constexpr long blockBytes = 16;
 
+/// Columns of the source whose pixels stand side by side in the target too.
+struct ColumnRun {
+    int32_t first, end;
+};
+
+/// The runs that the columns of a target come from, from left to right.
+class ColumnRuns {
+public:
+    ColumnRuns(long step, long columns)
+        : runs_(
+              static_cast<ColumnRun*>(AllocMemZV(static_cast<unsigned long>(columns) * sizeof(ColumnRun), 0)))
+    {
+        for (long i = 0; i < columns; ++i) {
+            auto const column = static_cast<int32_t>(i * step >> 16);
+            if (count_ == 0 || runs_.get()[count_ - 1].end != column) runs_.get()[count_++].first = column;
+            runs_.get()[count_ - 1].end = column + 1;
+        }
+    }
+
+    long Count() const { return count_; }
+    ColumnRun const& operator[](long i) const { return runs_.get()[i]; }
+
+private:
+    HeapBlock<ColumnRun> runs_;
+    long count_ = 0;
+};
+
 /// The samples of a source row.
 struct SampleRow {
     uint16_t const* x;
@@ -24,34 +51,33 @@ struct SampleRow {
 /// Gathers the further samples of the pixels that a row of the target takes.
 template <int N> class SampleGatherer {
 public:
-    SampleGatherer(SampleRow const& row, long step, unsigned char* stage)
-        : row_(row), step_(step), to_(stage), full_(stage + mostSamples * N)
+    SampleGatherer(SampleRow const& row, ColumnRuns const& runs, unsigned char* stage)
+        : row_(row), runs_(runs), to_(stage), full_(stage + mostSamples * N)
     {
     }
 
     /// Tells where the samples end.
-    unsigned char const* Gather(long columns)
+    unsigned char const* Gather()
     {
-        long whole = columns;
-        while (whole > 0 && row_.x[Column(whole - 1) + 1] * N + blockBytes > row_.known * N)
+        long whole = runs_.Count();
+        while (whole > 0 && row_.x[runs_[whole - 1].end] * N + blockBytes > row_.known * N)
             --whole;
         Copy_Blocks(whole);
-        Copy_Exactly(whole, columns);
+        Copy_Exactly(whole);
         return std::min(to_, full_);
     }
 
 private:
-    long Column(long i) const { return i * step_ >> 16; }
-
-    /// Copies whole blocks: what a block holds too many, the next one overwrites. The columns are followed by
-    /// a block's worth of samples.
-    void Copy_Blocks(long columns)
+    /// Copies whole blocks: what a block holds too many, the next one overwrites. The runs are followed by a
+    /// block's worth of samples.
+    void Copy_Blocks(long runs)
     {
-        constexpr long stretch = 64;  // of columns, between which the next row is fetched
-        for (long first = 0; first < columns; first += stretch) {
-            long const end = std::min(first + stretch, columns);
-            Fetch_Ahead(row_.nextX, Column(first), Column(end - 1) + 1);
-            Fetch_Ahead(row_.next, row_.x[Column(first)] * N, row_.x[Column(end - 1) + 1] * N);
+        constexpr long stretch = 64;  // of runs, between which the next row is fetched
+        for (long first = 0; first < runs; first += stretch) {
+            long const end = std::min(first + stretch, runs);
+            ColumnRun const columns = {runs_[first].first, runs_[end - 1].end};
+            Fetch_Ahead(row_.nextX, columns.first, columns.end);
+            Fetch_Ahead(row_.next, row_.x[columns.first] * N, row_.x[columns.end] * N);
             Copy_Blocks(first, end);
         }
     }
@@ -59,15 +85,14 @@ private:
     void Copy_Blocks(long first, long end)
     {
         unsigned char* to = to_;
-        for (long i = first, position = first * step_; i < end && to < full_; ++i, position += step_) {
-            uint16_t const* const x = row_.x + (position >> 16);
-            unsigned char const* const from = row_.samples + x[0] * N;
-            long const bytes = (x[1] - x[0]) * N;
-            long done = 0;
-            do {
+        uint16_t const* const x = row_.x;
+        for (long i = first; i < end && to < full_; ++i) {
+            ColumnRun const run = runs_[i];
+            unsigned char const* const from = row_.samples + x[run.first] * N;
+            long const bytes = (x[run.end] - x[run.first]) * N;
+            std::memcpy(to, from, blockBytes);
+            for (long done = blockBytes; done < bytes; done += blockBytes)
                 std::memcpy(to + done, from + done, blockBytes);
-                done += blockBytes;
-            } while (done < bytes);
             to += bytes;
         }
         to_ = to;
@@ -82,12 +107,11 @@ private:
             hwy::Prefetch(row + i);
     }
 
-    void Copy_Exactly(long first, long end)
+    void Copy_Exactly(long first)
     {
-        for (long i = first; i < end && to_ < full_; ++i) {
-            uint16_t const* const x = row_.x + Column(i);
-            long const begin = std::min<long>(x[0], row_.known);
-            long const bytes = (std::min<long>(x[1], row_.known) - begin) * N;
+        for (long i = first; i < runs_.Count() && to_ < full_; ++i) {
+            long const begin = std::min<long>(row_.x[runs_[i].first], row_.known);
+            long const bytes = (std::min<long>(row_.x[runs_[i].end], row_.known) - begin) * N;
             if (bytes == 0) continue;
             std::memcpy(to_, row_.samples + begin * N, static_cast<std::size_t>(bytes));
             to_ += bytes;
@@ -95,7 +119,7 @@ private:
     }
 
     SampleRow row_;
-    long step_;
+    ColumnRuns const& runs_;
     unsigned char* to_;
     unsigned char* full_;
 };
@@ -104,10 +128,10 @@ private:
 class RowStage {
 public:
     RowStage(ZVGBuffer const& source, ZVGBuffer const& target, long stepX, ZVGBuffer const* xValues)
-        : source_(source), stepX_(stepX), columns_(target.Width), xValues_(xValues, source),
-          sampler_(source.Stride, 0, stepX, columns_, source.Width), front_(Alloc(target.RowBytes))
+        : source_(source), runs_(stepX, target.Width), xValues_(xValues, source),
+          sampler_(source.Stride, 0, stepX, target.Width, source.Width), front_(Alloc(target.RowBytes))
     {
-        // The pixel that fills the row may have as many samples again.
+        // The run that fills the row may have as many samples again.
         if (Is_Deep()) samples_ = Alloc(2 * mostSamples * source.Stride + blockBytes);
     }
 
@@ -133,7 +157,7 @@ private:
 
     template <int N> unsigned char const* Gather(SampleRow const& row)
     {
-        return SampleGatherer<N>(row, stepX_, samples_.get()).Gather(columns_);
+        return SampleGatherer<N>(row, runs_, samples_.get()).Gather();
     }
 
     void Make_Samples(long row, long next)
@@ -154,8 +178,7 @@ private:
     }
 
     ZVGBuffer const& source_;
-    long stepX_;
-    long columns_;
+    ColumnRuns runs_;
     XValueRows xValues_;
     RowSampler sampler_;
     HeapBlock<unsigned char> front_;
