@@ -5,7 +5,9 @@
 #include "ZVLibInternal.h"
 
 #include <algorithm>
+#include <array>
 #include <hwy/cache_control.h>
+#include <optional>
 
 namespace {
 
@@ -84,14 +86,17 @@ private:
 
     void Copy_Blocks(long first, long end)
     {
+        // Bytes may overlap anything, so what the loop reads is kept out of their reach.
         unsigned char* to = to_;
+        unsigned char* const full = full_;
         uint16_t const* const x = row_.x;
-        for (long i = first; i < end && to < full_; ++i) {
-            ColumnRun const run = runs_[i];
-            unsigned char const* const from = row_.samples + x[run.first] * N;
-            long const bytes = (x[run.end] - x[run.first]) * N;
+        unsigned char const* const samples = row_.samples;
+        for (ColumnRun const *run = &runs_[first], *last = run + (end - first); run < last && to < full;
+             ++run) {
+            unsigned long const begin = x[run->first], bytes = (x[run->end] - begin) * N;
+            unsigned char const* const from = samples + begin * N;
             std::memcpy(to, from, blockBytes);
-            for (long done = blockBytes; done < bytes; done += blockBytes)
+            for (unsigned long done = blockBytes; done < bytes; done += blockBytes)
                 std::memcpy(to + done, from + done, blockBytes);
             to += bytes;
         }
@@ -124,12 +129,55 @@ private:
     unsigned char* full_;
 };
 
+/// Samplers of rows in which all pixels have as many samples, by the bytes that these take: there a pixel's
+/// samples are sampled like one larger pixel.
+class EvenSamplers {
+public:
+    EvenSamplers(ZVGBuffer const& source, ZVGBuffer const& target, long step)
+        : source_(source), columns_(target.Width), step_(step)
+    {
+    }
+
+    /// Samples such a row into `stage`, and tells the bytes; -1 for any other row.
+    long Sample(SampleRow const& row, unsigned char* stage)
+    {
+        long const each = row.x[1] - row.x[0], bytes = each * source_.Stride;
+        bool const fits =
+            bytes <= most && columns_ * each <= mostSamples && row.x[source_.Width] <= row.known;
+        if (!fits || !Is_Even(row.x)) return -1;
+        if (bytes == 0) return 0;
+        auto& sampler = samplers_[bytes];
+        if (!sampler) sampler.emplace(bytes, 0, step_, columns_, source_.Width);
+        long const start = row.x[0] * source_.Stride;
+        sampler->Sample(row.samples + start, row.next, stage);
+        return columns_ * bytes;
+    }
+
+private:
+    static constexpr long most = 6;  // bytes, which a sampler shuffles several at a time
+
+    bool Is_Even(uint16_t const* x) const
+    {
+        auto const each = static_cast<uint16_t>(x[1] - x[0]);
+        uint16_t differs = 0;  // as wide as the elements, for the vectoriser
+        for (long i = 0; i < source_.Width; ++i)
+            differs = static_cast<uint16_t>(differs | (static_cast<uint16_t>(x[i + 1] - x[i]) ^ each));
+        return differs == 0;
+    }
+
+    ZVGBuffer const& source_;
+    long columns_;
+    long step_;
+    std::array<std::optional<RowSampler>, most + 1> samplers_;
+};
+
 /// A row of the target in the making: its front samples and its further ones.
 class RowStage {
 public:
     RowStage(ZVGBuffer const& source, ZVGBuffer const& target, long stepX, ZVGBuffer const* xValues)
-        : source_(source), runs_(stepX, target.Width), xValues_(xValues, source),
-          sampler_(source.Stride, 0, stepX, target.Width, source.Width), front_(Alloc(target.RowBytes))
+        : source_(source), runs_(stepX, target.Width), even_(source, target, stepX),
+          xValues_(xValues, source), sampler_(source.Stride, 0, stepX, target.Width, source.Width),
+          front_(Alloc(target.RowBytes))
     {
         // The run that fills the row may have as many samples again.
         if (Is_Deep()) samples_ = Alloc(2 * mostSamples * source.Stride + blockBytes);
@@ -166,6 +214,8 @@ private:
         unsigned char const* const ahead = source_.Layers[next].Records;
         SampleRow const from = {xValues_.Row(row), layer.Records, Sample_Count(layer), xValues_.Seen(next),
                                 ahead ? ahead : layer.Records};
+        sampleBytes_ = even_.Sample(from, samples_.get());
+        if (sampleBytes_ >= 0) return;
         unsigned char const* end;
         switch (source_.Stride) {
         case 1: end = Gather<1>(from); break;
@@ -179,6 +229,7 @@ private:
 
     ZVGBuffer const& source_;
     ColumnRuns runs_;
+    EvenSamplers even_;
     XValueRows xValues_;
     RowSampler sampler_;
     HeapBlock<unsigned char> front_;
