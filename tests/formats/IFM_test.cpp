@@ -14,12 +14,12 @@ protected:
     ~Modules() override { Behave(nullptr); }
 
     /// Puts the module in Plugins, under some names, and registers all formats.
-    void Register(std::initializer_list<char const*> names = {"a.ifm"})
+    void Register(std::initializer_list<char const*> names = {"a.ifm"}, char const* module = ZV_TEST_MODULE)
     {
         for (char const* name : names) {
             fs::path const path = environment.Path(std::string("Plugins/") + name);
             fs::create_directories(path.parent_path());
-            fs::copy_file(ZV_TEST_MODULE, path);
+            fs::copy_file(module, path);
         }
         InitAllFormatModulesZV(nullptr);
     }
@@ -68,6 +68,13 @@ TEST_F(Modules, AreFoundByExtensionInPluginsAndBelow)
     Free_Format_Modules();
     InitFormatModulesZV(nullptr);
     EXPECT_TRUE(Found().empty()) << "the built-in ones alone";
+}
+
+TEST_F(Modules, OfAnotherRecordLayoutAreRefused)
+{
+    Register({"a.ifm"}, ZV_PACKED_MODULE);
+    EXPECT_TRUE(Found().empty());
+    EXPECT_FALSE(Is_Loaded());
 }
 
 TEST_F(Modules, StandBeforePlainPlugIns)
