@@ -10,7 +10,9 @@
 
 #include <ZVLib.h>
 
+#include <cstring>
 #include <memory>
+#include <thread>
 
 namespace {
 
@@ -71,9 +73,40 @@ ZVPalette* Show_Buttons()
     }
     EndGroupZV(1, 0, 0, "", ZV_GRP_GROW_WIDTH, 100, 0);
     EndPaletteZV(1, "buttons", nullptr);
-    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_DOCUMENT, 0);
+    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_DOCUMENT, ZV_PAL_FLAGS, ZV_PALF_SIZE_BOTH, 0);
     AdvanceGUIZV(0);
     return palette;
+}
+
+// ---- the desktop ------------------------------------------------------------------------------------------
+
+/// The window of that title below another one; 0 when there is none.
+Window Find_Window(Display* display, Window parent, char const* title)
+{
+    Window root = 0, above = 0, *children = nullptr, found = 0;
+    unsigned count = 0;
+    if (!XQueryTree(display, parent, &root, &above, &children, &count)) return 0;
+    for (unsigned i = 0; i < count && !found; ++i) {
+        XTextProperty name;
+        if (XGetWMName(display, children[i], &name) && name.value) {
+            if (std::strcmp(reinterpret_cast<char const*>(name.value), title) == 0) found = children[i];
+            XFree(name.value);
+        }
+        if (!found) found = Find_Window(display, children[i], title);
+    }
+    if (children) XFree(children);
+    return found;
+}
+
+/// Gives a window a size that is larger by a step, and waits until the event is on its way to the program.
+void Give_Size(char const* title, int step)
+{
+    static Display* const display = XOpenDisplay(nullptr);
+    Window const window = Find_Window(display, DefaultRootWindow(display), title);
+    XResizeWindow(display, window, static_cast<unsigned>(WindowWidth + 40 + step),
+                  static_cast<unsigned>(WindowHeight + 40 + step));
+    XSync(display, False);
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
 }
 
 // ---- both -------------------------------------------------------------------------------------------------
@@ -112,19 +145,21 @@ void Register_All()
     Bench::Register("Window/resize/1000", 0.5, [] {
         auto const interface = std::make_shared<Interface>();
         std::shared_ptr<Fl_Double_Window> const peer = Make_Peer();
-        ZVPalette* const palette = Show_Buttons();
+        Show_Buttons();
         Show_Peer(*peer);
         auto const size = std::make_shared<int>(0);
-        return std::tuple(
-            [interface, palette, size] {
-                ResizePaletteZV(palette, WindowWidth + 40 + *size, WindowHeight + 40 + *size);
-                AdvanceGUIZV(0);
-            },
-            [peer, size] {
-                peer->size(WindowWidth + *size, WindowHeight + *size);
-                Finish_Drawing();
-            },
-            [size, calls = std::make_shared<int>(0)] { *size = ++*calls / 2 % 20; });
+        // The desktop gives both windows their size, as it does while an edge is dragged; each program then
+        // handles what waits for it.
+        return std::tuple([interface] { AdvanceGUIZV(0); },
+                          [peer] {
+                              Fl::check();
+                              Finish_Drawing();
+                          },
+                          [peer, size] {
+                              ++*size;
+                              Give_Size("buttons", *size % 20);
+                              Give_Size("peer", *size % 20);
+                          });
     });
 }
 

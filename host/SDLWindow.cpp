@@ -172,6 +172,8 @@ HostFrame SDLWindow::Frame() const
 
 void SDLWindow::Set_Size_Limits(int minWidth, int minHeight, int maxWidth, int maxHeight)
 {
+    SizeLimits const limits{minWidth, minHeight, maxWidth, maxHeight};
+    if (std::exchange(limits_, limits) == limits) return;  // to tell the desktop takes round trips
     int const unit = display_.Unit();
     // SDL takes no limit of 0.
     SDL_SetWindowMinimumSize(window_, std::max(minWidth, 1) * unit, std::max(minHeight, 1) * unit);

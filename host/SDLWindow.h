@@ -45,10 +45,16 @@ private:
     void Move_To(int left, int top);
     void Show_Region(HostRegion const& region);
 
+    struct SizeLimits {
+        int minWidth = 0, minHeight = 0, maxWidth = 0, maxHeight = 0;
+        bool operator==(SizeLimits const&) const = default;
+    };
+
     SDLDisplay& display_;
     HostWindowRequest request_;
     HostRect client_;
     WindowPixels pixels_;
+    SizeLimits limits_;
     SDL_Window* window_ = nullptr;
     bool isShown_ = false, isZoomed_ = false;
     bool isExposed_ = false;

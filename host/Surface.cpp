@@ -189,7 +189,7 @@ unsigned char* HostSurface::Address(int x, int y) const
 template <typename Visit> void HostSurface::Visit_Clip(HostRect const& rect, Visit&& visit) const
 {
     HostRect const inside = Intersection(rect, clip_.Bounds());
-    if (inside.IsEmpty()) return;
+    if (inside.IsEmpty() || isQuiet_) return;
     int const count = clip_.Box_Count();
     if (count == 1) {
         visit(inside);

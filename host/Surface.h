@@ -45,6 +45,9 @@ public:
     bool Read(int x, int y, uint32_t& color) const;
     void Write(int x, int y, uint32_t color) { Fill(HostRect{x, y, x + 1, y + 1}, color); }
 
+    /// While it is quiet nothing is drawn: what would be comes again anyway.
+    void Set_Quiet(bool isQuiet) { isQuiet_ = isQuiet; }
+
     /// From now on gathers the rectangles that drawing changed, for whoever shows the surface.
     void Track_Touched() { isTracking_ = true; }
 
@@ -65,4 +68,5 @@ private:
     HostRegion touched_;
     HostRect lastTouched_;  // a part of it
     bool isTracking_ = false;
+    bool isQuiet_ = false;
 };

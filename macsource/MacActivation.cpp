@@ -66,17 +66,22 @@ void Window_Went_Back()
     Follow_Front_Window();
 }
 
+/// Another application was in front, and may have changed how things look.
+static bool wasInBack = false;
+
 void Application_Came_Front()
 {
     if (!Display()->Front_Window()) return;
     Mac_Show_Floaters();
-    RefreshUIZV();
+    // At the start all has just been drawn.
+    if (std::exchange(wasInBack, false)) RefreshUIZV();
     Follow_Front_Window();
 }
 
 void Application_Went_Back()
 {
     if (Display()->Front_Window()) return;
+    wasInBack = true;
     Close_Pop_Ups(nullptr);
     // An application of floaters alone would have nothing left to come back by.
     if (Mac_FrontNonFloatingWindow()) Mac_Hide_Floaters();
@@ -90,12 +95,14 @@ void Fit_Palette_To_Window(ZVWindow& window)
     Invalidate(window);
     ZVPalette* const palette = window.activePalette;
     if (!palette) return;
-    // All of a document is drawn again, so nothing is erased where it was.
+    // All of a document is drawn again, so nothing is erased where it was, nor drawn where it goes.
     bool const isDocument = window.kind == ZV_KIND_DOCUMENT;
     int32_t const erases = std::exchange(ZVEnv->eraseOnDestroy, isDocument ? 0 : ZVEnv->eraseOnDestroy);
+    window.sysWindow->port.surface.Set_Quiet(isDocument);
     Rebuild_SysPalette(palette, window.width, window.height - palette->y);
     ZVEnv->eraseOnDestroy = erases;
     if (!Is_Window(&window) || !window.sysWindow) return;
+    window.sysWindow->port.surface.Set_Quiet(false);
     Move_Sliders(&window);
     if (isDocument) Invalidate(window);
 }

@@ -23,6 +23,7 @@ struct Entry {
     std::size_t name;  ///< native, by its place in `names`
     OSEntryKind kind;
     bool isLink;
+    ZVCreatorPair codes = {ZV_BLANK_CODE, ZV_BLANK_CODE};
 };
 
 /// A directory, read in one go: a walk into the depth then keeps no descriptors open.
@@ -101,28 +102,51 @@ int Read_Directory(char const* path, Listing& listing)
     return 0;
 }
 
-/// Shows the entries to `visit`; `path` is that of the directory.
-template <typename Visit>
-void Show_Entries(Listing const& listing, std::string_view path, bool wantsCodes, Visit visit)
-{
+/// Files whose codes are being read, by several tasks at a time.
+struct CodeReading {
+    Listing& listing;
+    std::string_view path;
+};
+
+/// A share of the files, as MPForkZV deals them out. 0 without memory.
+long Read_Share_Of_Codes(long index, long count, void* data)
+try {
+    auto const& [listing, path] = *static_cast<CodeReading const*>(data);
+    auto const entries = static_cast<long>(listing.entries.size());
     std::string full(path);
     if (!full.ends_with('/')) full += '/';
     std::size_t const directorySize = full.size();
+    for (long i = entries * (index - 1) / count; i < entries * index / count; ++i) {
+        Entry& entry = listing.entries[static_cast<std::size_t>(i)];
+        if (entry.kind != OSEntryKind::File) continue;
+        full.replace(directorySize, full.npos, listing.Name(entry));
+        entry.codes = Mac_Read_Codes(full.c_str());
+    }
+    return 1;
+} catch (std::bad_alloc const&) {
+    return 0;
+}
+
+/// Reads the codes of all files. Each takes a call of the system, which makes up most of the time of a walk.
+void Read_Codes(Listing& listing, std::string_view path)
+{
+    constexpr std::size_t worthTask = 32;  // files that take as long as a task takes to start
+    CodeReading reading = {listing, path};
+    if (!MPForkZV(Read_Share_Of_Codes, &reading, static_cast<long>(listing.entries.size() / worthTask)))
+        throw std::bad_alloc();
+}
+
+/// Shows the entries to `visit`.
+template <typename Visit> void Show_Entries(Listing const& listing, Visit visit)
+{
     std::string spelled;
     for (Entry const& entry : listing.entries) {
         char const* name = listing.Name(entry);
-        OSDirectoryEntry shown = {name, entry.kind, entry.isLink, ZV_BLANK_CODE, ZV_BLANK_CODE};
-        if (wantsCodes && entry.kind == OSEntryKind::File) {
-            full.replace(directorySize, full.npos, name);
-            ZVCreatorPair const codes = Mac_Read_Codes(full.c_str());
-            shown.type = codes.type;
-            shown.creator = codes.creator;
-        }
         if (std::strpbrk(name, ":\\")) {
             spelled = Mac_Name_To_Spec(name);
-            shown.name = spelled.c_str();
+            name = spelled.c_str();
         }
-        if (!visit(shown)) return;
+        if (!visit({name, entry.kind, entry.isLink, entry.codes.type, entry.codes.creator})) return;
     }
 }
 
@@ -136,7 +160,8 @@ template <typename Visit> bool List_Directory(char const* spec, bool wantsCodes,
         if (error == 0) error = Read_Directory(path.Text(), listing);
         Mac_Set_File_Error(error);
         if (error) return false;
-        Show_Entries(listing, path.View(), wantsCodes, visit);
+        if (wantsCodes) Read_Codes(listing, path.View());
+        Show_Entries(listing, visit);
         return true;
     } catch (std::bad_alloc const&) {
         SetError(ZV_ERR_MEMORY);

@@ -87,6 +87,37 @@ uint32_t Background_Of(ZVWindow const& window)
     return static_cast<uint32_t>(GetColorZV(isBehind ? ZV_PEN_ROOT : ZV_PEN_PALETTE));
 }
 
+static WindowLimits Limits_For(ZVWindow const& window, ZVPalette const* palette)
+{
+    constexpr int unlimited = 16384;
+    HostRect const client = window.sysWindow->host->Client();
+    WindowLimits limits{client.Width(), client.Height(), client.Width(), client.Height()};
+    if (!palette) return limits;
+    WindowStrips const strips = Strips_Of(window.flags);
+    bool const isBoth = window.kind == ZV_KIND_APP || window.flags & ZV_PALF_SIZE_BOTH;
+    if (isBoth || window.flags & ZV_PALF_SIZE_X) {
+        limits.minWidth = palette->minWidth + strips.right;
+        limits.maxWidth = unlimited;
+    }
+    if (isBoth || window.flags & ZV_PALF_SIZE_Y) {
+        limits.minHeight = palette->minHeight + palette->y + strips.bottom;
+        limits.maxHeight = unlimited;
+    }
+    return limits;
+}
+
+WindowLimits Limits_Of(ZVWindow const& window)
+{
+    return Limits_For(window, window.activePalette);
+}
+
+static void Limit_Size(ZVWindow& window, ZVPalette const& palette)
+{
+    WindowLimits const limits = Limits_For(window, &palette);
+    window.sysWindow->host->Set_Size_Limits(limits.minWidth, limits.minHeight, limits.maxWidth,
+                                            limits.maxHeight);
+}
+
 // ---- making and freeing -----------------------------------------------------------------------------------
 
 ZVSysWindow::ZVSysWindow(ZVWindow& owner, std::unique_ptr<HostWindow> made)
@@ -118,6 +149,7 @@ long Make_SysWindow(ZVWindow* window, ZVPalette* palette)
     window->sysWindow = new ZVSysWindow(*window, std::move(host));
     window->sysWindow->title = request.title;
     Make_Bars(*window);
+    if (palette) Limit_Size(*window, *palette);
     if (palette) ZVEnv->pendingPalette = palette;
     window->sysWindow->host->Show();
     if (window->kind == ZV_KIND_ROOT || window->kind == ZV_KIND_APP) ZVEnv->rootSysWindow = window->sysWindow;
@@ -154,13 +186,16 @@ static void Replace_Native(ZVWindow& window, ZVPalette& palette)
     if (Make_SysWindow(&window, &palette)) Invalidate(window);
 }
 
-/// Background for what the surface has gained, and a new look for all that stands at its edges.
+/// Background for what the surface has gained; what lies there has to be drawn again.
 static void Cover_New_Area(ZVSysWindow& native)
 {
     HostRect const all = native.port.surface.Bounds();
-    uint32_t const color = Background_Of(native.window);
-    native.port.surface.Fill({native.knownWidth, 0, all.right, all.bottom}, color);
-    native.port.surface.Fill({0, native.knownHeight, all.right, all.bottom}, color);
+    for (HostRect const& strip : {HostRect{native.knownWidth, 0, all.right, all.bottom},
+                                  HostRect{0, native.knownHeight, all.right, all.bottom}}) {
+        if (strip.IsEmpty()) continue;
+        native.port.surface.Fill(strip, Background_Of(native.window));
+        Invalidate(native.window, strip);
+    }
     native.knownWidth = all.right;
     native.knownHeight = all.bottom;
 }
@@ -171,7 +206,6 @@ static void Resize_Native(ZVWindow& window, long width, long height)
     window.height = static_cast<int32_t>(height);
     window.sysWindow->host->Set_Client(Host_Client(window));
     Cover_New_Area(*window.sysWindow);
-    Invalidate(window);
 }
 
 void Rebuild_SysWindow(ZVWindow* window, ZVPalette* palette)
@@ -186,7 +220,7 @@ void Rebuild_SysWindow(ZVWindow* window, ZVPalette* palette)
             Resize_Native(*window, palette->width, height);
     }
     if (!window->sysWindow) return;
-    Limit_Size(*window);
+    Limit_Size(*window, *palette);
     Move_Sliders(window);
     char const* const title = Title_For(*window, palette);
     if (strcasecmp(title, window->sysWindow->title.c_str()) != 0) Set_SysWindowName(window, title);
@@ -204,34 +238,6 @@ bool Take_Bounds(ZVWindow& window)
     window.height = height;
     Cover_New_Area(*window.sysWindow);
     return isResized;
-}
-
-WindowLimits Limits_Of(ZVWindow const& window)
-{
-    constexpr int unlimited = 16384;
-    HostRect const client = window.sysWindow->host->Client();
-    WindowLimits limits{client.Width(), client.Height(), client.Width(), client.Height()};
-    ZVPalette const* const palette = window.activePalette;
-    if (!palette) return limits;
-    WindowStrips const strips = Strips_Of(window.flags);
-    bool const isBoth = window.kind == ZV_KIND_APP || window.flags & ZV_PALF_SIZE_BOTH;
-    if (isBoth || window.flags & ZV_PALF_SIZE_X) {
-        limits.minWidth = palette->minWidth + strips.right;
-        limits.maxWidth = unlimited;
-    }
-    if (isBoth || window.flags & ZV_PALF_SIZE_Y) {
-        limits.minHeight = palette->minHeight + palette->y + strips.bottom;
-        limits.maxHeight = unlimited;
-    }
-    return limits;
-}
-
-void Limit_Size(ZVWindow& window)
-{
-    if (!window.sysWindow || !window.activePalette) return;
-    WindowLimits const limits = Limits_Of(window);
-    window.sysWindow->host->Set_Size_Limits(limits.minWidth, limits.minHeight, limits.maxWidth,
-                                            limits.maxHeight);
 }
 
 void Set_SysWindowName(ZVWindow* window, char const* name)

@@ -67,7 +67,6 @@ struct WindowLimits {
     int minWidth, minHeight, maxWidth, maxHeight;
 };
 WindowLimits Limits_Of(ZVWindow const& window);
-void Limit_Size(ZVWindow& window);  ///< Tells them to the desktop.
 
 /// The grow box in the client area; empty for a window without.
 HostRect Grow_Box(ZVWindow const& window);

@@ -92,8 +92,8 @@ void Add_Lists()
     EndGroupZV(ListGroup, below, CheckGroup, "Lists", ZV_GRP_BORDER, 1, ZV_GRP_GROW_HEIGHT, 100, 0);
 
     InitGroupZV();
-    AddGadgetZV(Editor, first, 0, ZV_GAD_EDITOR, ZV_SIZE_XXLARGE, "", ZV_ITEM_MAX_CHARS, 4000,
-                ZV_ITEM_ROWS_HINT, 6, ZV_ITEM_GROW_WIDTH, 100, ZV_ITEM_GROW_HEIGHT, 100, 0);
+    AddGadgetZV(Editor, first, 0, ZV_GAD_EDITOR, ZV_SIZE_CUSTOM, "", ZV_ITEM_WIDTH, 300, ZV_ITEM_HEIGHT, 96,
+                ZV_ITEM_MAX_CHARS, 4000, ZV_ITEM_GROW_WIDTH, 100, ZV_ITEM_GROW_HEIGHT, 100, 0);
     SetTextGadgetStateZV(Editor, "Text of several lines, broken at words where it does not fit.\n\n"
                                  "Everything here is drawn by the library itself.");
     EndGroupZV(EditorGroup, beside, ListGroup, "Editor", ZV_GRP_BORDER, 1, ZV_GRP_GROW_WIDTH, 100,
@@ -106,7 +106,8 @@ void Add_Actions()
     AddGadgetZV(OpenDialog, first, 0, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Dialog...", 0, 0);
     AddGadgetZV(OpenPopUp, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Pop-up", 0, 0);
     AddGadgetZV(MoreRows, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "More rows", 0, 0);
-    AddTextZV(0, ZV_Position(ZV_POS_AFTER, ZV_POS_ALIGN_CENTER), -1, "Theme", ZV_GAP_EXTRA, 1, 0);
+    AddTextZV(0, beside, -1, "Theme", ZV_GAP_EXTRA, 1,
+              ZV_ITEM_CENTER_TEXT, 1, 0);
     AddGadgetZV(LightTheme, ZV_Position(ZV_POS_AFTER, ZV_POS_ALIGN_START), MoreRows, ZV_GAD_RADIO,
                 ZV_SIZE_SMALL, "Light", ZV_GAP_FIXED, 80, 0);
     AddGadgetZV(DarkTheme, beside, -1, ZV_GAD_RADIO, ZV_SIZE_SMALL, "Dark", 0, 0);

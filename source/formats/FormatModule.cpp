@@ -1,6 +1,11 @@
 // See FormatModule.h.
 #include "FormatModule.h"
 
+#include "Locale/ZVLibStr.h"
+
+#include <new>
+#include <string>
+
 long Always_Ready(ZVClip*, long)
 {
     return 1;
@@ -10,6 +15,19 @@ char const* Format_Name(unsigned long stringId, char const* fallback)
 {
     char const* name = GetStringZV(stringId);
     return *name ? name : fallback;
+}
+
+void Show_Scan_Progress(ZVScanDesc const* scan, char const* name, char const* tail)
+try {
+    if (!scan || !scan->DrawInfo || !name) return;
+    std::string const text = std::string(GetStringZV(ZVSTR_LOADING)) + name + tail;
+    SetPenZV(scan->DrawInfo, ZV_PEN_TEXT);
+    SetBGPenZV(scan->DrawInfo, ZV_PEN_PALETTE);
+    SetFontZV(scan->DrawInfo, 0);
+    EraseRectZV(scan->DrawInfo, scan->X, scan->Y, scan->X + scan->Width - 1, scan->Y + scan->Height - 1);
+    DrawTextZV(scan->DrawInfo, text.c_str(), scan->X, scan->Y);
+} catch (std::bad_alloc const&) {
+    SetError(ZV_ERR_MEMORY);  // the module is registered all the same
 }
 
 bool Read_At(ZVFileInfo* file, int64_t end, int64_t offset, void* destination, int64_t size)

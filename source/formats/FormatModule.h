@@ -28,6 +28,11 @@ template <long properties> long Export_Properties(ZVFormatDesc*, ZVClip*)
 /// could not be picked.
 char const* Format_Name(unsigned long stringId, char const* fallback);
 
+/// Tells in the rectangle of a scan which module is being registered; nothing without a place for it.
+/// @param name  null without memory: nothing is told then either
+/// @param tail  what is to follow the name
+void Show_Scan_Progress(ZVScanDesc const* scan, char const* name, char const* tail);
+
 /// Reads `size` bytes from `offset` on. False, with nothing read, when they do not all lie before `end`,
 /// which must not exceed the length of the file.
 bool Read_At(ZVFileInfo* file, int64_t end, int64_t offset, void* destination, int64_t size);

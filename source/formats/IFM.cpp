@@ -3,6 +3,7 @@
 #include "ZVLibInternal.h"
 #include "ZVModule.h"
 
+#include "formats/FormatModule.h"
 #include "foundation/HeapBlock.h"
 
 #include <cstring>
@@ -254,7 +255,7 @@ void Unload_IFM(ZVFormatDesc* desc)
     Put_Stubs(desc);
 }
 
-long Init_IFM(char const* spec, ZVScanDesc*)
+long Init_IFM(char const* spec, ZVScanDesc* scan)
 {
     if (!spec || !ZVEnv) return 0;
     auto* const desc = static_cast<ZVFormatDesc*>(AllocMemZV(sizeof(ZVFormatDesc), ZV_MEM_CLEAR));
@@ -271,6 +272,6 @@ long Init_IFM(char const* spec, ZVScanDesc*)
     Unload_IFM(desc);
     if (!desc->Node.name) AddName(&desc->Node, "");
     Insert_Loaded_Format(desc);
-    // FIXME: shows string 106 and the module's name in the scan's rectangle, once there are draw contexts.
+    Show_Scan_Progress(scan, desc->Node.name, "");
     return 1;
 }

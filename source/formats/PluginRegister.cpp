@@ -1,5 +1,6 @@
 // Photoshop format plug-ins in the list of formats: how one gets there from its resources, and the entries
 // that have nothing to do with frames.
+#include "FormatModule.h"
 #include "PluginCall.h"
 #include "PluginEntries.h"
 #include "PluginProperties.h"
@@ -139,22 +140,23 @@ ZVFormatDesc* Make_Desc(PluginProperties const& plugin, std::string const& name,
 }
 
 /// A plug-in for hosts of this library stands with its modules, under its name alone.
-long Register(PluginProperties const& plugin, std::string name, char const* spec)
+/// @param progress  what progress shows behind the name
+long Register(PluginProperties const& plugin, std::string name, ZVPluginScan const& scan,
+              char const* progress)
 {
     bool const isOurs = plugin.flags & ZV_PLUGIN_HOST;
     if (name.empty()) {
         char fileName[ZV_SPEC_SIZE];
-        name = GetFileNameZV(spec, fileName);
+        name = GetFileNameZV(scan.FileSpec, fileName);
     }
-    ZVFormatDesc* const desc = Make_Desc(plugin, isOurs ? name : "PS " + name, spec);
+    ZVFormatDesc* const desc = Make_Desc(plugin, isOurs ? name : "PS " + name, scan.FileSpec);
     if (!desc) return 0;
     Set_Entries(desc);
     if (isOurs)
         Insert_Loaded_Format(desc);
     else
         AddTail(&ZVEnv->formats, &desc->Node);
-    // FIXME: shows string 106 and the name, and for a property list fourteen blanks, in the scan's rectangle,
-    // once there are draw contexts.
+    Show_Scan_Progress(scan.Scan, name.c_str(), progress);
     return 1;
 }
 
@@ -162,14 +164,14 @@ long Register(PluginProperties const& plugin, std::string name, char const* spec
 /// @param name  of the plug-in where the resource has none
 long Parse_Resource(ZVResource const* resource, long (*flip)(void*, long),
                     bool (*parse)(std::span<uint8_t const>, PluginProperties&), std::string const& name,
-                    ZVPluginScan const& scan)
+                    ZVPluginScan const& scan, char const* progress)
 {
     if (!resource || !resource->Data || resource->Size < 1 || !ZVEnv) return 0;
     auto const* const data = static_cast<uint8_t const*>(resource->Data);
     std::vector<uint8_t> bytes(data, data + resource->Size);
     PluginProperties plugin;
     if (flip(bytes.data(), resource->Size) != 0 || !parse(bytes, plugin)) return 0;
-    return Register(plugin, plugin.name.empty() ? name : plugin.name, scan.FileSpec);
+    return Register(plugin, plugin.name.empty() ? name : plugin.name, scan, progress);
 }
 
 /// A plug-in that there is no memory for is refused.
@@ -188,13 +190,15 @@ template <typename Parse> long Guarded(Parse parse)
 long Parse_PIPL(ZVResource* resource, long data)
 {
     auto const& scan = *reinterpret_cast<ZVPluginScan const*>(data);
-    return Guarded([&] { return Parse_Resource(resource, Flip_PiPL, Parse_Property_List, "", scan); });
+    return Guarded(
+        [&] { return Parse_Resource(resource, Flip_PiPL, Parse_Property_List, "", scan, "              "); });
 }
 
 long Parse_PIMI(ZVResource* resource, long data)
 {
     auto const& scan = *reinterpret_cast<ZVPluginScan const*>(data);
-    return Guarded([&] { return Parse_Resource(resource, Flip_PIMI, Parse_Module_Info, scan.Name, scan); });
+    return Guarded(
+        [&] { return Parse_Resource(resource, Flip_PIMI, Parse_Module_Info, scan.Name, scan, ""); });
 }
 
 long Parse_8BIF(ZVResource* resource, long data)

@@ -5,12 +5,41 @@
 #include "ZVLibInternal.h"
 
 #include <algorithm>
+#include <array>
 #include <hwy/cache_control.h>
+#include <optional>
 
 namespace {
 
 constexpr long mostSamples = UINT16_MAX;  // in a row: X values reach no further
 constexpr long blockBytes = 16;
+
+/// Columns of the source whose pixels stand side by side in the target too.
+struct ColumnRun {
+    int32_t first, end;
+};
+
+/// The runs that the columns of a target come from, from left to right.
+class ColumnRuns {
+public:
+    ColumnRuns(long step, long columns)
+        : runs_(
+              static_cast<ColumnRun*>(AllocMemZV(static_cast<unsigned long>(columns) * sizeof(ColumnRun), 0)))
+    {
+        for (long i = 0; i < columns; ++i) {
+            auto const column = static_cast<int32_t>(i * step >> 16);
+            if (count_ == 0 || runs_.get()[count_ - 1].end != column) runs_.get()[count_++].first = column;
+            runs_.get()[count_ - 1].end = column + 1;
+        }
+    }
+
+    long Count() const { return count_; }
+    ColumnRun const& operator[](long i) const { return runs_.get()[i]; }
+
+private:
+    HeapBlock<ColumnRun> runs_;
+    long count_ = 0;
+};
 
 /// The samples of a source row.
 struct SampleRow {
@@ -24,50 +53,51 @@ struct SampleRow {
 /// Gathers the further samples of the pixels that a row of the target takes.
 template <int N> class SampleGatherer {
 public:
-    SampleGatherer(SampleRow const& row, long step, unsigned char* stage)
-        : row_(row), step_(step), to_(stage), full_(stage + mostSamples * N)
+    SampleGatherer(SampleRow const& row, ColumnRuns const& runs, unsigned char* stage)
+        : row_(row), runs_(runs), to_(stage), full_(stage + mostSamples * N)
     {
     }
 
     /// Tells where the samples end.
-    unsigned char const* Gather(long columns)
+    unsigned char const* Gather()
     {
-        long whole = columns;
-        while (whole > 0 && row_.x[Column(whole - 1) + 1] * N + blockBytes > row_.known * N)
+        long whole = runs_.Count();
+        while (whole > 0 && row_.x[runs_[whole - 1].end] * N + blockBytes > row_.known * N)
             --whole;
         Copy_Blocks(whole);
-        Copy_Exactly(whole, columns);
+        Copy_Exactly(whole);
         return std::min(to_, full_);
     }
 
 private:
-    long Column(long i) const { return i * step_ >> 16; }
-
-    /// Copies whole blocks: what a block holds too many, the next one overwrites. The columns are followed by
-    /// a block's worth of samples.
-    void Copy_Blocks(long columns)
+    /// Copies whole blocks: what a block holds too many, the next one overwrites. The runs are followed by a
+    /// block's worth of samples.
+    void Copy_Blocks(long runs)
     {
-        constexpr long stretch = 64;  // of columns, between which the next row is fetched
-        for (long first = 0; first < columns; first += stretch) {
-            long const end = std::min(first + stretch, columns);
-            Fetch_Ahead(row_.nextX, Column(first), Column(end - 1) + 1);
-            Fetch_Ahead(row_.next, row_.x[Column(first)] * N, row_.x[Column(end - 1) + 1] * N);
+        constexpr long stretch = 64;  // of runs, between which the next row is fetched
+        for (long first = 0; first < runs; first += stretch) {
+            long const end = std::min(first + stretch, runs);
+            ColumnRun const columns = {runs_[first].first, runs_[end - 1].end};
+            Fetch_Ahead(row_.nextX, columns.first, columns.end);
+            Fetch_Ahead(row_.next, row_.x[columns.first] * N, row_.x[columns.end] * N);
             Copy_Blocks(first, end);
         }
     }
 
     void Copy_Blocks(long first, long end)
     {
+        // Bytes may overlap anything, so what the loop reads is kept out of their reach.
         unsigned char* to = to_;
-        for (long i = first, position = first * step_; i < end && to < full_; ++i, position += step_) {
-            uint16_t const* const x = row_.x + (position >> 16);
-            unsigned char const* const from = row_.samples + x[0] * N;
-            long const bytes = (x[1] - x[0]) * N;
-            long done = 0;
-            do {
+        unsigned char* const full = full_;
+        uint16_t const* const x = row_.x;
+        unsigned char const* const samples = row_.samples;
+        for (ColumnRun const *run = &runs_[first], *last = run + (end - first); run < last && to < full;
+             ++run) {
+            unsigned long const begin = x[run->first], bytes = (x[run->end] - begin) * N;
+            unsigned char const* const from = samples + begin * N;
+            std::memcpy(to, from, blockBytes);
+            for (unsigned long done = blockBytes; done < bytes; done += blockBytes)
                 std::memcpy(to + done, from + done, blockBytes);
-                done += blockBytes;
-            } while (done < bytes);
             to += bytes;
         }
         to_ = to;
@@ -82,12 +112,11 @@ private:
             hwy::Prefetch(row + i);
     }
 
-    void Copy_Exactly(long first, long end)
+    void Copy_Exactly(long first)
     {
-        for (long i = first; i < end && to_ < full_; ++i) {
-            uint16_t const* const x = row_.x + Column(i);
-            long const begin = std::min<long>(x[0], row_.known);
-            long const bytes = (std::min<long>(x[1], row_.known) - begin) * N;
+        for (long i = first; i < runs_.Count() && to_ < full_; ++i) {
+            long const begin = std::min<long>(row_.x[runs_[i].first], row_.known);
+            long const bytes = (std::min<long>(row_.x[runs_[i].end], row_.known) - begin) * N;
             if (bytes == 0) continue;
             std::memcpy(to_, row_.samples + begin * N, static_cast<std::size_t>(bytes));
             to_ += bytes;
@@ -95,19 +124,62 @@ private:
     }
 
     SampleRow row_;
-    long step_;
+    ColumnRuns const& runs_;
     unsigned char* to_;
     unsigned char* full_;
+};
+
+/// Samplers of rows in which all pixels have as many samples, by the bytes that these take: there a pixel's
+/// samples are sampled like one larger pixel.
+class EvenSamplers {
+public:
+    EvenSamplers(ZVGBuffer const& source, ZVGBuffer const& target, long step)
+        : source_(source), columns_(target.Width), step_(step)
+    {
+    }
+
+    /// Samples such a row into `stage`, and tells the bytes; -1 for any other row.
+    long Sample(SampleRow const& row, unsigned char* stage)
+    {
+        long const each = row.x[1] - row.x[0], bytes = each * source_.Stride;
+        bool const fits =
+            bytes <= most && columns_ * each <= mostSamples && row.x[source_.Width] <= row.known;
+        if (!fits || !Is_Even(row.x)) return -1;
+        if (bytes == 0) return 0;
+        auto& sampler = samplers_[bytes];
+        if (!sampler) sampler.emplace(bytes, 0, step_, columns_, source_.Width);
+        long const start = row.x[0] * source_.Stride;
+        sampler->Sample(row.samples + start, row.next, stage);
+        return columns_ * bytes;
+    }
+
+private:
+    static constexpr long most = 6;  // bytes, which a sampler shuffles several at a time
+
+    bool Is_Even(uint16_t const* x) const
+    {
+        auto const each = static_cast<uint16_t>(x[1] - x[0]);
+        uint16_t differs = 0;  // as wide as the elements, for the vectoriser
+        for (long i = 0; i < source_.Width; ++i)
+            differs = static_cast<uint16_t>(differs | (static_cast<uint16_t>(x[i + 1] - x[i]) ^ each));
+        return differs == 0;
+    }
+
+    ZVGBuffer const& source_;
+    long columns_;
+    long step_;
+    std::array<std::optional<RowSampler>, most + 1> samplers_;
 };
 
 /// A row of the target in the making: its front samples and its further ones.
 class RowStage {
 public:
     RowStage(ZVGBuffer const& source, ZVGBuffer const& target, long stepX, ZVGBuffer const* xValues)
-        : source_(source), stepX_(stepX), columns_(target.Width), xValues_(xValues, source),
-          sampler_(source.Stride, 0, stepX, columns_, source.Width), front_(Alloc(target.RowBytes))
+        : source_(source), runs_(stepX, target.Width), even_(source, target, stepX),
+          xValues_(xValues, source), sampler_(source.Stride, 0, stepX, target.Width, source.Width),
+          front_(Alloc(target.RowBytes))
     {
-        // The pixel that fills the row may have as many samples again.
+        // The run that fills the row may have as many samples again.
         if (Is_Deep()) samples_ = Alloc(2 * mostSamples * source.Stride + blockBytes);
     }
 
@@ -133,7 +205,7 @@ private:
 
     template <int N> unsigned char const* Gather(SampleRow const& row)
     {
-        return SampleGatherer<N>(row, stepX_, samples_.get()).Gather(columns_);
+        return SampleGatherer<N>(row, runs_, samples_.get()).Gather();
     }
 
     void Make_Samples(long row, long next)
@@ -142,6 +214,8 @@ private:
         unsigned char const* const ahead = source_.Layers[next].Records;
         SampleRow const from = {xValues_.Row(row), layer.Records, Sample_Count(layer), xValues_.Seen(next),
                                 ahead ? ahead : layer.Records};
+        sampleBytes_ = even_.Sample(from, samples_.get());
+        if (sampleBytes_ >= 0) return;
         unsigned char const* end;
         switch (source_.Stride) {
         case 1: end = Gather<1>(from); break;
@@ -154,8 +228,8 @@ private:
     }
 
     ZVGBuffer const& source_;
-    long stepX_;
-    long columns_;
+    ColumnRuns runs_;
+    EvenSamplers even_;
     XValueRows xValues_;
     RowSampler sampler_;
     HeapBlock<unsigned char> front_;

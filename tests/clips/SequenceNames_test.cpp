@@ -5,6 +5,8 @@
 
 #include <cstring>
 #include <functional>
+#include <random>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -117,6 +119,43 @@ TEST(SequenceNames, ANumberIsRenderedIntoTheMask)
         EXPECT_EQ(Changed(row.name,
                           [&](char* name) { return SequenceNumberToNameZV(name, row.number, row.shrink); }),
                   row.result);
+}
+
+/// Names of all sorts against regular expressions for the number and the mask.
+TEST(SequenceNames, AnyNameIsTakenApartLikeByItsGrammar)
+{
+    std::regex const number("(.*?)([0-9]{1,9})([^0-9]*)"), mask("\\[(#*)\\]"), numbering("_?\\[#*\\]");
+    constexpr std::string_view pieces[] = {"a",  "_",   ".",  "[", "]",    "#",
+                                           "##", "[#]", "[]", "7", "0042", "19"};
+    std::mt19937 random(11);
+    for (int i = 0; i < 5000; ++i) {
+        std::string name;
+        for (auto n = random() % 8; n > 0; --n)
+            name += pieces[random() % std::size(pieces)];
+        std::smatch parts;
+        bool const hasNumber = std::regex_match(name, parts, number);
+        std::string const masked =
+            hasNumber ? parts.str(1) + "[" + std::string(parts.str(2).size(), '#') + "]" + parts.str(3)
+                      : "0 " + name;
+        long const value = hasNumber ? std::stol(parts.str(2)) : 0;
+        EXPECT_EQ(Changed(name, FileNameToSequenceNameZV), masked) << name;
+        EXPECT_EQ(NameToSequenceNumberZV(name.c_str()), value) << name;
+
+        bool const isMask = std::regex_search(name, parts, mask);
+        std::string const digits = isMask ? parts.str(1) : "";
+        EXPECT_EQ(IsSequenceZV(name.c_str()), isMask) << name;
+        EXPECT_EQ(SequenceDigitsZV(name.c_str()), std::ssize(digits)) << name;
+        EXPECT_EQ(Changed(name, RemoveSequenceNumberingZV),
+                  isMask ? std::regex_replace(name, numbering, "", std::regex_constants::format_first_only)
+                         : "0 " + name)
+            << name;
+        if (!isMask) continue;
+        std::string written = std::to_string(value);
+        if (written.size() < digits.size()) written.insert(0, digits.size() - written.size(), '0');
+        EXPECT_EQ(Changed(name, [=](char* text) { return SequenceNumberToNameZV(text, value, 0); }),
+                  parts.prefix().str() + written + parts.suffix().str())
+            << name;
+    }
 }
 
 TEST(SequenceNames, ANameThatDoesNotFitStaysAsItWas)

@@ -3,6 +3,7 @@
 
 #include <dlfcn.h>
 #include <functional>
+#include <set>
 
 namespace fs = std::filesystem;
 
@@ -14,12 +15,12 @@ protected:
     ~Modules() override { Behave(nullptr); }
 
     /// Puts the module in Plugins, under some names, and registers all formats.
-    void Register(std::initializer_list<char const*> names = {"a.ifm"})
+    void Register(std::initializer_list<char const*> names = {"a.ifm"}, char const* module = ZV_TEST_MODULE)
     {
         for (char const* name : names) {
             fs::path const path = environment.Path(std::string("Plugins/") + name);
             fs::create_directories(path.parent_path());
-            fs::copy_file(ZV_TEST_MODULE, path);
+            fs::copy_file(module, path);
         }
         InitAllFormatModulesZV(nullptr);
     }
@@ -68,6 +69,39 @@ TEST_F(Modules, AreFoundByExtensionInPluginsAndBelow)
     Free_Format_Modules();
     InitFormatModulesZV(nullptr);
     EXPECT_TRUE(Found().empty()) << "the built-in ones alone";
+}
+
+TEST_F(Modules, AreNamedInTheRectangleOfTheScanWhileTheyRegister)
+{
+    constexpr long width = 300, height = 30, left = 10, top = 5;
+    std::unique_ptr<ZVNativeBitmap, void (*)(ZVNativeBitmap*)> const bitmap(
+        AllocNativeBitmapZV(width, height, 32), [](ZVNativeBitmap* old) { FreeBitmapZV(old); });
+    std::memset(bitmap->Pixels, 0x5A, static_cast<std::size_t>(bitmap->Size));
+    ZVScanDesc scan{DrawBeginZV(bitmap.get()), left, top, width - 2 * left, height - 2 * top};
+    Register({}, ZV_TEST_MODULE);
+    fs::copy_file(ZV_TEST_MODULE, environment.Path("a.ifm"));
+    EXPECT_EQ(Init_IFM(environment.Spec("a.ifm").c_str(), &scan), 1);
+    DrawEndZV(scan.DrawInfo);
+    long inside = 0, outside = 0;
+    std::set<uint32_t> colours;
+    for (long y = 0; y < height; ++y)
+        for (long x = 0; x < width; ++x) {
+            uint32_t pixel;
+            std::memcpy(&pixel, bitmap->Pixels + y * bitmap->RowBytes + 4 * x, sizeof pixel);
+            bool const isIn = x >= left && x < width - left && y >= top && y < height - top;
+            (isIn ? inside : outside) += pixel != 0x5A5A5A5A;
+            if (isIn) colours.insert(pixel);
+        }
+    EXPECT_EQ(inside, scan.Width * scan.Height);
+    EXPECT_EQ(outside, 0);
+    EXPECT_GT(colours.size(), 1U) << "a text on its ground";
+}
+
+TEST_F(Modules, OfAnotherRecordLayoutAreRefused)
+{
+    Register({"a.ifm"}, ZV_PACKED_MODULE);
+    EXPECT_TRUE(Found().empty());
+    EXPECT_FALSE(Is_Loaded());
 }
 
 TEST_F(Modules, StandBeforePlainPlugIns)

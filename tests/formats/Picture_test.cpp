@@ -368,6 +368,31 @@ TEST_F(Picture, OneWithoutItsLastOpcodeIsWholeAndOneCutInAnOpcodeIsNot)
     EXPECT_EQ(Drawn(Start(0, 1).End()), "failed");
 }
 
+TEST_F(Picture, WhatPaintsFarMoreThanItsSizeAndBytesCallForIsRefused)
+{
+    constexpr int size = 1000;
+    PictureBytes const rect = Start(size, size).Rect(0x31, 0, 0, size, size);
+    PictureBytes const polygon =
+        Start(size, size).Opcode(0x71, Points({22, 0, 0, size, size, 0, 0, size, size, 0, size}));
+    struct {
+        char const* why;
+        PictureBytes picture;
+        int opcode, times;
+        bool isDrawn;
+    } const rows[] = {{"a rectangle, some times", rect, 0x39, 50, true},
+                      {"a rectangle, very often", rect, 0x39, 20000, false},
+                      {"a polygon, inverted", polygon, 0x7B, 20000, false}};
+    for (auto const& row : rows) {
+        PictureBytes picture = row.picture;
+        for (int i = 0; i < row.times; ++i)
+            picture.Opcode(row.opcode);
+        Bytes const& bytes = picture.End();
+        SetError(ZV_ERR_NONE);
+        EXPECT_EQ(BitmapPtr(Decode_Picture(bytes.data(), bytes.size())) != nullptr, row.isDrawn) << row.why;
+        EXPECT_EQ(GetErrorZV(), row.isDrawn ? ZV_ERR_NONE : ZV_ERR_CLIP) << row.why;
+    }
+}
+
 TEST_F(Picture, OneInTheProgramsResourcesIsAnIconOfItsNumber)
 {
     EXPECT_FALSE(GetImageZV(900));

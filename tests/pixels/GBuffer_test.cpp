@@ -100,11 +100,14 @@ TEST(GBuffer, ScaledPixelsTakeTheSamplesOfThePixelUnderTheirCorner)
         long fromWidth, fromHeight, width, height;
     } const cases[] = {{8, 6, 8, 6}, {80, 6, 40, 3}, {83, 5, 31, 4},
                        {3, 2, 1, 1}, {5, 3, 17, 8},  {64, 1, 97, 2}};
+    constexpr unsigned evenRows = 6;  // the pixels of a row have as many samples
     for (auto const& row : cases)
         for (int format = 0; format < ZV_GBUFFER_FORMATS; ++format)
-            for (unsigned const most : {0U, 2U, 40U}) {
-                Plane const source =
+            for (unsigned const most : {0U, 2U, 40U, evenRows}) {
+                Plane source =
                     Random_Plane(row.fromWidth, row.fromHeight, static_cast<GBufferFormat>(format), most);
+                for (std::size_t i = 0; most == evenRows && i < source.pixels.size(); ++i)
+                    source.pixels[i].resize(1 + i / std::size_t(row.fromWidth) % 7, source.pixels[i][0]);
                 long const stepX = (row.fromWidth << 16) / row.width,
                            stepY = (row.fromHeight << 16) / row.height;
                 Plane expected(row.width, row.height, source.format);

@@ -37,6 +37,7 @@ void PictPlayer::Play_Bitmap(unsigned opcode)
     if (bytes_.Has_Failed()) return;
     if (map.isMono) map.colours = {transfer.Paper(), transfer.Ink()};
     depth_ = std::max<long>(depth_, map.depth);
+    Spend(map.rowBytes * map.bounds.Height());
     PictStoredRows rows(bytes_, map, opcode >= PICT_OP_PACKED_RECT);
     // Ink that covers all is as good as pixels in two colours.
     bool const isMono = map.isMono && !transfer.Is_Copy();
@@ -47,6 +48,11 @@ void PictPlayer::Draw(PictRect const& bounds, PictRect const& source, PictRect c
                       PictMask const* mask, bool isMono, PictTransfer const& transfer, PictRows& rows)
 {
     bool isWhole = true;
+    if (canvas_) {
+        PictRect const visible = target.Within(canvas_->Clip().bounds);
+        if (!visible.IsEmpty()) Spend(visible.Width() * visible.Height());
+    }
+    if (bytes_.Has_Failed()) return;
     if (canvas_)
         isWhole = Draw_Rows(*canvas_, {bounds, source, target, mask, isMono, transfer}, rows);
     else

@@ -133,14 +133,19 @@ void PictCanvas::Paint_Run(long y, long left, long right, PictPattern const& pat
         transfer.Put((bits << Repeated(x, origin_.x, 8) & 0x80) != 0, row[x]);
 }
 
-void PictCanvas::Paint(PictShape const& shape, PictPattern const& pattern, PictTransfer const& transfer)
+long PictCanvas::Paint(PictShape const& shape, PictPattern const& pattern, PictTransfer const& transfer)
 {
     PictRect const area = shape.Bounds().Within(clip_.bounds);
-    for (long y = area.top; y < area.bottom && area.left < area.right; ++y) {
+    if (area.IsEmpty()) return 0;
+    long work = area.Height() * shape.Row_Work();
+    for (long y = area.top; y < area.bottom; ++y) {
         spans_.clear();
         shape.Row(y, {area.left, area.right}, spans_);
         for (PictSpan const& span : spans_)
-            clip_.Visit_Runs(y, span.left, span.right,
-                             [&](long left, long right) { Paint_Run(y, left, right, pattern, transfer); });
+            clip_.Visit_Runs(y, span.left, span.right, [&](long left, long right) {
+                Paint_Run(y, left, right, pattern, transfer);
+                work += right - left;
+            });
     }
+    return work;
 }

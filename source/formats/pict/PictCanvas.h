@@ -95,7 +95,8 @@ public:
     PictPixel* Row(long y) const { return pixels_ + y * bounds_.right; }
 
     void Erase();  ///< White where nothing was drawn, with alpha 0.
-    void Paint(PictShape const& shape, PictPattern const& pattern, PictTransfer const& transfer);
+    /// @return  the work that it took, in pixels
+    long Paint(PictShape const& shape, PictPattern const& pattern, PictTransfer const& transfer);
 
 private:
     void Paint_Run(long y, long left, long right, PictPattern const& pattern, PictTransfer const& transfer);

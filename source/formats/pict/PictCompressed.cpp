@@ -99,6 +99,7 @@ void PictPlayer::Play_Compressed()
     if (maskSize > 0) {
         PictBytes region(bytes.Take(maskSize));
         mask = Read_Region(region, map_, canvas_ ? canvas_->Bounds() : PictRect{});
+        Spend(static_cast<long>(mask.inside.size()));
         if (region.Has_Failed()) bytes.Fail();
     }
     Draw_Compressed(bytes, source, maskSize > 0 ? &mask : nullptr, mode, matrix);
@@ -116,7 +117,8 @@ void PictPlayer::Draw_Compressed(PictBytes& bytes, PictRect const& source, PictM
     if (width < 1 || height < 1 || width * height > most) bytes.Fail();
     if (bytes.Has_Failed()) return;
     depth_ = std::max(depth_, description.depth);
-    if (!canvas_) return;
+    Spend(width * height);
+    if (!canvas_ || bytes_.Has_Failed()) return;
     std::vector<PictPixel> pixels(static_cast<std::size_t>(width * height));
     if (!OS_Movie_Read_Still({description.codec, data, width, height, description.depth}, pixels.data())) {
         isUnreadable_ = true;

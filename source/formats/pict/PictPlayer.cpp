@@ -8,6 +8,12 @@ constexpr int FineFrame = -2;  // marks a header with a frame of its own
 constexpr std::size_t HeaderDataSize = 24;
 constexpr PictPixel DefaultHilite{0, 0, 0, 255};
 
+/// The work that drawing a picture may take, in pixels: what any picture may, and what its area and its bytes
+/// add. Without an end to it, a few bytes that paint everything, over and over, would keep a program for
+/// hours.
+constexpr long BaseBudget = 1L << 26;
+constexpr long PixelBudget = 128, ByteBudget = 256;
+
 /// The eight colours that pictures of version 1 have.
 PictPixel Old_Colour(uint32_t number)
 {
@@ -52,6 +58,8 @@ bool PictPlayer::Play(ZVBitmap* bitmap, PictRect const& area)
     if (bitmap) {
         canvas_.emplace(*bitmap, PictPoint{area.left, area.top});
         canvas_->Erase();
+        budget_ = BaseBudget + PixelBudget * bitmap->Width * bitmap->Height +
+                  ByteBudget * static_cast<long>(bytes_.Rest());
     }
     return Play_Opcodes() && !isUnreadable_;
 }
@@ -70,6 +78,14 @@ bool PictPlayer::Play_Opcodes()
             Skip_Opcode(opcode, isVersion2_, bytes_);
     }
     return false;
+}
+
+/// A picture that asks for more than it may is as good as a damaged one.
+void PictPlayer::Spend(long work)
+{
+    if (!canvas_) return;
+    budget_ -= work;
+    if (budget_ < 0) bytes_.Fail();
 }
 
 bool PictPlayer::Play_State(unsigned opcode)
@@ -128,5 +144,7 @@ PictPixel PictPlayer::Read_RGB()
 
 PictMask PictPlayer::Read_Mask()
 {
-    return Read_Region(bytes_, map_, canvas_ ? canvas_->Bounds() : PictRect{});
+    PictMask mask = Read_Region(bytes_, map_, canvas_ ? canvas_->Bounds() : PictRect{});
+    Spend(static_cast<long>(mask.inside.size()));
+    return mask;
 }

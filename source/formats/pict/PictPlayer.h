@@ -39,6 +39,7 @@ private:
     void Play_Polygon(unsigned verb, bool isSame);
     void Play_Region(unsigned verb, bool isSame);
     void Paint(unsigned verb, PictShape const& shape);
+    void Spend(long work);
     void Draw_Line(PictPoint from, PictPoint to);
 
     void Play_Bitmap(unsigned opcode);
@@ -60,6 +61,7 @@ private:
     long depth_ = 0;
 
     std::optional<PictCanvas> canvas_;
+    long budget_ = 0;  ///< work that drawing may still take
     PictMap map_;
     PictColours colours_;
     PictPattern backPattern_ = PictPattern::Solid(false);

@@ -23,6 +23,11 @@ public:
     /// beyond it.
     virtual void Row(long y, PictSpan visible, PictSpans& spans) const = 0;
 
+    virtual long Row_Work() const
+    {
+        return 1;
+    }  ///< What a row costs, in pixels that a paint takes as long for.
+
 protected:
     PictRect bounds_;
 };
@@ -81,6 +86,7 @@ class PictPolygon : public PictShape {
 public:
     explicit PictPolygon(std::vector<PictPoint> points);
     void Row(long y, PictSpan visible, PictSpans& spans) const override;
+    long Row_Work() const override { return static_cast<long>(points_.size()); }
 
 private:
     std::vector<PictPoint> points_;

@@ -51,12 +51,15 @@ void PictPlayer::Draw_Line(PictPoint from, PictPoint to)
 void PictPlayer::Paint(unsigned verb, PictShape const& shape)
 {
     if (!canvas_ || bytes_.Has_Failed()) return;
+    auto const paint = [&](PictPattern const& pattern, int mode) {
+        Spend(canvas_->Paint(shape, pattern, {mode, colours_}));
+    };
     switch (verb) {
     case VERB_FRAME:
-    case VERB_PAINT: canvas_->Paint(shape, penPattern_, {penMode_, colours_}); break;
-    case VERB_ERASE: canvas_->Paint(shape, backPattern_, {PICT_COPY, colours_}); break;
-    case VERB_INVERT: canvas_->Paint(shape, PictPattern::Solid(true), {PICT_XOR, colours_}); break;
-    case VERB_FILL: canvas_->Paint(shape, fillPattern_, {PICT_COPY, colours_}); break;
+    case VERB_PAINT: paint(penPattern_, penMode_); break;
+    case VERB_ERASE: paint(backPattern_, PICT_COPY); break;
+    case VERB_INVERT: paint(PictPattern::Solid(true), PICT_XOR); break;
+    case VERB_FILL: paint(fillPattern_, PICT_COPY); break;
     default: break;  // there are no more
     }
 }
@@ -126,6 +129,8 @@ void PictPlayer::Play_Region(unsigned verb, bool isSame)
         if (canvas_) limits = limits.Inset(-WidestFrame, -WidestFrame);
         lastRegion_ = Read_Region(bytes_, map_, limits);
     }
+    constexpr long frameWork = 8;  // for a pixel
+    Spend(lastRegion_.bounds.Width() * lastRegion_.bounds.Height() * (verb == VERB_FRAME ? frameWork : 1));
     if (!canvas_ || bytes_.Has_Failed()) return;
     if (verb == VERB_FRAME)
         Paint(verb, PictArea(Frame_Of(lastRegion_, map_.Size(penSize_))));
