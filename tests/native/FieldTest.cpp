@@ -3,38 +3,29 @@
 #include <algorithm>
 #include <iterator>
 
-std::vector<std::string> FieldTest::events;
-std::function<void(ZVEvent const&)> FieldTest::onEvent, FieldTest::onKey;
+Strings FieldTest::events;
+std::function<void(ZVEvent const&)> FieldTest::onGadgetEvent, FieldTest::onKey;
 
 FieldTest::FieldTest()
 {
     events.clear();
-    onEvent = onKey = nullptr;
-    setenv("ZV_HOST", "headless", 1);
-    setenv("KL_APP_DATA_DIR", scratch_.Path().c_str(), 1);
-    if (!InitZV(Callback, nullptr, nullptr, nullptr, nullptr)) throw std::runtime_error("InitZV failed");
+    onGadgetEvent = onKey = nullptr;
+    onEvent = Note_Event;
 }
 
-FieldTest::~FieldTest()
+void FieldTest::Note_Event(ZVEvent const& event)
 {
-    CleanUpZV();
-    unsetenv("KL_APP_DATA_DIR");
-    unsetenv("ZV_HOST");
-}
-
-void FieldTest::Callback(ZVEvent* event)
-{
-    if (event->type == ZV_EVENT_KEY && !(event->modifiers & ZV_MOD_KEY_UP)) {
-        events.push_back("key " + std::to_string(event->key));
-        if (onKey) onKey(*event);
+    if (event.type == ZV_EVENT_KEY && !(event.modifiers & ZV_MOD_KEY_UP)) {
+        events.push_back("key " + std::to_string(event.key));
+        if (onKey) onKey(event);
     }
-    if (event->type != ZV_EVENT_GADGET) return;
-    char const* const what = event->modifiers & ZV_MOD_PRESS     ? "press "
-                             : event->modifiers & ZV_MOD_CHANGE  ? "change "
-                             : event->modifiers & ZV_MOD_RELEASE ? "release "
-                                                                 : "gadget ";
-    events.push_back(what + std::to_string(Event_Item(event)->node.id));
-    if (onEvent) onEvent(*event);
+    if (event.type != ZV_EVENT_GADGET) return;
+    char const* const what = event.modifiers & ZV_MOD_PRESS     ? "press "
+                             : event.modifiers & ZV_MOD_CHANGE  ? "change "
+                             : event.modifiers & ZV_MOD_RELEASE ? "release "
+                                                                : "gadget ";
+    events.push_back(what + std::to_string(Event_Item(&event)->node.id));
+    if (onGadgetEvent) onGadgetEvent(event);
 }
 
 ZVPalette* FieldTest::Show(std::function<void()> add)

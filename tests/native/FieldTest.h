@@ -1,16 +1,11 @@
 // A palette of fields and lists on the desktop in memory, what happened to it, and keys and mouse in short.
 #pragma once
 
-#include "TestEnvironment.h"
+#include "DesktopTest.h"
 
-#include <ZVHeadless.h>
 #include <ZVKey.h>
 
-#include <functional>
-#include <string>
-#include <vector>
-
-class FieldTest : public testing::Test {
+class FieldTest : public DesktopTest {
 protected:
     static constexpr unsigned short PaletteId = 9;
 
@@ -25,7 +20,6 @@ protected:
     };
 
     FieldTest();
-    ~FieldTest() override;
 
     /// Displays a palette whose groups and items are added by the function.
     ZVPalette* Show(std::function<void()> add);
@@ -54,11 +48,9 @@ protected:
     static unsigned short Focus();  ///< id; 0 for none
 
     /// "change 1" for event 5 of gadget 1 with that report bit, "gadget 1" for one without, "key 65".
-    static std::vector<std::string> events;
-    static std::function<void(ZVEvent const&)> onEvent, onKey;  ///< gadget and key events
+    static Strings events;
+    static std::function<void(ZVEvent const&)> onGadgetEvent, onKey;
 
 private:
-    static void Callback(ZVEvent* event);
-
-    ScratchDir scratch_;
+    static void Note_Event(ZVEvent const& event);
 };

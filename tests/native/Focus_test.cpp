@@ -3,8 +3,6 @@
 
 namespace {
 
-using Strings = std::vector<std::string>;
-
 class FocusTest : public FieldTest {
 protected:
     /// Fields 1 and 2, a button 3, an editor 4 and a list 5 in two groups.
@@ -123,7 +121,7 @@ TEST_F(FocusTest, AScheduledItemIsTheNext)
     Activate_First_Gadget(palette);
     EXPECT_EQ(Focus(), 2);
     // A field whose text will not do asks for the focus again when it loses it.
-    onEvent = [](ZVEvent const& event) {
+    onGadgetEvent = [](ZVEvent const& event) {
         if (event.modifiers & ZV_MOD_RELEASE) ScheduleItemForFocusZV(Event_Item(&event));
     };
     Play("<Tab>");
@@ -137,19 +135,19 @@ TEST_F(FocusTest, ThePaletteMayCloseWhenAFieldReports)
         ZVPalette* const palette = Show_Form();
         HeadlessSetClipboardZV("text");
         Activate_First_Gadget(palette);
-        onEvent = [](ZVEvent const&) { ClosePaletteZV(PaletteId); };
+        onGadgetEvent = [](ZVEvent const&) { ClosePaletteZV(PaletteId); };
         Play(keys);
         EXPECT_EQ(FindPaletteZV(PaletteId), nullptr) << keys;
         EXPECT_EQ(Focus(), 0) << keys;
-        onEvent = nullptr;
+        onGadgetEvent = nullptr;
     }
     for (unsigned long pressed : {1, 4, 5}) {
         ZVPalette* const palette = Show_Form();
         Activate_First_Gadget(palette);
-        onEvent = [](ZVEvent const&) { ClosePaletteZV(PaletteId); };
+        onGadgetEvent = [](ZVEvent const&) { ClosePaletteZV(PaletteId); };
         Click(pressed, 8, 8);
         EXPECT_EQ(FindPaletteZV(PaletteId), nullptr) << pressed;
-        onEvent = nullptr;
+        onGadgetEvent = nullptr;
     }
 }
 

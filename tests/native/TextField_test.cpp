@@ -161,14 +161,14 @@ TEST_F(TextField, APasswordIsNeitherShownNorCopied)
 TEST_F(TextField, EachKeystrokeIsReportedWithItsText)
 {
     Show_Field(ZV_GAD_STRING, "");
-    std::vector<std::string> texts;
-    onEvent = [&](ZVEvent const&) { texts.push_back(Text()); };
+    Strings texts;
+    onGadgetEvent = [&](ZVEvent const&) { texts.push_back(Text()); };
     Play("ab<Left><Back><C-z><Home><S-End><C-x>");
-    EXPECT_EQ(texts, (std::vector<std::string>{"a", "ab", "b", "ab", ""}));
-    EXPECT_EQ(events, std::vector<std::string>(5, "change 1"));
+    EXPECT_EQ(texts, (Strings{"a", "ab", "b", "ab", ""}));
+    EXPECT_EQ(events, Strings(5, "change 1"));
     events.clear();
     Play("<Help><Esc><C-q>");
-    EXPECT_EQ(events, (std::vector<std::string>{"key 307", "key 316", "key 113"}))
+    EXPECT_EQ(events, (Strings{"key 307", "key 316", "key 113"}))
         << "what a field has no use for is a key of the application";
 }
 
@@ -181,7 +181,7 @@ TEST_F(TextField, TheMouseSelectsCharactersWordsAndTheLine)
 
     Click(1, x("one t"), y);
     EXPECT_EQ(Marked_Text(), "one t|wo-three");
-    EXPECT_EQ(events, std::vector<std::string>{"gadget 1"}) << "reported with the release";
+    EXPECT_EQ(events, Strings{"gadget 1"}) << "reported with the release";
     Click(1, x("one t"), y);
     EXPECT_EQ(Marked_Text(), "one [two]-three");
     Click(1, x("one t"), y);
@@ -214,7 +214,7 @@ TEST_F(TextField, UnfinishedTextIsShownButNotTaken)
     HeadlessCommitZV("仮");
     HeadlessRunZV(0);
     EXPECT_EQ(Marked_Text(), "仮|bc");
-    EXPECT_EQ(events, std::vector<std::string>{"change 1"});
+    EXPECT_EQ(events, Strings{"change 1"});
 }
 
 // ---- several lines ----------------------------------------------------------------------------------------
