@@ -43,6 +43,11 @@ TEST_F(FocusTest, TabGoesRoundWhatTakesKeys)
     ItemVisibleZV(4, 0);
     Play("<Tab>");
     EXPECT_EQ(Focus(), 5) << "what is disabled or hidden takes no keys";
+    Play("<Tab>");
+    ItemEnabledZV(1, 0);
+    Play("x<Tab>");
+    EXPECT_EQ(Text(1), "") << "nor does what has been disabled since";
+    EXPECT_EQ(Focus(), 5);
 }
 
 TEST_F(FocusTest, TheOnlyFieldKeepsTheFocusAsItIs)
@@ -96,17 +101,6 @@ TEST_F(FocusTest, ArrowsSelectRows)
         << "other keys are the application's";
 }
 
-TEST_F(FocusTest, TheFirstFieldMayBeLeftAlone)
-{
-    ZVPalette* const palette = InitPaletteZV();
-    Add_Group(1, {{1, ZV_GAD_STRING}});
-    EndPaletteZV(PaletteId, "Fields", nullptr);
-    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_FLOATER, ZV_PAL_EDIT_FOCUS, 0, 0);
-    Activate_First_Gadget(palette);
-    EXPECT_EQ(Focus(), 0);
-    Activate_First_Gadget(nullptr);
-}
-
 TEST_F(FocusTest, AScheduledItemIsTheNext)
 {
     ZVPalette* const palette = Show_Form();
@@ -149,17 +143,6 @@ TEST_F(FocusTest, ThePaletteMayCloseWhenAFieldReports)
         EXPECT_EQ(FindPaletteZV(PaletteId), nullptr) << pressed;
         onGadgetEvent = nullptr;
     }
-}
-
-TEST_F(FocusTest, ADisabledFieldIsNotTypedInto)
-{
-    ZVPalette* const palette = Show_Form();
-    Activate_First_Gadget(palette);
-    ItemEnabledZV(1, 0);
-    Play("x");
-    EXPECT_EQ(Text(1), "");
-    Play("<Tab>");
-    EXPECT_EQ(Focus(), 2);
 }
 
 TEST_F(FocusTest, ReturnInADialogCommitsAndGoesOn)
