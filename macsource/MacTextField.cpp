@@ -109,7 +109,7 @@ void TextField::Show_State()
     std::string const text = State_Text(item_);
     TextBuffer& buffer = view_.buffer;
     if (text == buffer.Text()) return;
-    bool const isAllSelected = buffer.Selection() == TextRange{0, buffer.Text().size()};
+    bool const isAllSelected = !buffer.Text().empty() && buffer.Selected() == buffer.Text();
     buffer.Set_Text(text);
     if (!hasFocus_)
         buffer.Select(0, 0);
@@ -133,7 +133,6 @@ void TextField::Draw()
 {
     view_.Place(Bounds());
     view_.isActive = hasFocus_ && !Is_Disabled();
-    view_.Update();
     ZVPort* const port = Port_Of(item_);
     if (!port || Bounds().IsEmpty()) return;
     (Is_Disabled() ? FrameRect3DInv : FrameRect3D)(*port, Bounds());
@@ -152,8 +151,7 @@ void TextField::Show_Change()
     view_.Place(Bounds());
     blinkStart_ = Mac_Tick_Count();
     bool const wasOn = std::exchange(view_.isCaretOn, true);
-    HostRect const changed = view_.Update();
-    Redraw(changed);
+    Redraw(view_.Update());
     if (!wasOn) Redraw(view_.Caret_Rect());
     Place_Input_Method();
 }
@@ -210,7 +208,6 @@ void TextField::Set_Focus(bool hasFocus)
 void TextField::Get_Properties(ZVTextEditorProperties& properties)
 {
     view_.Place(Bounds());
-    view_.Update();
     TextRange const selection = view_.buffer.Selection();
     properties = {.lineCount = static_cast<int32_t>(view_.Line_Count()),
                   .firstVisibleLine = static_cast<int32_t>(view_.First_Line()),

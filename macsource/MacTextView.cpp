@@ -7,7 +7,7 @@
 void TextView::Place(HostRect const& frame)
 {
     if (frame == frame_) return;
-    int const oldWidth = text_.Width();
+    bool const isAsWide = frame.Width() == frame_.Width();
     frame_ = frame;
     int const height = look_.Line_Height();
     int const inset = isMultiLine_ ? 1 : (frame.Height() - height + 1) / 2;
@@ -15,8 +15,11 @@ void TextView::Place(HostRect const& frame)
     int const side = std::max(inset, 1);
     inside_ = {frame.left + 1, frame.top + 1, frame.right - 1, frame.bottom - 1};
     text_ = {frame.left + side, frame.top + inset, frame.right - side, frame.bottom - inset};
-    if (!isMultiLine_ || text_.Width() == oldWidth) return;
-    lines_.Lay_Out(look_, shown_, std::max(text_.Width(), 1));
+    if (isMultiLine_ && !isAsWide) lines_.Lay_Out(look_, shown_, std::max(text_.Width(), 1));
+    if (isMultiLine_)
+        Fill_View();
+    else
+        Follow_Sideways();
 }
 
 // ---- places -----------------------------------------------------------------------------------------------
@@ -109,37 +112,44 @@ static HostRect Span(HostRect const& a, HostRect const& b)
             std::max(a.bottom, b.bottom)};
 }
 
+/// No room is left below the last line while there are lines above the view.
+void TextView::Fill_View()
+{
+    firstLine_ = std::clamp(firstLine_, 0L, std::max(Line_Count() - Whole_Lines(), 0L));
+}
+
+/// How far two texts are the same, of which the first one is the shorter.
+template <typename Iterator> static std::size_t Same_Size(Iterator first, Iterator end, Iterator second)
+{
+    return static_cast<std::size_t>(std::mismatch(first, end, second).first - first);
+}
+
 /// Lays out again what has changed in the text, and answers where it is.
 HostRect TextView::Take_Text()
 {
-    std::string shown = buffer.Shown_Text();
-    if (shown == shown_) return {};
-    std::size_t const shorter = std::min(shown.size(), shown_.size());
-    auto const ahead = static_cast<std::size_t>(
-        std::mismatch(shown.begin(), shown.begin() + static_cast<std::ptrdiff_t>(shorter), shown_.begin())
-            .first -
-        shown.begin());
-    auto const behind = static_cast<std::size_t>(
-        std::mismatch(shown.rbegin(), shown.rbegin() + static_cast<std::ptrdiff_t>(shorter - ahead),
-                      shown_.rbegin())
-            .first -
-        shown.rbegin());
-    std::size_t const oldEnd = shown_.size() - behind;
-    shown_ = std::move(shown);
-    TextRange const lines = lines_.Change(look_, shown_, {ahead, shown_.size() - behind}, oldEnd);
-    firstLine_ = std::clamp(firstLine_, 0L, std::max(Line_Count() - Whole_Lines(), 0L));
+    std::string const old = std::exchange(shown_, buffer.Shown_Text());
+    if (old == shown_) return {};
+    std::string_view const shorter = old.size() < shown_.size() ? old : shown_;
+    std::string_view const longer = old.size() < shown_.size() ? shown_ : old;
+    std::size_t const ahead = Same_Size(shorter.begin(), shorter.end(), longer.begin());
+    std::string_view const rest = shorter.substr(ahead);
+    std::size_t const behind = Same_Size(rest.rbegin(), rest.rend(), longer.rbegin());
+    TextRange const lines =
+        lines_.Change(look_, shown_, {ahead, shown_.size() - behind}, old.size() - behind);
+    Fill_View();
     return Lines_Rect(lines);
 }
 
-/// Answers the lines whose selection or caret has changed.
-HostRect TextView::Take_Selection()
+/// Answers the lines whose selection, caret or unfinished text has changed.
+HostRect TextView::Take_Marks()
 {
-    TextRange const now = buffer.Shown_Selection();
-    TextRange const old{std::min(selection_.start, shown_.size()), std::min(selection_.end, shown_.size())};
-    bool const hasTurned = std::exchange(wasActive_, isActive) != isActive;
-    selection_ = now;
-    if (now == old && !hasTurned) return {};
-    std::size_t const first = std::min(now.start, old.start), last = std::max(now.end, old.end);
+    Marks const now{buffer.Shown_Selection(), buffer.Composition(), isActive};
+    Marks const old = std::exchange(marks_, now);
+    if (now == old) return {};
+    std::size_t const first =
+        std::min({now.selection.start, now.unfinished.start, old.selection.start, old.unfinished.start});
+    std::size_t const last =
+        std::max({now.selection.end, now.unfinished.end, old.selection.end, old.unfinished.end});
     return Lines_Rect({lines_.Line_Of(first), lines_.Line_Of(last) + 1});
 }
 
@@ -166,10 +176,10 @@ HostRect TextView::Update()
     int const oldX = scrollX_;
     long const oldLine = firstLine_;
     HostRect const text = Take_Text();
-    HostRect const selected = Take_Selection();
+    HostRect const marks = Take_Marks();
     Follow_Caret();
     if (scrollX_ != oldX || firstLine_ != oldLine) return inside_;
-    return Span(text, selected);
+    return Span(text, marks);
 }
 
 void TextView::Scroll_To_Line(long line)

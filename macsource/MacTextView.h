@@ -50,12 +50,21 @@ public:
     void Scroll_To_Line(long line);
 
 private:
+    /// What is drawn beside the text.
+    struct Marks {
+        TextRange selection, unfinished;
+        bool isActive = false;
+
+        bool operator==(Marks const&) const = default;
+    };
+
     int Line_Top(std::size_t line) const;
     int X_Of(std::size_t line, std::size_t offset) const;
     long Whole_Lines() const;
     HostRect Lines_Rect(TextRange const& lines) const;
     HostRect Take_Text();
-    HostRect Take_Selection();
+    HostRect Take_Marks();
+    void Fill_View();
     void Follow_Caret();
     void Follow_Sideways();
     void Draw_Line(HostSurface& surface, std::size_t line, TextColors const& colors) const;
@@ -66,8 +75,7 @@ private:
     bool isMultiLine_;
     TextLines lines_;
     std::string shown_;               ///< what the lines are of
-    TextRange selection_;             ///< of shown_, as drawn
-    bool wasActive_ = false;          ///< the same
+    Marks marks_;                     ///< on it, as drawn
     HostRect frame_, inside_, text_;  ///< inside the frame; where lines stand
     int scrollX_ = 0;                 ///< of one line
     long firstLine_ = 0;              ///< of several
