@@ -30,7 +30,7 @@ enum ZVEventType : uint16_t {
     ZV_EVENT_ASK_CLOSE = 22,  ///< a result of 0 refuses the close; it starts at 1
     ZV_EVENT_ZOOM = 23,
     ZV_EVENT_ACTION = 24,     ///< action id of a key binding
-    ZV_EVENT_CLOSE_APP = 25,  ///< the desktop asks for the end: a result other than 0 keeps ExitZV from following
+    ZV_EVENT_CLOSE_APP = 25,  ///< the desktop wants an end; a result but 0 keeps ExitZV from following
     ZV_EVENT_TAB_ACTIVATE = 26,
     ZV_EVENT_TAB_DEACTIVATE = 27,
     ZV_EVENT_REMOTE_MESSAGE = 28,  ///< the value given
