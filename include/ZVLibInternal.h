@@ -142,8 +142,8 @@ struct OSDirectoryEntry {
 };
 
 /// Calls `visit` for each entry of a directory, in alphabetical order without regard to case and without "."
-/// and "..", until it answers false. The directory is read in one go, so `visit` may change it. Codes are read
-/// by the task pool: whoever wants them is the one thread that may use it.
+/// and "..", until it answers false. The directory is read in one go, so `visit` may change it. Codes are
+/// read by the task pool: whoever wants them is the one thread that may use it.
 /// @return  false when the directory cannot be read
 ZV_API bool OS_List_Directory(char const* spec, bool wantsCodes,
                               bool (*visit)(OSDirectoryEntry const&, void*), void* data);
