@@ -106,8 +106,7 @@ void Add_Actions()
     AddGadgetZV(OpenDialog, first, 0, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Dialog...", 0, 0);
     AddGadgetZV(OpenPopUp, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Pop-up", 0, 0);
     AddGadgetZV(MoreRows, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "More rows", 0, 0);
-    AddTextZV(0, beside, -1, "Theme", ZV_GAP_EXTRA, 1,
-              ZV_ITEM_CENTER_TEXT, 1, 0);
+    AddTextZV(0, beside, -1, "Theme", ZV_GAP_EXTRA, 1, ZV_ITEM_CENTER_TEXT, 1, 0);
     AddGadgetZV(LightTheme, ZV_Position(ZV_POS_AFTER, ZV_POS_ALIGN_START), MoreRows, ZV_GAD_RADIO,
                 ZV_SIZE_SMALL, "Light", ZV_GAP_FIXED, 80, 0);
     AddGadgetZV(DarkTheme, beside, -1, ZV_GAD_RADIO, ZV_SIZE_SMALL, "Dark", 0, 0);
