@@ -30,8 +30,8 @@ protected:
     /// Adds a group with one gadget below the other.
     static void Add_Group(short id, std::vector<std::pair<unsigned short, ZVGadgetType>> const& gadgets);
 
-    /// Plays keys: text as it is typed, "<Left>" for a named key, with S- C- A- M- ahead of it for Shift,
-    /// Control, Alt and Command, as in "<S-Left>" and "<C-a>".
+    /// Plays keys: text as it is typed, "<Left>" for a named key, with S- C- M- ahead of it for Shift,
+    /// Control, and Command, as in "<S-Left>" and "<C-a>".
     static void Play(std::string_view keys);
 
     /// A point of an item on the screen.

@@ -135,7 +135,7 @@ TEST_F(FocusTest, ThePaletteMayCloseWhenAFieldReports)
         EXPECT_EQ(Focus(), 0) << keys;
         onGadgetEvent = nullptr;
     }
-    for (unsigned long pressed : {1, 4, 5}) {
+    for (unsigned long pressed : {1UL, 4UL, 5UL}) {
         ZVPalette* const palette = Show_Form();
         Activate_First_Gadget(palette);
         onGadgetEvent = [](ZVEvent const&) { ClosePaletteZV(PaletteId); };
