@@ -10,8 +10,8 @@
 /// Of all items but text fields and lists, for which being on screen is all there is to know.
 static ZVNativeItem onScreen;
 
-/// How far the frames of text fields and lists reach beyond their items.
-static constexpr int NativeFrame = 1;
+/// How far the frame of a list reaches beyond its item; that of a text field lies inside.
+static constexpr int ListFrame = 1;
 
 static bool Is_Text_Field(ZVItem const& item)
 {
@@ -86,7 +86,7 @@ static void Erase_Plain(ZVItem& item)
 
 static void Destroy_Native(ZVItem& item)
 {
-    Erase(item, NativeFrame);
+    Erase(item, item.type == ZV_GAD_LIST ? ListFrame : 0);
     for (ZVItem** focus : {&ZVEnv->focusedTextItem, &ZVEnv->focusedListItem})
         if (*focus == &item) *focus = nullptr;
     delete std::exchange(item.native, nullptr);
