@@ -102,6 +102,9 @@ TEST_F(ScreenItems, TextsLinesAndImagesShowAreDimmedAndGo)
     text->x += 40;
     GroupVisibleZV(1, 0);
     EXPECT_TRUE(Is_Filled({0, 0, 100, 50}, paper));
+    GroupVisibleZV(1, 1);
+    EXPECT_TRUE(Is_Filled({left + 41, top + 2, left + 45, top + 8}, Pen_Color(ink, true)))
+        << "and shows again";
     FreeBitmapZV(picture);
 }
 
