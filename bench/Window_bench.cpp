@@ -103,8 +103,8 @@ void Give_Size(char const* title, int step)
 {
     static Display* const display = XOpenDisplay(nullptr);
     Window const window = Find_Window(display, DefaultRootWindow(display), title);
-    XResizeWindow(display, window, static_cast<unsigned>(WindowWidth + 40 + step),
-                  static_cast<unsigned>(WindowHeight + 40 + step));
+    XResizeWindow(display, window, static_cast<unsigned>(WindowWidth + 120 + step),
+                  static_cast<unsigned>(WindowHeight + 120 + step));
     XSync(display, False);
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
 }

@@ -195,11 +195,18 @@ void MemoryDisplay::Type(std::string const& text)
 
 // ---- pictures ---------------------------------------------------------------------------------------------
 
+static HostPicture Picture_Of(WindowPixels const& pixels)
+{
+    HostRect const all = pixels.Surface().Bounds();
+    HostPicture picture{all.right, all.bottom, {}};
+    for (int y = 0; y < all.bottom; ++y)
+        picture.pixels.insert(picture.pixels.end(), pixels.Row(y), pixels.Row(y) + all.right);
+    return picture;
+}
+
 HostPicture MemoryDisplay::Screenshot(HostWindow const& window) const
 {
-    auto const& shown = static_cast<MemoryWindow const&>(window);
-    HostRect const all = shown.Shown().Bounds();
-    return {all.right, all.bottom, {shown.Shown_Words().begin(), shown.Shown_Words().end()}};
+    return Picture_Of(static_cast<MemoryWindow const&>(window).Shown_Pixels());
 }
 
 HostPicture MemoryDisplay::Screenshot() const
@@ -214,5 +221,5 @@ HostPicture MemoryDisplay::Screenshot() const
             Draw_Frame(surface, {outer, client, window.Request(), &window == Front_Window()});
         surface.Blit(window.Shown(), window.Shown().Bounds(), client.left, client.top);
     }
-    return {Screen.Width(), Screen.Height(), {desk.Words().begin(), desk.Words().end()}};
+    return Picture_Of(desk);
 }

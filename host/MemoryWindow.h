@@ -28,7 +28,7 @@ public:
     bool IsShown() const { return isShown_; }
     bool IsTyping() const { return isTyping_; }
     HostSurface const& Shown() const { return shown_.Surface(); }
-    std::span<uint32_t const> Shown_Words() const { return shown_.Words(); }
+    WindowPixels const& Shown_Pixels() const { return shown_; }
 
     /// The nearest that the limits of size allow; the upper left corner stays.
     HostRect Limited(HostRect const& client) const;

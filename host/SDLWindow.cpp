@@ -221,9 +221,9 @@ void SDLWindow::Show_Region(HostRegion const& region)
         else
             surface.Stretch(pixels_.Surface(), source, whole);
     } else {
-        auto* const words = const_cast<uint32_t*>(pixels_.Words().data());
+        auto* const words = const_cast<uint32_t*>(pixels_.Row(0));
         SDL_Surface* const all = SDL_CreateRGBSurfaceWithFormatFrom(
-            words, source.Width(), source.Height(), 32, source.Width() * 4, SDL_PIXELFORMAT_RGB888);
+            words, source.Width(), source.Height(), 32, pixels_.Row_Bytes(), SDL_PIXELFORMAT_RGB888);
         SDL_Rect to{0, 0, whole.Width(), whole.Height()};
         SDL_BlitScaled(all, nullptr, target, &to);
         SDL_FreeSurface(all);

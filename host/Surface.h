@@ -50,6 +50,7 @@ public:
 
     /// From now on gathers the rectangles that drawing changed, for whoever shows the surface.
     void Track_Touched() { isTracking_ = true; }
+    void Touch_All() { touched_ = HostRegion(Bounds()); }
 
     /// What was gathered since the last call; a few pixels more when it falls into very many pieces.
     HostRegion Take_Touched();
