@@ -48,7 +48,8 @@ void FreeTypeFont::Shape_Buffer(bool hasLigatures)
     for (std::size_t i = 0; i < tags.size(); ++i)
         features[i] = {tags[i], 0, HB_FEATURE_GLOBAL_START, HB_FEATURE_GLOBAL_END};
     hb_buffer_guess_segment_properties(buffer_.get());
-    hb_shape(font_.get(), buffer_.get(), features.data(), hasLigatures ? 0 : features.size());
+    hb_shape(font_.get(), buffer_.get(), features.data(),
+             hasLigatures ? 0U : static_cast<unsigned>(features.size()));
 }
 
 HostTextRun FreeTypeFont::Make_Run(std::string_view text)

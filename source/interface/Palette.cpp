@@ -66,7 +66,7 @@ bool EndPaletteZV(unsigned short id, unsigned long nameId, TagItem* tags)
 
 void SetCurrentPaletteZV(ZVPalette* palette)
 {
-    if (ZVEnv) ZVEnv->currentPalette = palette;
+    if (ZVEnv) ZVEnv->currentPalette = Is_Palette(palette) ? palette : nullptr;
 }
 
 void SetCurrentPaletteZV(unsigned short id)
@@ -81,7 +81,7 @@ unsigned short GetCurrentPaletteZV()
 
 void SetPaletteNameZV(ZVPalette* palette, char const* name)
 {
-    if (!palette) return;
+    if (!Is_Palette(palette)) return;
     Set_Palette_Name(*palette, name);
     ZVWindow* const window = palette->window;
     if (!window) return;
@@ -116,7 +116,7 @@ void Draw_Mark(ZVPalette* palette)
 
 void HilitePaletteZV(ZVPalette* palette, long on)
 {
-    if (!palette) return;
+    if (!Is_Palette(palette)) return;
     palette->flags &= ~ZV_PALF_HILITED;
     if (on) palette->flags |= ZV_PALF_HILITED;
     Draw_Mark(palette);
@@ -124,7 +124,7 @@ void HilitePaletteZV(ZVPalette* palette, long on)
 
 void SupressPaletteActivationZV(ZVPalette* palette, long on)
 {
-    if (!palette) return;
+    if (!Is_Palette(palette)) return;
     palette->flags &= ~ZV_PALF_NO_ACTIVATE;
     if (on) palette->flags |= ZV_PALF_NO_ACTIVATE;
 }
@@ -136,7 +136,7 @@ void SupressPaletteActivationZV(unsigned short id, long on)
 
 void SetScrollPosZV(ZVPalette* palette, TagItem* tags)
 {
-    if (!palette) return;
+    if (!Is_Palette(palette)) return;
     while (TagItem const* tag = NextTagItem(&tags)) {
         int32_t const value = Tag_Number(*tag);
         switch (tag->tag) {

@@ -136,7 +136,7 @@ long NewActivePalette(ZVWindow* window, ZVPalette* palette, long x, long y, long
 
 void ActivatePaletteZV(ZVPalette* palette, long bringToFront)
 {
-    if (!palette || !palette->window) return;
+    if (!Is_Palette(palette) || !palette->window) return;
     LivingPalette const watch(palette);
     NewActivePalette(palette->window, Root_Of(palette), 0, 0, 1);
     if (bringToFront && watch.Is_There()) Mac_Select_Window(GetParentSysWindow(palette, nullptr, nullptr));

@@ -61,11 +61,21 @@ ZVPalette* FindPaletteZV(char const* name)
     });
 }
 
-/// Of a palette in a window or under construction.
+/// Among the palettes in windows and those under construction.
+template <typename Matches> static bool Is_Any(Matches matches)
+{
+    return Find_Palette(matches) || (ZVEnv && Find_Below(Root_Of(ZVEnv->buildingPalette), matches));
+}
+
+bool Is_Palette(ZVPalette const* palette)
+{
+    return palette && Is_Any([=](ZVPalette const* other) { return other == palette; });
+}
+
 static bool Exists(ZVPalette const* palette, uint32_t serial)
 {
-    auto const isIt = [=](ZVPalette const* other) { return other == palette && other->serial == serial; };
-    return palette && (Find_Palette(isIt) || Find_Below(Root_Of(ZVEnv->buildingPalette), isIt));
+    return palette &&
+           Is_Any([=](ZVPalette const* other) { return other == palette && other->serial == serial; });
 }
 
 bool LivingPalette::Is_Known() const
@@ -93,7 +103,7 @@ uint16_t Free_Palette_Id()
 {
     for (uint16_t id = 64999; id > 0; --id) {
         auto const hasId = [id](ZVPalette const* palette) { return palette->node.id == id; };
-        if (!Find_Palette(hasId) && !Find_Below(Root_Of(ZVEnv->buildingPalette), hasId)) return id;
+        if (!Is_Any(hasId)) return id;
     }
     return 0;
 }

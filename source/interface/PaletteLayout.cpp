@@ -267,7 +267,7 @@ static void Rebuild_Window(ZVPalette& palette)
 
 void ResizePaletteZV(ZVPalette* palette, long width, long height)
 {
-    if (!palette) return;
+    if (!Is_Palette(palette)) return;
     palette->forcedWidth = static_cast<int32_t>(width);
     palette->forcedHeight = static_cast<int32_t>(height);
     if (palette->window) RebuildPaletteZV(palette);
@@ -275,7 +275,7 @@ void ResizePaletteZV(ZVPalette* palette, long width, long height)
 
 void RebuildPaletteZV(ZVPalette* palette)
 {
-    if (!palette) return;
+    if (!Is_Palette(palette)) return;
     LivingPalette const watch(palette);
     Rebuild_SysPalette(palette, palette->forcedWidth, palette->forcedHeight);
     if (watch.Is_There()) Rebuild_Window(*palette);

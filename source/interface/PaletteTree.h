@@ -56,6 +56,10 @@ inline bool Is_On_Screen(ZVPalette const& palette)
 /// A window's record, the last of the environment's; null with error 1 when memory runs out.
 ZVWindow* New_Window();
 
+/// Whether a palette is still there, in a window or under construction; the pointer is compared, never
+/// followed.
+bool Is_Palette(ZVPalette const* palette);
+
 /// Whether a window is still there; the pointer is compared, never followed.
 bool Is_Window(ZVWindow const* window);
 

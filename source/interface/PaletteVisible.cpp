@@ -29,7 +29,7 @@ void Palette_Visible(ZVPalette& palette, bool visible)
 
 void PaletteVisibleZV(ZVPalette* palette, long visible)
 {
-    if (!palette || (visible != 0) == !(palette->flags & ZV_PALF_HIDDEN)) return;
+    if (!Is_Palette(palette) || (visible != 0) == !(palette->flags & ZV_PALF_HIDDEN)) return;
     if (!palette->window || !Is_Shown(palette->parent)) {
         palette->flags ^= ZV_PALF_HIDDEN;
         return;

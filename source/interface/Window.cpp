@@ -65,7 +65,7 @@ void Free_Window(ZVWindow* window)
 unsigned long AddEventHookZV(ZVPalette* palette, unsigned long event, void (*function)(void*, long, void*),
                              void* user)
 {
-    if (!palette || !palette->window) return 0;
+    if (!Is_Palette(palette) || !palette->window) return 0;
     auto* const hook = New_Record<ZVEventHook>();
     if (!hook) return 0;
     List& hooks = palette->window->hooks;
@@ -82,7 +82,7 @@ unsigned long AddEventHookZV(ZVPalette* palette, unsigned long event, void (*fun
 
 void RemoveEventHookZV(ZVPalette* palette, unsigned long id)
 {
-    if (!palette || !palette->window) return;
+    if (!Is_Palette(palette) || !palette->window) return;
     for (ZVEventHook& hook : Records<ZVEventHook>(palette->window->hooks)) {
         if (hook.palette != palette || hook.node.id != id) continue;
         FreeNode(&hook.node);

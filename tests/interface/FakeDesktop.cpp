@@ -34,7 +34,7 @@ unsigned long Do_Event(unsigned short type, unsigned long arg)
     auto* const palette = reinterpret_cast<ZVPalette*>(arg);
     desktop.Note(std::to_string(type) + " of ", palette->node.id);
     Call(palette->callback, type, palette, arg);
-    if (type != ZV_EVENT_SETUP && !FindPaletteZV(palette)) return 0;
+    if (!FindPaletteZV(palette)) return 0;
     for (Node* sub = palette->subPalettes.head; sub->next; sub = sub->next)
         Do_Event(type, Tag_Word(sub));
     return 0;

@@ -74,6 +74,10 @@ TEST_F(ScreenItems, AWalkEndsWhenAGadgetClosesThePalette)
         for (long const isVisible : {0, 1})
             if (FindPaletteZV(palette)) GroupVisibleZV(1, isVisible);
         EXPECT_EQ(FindPaletteZV(palette), nullptr) << at;
+        for (auto const call : {+[](ZVPalette* gone) { RebuildPaletteZV(gone); },
+                                +[](ZVPalette* gone) { ActivatePaletteZV(gone, 1); },
+                                +[](ZVPalette* gone) { SetPaletteNameZV(gone, "gone"); }})
+            call(palette);
         palette = InitPaletteZV();
         InitGroupZV();
     }

@@ -56,6 +56,7 @@ TEST_F(LoopTest, JobsRunEachMillisecondOfTheApplicationsLoop)
     });
     EXPECT_EQ(Run(), 500);
     EXPECT_EQ(AdvanceGUIZV(0), 0);
+    RemoveJobZV(job);
 }
 
 TEST_F(LoopTest, DialogsEndInAnyOrder)
