@@ -116,6 +116,7 @@ void Set_Quality(AVCodecContext& context, PictureCodec const& codec, HostVideoSe
         if (!hasRate) options.Set("crf", std::to_string(Between(46, 4, settings.quality)).c_str());
     } else if (!hasRate && (name == "mjpeg" || name == "mpeg4")) {
         context.flags |= AV_CODEC_FLAG_QSCALE;
+        context.qmin = 1;
         context.global_quality =
             static_cast<int>(std::lround(Between(20, 1, settings.quality))) * FF_QP2LAMBDA;
     }
@@ -196,6 +197,7 @@ MovieOwner<AVFrame> New_Picture(AVCodecContext const& encoder)
     picture->color_primaries = encoder.color_primaries;
     picture->color_trc = encoder.color_trc;
     picture->sample_aspect_ratio = encoder.sample_aspect_ratio;
+    picture->quality = encoder.global_quality;  // encoders with a fixed quality read it here
     return av_frame_get_buffer(picture.get(), 0) < 0 ? nullptr : std::move(picture);
 }
 
