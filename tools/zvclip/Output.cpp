@@ -200,8 +200,8 @@ static bool Keeps_Alpha(ZVClip* clip, OutputSettings const& settings)
         return false;
     ZVMovieOptions movie;
     ZVMovieCodec codec;
-    uint32_t const code = GetMovieOptionsZV(clip, &movie) ? movie.Codec : settings.codec.value_or(PlainCodec);
-    return !FindMovieCodecZV(code, &codec) || codec.HasAlpha;
+    std::optional<uint32_t> const code = GetMovieOptionsZV(clip, &movie) ? movie.Codec : settings.codec;
+    return !code || !FindMovieCodecZV(*code, &codec) || codec.HasAlpha;
 }
 
 static void Describe_Output(ZVClip* clip, OutputSettings const& settings)
