@@ -10,24 +10,25 @@ namespace {
 constexpr AVPixelFormat None = AV_PIX_FMT_NONE;
 
 constexpr PictureCodec pictureCodecs[] = {
-    {"rle ", "qtrle", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, None, None, false},
-    {"raw ", "rawvideo", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, AV_PIX_FMT_RGB48BE, AV_PIX_FMT_RGBA64BE, false},
-    {"png ", "png", AV_PIX_FMT_RGB24, AV_PIX_FMT_RGBA, AV_PIX_FMT_RGB48BE, AV_PIX_FMT_RGBA64BE, false},
-    {"FFV1", "ffv1", AV_PIX_FMT_BGR0, AV_PIX_FMT_BGRA, AV_PIX_FMT_GBRP16, AV_PIX_FMT_GBRAP16, false},
-    {"jpeg", "mjpeg", AV_PIX_FMT_YUVJ420P, None, None, None, true},
-    {"apco", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false},
-    {"apcs", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false},
-    {"apcn", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false},
-    {"apch", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false},
+    {"rle ", "qtrle", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, None, None, false, true},
+    {"raw ", "rawvideo", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, AV_PIX_FMT_RGB48BE, AV_PIX_FMT_RGBA64BE, false,
+     false},
+    {"png ", "png", AV_PIX_FMT_RGB24, AV_PIX_FMT_RGBA, AV_PIX_FMT_RGB48BE, AV_PIX_FMT_RGBA64BE, false, true},
+    {"FFV1", "ffv1", AV_PIX_FMT_BGR0, AV_PIX_FMT_BGRA, AV_PIX_FMT_GBRP16, AV_PIX_FMT_GBRAP16, false, false},
+    {"jpeg", "mjpeg", AV_PIX_FMT_YUVJ420P, None, None, None, true, true},
+    {"apco", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false, false},
+    {"apcs", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false, false},
+    {"apcn", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false, false},
+    {"apch", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false, false},
     {"ap4h", "prores_ks", AV_PIX_FMT_YUV444P10, AV_PIX_FMT_YUVA444P10, AV_PIX_FMT_YUV444P10,
-     AV_PIX_FMT_YUVA444P10, false},
+     AV_PIX_FMT_YUVA444P10, false, false},
     {"ap4x", "prores_ks", AV_PIX_FMT_YUV444P10, AV_PIX_FMT_YUVA444P10, AV_PIX_FMT_YUV444P10,
-     AV_PIX_FMT_YUVA444P10, false},
-    {"v210", "v210", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false},
-    {"2vuy", "rawvideo", AV_PIX_FMT_UYVY422, None, None, None, false},
-    {"avc1", "libx264", AV_PIX_FMT_YUV420P, None, AV_PIX_FMT_YUV420P10, None, true},
-    {"hvc1", "libx265", AV_PIX_FMT_YUV420P, None, AV_PIX_FMT_YUV420P10, None, true},
-    {"mp4v", "mpeg4", AV_PIX_FMT_YUV420P, None, None, None, true},
+     AV_PIX_FMT_YUVA444P10, false, false},
+    {"v210", "v210", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false, false},
+    {"2vuy", "rawvideo", AV_PIX_FMT_UYVY422, None, None, None, false, false},
+    {"avc1", "libx264", AV_PIX_FMT_YUV420P, None, AV_PIX_FMT_YUV420P10, None, true, false},
+    {"hvc1", "libx265", AV_PIX_FMT_YUV420P, None, AV_PIX_FMT_YUV420P10, None, true, false},
+    {"mp4v", "mpeg4", AV_PIX_FMT_YUV420P, None, None, None, true, false},
 };
 
 constexpr SoundCodec soundCodecs[] = {
@@ -67,7 +68,7 @@ AVPixelFormat Layout_For(PictureCodec const& codec, HostVideoSettings const& set
 }
 
 /// The matrix is written into the movie, so that its colours come back as they were: that of high definition
-/// for its sizes, that of standard definition below.
+/// for its sizes, that of standard definition below. JPEG pictures know no other one than that.
 void Set_Colour(AVCodecContext& context, HostVideoSettings const& settings)
 {
     AVPixFmtDescriptor const* layout = av_pix_fmt_desc_get(context.pix_fmt);
@@ -75,11 +76,11 @@ void Set_Colour(AVCodecContext& context, HostVideoSettings const& settings)
         context.color_range = AVCOL_RANGE_JPEG;
         return;
     }
-    bool const isHigh = settings.width > 1024 || settings.height > 576;
+    bool const isFull = context.pix_fmt == AV_PIX_FMT_YUVJ420P || context.pix_fmt == AV_PIX_FMT_YUVJ444P;
+    bool const isHigh = !isFull && (settings.width > 1024 || settings.height > 576);
     context.colorspace = isHigh ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
     context.color_primaries = isHigh ? AVCOL_PRI_BT709 : AVCOL_PRI_SMPTE170M;
     context.color_trc = AVCOL_TRC_BT709;
-    bool const isFull = context.pix_fmt == AV_PIX_FMT_YUVJ420P || context.pix_fmt == AV_PIX_FMT_YUVJ444P;
     context.color_range = isFull ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
 }
 
@@ -115,6 +116,7 @@ void Set_Quality(AVCodecContext& context, PictureCodec const& codec, HostVideoSe
         if (!hasRate) options.Set("crf", std::to_string(Between(46, 4, settings.quality)).c_str());
     } else if (!hasRate && (name == "mjpeg" || name == "mpeg4")) {
         context.flags |= AV_CODEC_FLAG_QSCALE;
+        context.qmin = 1;
         context.global_quality =
             static_cast<int>(std::lround(Between(20, 1, settings.quality))) * FF_QP2LAMBDA;
     }
@@ -146,7 +148,7 @@ HostCodecAbilities Host_Codec_Abilities(std::uint32_t code)
     if (!encoder) return {};
     AVCodecDescriptor const* descriptor = avcodec_descriptor_get(encoder->id);
     char const* name = descriptor && descriptor->long_name ? descriptor->long_name : encoder->name;
-    return {true, codec->alpha != None, codec->deep != None, codec->canStream, name};
+    return {true, codec->alpha != None, codec->deep != None, codec->canStream, codec->isStill, name};
 }
 
 MovieOwner<AVCodecContext> Open_Picture_Encoder(HostVideoSettings const& settings, HostMovieError& error)
@@ -181,6 +183,22 @@ MovieOwner<AVCodecContext> Open_Picture_Encoder(HostVideoSettings const& setting
     if (avcodec_open2(context.get(), encoder, options.Address()) < 0) return nullptr;
     error = HostMovieError::None;
     return context;
+}
+
+MovieOwner<AVFrame> New_Picture(AVCodecContext const& encoder)
+{
+    MovieOwner<AVFrame> picture{av_frame_alloc()};
+    if (!picture) return nullptr;
+    picture->width = encoder.width;
+    picture->height = encoder.height;
+    picture->format = encoder.pix_fmt;
+    picture->colorspace = encoder.colorspace;
+    picture->color_range = encoder.color_range;
+    picture->color_primaries = encoder.color_primaries;
+    picture->color_trc = encoder.color_trc;
+    picture->sample_aspect_ratio = encoder.sample_aspect_ratio;
+    picture->quality = encoder.global_quality;  // encoders with a fixed quality read it here
+    return av_frame_get_buffer(picture.get(), 0) < 0 ? nullptr : std::move(picture);
 }
 
 MovieOwner<AVCodecContext> Open_Sound_Encoder(HostSoundSettings const& settings, bool hinted,

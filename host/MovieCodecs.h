@@ -10,6 +10,7 @@ struct PictureCodec {
     AVPixelFormat plain, alpha;
     AVPixelFormat deep, deepAlpha;
     bool canStream;
+    bool isStill;  ///< a picture needs nothing beside its own bytes
 };
 
 /// An encoder of sound.
@@ -25,6 +26,9 @@ SoundCodec const* Find_Sound_Codec(std::uint32_t code);
 
 /// A picture encoder ready for frames at that rate, or null.
 MovieOwner<AVCodecContext> Open_Picture_Encoder(HostVideoSettings const& settings, HostMovieError& error);
+
+/// A picture to be filled for the encoder, or null.
+MovieOwner<AVFrame> New_Picture(AVCodecContext const& encoder);
 
 /// A sound encoder, or null. Samples as they are become words with the high byte first when `hinted`, which
 /// is how they travel.

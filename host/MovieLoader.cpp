@@ -53,6 +53,13 @@ HostMovieError Decode_Host_Still(HostStill const& still, void* pixels, std::size
     return Service() ? Service()->decodeStill(still, pixels, rowBytes) : HostMovieError::NoCodec;
 }
 
+HostMovieError Encode_Host_Still(HostVideoSettings const& settings, void const* pixels, std::size_t rowBytes,
+                                 HostPixels layout, std::vector<std::uint8_t>& bytes)
+{
+    return Service() ? Service()->encodeStill(settings, pixels, rowBytes, layout, bytes)
+                     : HostMovieError::NoCodec;
+}
+
 HostCodecAbilities Host_Codec_Abilities(std::uint32_t codec)
 {
     return Service() ? Service()->abilities(codec) : HostCodecAbilities{};

@@ -10,6 +10,7 @@ struct HostMovieService {
     decltype(&Open_Host_Movie) open;
     decltype(&Create_Host_Movie) create;
     decltype(&Decode_Host_Still) decodeStill;
+    decltype(&Encode_Host_Still) encodeStill;
     decltype(&Host_Codec_Abilities) abilities;
     decltype(&Host_Movie_Extensions) extensions;
 };

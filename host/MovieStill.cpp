@@ -1,4 +1,5 @@
 // One picture in the compression of movies, without a movie around it.
+#include "MovieCodecs.h"
 #include "MovieConvert.h"
 
 #include <cstring>
@@ -50,4 +51,28 @@ HostMovieError Decode_Host_Still(HostStill const& still, void* pixels, std::size
     return converter.To_RGBA(*frame, still.width, still.height, pixels, rowBytes, HostPixels::RGBA8)
                ? HostMovieError::None
                : HostMovieError::Unreadable;
+}
+
+HostMovieError Encode_Host_Still(HostVideoSettings const& settings, void const* pixels, std::size_t rowBytes,
+                                 HostPixels layout, std::vector<std::uint8_t>& bytes)
+{
+    PictureCodec const* const codec = Find_Picture_Codec(settings.codec);
+    if (!codec || !codec->isStill) return HostMovieError::NoCodec;
+    HostVideoSettings still = settings;
+    still.timeScale = still.frameDuration = 1;
+    HostMovieError error;
+    MovieOwner<AVCodecContext> const encoder = Open_Picture_Encoder(still, error);
+    if (!encoder) return error;
+    MovieOwner<AVFrame> const picture = New_Picture(*encoder);
+    MovieOwner<AVPacket> const packet{av_packet_alloc()};
+    if (!picture || !packet) return HostMovieError::Memory;
+    PictureConverter converter;
+    if (!converter.From_RGBA(pixels, rowBytes, layout, *picture)) return HostMovieError::Failed;
+    picture->pts = 0;
+    int result = avcodec_send_frame(encoder.get(), picture.get());
+    if (result >= 0) result = avcodec_send_frame(encoder.get(), nullptr);  // nothing follows
+    if (result >= 0) result = avcodec_receive_packet(encoder.get(), packet.get());
+    if (result < 0) return Movie_Error(result);
+    bytes.assign(packet->data, packet->data + packet->size);
+    return HostMovieError::None;
 }

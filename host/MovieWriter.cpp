@@ -167,18 +167,8 @@ int FileWriter::Encode(OutputTrack& track, AVFrame const* frame)
 bool FileWriter::Prepare_Picture()
 {
     if (picture_ && av_frame_is_writable(picture_.get())) return true;
-    AVCodecContext const& encoder = *video_.encoder;
-    picture_.reset(av_frame_alloc());
-    if (!picture_) return false;
-    picture_->width = encoder.width;
-    picture_->height = encoder.height;
-    picture_->format = encoder.pix_fmt;
-    picture_->colorspace = encoder.colorspace;
-    picture_->color_range = encoder.color_range;
-    picture_->color_primaries = encoder.color_primaries;
-    picture_->color_trc = encoder.color_trc;
-    picture_->sample_aspect_ratio = encoder.sample_aspect_ratio;
-    return av_frame_get_buffer(picture_.get(), 0) >= 0;
+    picture_ = New_Picture(*video_.encoder);
+    return picture_ != nullptr;
 }
 
 HostMovieError FileWriter::Add_Frame(void const* pixels, std::size_t rowBytes, HostPixels layout)

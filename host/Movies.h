@@ -127,12 +127,19 @@ struct HostStill {
 /// @param pixels  room for height rows; its contents are undefined after a failure
 HostMovieError Decode_Host_Still(HostStill const& still, void* pixels, std::size_t rowBytes);
 
+/// Compresses one picture for Decode_Host_Still. Of the settings only codec, size, alpha, depth and quality
+/// count.
+/// @param bytes  replaced; its contents are undefined after a failure
+HostMovieError Encode_Host_Still(HostVideoSettings const& settings, void const* pixels, std::size_t rowBytes,
+                                 HostPixels layout, std::vector<std::uint8_t>& bytes);
+
 /// What a codec can hold.
 struct HostCodecAbilities {
     bool canWrite = false;
     bool alpha = false;
     bool deep = false;    ///< more than 8 bits a channel
     bool stream = false;  ///< can be hinted
+    bool still = false;   ///< one picture can be had without a movie around it
     std::string name;
 };
 HostCodecAbilities Host_Codec_Abilities(std::uint32_t codec);

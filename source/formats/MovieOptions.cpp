@@ -17,15 +17,6 @@ uint32_t Clamp_Option(long value, uint32_t largest)
     return static_cast<uint32_t>(std::clamp(value, 0L, static_cast<long>(largest)));
 }
 
-void Refuse_Codec(uint32_t code)
-{
-    char text[5] = {};
-    for (int i = 0; i < 4; ++i)
-        text[i] = static_cast<char>(code >> (24 - 8 * i) & 0xFF);
-    SetError(ZV_ERR_MOVIE_FRAME);
-    SetErrorString(text);
-}
-
 }  // namespace
 
 long FindMovieCodecZV(uint32_t code, ZVMovieCodec* codec)

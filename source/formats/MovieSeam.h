@@ -6,6 +6,7 @@
 #include "ZVClip.h"
 
 #include <span>
+#include <vector>
 
 /// An open movie, and one being written.
 struct OSMovie;
@@ -53,6 +54,7 @@ struct OSMovieCodec {
     bool hasAlpha;
     bool isDeep;
     bool canStream;
+    bool isStill;  ///< OS_Movie_Write_Still takes it
     char name[64];
 };
 
@@ -92,6 +94,18 @@ struct OSMovieStill {
 
 /// Decompresses a picture into pixels of ZV_BITMAP_RGBA8, rows without gaps. False with error 1, 17 or 26.
 bool OS_Movie_Read_Still(OSMovieStill const& still, void* pixels);
+
+/// How a picture is compressed without a movie around it.
+struct OSMovieStillSettings {
+    uint32_t codec;
+    bool hasAlpha;
+    long quality;  ///< 0 to 1024
+};
+
+/// Compresses a bitmap of type ZV_BITMAP_RGBA8 or ZV_BITMAP_RGBA16 for OS_Movie_Read_Still. False with error
+/// 1, 18 or 26, the bytes then being undefined.
+bool OS_Movie_Write_Still(OSMovieStillSettings const& settings, ZVBitmap const* bitmap,
+                          std::vector<uint8_t>& bytes);
 
 OSMovieCodec OS_Movie_Find_Codec(uint32_t codec);
 

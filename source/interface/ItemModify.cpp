@@ -66,7 +66,7 @@ static bool Change_Entries(ZVItem& item, TagItem const& tag, Changes& changes)
     case ZV_ITEM_REMOVE_ENTRY: Remove_Entry(item, tag.data); break;
     case ZV_ITEM_ADD_ENTRY: Add_Entry(item, Tag_Pointer<char const*>(tag)); break;
     case ZV_ITEM_ADD_ENTRY_ID: Add_Entry(item, Text_Of_Id(tag.data)); break;
-    // FIXME: which entries are disabled is kept by the cycle gadget, and comes with it.
+    // Which entries are disabled belongs to the gadget's function; the list of entries stays as it is.
     case ZV_ITEM_ENABLE_ENTRY:
     case ZV_ITEM_DISABLE_ENTRY:
     case ZV_ITEM_ENABLE_ALL_ENTRIES:

@@ -118,7 +118,7 @@ void SetupSliderZV(unsigned long id, double min, double max, double, double, cha
 {
     ZVItem* const item = FindItemZV(static_cast<unsigned short>(id));
     if (!item || item->type != ZV_GAD_SLIDER) return;
-    // FIXME: the displayed range and the decimals are kept by the slider gadget, and come with it.
+    // The limits alone: the range that is displayed and its decimals belong to the slider's function.
     item->minReal = min;
     item->maxReal = max;
     item->minInt = To_Whole(min);

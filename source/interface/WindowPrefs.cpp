@@ -1,10 +1,8 @@
-// The window preferences, which remember where palettes were. Nothing is saved yet.
+// The window preferences, which tell where palettes were. None are kept, so a palette opens where its tags
+// and the desktop put it.
 #include "ZVLibInternal.h"
 
-void Snapshot_WindowPrefs()
-{
-    // FIXME: takes down windows and palettes, once there is a list to keep them in.
-}
+void Snapshot_WindowPrefs() {}
 
 long Get_Dest_Window(ZVPalette const*, ZVWindow**, unsigned long*, long*, long*, long*, long*, long*)
 {

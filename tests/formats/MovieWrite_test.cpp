@@ -124,6 +124,23 @@ TEST_F(Movie, LossyCodecsStayNearWhatWasWritten)
         }
 }
 
+TEST_F(Movie, AHigherQualityTakesMoreBytes)
+{
+    for (uint32_t codec : {ZV_FourCC("jpeg"), ZV_FourCC("mp4v"), ZV_FourCC("avc1")}) {
+        std::uintmax_t before = 0;
+        for (uint32_t quality : {0u, 400u, 700u, 1024u}) {
+            ClipPtr const clip = Describe("out.mov", 64, 48, 25.0, 8, ZV_ALPHA_NONE);
+            Choose_Codec(clip.get(), codec, 24, quality);
+            ASSERT_TRUE(CreateClipZV(clip.get(), 0) && BeginClipIOZV(clip.get(), nullptr));
+            ASSERT_TRUE(Add_Frame_At(clip.get(), 0, Random_Pixels(64, 48, 1)));
+            Close(clip);
+            std::uintmax_t const size = std::filesystem::file_size(environment.Path("out.mov"));
+            EXPECT_GT(size, before) << codec << " " << quality;
+            before = size;
+        }
+    }
+}
+
 TEST_F(Movie, TimeScalesAreAsTold)
 {
     struct {

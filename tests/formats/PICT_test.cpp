@@ -33,6 +33,38 @@ protected:
     }
 };
 
+void Choose(ClipPtr const& clip, uint32_t codec, uint32_t quality)
+{
+    ZVPICTOptions const options{codec, 0, 0, quality};
+    std::memcpy(clip->VideoParams->Data, &options, sizeof options);
+}
+
+/// Two gradients and waves of blue.
+Bytes Shades(long width, long height)
+{
+    Bytes pixels;
+    for (long i = 0; i < width * height; ++i) {
+        long const x = i % width, y = i / width;
+        for (long value : {x * 255 / width, y * 255 / height, 4 * std::abs(x % 64 - 32), 255L})
+            pixels.push_back(static_cast<uint8_t>(value));
+    }
+    return pixels;
+}
+
+/// Mean and largest difference of two pictures.
+std::pair<double, int> Differences(Bytes const& one, Bytes const& other)
+{
+    if (one.size() != other.size()) return {255, 255};
+    long sum = 0;
+    int largest = 0;
+    for (std::size_t i = 0; i < one.size(); ++i) {
+        int const difference = std::abs(one[i] - other[i]);
+        sum += difference;
+        largest = std::max(largest, difference);
+    }
+    return {static_cast<double>(sum) / static_cast<double>(one.size()), largest};
+}
+
 Bytes With_Alpha(Bytes pixels, uint8_t alpha)
 {
     for (std::size_t i = 3; i < pixels.size(); i += 4)
@@ -204,6 +236,75 @@ TEST_F(PICT, AWriteThatCannotBeDoneAnswers0)
         EXPECT_TRUE(Add_Frame_At(clip.get(), 0, noise)) << "the disk has room again";
         EXPECT_TRUE(Module_Frame(clip.get(), 0) == noise);
     }
+}
+
+TEST_F(PICT, CompressedWithoutLossAFrameComesBackExactly)
+{
+    for (uint32_t codec : {ZV_FourCC("png "), ZV_FourCC("rle ")})
+        for (auto const& [width, height] : {std::pair{1L, 1L}, {33L, 7L}, {5000L, 3L}})
+            for (uint8_t alphaType : {ZV_ALPHA_CHANNEL, ZV_ALPHA_NONE}) {
+                Bytes const noise = Random_Pixels(width, height, 1);
+                {
+                    ClipPtr const clip = Create(format, "a.pct", width, height, 25.0, alphaType);
+                    Choose(clip, codec, 1023);
+                    ASSERT_TRUE(Add_Frame_At(clip.get(), 0, noise));
+                }
+                ClipPtr const clip = Open(environment.Spec("a.pct"));
+                ASSERT_TRUE(clip && clip->AlphaType == alphaType) << codec << " " << width;
+                EXPECT_TRUE(Module_Frame(clip.get(), 0) == (alphaType ? noise : With_Alpha(noise, 255)))
+                    << codec << " " << width;
+            }
+}
+
+TEST_F(PICT, JPEGFramesAreAsGoodAsTheirQuality)
+{
+    long const width = 1200, height = 60;  // wide enough for movies to take other colours
+    Bytes const pixels = Shades(width, height);
+    std::size_t sizeBefore = 0;
+    double errorBefore = 255;
+    for (uint32_t quality : {0u, 256u, 512u, 768u, 1023u}) {
+        for (ZVFormatDesc* module : {format, animation}) {
+            ClipPtr const clip = Create(module, module == format ? "a.pct" : "a.pcs", width, height, 25.0);
+            Choose(clip, ZV_FourCC("jpeg"), quality);
+            ASSERT_TRUE(Add_Frame_At(clip.get(), 0, pixels));
+        }
+        Bytes const seen = Module_Frame(Open(environment.Spec("a.pct")).get(), 0);
+        EXPECT_TRUE(Module_Frame(Open(environment.Spec("a.pcs")).get(), 0) == seen);
+        auto const [error, largest] = Differences(seen, pixels);
+        EXPECT_LT(error, errorBefore) << quality;
+        EXPECT_LE(largest, quality == 1023 ? 6 : 90) << quality;
+        errorBefore = error;
+
+        Bytes const file = Read("a.pct");
+        EXPECT_GT(file.size(), sizeBefore) << quality;
+        sizeBefore = file.size();
+        Bytes const start = {0xFF, 0xD8, 0xFF};
+        Write("a.jpg", {std::search(file.begin(), file.end(), start.begin(), start.end()), file.end() - 2});
+        ASSERT_TRUE(Convert("a.jpg -depth 8 rgba:seen"));
+        EXPECT_LT(Differences(Read("seen"), pixels).first, error + 1) << quality << ", another decoder";
+    }
+}
+
+TEST_F(PICT, ACodecThatCannotBeHadLeavesFilesAlone)
+{
+    for (char const* code : {"abcd", "avc1", "FFV1"})
+        for (auto const& [module, name] : {std::pair{format, "a.pct"}, {animation, "a.pcs"}}) {
+            ClipPtr const clip = Create(module, name, 8, 8, 25.0);
+            Bytes const before = Read(name), noise = Random_Pixels(8, 8, 1);
+            uint32_t packed = 0;
+            for (int i = 0; i < 4; ++i)
+                packed = packed << 8 | static_cast<unsigned char>(code[i]);
+            Choose(clip, packed, 512);
+            SetError(0);
+            EXPECT_FALSE(Add_Frame_At(clip.get(), 0, noise));
+            EXPECT_EQ(GetErrorZV(), ZV_ERR_MOVIE_FRAME);
+            EXPECT_STREQ(GetErrorStringZV(), code);
+            EXPECT_EQ(Read(name), before);
+            EXPECT_EQ(clip->RawFrames, 0);
+            Choose(clip, ZV_FourCC("raw "), 0);
+            EXPECT_TRUE(Add_Frame_At(clip.get(), 0, noise) && Module_Frame(clip.get(), 0) == noise);
+            std::filesystem::remove(environment.Path(name));
+        }
 }
 
 TEST_F(PICT, AnimationsAreResourcesInOrder)

@@ -134,11 +134,11 @@ TEST_F(Dependencies, AnActionMayClearTheDependenciesThatRun)
     Add(2, ZV_GAD_CUSTOM)->customFunc = clear;
     Add(3);
     AddGadgetDependencyZV(1, ZV_DEP_ON, 0, ZV_DEP_COPY_VALUE, 2, ZV_DEP_SET_ON, 3);
-    FindItemZV(2)->native = reinterpret_cast<ZVNativeItem*>(FindItemZV(2));
+    EndGroupZV(1, 0, 0, "", nullptr);
+    DisplayPaletteZV(nullptr);
     SetGadgetStateZV(1UL, 1);
     EXPECT_EQ(State(3), 1) << "the list lives until it has run";
     EXPECT_TRUE(List_Empty(&FindItemZV(1)->dependencies));
-    FindItemZV(2)->native = nullptr;
 }
 
 TEST_F(Dependencies, CopiedValuesBecomeWhatTheTargetKeeps)

@@ -2,6 +2,7 @@
 #include "interface/InterfaceTest.h"
 
 #include "FailingHeap.h"
+#include "pixels/IconList.h"
 
 namespace {
 
@@ -27,7 +28,16 @@ protected:
         EndGroupZV(1, 0, 0, "", nullptr);
         ASSERT_TRUE(DisplayPaletteZV(nullptr));
         SetCurrentPaletteZV(palette);
-        FakeDesktop::Get().log.clear();
+        log.clear();
+    }
+
+    /// Logs when the gadget comes on screen and leaves it.
+    static long Note_Screen(ZVCustomEvent* event)
+    {
+        std::string const id = std::to_string(event->item->node.id);
+        if (event->type == ZV_CUSTOM_CREATE) log.push_back("make " + id);
+        if (event->type == ZV_CUSTOM_DESTROY) log.push_back("destroy " + id);
+        return 1;
     }
 
     ZVPalette* palette;
@@ -188,6 +198,7 @@ TEST_F(Items, TextsAreCutAtWholeCharacters)
 
 TEST_F(Items, SizesComeFromTypeSizeFontAndTags)
 {
+    Add_Icon(500, AllocBitmapZV(30, 12, ZV_BITMAP_RGBA8, "icon"));
     ZVDrawInfo font{};
     long const cw = GetAveCharWidthZV(&font), ch = GetAveCharHeightZV(&font);
     ZVStyle const& style = *ZVEnv->style;
@@ -217,22 +228,30 @@ TEST_F(Items, LabelsShowAndEnableWithTheirGadget)
     ZVItem* const field = Add(ZV_GAD_STRING, 1);
     AddTextZV(ZV_LABEL_ID, 0x0501, 1, "second", nullptr);
     Display();
-    FakeDesktop& desktop = FakeDesktop::Get();
+    ZVItem* const own = field->beforeLink;
+    ZVItem* const second = own->beforeLink;
+    auto const shown = [&] {
+        std::string text;
+        for (ZVItem* item : {second, own, field})
+            text += !item->native ? '-' : item->flags & ZV_ITEMF_DISABLED ? 'd' : 'e';
+        return text;
+    };
+    EXPECT_EQ(shown(), "eee");
     ItemVisibleZV(1, 0);
-    EXPECT_EQ(desktop.Count("destroy 1"), 1);
-    EXPECT_EQ(desktop.Count("destroy 65534"), 2);
+    EXPECT_EQ(shown(), "---");
     ItemEnabledZV(1, 0);
-    EXPECT_EQ(desktop.Count("disable 1"), 0) << "hidden";
+    EXPECT_EQ(shown(), "---");
     ItemVisibleZV(field, 1);
+    EXPECT_EQ(shown(), "ddd");
     ItemEnabledZV(field, 1);
-    EXPECT_EQ(desktop.Count("enable 65534"), 2);
+    EXPECT_EQ(shown(), "eee");
     ItemVisibleZV(field->beforeLink, 0);
-    EXPECT_FALSE(field->flags & ZV_ITEMF_HIDDEN) << "a label passes nothing on";
+    EXPECT_EQ(shown(), "e-e") << "a label passes nothing on";
     GroupVisibleZV(1, 0);
     ItemVisibleZV(field->beforeLink, 1);
-    EXPECT_EQ(desktop.Count("make 65534"), 2) << "not while the group is hidden";
+    EXPECT_EQ(shown(), "---") << "not while the group is hidden";
     GroupVisibleZV(1, 1);
-    EXPECT_EQ(desktop.Count("make 65534"), 4);
+    EXPECT_EQ(shown(), "eee");
     MarkItemZV(1, 0);
     ItemVisibleIfMarkedZV(1);
     EXPECT_FALSE(field->native);
@@ -240,14 +259,13 @@ TEST_F(Items, LabelsShowAndEnableWithTheirGadget)
 
 TEST_F(Items, OnlyWhatHasMovedIsMadeAgain)
 {
-    Add(ZV_GAD_BUTTON, 1);
-    Add(ZV_GAD_BUTTON, 2, ZV_ITEM_IGNORE_IF_HIDDEN, 0);
-    Add(ZV_GAD_BUTTON, 3);
+    for (unsigned short id : std::initializer_list<unsigned short>{1, 2, 3})
+        Add(ZV_GAD_CUSTOM, id, ZV_ITEM_CUSTOM_FUNC, Note_Screen, ZV_ITEM_IGNORE_IF_HIDDEN, 0);
     Display();
     ItemVisibleZV(2, 0);
-    FakeDesktop::Get().log.clear();
+    log.clear();
     RebuildPaletteZV(palette);
-    EXPECT_EQ(FakeDesktop::Get().log, (std::vector<std::string>{"destroy 3", "make 3"}));
+    EXPECT_EQ(log, (Strings{"destroy 3", "make 3"}));
     long x = 0, y = 0;
     GetItemScreenPosZV(FindItemZV(3), &x, &y);
     EXPECT_EQ(x, palette->window->left + 2 * ZVEnv->style->paletteMargin + FindItemZV(3)->x);

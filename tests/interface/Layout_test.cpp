@@ -320,7 +320,7 @@ void Change_Hidden(Maker& maker, Model::Palette& model, ZVPalette& palette)
 
 TEST_F(Layout, AgreesWithTheModelWhenDisplayedResizedAndChanged)
 {
-    for (unsigned seed = 1; seed <= 4000; ++seed) {
+    for (unsigned seed = 1; seed <= 1000; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Maker maker(seed);
         Model::Palette model = maker.Make();

@@ -44,8 +44,9 @@ protected:
     static std::function<void(ZVEvent&)> onEvent;
     static std::function<void(ZVCustomEvent const&)> onGadget;
 
+    static void Callback(ZVEvent* event);  ///< Of palettes: logs and calls onEvent.
+
 private:
-    static void Callback(ZVEvent* event);
     static void ApplicationCallback(ZVEvent* event);
     static long Function(ZVCustomEvent* event);
 

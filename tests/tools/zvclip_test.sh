@@ -73,6 +73,12 @@ expect 0 "" convert in.flm lum.flm --luminance --frames 1
 expect 0 "" convert in.flm matte.flm --matte '#102030' --invert --frames 1
 expect 0 "" frame in.flm --time 0.4 still.png
 same "$(pixels in.flm -vf trim=start_frame=10:end_frame=11)" "$(pixels still.png)" "a still has other pixels"
+expect 0 "" convert in.flm poor.pict --frames 1 --codec mjpeg --quality 5
+expect 0 "" convert in.flm good.pict --frames 1 --codec mjpeg --quality 95
+[ "$(stat -c %s poor.pict)" -lt "$(stat -c %s good.pict)" ] || fail "--quality of a compressed PICT"
+expect 0 "" convert in.flm exact.pict --frames 1 --codec png
+expect 0 "" convert exact.pict exact.flm
+same "$(pixels in.flm -vf trim=end_frame=1)" "$(pixels exact.flm)" "a PICT without loss has other pixels"
 for command in "" info convert composite extract frame sound check; do
     # shellcheck disable=SC2086  # no word for the general help
     "$zvclip" $command --help | grep -q Usage || fail "help of $command"
@@ -152,6 +158,7 @@ expect 1 "series0000.vpb: exists already" convert in.flm 'series[####].vpb'
 expect 1 "Filmstrip files hold no sound" convert sounding.mov out.flm --audio
 expect 1 "no sound to write" convert film.mov out.mov --audio
 expect 1 "codec 'wxyz'" convert film.mov out.mov --codec wxyz
+expect 1 "codec 'avc1'" convert film.mov out.pict --frames 1 --codec h264
 expect 1 "are for movies" convert film.mov out.flm --codec png
 expect 1 "no film frames" convert film.mov out.mov --pulldown remove
 expect 1 "film.mov: has no sound" sound film.mov out.wav

@@ -141,6 +141,15 @@ static void Check_Format(std::string const& path, ZVFormatDesc* desc, OutputSett
 
 constexpr uint32_t DefaultCodec = ZV_FourCC("rle ");
 constexpr uint32_t DefaultStreamCodec = ZV_FourCC("avc1");
+constexpr uint32_t PlainCodec = ZV_FourCC("raw ");
+constexpr long NormalQuality = 50;
+
+/// The same as Reason, where a codec's code may be all that the library tells.
+static std::string Writing_Reason()
+{
+    bool const isCode = GetErrorZV() == ZV_ERR_MOVIE_FRAME && GetErrorStringZV();
+    return isCode ? "cannot be written with the codec '" + Reason() + "'" : Reason();
+}
 
 /// Chooses the codecs of a movie. Throws a JobError.
 static void Set_Movie_Options(ZVClip* clip, std::string const& path, OutputSettings const& settings)
@@ -150,30 +159,38 @@ static void Set_Movie_Options(ZVClip* clip, std::string const& path, OutputSetti
     if (settings.quality) options.Quality = *settings.quality * 1024 / 100;
     options.SoundCodec = settings.soundCodec;
     if (SetMovieOptionsZV(clip, &options)) return;
-    if (GetErrorZV() == ZV_ERR_MOVIE_FRAME)
-        throw JobError(path, "movies cannot be written with the codec '" + Reason() + "'");
+    if (GetErrorZV() == ZV_ERR_MOVIE_FRAME) throw JobError(path, Writing_Reason());
     throw JobError(path,
-                   "--codec, --quality and --audio-codec are for movies, --quality for JPEG pictures too");
+                   "--codec, --quality and --audio-codec are for movies, --codec and --quality for PICT "
+                   "and PICS too, --quality for JPEG pictures");
 }
 
-/// Sets the quality of pictures. False for clips of other formats.
-static bool Set_Picture_Quality(ZVClip* clip, long quality)
+/// Replaces the options of a clip whose format has options of this kind. False for other clips.
+template <typename Options> static bool Replace_Options(ZVClip* clip, Options const& options)
 {
-    ZVMovieOptions options;
-    ZVPictureOptions const picture{0, static_cast<int32_t>(quality)};
-    if (GetMovieOptionsZV(clip, &options)) return false;
     ZVFormatParams* const params = clip->VideoParams;
-    if (!params || params->Size != sizeof picture) return false;
-    std::memcpy(params->Data, &picture, sizeof picture);
+    if (!params || params->Size != sizeof options) return false;
+    std::memcpy(params->Data, &options, sizeof options);
     return true;
+}
+
+/// Sets codec and quality of pictures. False for clips of other formats.
+static bool Set_Picture_Options(ZVClip* clip, OutputSettings const& settings)
+{
+    ZVMovieOptions movie;
+    if (settings.soundCodec || GetMovieOptionsZV(clip, &movie)) return false;
+    long const quality = settings.quality.value_or(NormalQuality);
+    if (!settings.codec && Replace_Options(clip, ZVPictureOptions{0, static_cast<int32_t>(quality)}))
+        return true;
+    return Replace_Options(clip, ZVPICTOptions{settings.codec.value_or(PlainCodec), 0, 0,
+                                               static_cast<uint32_t>(quality * 1023 / 100)});
 }
 
 /// Takes the settings that go to the format's options. Throws a JobError.
 static void Set_Options(ZVClip* clip, std::string const& path, OutputSettings const& settings)
 {
     if (!settings.codec && !settings.quality && !settings.soundCodec) return;
-    bool const isOfMovies = settings.codec || settings.soundCodec;
-    if (isOfMovies || !Set_Picture_Quality(clip, *settings.quality)) Set_Movie_Options(clip, path, settings);
+    if (!Set_Picture_Options(clip, settings)) Set_Movie_Options(clip, path, settings);
 }
 
 /// Whether the pictures of the clip keep their alpha.
@@ -181,9 +198,10 @@ static bool Keeps_Alpha(ZVClip* clip, OutputSettings const& settings)
 {
     if (!settings.hasAlpha || settings.background || !(GetExportPropertiesZV(clip) & ZV_FORMAT_ALPHA))
         return false;
-    ZVMovieOptions options;
+    ZVMovieOptions movie;
     ZVMovieCodec codec;
-    return !GetMovieOptionsZV(clip, &options) || !FindMovieCodecZV(options.Codec, &codec) || codec.HasAlpha;
+    std::optional<uint32_t> const code = GetMovieOptionsZV(clip, &movie) ? movie.Codec : settings.codec;
+    return !code || !FindMovieCodecZV(*code, &codec) || codec.HasAlpha;
 }
 
 static void Describe_Output(ZVClip* clip, OutputSettings const& settings)
@@ -241,7 +259,7 @@ void Output::Add(ZVBitmap* bitmap)
 {
     ZVTimeValue const time{static_cast<double>(written_), clip_->FrameRate};
     if (!AddFrameZV(clip_.get(), bitmap, &time, nullptr, ZV_ADD_LAST_FRAME, frames_ - 1, 0))
-        throw JobError(file_.Path(), Reason());
+        throw JobError(file_.Path(), Writing_Reason());
     ++written_;
 }
 

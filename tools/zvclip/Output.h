@@ -50,8 +50,8 @@ struct OutputSettings {
     ZVAudioFormat sound{};         ///< of the source; Rate 0: it has none
     SoundChoice soundChoice = SoundChoice::WherePossible;
     bool isForStreaming = false;
-    std::optional<uint32_t> codec;  ///< of movies
-    std::optional<long> quality;    ///< of movies and JPEG pictures, 0 to 100
+    std::optional<uint32_t> codec;  ///< of movies, PICT and PICS
+    std::optional<long> quality;    ///< of those and of JPEG pictures, 0 to 100
     uint32_t soundCodec = 0;        ///< of movies; 0 for samples as they are
     bool mayOverwrite = false;
 };

@@ -1,17 +1,16 @@
 // See PictModule.h.
-//   options, in the machine's byte order   0 codec type   4 codec   8 depth, 2 bytes   10 quality
 #include "PictModule.h"
 
+#include "PictStill.h"
 #include "PictWriter.h"
 
 #include <new>
 
 namespace {
 
-constexpr long OptionsSize = 14;
-constexpr long QualityPlace = 10;
+constexpr long OptionsSize = sizeof(ZVPICTOptions);
 constexpr uint32_t PlainCodec = ZV_FourCC("raw ");
-constexpr uint32_t BestQuality = 1023;
+constexpr ZVPICTOptions UsualOptions{PlainCodec, 0, 0, 1023};
 constexpr long LargestSide = 32767;
 constexpr long AlphaDepth = 32;
 
@@ -23,6 +22,15 @@ bool Is_Colour(ZVBitmap const* bitmap)
 BitmapBlock Like_RGBA8(ZVBitmap const* bitmap)
 {
     return BitmapBlock{AllocBitmapZV(bitmap->Width, bitmap->Height, ZV_BITMAP_RGBA8, "picture")};
+}
+
+ZVPICTOptions Options_Of(ZVClip const* clip)
+{
+    ZVPICTOptions options = UsualOptions;
+    ZVFormatParams const* const params = clip->VideoParams;
+    if (params && params->Data && params->Size >= OptionsSize)
+        std::memcpy(&options, params->Data, sizeof options);
+    return options;
 }
 
 }  // namespace
@@ -69,7 +77,14 @@ long Make_Picture(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> cons
         CopyBitmapZV(bitmap, shallow.get(), 0, 0, -1, -1, 0, 0);
         bitmap = shallow.get();
     }
+    ZVPICTOptions const options = Options_Of(clip);
     try {
+        if (options.Codec != PlainCodec) {
+            std::vector<uint8_t> picture;
+            return Write_Still_Picture(clip, bitmap, region, options.Codec, options.Quality, picture)
+                       ? take(picture, data)
+                       : 0;
+        }
         PictWriter writer(clip, bitmap);
         return writer.Write(region) ? take(writer.Bytes(), data) : 0;
     } catch (std::bad_alloc const&) {
@@ -81,16 +96,19 @@ long Make_Picture(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<long> cons
 bool Make_Picture_Options(ZVClip* clip)
 {
     if (clip->VideoParams) return true;
-    auto* block = static_cast<uint8_t*>(AllocMemZV(sizeof(ZVFormatParams) + OptionsSize, ZV_MEM_CLEAR));
+    struct Block {
+        ZVFormatParams params;
+        ZVPICTOptions options;
+    };
+    auto* const block = static_cast<Block*>(AllocMemZV(sizeof(Block), ZV_MEM_CLEAR));
     if (!block) return false;
-    uint8_t* const options = block + sizeof(ZVFormatParams);
-    std::memcpy(options, &PlainCodec, sizeof PlainCodec);
-    std::memcpy(options + QualityPlace, &BestQuality, sizeof BestQuality);
-    clip->VideoParams = new (block) ZVFormatParams{options, OptionsSize};
+    block->options = UsualOptions;
+    block->params = {&block->options, OptionsSize};
+    clip->VideoParams = &block->params;
     return true;
 }
 
-/// There is nothing to ask: pictures are written without loss, whatever the settings are.
+/// There is no dialog: an application sets the block itself.
 void Picture_Options(ZVClip* clip, bool)
 {
     Make_Picture_Options(clip);

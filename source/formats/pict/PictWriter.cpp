@@ -2,7 +2,7 @@
 #include "PictWriter.h"
 
 #include "PackBits.h"
-#include "PictOpcodes.h"
+#include "PictOutput.h"
 #include "PictPixels.h"
 
 #include "formats/FormatModule.h"
@@ -12,43 +12,15 @@
 namespace {
 
 constexpr long WidestBitmap = 4095;  // readers take 14 bits for the bytes of a row
-constexpr uint32_t Dots72 = 72u << 16;
-constexpr int64_t HeaderSize = 64;
 constexpr int64_t BitmapHeaderSize = 80;
 constexpr uint32_t DirectPixels = 16;
 constexpr uint32_t DirectBase = 0xFF;
-
-class Output {
-public:
-    explicit Output(uint8_t* out) : out_(out) {}
-
-    Output& Put16(long value)
-    {
-        Store_Big16(out_, static_cast<uint32_t>(value));
-        out_ += 2;
-        return *this;
-    }
-    Output& Put32(uint32_t value)
-    {
-        Store_Big32(out_, value);
-        out_ += 4;
-        return *this;
-    }
-    Output& Put_Rect(PictRect const& rect)
-    {
-        return Put16(rect.top).Put16(rect.left).Put16(rect.bottom).Put16(rect.right);
-    }
-    uint8_t* End() const { return out_; }
-
-private:
-    uint8_t* out_;
-};
 
 int64_t Block_Size(ZVBitmap const& bitmap, int components, long strips)
 {
     long const width = (bitmap.Width + strips - 1) / strips;
     auto const row = static_cast<int64_t>(Packed_Bits_Bound(static_cast<std::size_t>(components * width)));
-    return HeaderSize + strips * (BitmapHeaderSize + bitmap.Height * (row + 2));
+    return int64_t{PictHeaderSize} + 2 + strips * (BitmapHeaderSize + bitmap.Height * (row + 2));
 }
 
 long Strips_For(long width)
@@ -95,31 +67,10 @@ PictWriter::PictWriter(ZVClip const* clip, ZVBitmap const* bitmap)
 {
 }
 
-uint8_t* PictWriter::Put_Header(uint8_t* out) const
-{
-    PictRect const frame{0, 0, bitmap_->Width, bitmap_->Height};
-    return Output(out)
-        .Put16(0)  // the size, when it is known
-        .Put_Rect(frame)
-        .Put16(PICT_OP_VERSION)
-        .Put16(0x02FF)
-        .Put16(PICT_OP_HEADER)
-        .Put16(-2)
-        .Put16(0)
-        .Put32(Dots72)
-        .Put32(Dots72)
-        .Put_Rect(frame)
-        .Put32(0)
-        .Put16(PICT_OP_CLIP)
-        .Put16(10)
-        .Put_Rect(frame)
-        .End();
-}
-
 uint8_t* PictWriter::Put_Bitmap_Header(uint8_t* out, long left, long width) const
 {
     PictRect const bounds{left, 0, left + width, bitmap_->Height};
-    return Output(out)
+    return PictOutput(out)
         .Put16(PICT_OP_DIRECT_RECT)
         .Put32(DirectBase)
         .Put16(0x8000 | 4 * width)
@@ -179,14 +130,12 @@ bool PictWriter::Put_Bitmap(uint8_t*& out, long left, long width, ZVRectT<long> 
 bool PictWriter::Write(ZVRectT<long> const* region)
 {
     if (!block_.Data()) return false;
-    uint8_t* out = Put_Header(block_.Data());
+    uint8_t* out = PictOutput(block_.Data()).Put_Header(bitmap_->Width, bitmap_->Height).End();
     for (long i = 0; i < strips_; ++i) {
         long const left = i * bitmap_->Width / strips_;
         long const right = (i + 1) * bitmap_->Width / strips_;
         if (!Put_Bitmap(out, left, right - left, region)) return false;
     }
-    out = Output(out).Put16(PICT_OP_END).End();
-    size_ = out - block_.Data();
-    Store_Big16(block_.Data(), static_cast<uint32_t>(size_));
+    size_ = PictOutput(out).End_Picture(block_.Data());
     return true;
 }

@@ -28,10 +28,9 @@ public:
 
     /// False without memory.
     bool Write(ZVRectT<long> const* region);
-    std::span<uint8_t const> Bytes() const { return {block_.Data(), static_cast<std::size_t>(size_)}; }
+    std::span<uint8_t const> Bytes() const { return {block_.Data(), size_}; }
 
 private:
-    uint8_t* Put_Header(uint8_t* out) const;
     uint8_t* Put_Bitmap_Header(uint8_t* out, long left, long width) const;
     bool Put_Bitmap(uint8_t*& out, long left, long width, ZVRectT<long> const* region) const;
 
@@ -40,5 +39,5 @@ private:
     int components_;  ///< 4 with alpha
     long strips_;
     PictBlock block_;
-    int64_t size_ = 0;
+    std::size_t size_ = 0;
 };
