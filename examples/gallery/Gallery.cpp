@@ -1,27 +1,71 @@
 // The gallery: one program that shows the kinds of palettes and all gadgets there are, in both themes.
 //
 //     gallery                         on the desktop
-//     gallery --events                the same, and writes each event to standard output
+//     gallery --events                the same, and writes to standard output each event, and the place of
+//     each
+//                                     item on the screen when that has changed
 //     gallery --screenshot FILE.png   draws itself in memory and writes the picture of its desktop
 //     gallery --theme light|dark      with one of the two, the light theme being the usual one
 #include "Gallery.h"
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <map>
+#include <utility>
 
 static bool tellsEvents = false;
 
+/// Writes where a gadget stands on the screen, unless it stood there the last time.
+static void Tell_Place(ZVItem const& item)
+{
+    if (item.kind != ZV_ITEM_GADGET) return;
+    using Place = std::array<long, 4>;
+    static std::map<unsigned long, Place> told;
+    Place place{0, 0, item.width, item.height};
+    GetItemScreenPosZV(&item, &place[0], &place[1]);
+    if (std::exchange(told[item.node.id], place) == place) return;
+    std::printf("place %lu %ld %ld %ld %ld\n", static_cast<unsigned long>(item.node.id), place[0], place[1],
+                place[2], place[3]);
+}
+
+static void Tell_Places(ZVPalette const& palette)
+{
+    for (Node const* group = List_First(&palette.groups); group; group = List_Next(group))
+        for (Node const* item = List_First(&reinterpret_cast<ZVGroup const*>(group)->items); item;
+             item = List_Next(item))
+            Tell_Place(*reinterpret_cast<ZVItem const*>(item));
+    std::fflush(stdout);
+}
+
+/// On one line, whatever is in it.
+static void Tell_Text(char const* text)
+{
+    std::printf(" text \"");
+    for (char const* place = text; *place; ++place) {
+        if (*place == '\n')
+            std::printf("\\n");
+        else
+            std::putchar(*place);
+    }
+    std::putchar('"');
+}
+
 void Tell(ZVEvent const* event)
 {
-    if (!tellsEvents || event->type == ZV_EVENT_TICK || event->type == ZV_EVENT_MOUSE_MOVE) return;
+    if (!tellsEvents || event->type == ZV_EVENT_MOUSE_MOVE) return;
+    if (event->type == ZV_EVENT_TICK) {
+        if (event->palette) Tell_Places(*event->palette);
+        return;
+    }
     unsigned const type = event->type;
     std::printf("event %u", type);
     if (event->palette) std::printf(" palette %lu", static_cast<unsigned long>(event->palette->node.id));
     if (type == ZV_EVENT_GADGET) {
         ZVItem const* const item = Event_Item(event);
         std::printf(" item %lu state %d", static_cast<unsigned long>(item->node.id), item->state);
-        if (item->editText) std::printf(" text \"%s\"", item->editText);
+        if (item->type == ZV_GAD_STRING || item->type == ZV_GAD_EDITOR) Tell_Text(item->editText);
         if (item->type == ZV_GAD_FLOAT) std::printf(" value %g", item->realValue);
     }
     if (type == ZV_EVENT_KEY) std::printf(" key %u", event->key);
