@@ -42,7 +42,7 @@ STARTED = """
 """
 
 # What is tried, the input, and the events. {Item} moves the mouse to the middle of an item, {Item:x,y} to a place in it;
-# a semicolon ends a text that is typed. Nothing is pressed twice in one place where that is not to be a double click.
+# a semicolon ends a text that is typed. Of a key that closes the dialog the release may be lost with it: "?". Nothing is pressed twice in one place where that is not to be a double click.
 OUTSIDE = "{OpenDialog:-8,10}"
 SHOW_DIALOG = "{Push:9,9} click 1 {OpenDialog} click 1"
 SHOWN_DIALOG = """
@@ -161,9 +161,9 @@ SCENARIOS = [
         key e key-up
         gadget FloatField 100 change
         key 2 key-up
-        gadget FloatField 100 release
+        gadget FloatField 100 release shift
         key Tab shift key-up
-        gadget IntegerField -15 release
+        gadget IntegerField -15 release shift
         key Tab shift key-up"""),
     ("rows of a list by mouse", "{RowList:20,6} click 1", """
         gadget TextField "ab" held release
@@ -202,13 +202,13 @@ SCENARIOS = [
         key Return DialogPalette
         doc-deactivate DialogPalette
         cleanup DialogPalette
-        key Return key-up"""),
+        ? key Return key-up"""),
     ("a second dialog", SHOW_DIALOG, SHOWN_DIALOG),
     ("Escape cancels it", "key Escape", """
         key Escape DialogPalette
         doc-deactivate DialogPalette
         cleanup DialogPalette
-        key Escape key-up"""),
+        ? key Escape key-up"""),
     ("a third dialog", SHOW_DIALOG, SHOWN_DIALOG),
     ("its button", "{DialogCancel} click 1", """
         gadget DialogName "" held release
@@ -218,10 +218,12 @@ SCENARIOS = [
         doc-deactivate DialogPalette release
         cleanup DialogPalette"""),
     ("a fourth dialog", SHOW_DIALOG, SHOWN_DIALOG),
-    ("the window manager closes it", "key alt+F4", """
-        ask-close DialogPalette
+    ("it has no close box, so the window manager does not close it", "key alt+F4", ""),
+    ("Escape does", "key Escape", """
+        key Escape DialogPalette
         doc-deactivate DialogPalette
-        cleanup DialogPalette"""),
+        cleanup DialogPalette
+        ? key Escape key-up"""),
     ("a pop-up", "{OpenPopUp} click 1", SHOWN_POP_UP),
     ("a press elsewhere closes it, and counts", "{ToggleOn} click 1", """
         doc-deactivate PopUpPalette held
@@ -349,7 +351,10 @@ class Gallery:
 
     def next_event(self, patience=PATIENCE):
         """The next event, "" for the place of an item, which is noted, and None when the program has ended."""
-        line = self.lines.get(timeout=patience)
+        try:
+            line = self.lines.get(timeout=patience)
+        except queue.Empty:
+            raise TimeoutError("the gallery tells nothing more") from None
         if line is None or not line.startswith("place"):
             return line
         number, *place = map(int, line.split()[1:])
@@ -383,7 +388,7 @@ class Gallery:
         while time.monotonic() < end:
             try:
                 event = self.next_event(patience=1)
-            except queue.Empty:
+            except TimeoutError:
                 self.desk.input("key " + mark)
                 continue
             if event is None:
@@ -408,8 +413,9 @@ class Report:
     def compare(self, title, got, expected):
         if "-v" in sys.argv:
             print(f"{time.monotonic():.1f} {title}")
-        if got != lines_of(expected):
-            self.fail(title, *difflib.unified_diff(lines_of(expected), got, "expected", "told", lineterm="", n=99))
+        wanted = [line.removeprefix("? ") for line in lines_of(expected) if line[0] != "?" or line[2:] in got]
+        if got != wanted:
+            self.fail(title, *difflib.unified_diff(wanted, got, "expected", "told", lineterm="", n=99))
 
     def fail(self, title, *lines):
         self.failures += 1
@@ -419,14 +425,12 @@ class Report:
 def try_theme(desk, gallery, report):
     """The pixels on the screen become dark, and light again."""
     ground = [base + offset for base, offset in zip(gallery.place("OpenDialog"), (-8, 10))]
-    for theme, is_right in (("DarkTheme", lambda level: level < 0x60), ("LightTheme", lambda level: level > 0x60)):
+    for theme, is_dark in (("DarkTheme", True), ("LightTheme", False)):
         gallery.give("{%s} click 1" % theme)
         report.compare(theme, gallery.events_until_mark(), f"""
             gadget {theme} 1 held press
             up MainPalette""")
-        level = desk.pixel(*ground) & 0xFF
-        if not is_right(level):
-            report.fail(theme, f"the ground has the level {level}")
+        wait_until(lambda: (desk.pixel(*ground) & 0xFF < 0x60) == is_dark, f"{theme}: the ground keeps its colour")
 
 
 def try_resizing(desk, gallery, report):
