@@ -256,7 +256,7 @@ def wait_until(condition, complaint):
     while not condition():
         if time.monotonic() > end:
             raise RuntimeError(complaint)
-        time.sleep(0.02)
+        time.sleep(0.005)
 
 
 class Names:
@@ -309,14 +309,29 @@ class Desk:
         self.environment = dict(os.environ, DISPLAY=":" + display, HOME=home, XDG_CONFIG_HOME=home, XDG_CACHE_HOME=home,
                                 KL_APP_DATA_DIR=home, ZV_HOST="sdl", LC_ALL="C.UTF-8")
         self.environment.pop("WAYLAND_DISPLAY", None)
+        self.desktops = itertools.cycle("23")
         started = os.path.join(home, "started")
         self.manager = subprocess.Popen(["openbox", "--startup", "touch " + started], env=self.environment,
                                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         wait_until(lambda: os.path.exists(started), "openbox does not start")
 
     def input(self, words):
-        for command in words.split(";"):
-            subprocess.run(["xdotool"] + command.split(), env=self.environment, check=True, stdout=subprocess.DEVNULL)
+        """Gives input in pieces: a press ends one, and a semicolon, which ends a text that is typed."""
+        for command in re.split(r";|(?<=mousedown 1) |(?<=click \d) |(?<=0 1) ", words):
+            self.tool(*command.split())
+            repeated = re.search(r"(?:--repeat (\d) .*|click|mousedown) \d$", command)
+            for _ in range(int(repeated[1] or 1) if repeated else 0):
+                self.let_manager_see()
+
+    def tool(self, *words):
+        return subprocess.run(["xdotool", *words], env=self.environment, check=True, capture_output=True, text=True).stdout
+
+    def let_manager_see(self):
+        """The window manager gets a press first, and until it has let it through, keys overtake it and movements are
+        left out. So it is given a message, which it sees behind the press."""
+        count = next(self.desktops)
+        self.tool("set_num_desktops", count)
+        wait_until(lambda: self.tool("get_num_desktops").strip() == count, "openbox does not answer")
 
     def pixel(self, x, y):
         """What the server shows, out of the dump that it keeps: header, colours, rows."""
@@ -336,8 +351,9 @@ class Gallery:
 
     def __init__(self, desk, program, names):
         self.desk, self.names = desk, names
+        self.complaints = tempfile.TemporaryFile("w+")
         self.process = subprocess.Popen([program, "--events"], env=desk.environment, stdout=subprocess.PIPE,
-                                        stderr=subprocess.DEVNULL, text=True)
+                                        stderr=self.complaints, text=True)
         self.lines = queue.Queue()
         self.places = {}
         self.unread = []
@@ -465,7 +481,8 @@ def drive(desk, gallery, report):
     desk.input("key alt+F4")
     report.compare("the window manager closes the document", gallery.rest(), CLOSED)
     if gallery.process.wait(PATIENCE) != 0:
-        report.fail("the end", f"exit status {gallery.process.returncode}")
+        gallery.complaints.seek(0)
+        report.fail("the end", f"exit status {gallery.process.returncode}", *gallery.complaints.read().split("\n"))
 
 
 def main():
