@@ -4,7 +4,8 @@
 //     gallery --events                the same, and writes to standard output each event, and the place of
 //     each
 //                                     item on the screen when that has changed
-//     gallery --screenshot FILE.png   draws itself in memory and writes the picture of its desktop
+//     gallery --screenshot FILE.png   draws itself in memory and writes the picture of its desktop, which
+//                                     ZV_HEADLESS_SIZE makes larger or smaller than 1600x1200
 //     gallery --theme light|dark      with one of the two, the light theme being the usual one
 #include "Gallery.h"
 
@@ -16,6 +17,8 @@
 #include <utility>
 
 static bool tellsEvents = false;
+static char const* screenshot = nullptr;
+static bool isWritten = false;
 
 /// Writes where a gadget stands on the screen, unless it stood there the last time.
 static void Tell_Place(ZVItem const& item)
@@ -81,24 +84,17 @@ static void On_Event(ZVEvent* event)
     if (event->type == ZV_EVENT_CLOSE_APP) ExitZV();
 }
 
-namespace {
-struct Options {
-    char const* screenshot = nullptr;
-    long theme = 1;
-};
-}  // namespace
-
 /// False for an option that there is not.
-static bool Read_Options(int count, char** arguments, Options& options)
+static bool Read_Options(int count, char** arguments, long& theme)
 {
     for (int i = 1; i < count; ++i) {
         bool const hasValue = i + 1 < count;
         if (std::strcmp(arguments[i], "--events") == 0) {
             tellsEvents = true;
         } else if (std::strcmp(arguments[i], "--screenshot") == 0 && hasValue) {
-            options.screenshot = arguments[++i];
+            screenshot = arguments[++i];
         } else if (std::strcmp(arguments[i], "--theme") == 0 && hasValue) {
-            options.theme = std::strcmp(arguments[++i], "dark") == 0 ? 2 : 1;
+            theme = std::strcmp(arguments[++i], "dark") == 0 ? 2 : 1;
         } else {
             return false;
         }
@@ -106,32 +102,40 @@ static bool Read_Options(int count, char** arguments, Options& options)
     return true;
 }
 
-/// Nobody is there to close the dialog, so the picture is taken before it is asked for.
-static bool Take_Screenshot(char const* path)
+bool Take_Screenshot()
+{
+    if (!screenshot) return false;
+    isWritten = HeadlessScreenshotZV(nullptr, screenshot);
+    if (!isWritten) std::fprintf(stderr, "gallery: %s cannot be written\n", screenshot);
+    return true;
+}
+
+/// The picture is taken by the dialog, whose display returns when it has been closed.
+static bool Draw_Picture()
 {
     HeadlessRunZV(200);
-    if (HeadlessScreenshotZV(nullptr, path)) return true;
-    std::fprintf(stderr, "gallery: %s cannot be written\n", path);
-    return false;
+    Show_Pop_Up();
+    Show_Dialog();
+    return isWritten;
 }
 
 int main(int count, char** arguments)
 {
-    Options options;
-    if (!Read_Options(count, arguments, options)) {
+    long theme = 1;
+    if (!Read_Options(count, arguments, theme)) {
         std::fputs("usage: gallery [--events] [--theme light|dark] [--screenshot FILE.png]\n", stderr);
         return 2;
     }
-    if (options.screenshot) setenv("ZV_HOST", "headless", 1);
+    if (screenshot) setenv("ZV_HOST", "headless", 1);
     if (!InitZV(On_Event, nullptr, nullptr, nullptr, nullptr)) return 1;
-    SetPenPresetZV(options.theme);
+    SetPenPresetZV(theme);
     Show_Main_Palette();
     Show_Tools_Palette();
     SetCurrentPaletteZV(MainPalette);
-    SetGadgetStateZV(options.theme == 1 ? LightTheme : DarkTheme, 1);
+    SetGadgetStateZV(theme == 1 ? LightTheme : DarkTheme, 1);
     bool isWell = true;
-    if (options.screenshot)
-        isWell = Take_Screenshot(options.screenshot);
+    if (screenshot)
+        isWell = Draw_Picture();
     else
         HandleGUIZV();
     CleanUpZV();

@@ -75,29 +75,30 @@ void Add_Fields()
     SetTextGadgetStateZV(PasswordField, "secret");
     SetTextGadgetStateZV(DisabledField, "cannot be changed");
     ItemEnabledZV(DisabledField, 0);
-    EndGroupZV(FieldGroup, beside, ToggleGroup, "Fields", ZV_GRP_BORDER, 1, ZV_GRP_GROW_WIDTH, 100, 0);
+    EndGroupZV(FieldGroup, beside, ToggleGroup, "Fields", ZV_GRP_BORDER, 1, ZV_GRP_ALIGN_RIGHT, ActionGroup,
+               0);
 }
 
 void Add_Lists()
 {
     InitGroupZV();
     AddGadgetZV(
-        RowList, first, 0, ZV_GAD_LIST, ZV_SIZE_LARGE, "", ZV_ITEM_ENTRIES_CSV,
+        RowList, first, 0, ZV_GAD_LIST, ZV_SIZE_LARGE, nullptr, ZV_ITEM_ENTRIES_CSV,
         "Apple,Banana,Cherry,Date,Elderberry,Fig,Grape,Honeydew melon of considerable length,Iris,Jasmine",
         ZV_ITEM_ROWS, 6, ZV_ITEM_GROW_HEIGHT, 100, 0);
-    AddGadgetZV(DisabledList, beside, -1, ZV_GAD_LIST, ZV_SIZE_MEDIUM, "", ZV_ITEM_ENTRIES_CSV,
+    AddGadgetZV(DisabledList, beside, -1, ZV_GAD_LIST, ZV_SIZE_MEDIUM, nullptr, ZV_ITEM_ENTRIES_CSV,
                 "One,Two,Three", ZV_ITEM_ROWS, 6, ZV_ITEM_GROW_HEIGHT, 100, 0);
     SetGadgetStateZV(RowList, 3);
     ItemEnabledZV(DisabledList, 0);
     EndGroupZV(ListGroup, below, CheckGroup, "Lists", ZV_GRP_BORDER, 1, ZV_GRP_GROW_HEIGHT, 100, 0);
 
     InitGroupZV();
-    AddGadgetZV(Editor, first, 0, ZV_GAD_EDITOR, ZV_SIZE_CUSTOM, "", ZV_ITEM_WIDTH, 300, ZV_ITEM_HEIGHT, 96,
-                ZV_ITEM_MAX_CHARS, 4000, ZV_ITEM_GROW_WIDTH, 100, ZV_ITEM_GROW_HEIGHT, 100, 0);
+    AddGadgetZV(Editor, first, 0, ZV_GAD_EDITOR, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 300, ZV_ITEM_HEIGHT,
+                96, ZV_ITEM_MAX_CHARS, 4000, ZV_ITEM_GROW_WIDTH, 100, ZV_ITEM_GROW_HEIGHT, 100, 0);
     SetTextGadgetStateZV(Editor, "Text of several lines, broken at words where it does not fit.\n\n"
                                  "Everything here is drawn by the library itself.");
     EndGroupZV(EditorGroup, beside, ListGroup, "Editor", ZV_GRP_BORDER, 1, ZV_GRP_GROW_WIDTH, 100,
-               ZV_GRP_GROW_HEIGHT, 100, 0);
+               ZV_GRP_GROW_HEIGHT, 100, ZV_GRP_ALIGN_RIGHT, ActionGroup, 0);
 }
 
 void Add_Actions()
@@ -113,7 +114,7 @@ void Add_Actions()
     SetItemExclusionZV(LightTheme, DarkTheme);
     AddGadgetZV(Swatch, beside, -1, ZV_GAD_CUSTOM, ZV_SIZE_CUSTOM, "", ZV_ITEM_CUSTOM_FUNC, Swatch_Gadget,
                 ZV_ITEM_WIDTH, 60, ZV_ITEM_HEIGHT, ZVEnv->style->gadgetHeight, ZV_GAP_EXTRA, 1, 0);
-    EndGroupZV(ActionGroup, below, ListGroup, "", 0, 0);
+    EndGroupZV(ActionGroup, below, ListGroup, "", ZV_GRP_GROW_WIDTH, 100, 0);
 }
 
 /// What the main palette's gadgets do.
@@ -137,10 +138,11 @@ void On_Other(ZVEvent* event)
     Tell(event);
 }
 
-/// Accept and cancel close the dialog; Return and Escape do the same.
+/// Accept and cancel close the dialog; Return and Escape do the same. For a picture nobody is there to do so.
 void On_Dialog(ZVEvent* event)
 {
     Tell(event);
+    if (event->type == ZV_EVENT_TICK && Take_Screenshot()) ClosePaletteZV(DialogPalette);
     bool const isGadget = event->type == ZV_EVENT_GADGET;
     unsigned long const id = isGadget ? Event_Item(event)->node.id : 0;
     bool const isKey = event->type == ZV_EVENT_KEY && !(event->modifiers & ZV_MOD_KEY_UP);
@@ -178,7 +180,8 @@ void Show_Tools_Palette()
         int const place = id - ToolFirst;
         unsigned short const position = place == 0 ? first : place % 2 ? beside : below;
         short const reference = place % 2 || place == 0 ? -1 : -2;
-        AddGadgetZV(id, position, reference, ZV_GAD_TOGGLE, ZV_SIZE_TINY, "\u25a1", 0, 0);
+        char const label[] = {static_cast<char>('A' + place), 0};
+        AddGadgetZV(id, position, reference, ZV_GAD_TOGGLE, ZV_SIZE_TINY, label, 0, 0);
     }
     SetItemExclusionRangeZV(ToolFirst, ToolLast);
     SetGadgetStateZV(ToolFirst, 1);
@@ -202,11 +205,16 @@ void Show_Dialog()
     AddGadgetZV(DialogAccept, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Accept", 0, 0);
     EndGroupZV(2, ZV_Position(ZV_POS_PARENT_END, ZV_POS_AFTER), 1, "", 0, 0);
     EndPaletteZV(DialogPalette, "A modal palette", ZV_PAL_CALLBACK, On_Dialog, 0);
-    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_MODAL, 0);
+    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_MODAL, ZV_PAL_RELATIVE_TO, MainPalette, ZV_PAL_POSITION,
+                     ZV_Position(ZV_POS_ALIGN_END, ZV_POS_AFTER), 0);
 }
 
+/// It opens below its button.
 void Show_Pop_Up()
 {
+    ZVItem const* const button = FindItem2ZV(FindPaletteZV(MainPalette), OpenPopUp);
+    long x = 0, y = 0;
+    GetItemScreenPosZV(button, &x, &y);
     InitPaletteZV();
     InitGroupZV();
     for (unsigned short id = PopUpFirst; id <= PopUpLast; ++id) {
@@ -215,6 +223,6 @@ void Show_Pop_Up()
     }
     EndGroupZV(1, first, 0, "", 0, 0);
     EndPaletteZV(PopUpPalette, "Pop-up", ZV_PAL_CALLBACK, On_Pop_Up, 0);
-    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_TRANSIENT, ZV_PAL_RELATIVE_TO, MainPalette, ZV_PAL_POSITION,
-                     ZV_Position(ZV_POS_ALIGN_CENTER, ZV_POS_ALIGN_CENTER), 0);
+    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_TRANSIENT, ZV_PAL_WINDOW_X, x, ZV_PAL_WINDOW_Y, y + button->height,
+                     0);
 }

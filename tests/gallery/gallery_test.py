@@ -408,7 +408,7 @@ class Gallery:
                 self.desk.input("key " + mark)
                 continue
             if event is None:
-                raise RuntimeError("the gallery has ended")
+                raise RuntimeError(f"the gallery has ended; events: {told}")
             key = re.search(r" key (\d+)", event)
             if key and int(key[1]) in MARKS.values():
                 if int(key[1]) == MARKS[mark] and event.endswith("4000"):
@@ -417,6 +417,12 @@ class Gallery:
                 told.append(self.names.in_words(event))
         raise RuntimeError(f"the key {mark} does not come; events: {told}")
 
+    def end(self):
+        """How the program has ended, and what it has complained of."""
+        status = self.process.wait(PATIENCE)
+        self.complaints.seek(0)
+        return [f"exit status {status}", *self.complaints.read().split("\n")] if status else []
+
     def rest(self):
         """The events until the program has ended."""
         return [self.names.in_words(event) for event in iter(self.next_event, None) if event]
@@ -424,7 +430,7 @@ class Gallery:
 
 class Report:
     def __init__(self):
-        self.failures = 0
+        self.failures, self.title = 0, "the start"
 
     def compare(self, title, got, expected):
         if "-v" in sys.argv:
@@ -474,15 +480,16 @@ def drive(desk, gallery, report):
     gallery.give(OUTSIDE + " click 1")
     gallery.events_until_mark()
     for title, words, expected in SCENARIOS:
+        report.title = title
         gallery.give(words)
         report.compare(title, gallery.events_until_mark(), expected)
     try_theme(desk, gallery, report)
     try_resizing(desk, gallery, report)
     desk.input("key alt+F4")
     report.compare("the window manager closes the document", gallery.rest(), CLOSED)
-    if gallery.process.wait(PATIENCE) != 0:
-        gallery.complaints.seek(0)
-        report.fail("the end", f"exit status {gallery.process.returncode}", *gallery.complaints.read().split("\n"))
+    complaints = gallery.end()
+    if complaints:
+        report.fail("the end", *complaints)
 
 
 def main():
@@ -497,6 +504,8 @@ def main():
         gallery = Gallery(desk, program, Names(header))
         try:
             drive(desk, gallery, report)
+        except (RuntimeError, TimeoutError) as error:
+            report.fail(report.title, str(error), *(gallery.end() if gallery.process.poll() is not None else []))
         finally:
             gallery.process.kill()
             gallery.process.wait()
