@@ -492,6 +492,19 @@ def drive(desk, gallery, report):
         report.fail("the end", *complaints)
 
 
+def try_pictures(program, home, report):
+    """What the gallery draws without a display, on a monitor of the size that is told."""
+    picture = os.path.join(home, "gallery.png")
+    for size, status in (("1280x1024", 0), ("2560x1440", 0), ("99x1024", 1), ("1280x1024x24", 1), ("wide", 1)):
+        environment = dict(os.environ, KL_APP_DATA_DIR=home, ZV_HEADLESS_SIZE=size)
+        run = subprocess.run([program, "--screenshot", picture], env=environment, stderr=subprocess.DEVNULL)
+        if run.returncode != status:
+            report.fail(f"a picture of {size}", f"exit status {run.returncode}")
+        elif status == 0:
+            with open(picture, "rb") as file:
+                report.compare("the size of a picture", ["{}x{}".format(*struct.unpack(">II", file.read(24)[16:]))], size)
+
+
 def main():
     program, header = sys.argv[1:]
     missing = [tool for tool in ("Xvfb", "openbox", "xdotool") if not shutil.which(tool)]
@@ -500,6 +513,7 @@ def main():
         return SKIPPED
     report = Report()
     with tempfile.TemporaryDirectory() as home:
+        try_pictures(program, home, report)
         desk = Desk(home)
         gallery = Gallery(desk, program, Names(header))
         try:
