@@ -43,8 +43,8 @@ void Add_Buttons()
 void Add_Choices()
 {
     InitGroupZV();
-    AddGadgetZV(CheckFirst, first, 0, ZV_GAD_CHECK, ZV_SIZE_MEDIUM, "Unchecked", 0, 0);
-    AddGadgetZV(CheckSecond, below, -1, ZV_GAD_CHECK, ZV_SIZE_MEDIUM, "Checked", 0, 0);
+    AddGadgetZV(CheckFirst, first, 0, ZV_GAD_CHECK, ZV_SIZE_MEDIUM, "Off", 0, 0);
+    AddGadgetZV(CheckSecond, below, -1, ZV_GAD_CHECK, ZV_SIZE_MEDIUM, "On", 0, 0);
     AddGadgetZV(CheckDisabled, below, -1, ZV_GAD_CHECK, ZV_SIZE_MEDIUM, "Disabled", 0, 0);
     SetGadgetStateZV(CheckSecond, 1);
     SetGadgetStateZV(CheckDisabled, 1);
@@ -63,12 +63,13 @@ void Add_Choices()
 void Add_Fields()
 {
     InitGroupZV();
-    AddGadgetZV(TextField, first, 0, ZV_GAD_STRING, ZV_SIZE_XLARGE, "Text", 0, 0);
+    AddGadgetZV(TextField, first, 0, ZV_GAD_STRING, ZV_SIZE_XLARGE, "Text", ZV_ITEM_GROW_WIDTH, 100, 0);
     AddGadgetZV(IntegerField, below, -1, ZV_GAD_INTEGER, ZV_SIZE_SMALL, "Integer", ZV_ITEM_MIN, -1000,
                 ZV_ITEM_MAX, 1000, 0);
     AddGadgetZV(FloatField, below, -1, ZV_GAD_FLOAT, ZV_SIZE_SMALL, "Float", 0, 0);
     AddGadgetZV(PasswordField, below, -1, ZV_GAD_STRING, ZV_SIZE_MEDIUM, "Password", ZV_ITEM_PASSWORD, 1, 0);
-    AddGadgetZV(DisabledField, below, -1, ZV_GAD_STRING, ZV_SIZE_XLARGE, "Disabled", 0, 0);
+    AddGadgetZV(DisabledField, below, -1, ZV_GAD_STRING, ZV_SIZE_XLARGE, "Disabled", ZV_ITEM_GROW_WIDTH, 100,
+                0);
     SetTextGadgetStateZV(TextField, "Gr\u00fc\u00dfe, \u03b3\u03b5\u03b9\u03ac, hello");
     SetGadgetStateZV(IntegerField, 42);
     SetGadgetStateZV(FloatField, 2.5);
@@ -76,7 +77,7 @@ void Add_Fields()
     SetTextGadgetStateZV(DisabledField, "cannot be changed");
     ItemEnabledZV(DisabledField, 0);
     EndGroupZV(FieldGroup, beside, ToggleGroup, "Fields", ZV_GRP_BORDER, 1, ZV_GRP_ALIGN_RIGHT, ActionGroup,
-               0);
+               ZV_GRP_ALIGN_BOTTOM, RadioGroup, 0);
 }
 
 void Add_Lists()
@@ -168,6 +169,7 @@ void Show_Main_Palette()
     Add_Fields();
     Add_Lists();
     Add_Actions();
+    ConformGroupHeightZV(2, EditorGroup, ListGroup);
     EndPaletteZV(MainPalette, "Gallery", ZV_PAL_CALLBACK, On_Main, 0);
     DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_DOCUMENT, ZV_PAL_FLAGS, ZV_PALF_SIZE_BOTH | ZV_PALF_ZOOM, 0);
 }
@@ -206,7 +208,7 @@ void Show_Dialog()
     EndGroupZV(2, ZV_Position(ZV_POS_PARENT_END, ZV_POS_AFTER), 1, "", 0, 0);
     EndPaletteZV(DialogPalette, "A modal palette", ZV_PAL_CALLBACK, On_Dialog, 0);
     DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_MODAL, ZV_PAL_RELATIVE_TO, MainPalette, ZV_PAL_POSITION,
-                     ZV_Position(ZV_POS_ALIGN_END, ZV_POS_AFTER), 0);
+                     ZV_Position(ZV_POS_BEFORE, ZV_POS_ALIGN_START), 0);
 }
 
 /// It opens below its button.
@@ -221,8 +223,9 @@ void Show_Pop_Up()
         char const label[] = {static_cast<char>('A' + id - PopUpFirst), 0};
         AddGadgetZV(id, id == PopUpFirst ? first : below, -1, ZV_GAD_BUTTON, ZV_SIZE_SMALL, label, 0, 0);
     }
-    EndGroupZV(1, first, 0, "", 0, 0);
+    EndGroupZV(1, first, 0, "", ZV_MARGIN_ALL, 4, 0);
     EndPaletteZV(PopUpPalette, "Pop-up", ZV_PAL_CALLBACK, On_Pop_Up, 0);
     DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_TRANSIENT, ZV_PAL_WINDOW_X, x, ZV_PAL_WINDOW_Y, y + button->height,
                      0);
+    HilitePaletteZV(FindPaletteZV(PopUpPalette), 1);
 }
