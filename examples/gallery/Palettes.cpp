@@ -76,8 +76,8 @@ void Add_Fields()
     SetTextGadgetStateZV(PasswordField, "secret");
     SetTextGadgetStateZV(DisabledField, "cannot be changed");
     ItemEnabledZV(DisabledField, 0);
-    EndGroupZV(FieldGroup, beside, ToggleGroup, "Fields", ZV_GRP_BORDER, 1, ZV_GRP_ALIGN_RIGHT, ActionGroup,
-               ZV_GRP_ALIGN_BOTTOM, RadioGroup, 0);
+    EndGroupZV(FieldGroup, beside, ToggleGroup, "Fields", ZV_GRP_BORDER, 1, ZV_GRP_GROW_WIDTH, 100,
+               ZV_GRP_ALIGN_RIGHT, EditorGroup, ZV_GRP_ALIGN_BOTTOM, RadioGroup, 0);
 }
 
 void Add_Lists()
@@ -94,12 +94,12 @@ void Add_Lists()
     EndGroupZV(ListGroup, below, CheckGroup, "Lists", ZV_GRP_BORDER, 1, ZV_GRP_GROW_HEIGHT, 100, 0);
 
     InitGroupZV();
-    AddGadgetZV(Editor, first, 0, ZV_GAD_EDITOR, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 300, ZV_ITEM_HEIGHT,
+    AddGadgetZV(Editor, first, 0, ZV_GAD_EDITOR, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 340, ZV_ITEM_HEIGHT,
                 96, ZV_ITEM_MAX_CHARS, 4000, ZV_ITEM_GROW_WIDTH, 100, ZV_ITEM_GROW_HEIGHT, 100, 0);
     SetTextGadgetStateZV(Editor, "Text of several lines, broken at words where it does not fit.\n\n"
                                  "Everything here is drawn by the library itself.");
     EndGroupZV(EditorGroup, beside, ListGroup, "Editor", ZV_GRP_BORDER, 1, ZV_GRP_GROW_WIDTH, 100,
-               ZV_GRP_GROW_HEIGHT, 100, ZV_GRP_ALIGN_RIGHT, ActionGroup, 0);
+               ZV_GRP_GROW_HEIGHT, 100, 0);
 }
 
 void Add_Actions()
@@ -115,7 +115,7 @@ void Add_Actions()
     SetItemExclusionZV(LightTheme, DarkTheme);
     AddGadgetZV(Swatch, beside, -1, ZV_GAD_CUSTOM, ZV_SIZE_CUSTOM, "", ZV_ITEM_CUSTOM_FUNC, Swatch_Gadget,
                 ZV_ITEM_WIDTH, 60, ZV_ITEM_HEIGHT, ZVEnv->style->gadgetHeight, ZV_GAP_EXTRA, 1, 0);
-    EndGroupZV(ActionGroup, below, ListGroup, "", ZV_GRP_GROW_WIDTH, 100, 0);
+    EndGroupZV(ActionGroup, below, ListGroup, "", 0, 0);
 }
 
 /// What the main palette's gadgets do.
