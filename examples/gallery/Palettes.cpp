@@ -76,8 +76,8 @@ void Add_Fields()
     SetTextGadgetStateZV(PasswordField, "secret");
     SetTextGadgetStateZV(DisabledField, "cannot be changed");
     ItemEnabledZV(DisabledField, 0);
-    EndGroupZV(FieldGroup, beside, ToggleGroup, "Fields", ZV_GRP_BORDER, 1, ZV_GRP_GROW_WIDTH, 100,
-               ZV_GRP_ALIGN_RIGHT, EditorGroup, ZV_GRP_ALIGN_BOTTOM, RadioGroup, 0);
+    EndGroupZV(FieldGroup, beside, ToggleGroup, "Fields", ZV_GRP_BORDER, 1, ZV_GRP_AUTO_WIDTH, 1,
+               ZV_GRP_ALIGN_BOTTOM, RadioGroup, 0);
 }
 
 void Add_Lists()
@@ -98,7 +98,7 @@ void Add_Lists()
                 96, ZV_ITEM_MAX_CHARS, 4000, ZV_ITEM_GROW_WIDTH, 100, ZV_ITEM_GROW_HEIGHT, 100, 0);
     SetTextGadgetStateZV(Editor, "Text of several lines, broken at words where it does not fit.\n\n"
                                  "Everything here is drawn by the library itself.");
-    EndGroupZV(EditorGroup, beside, ListGroup, "Editor", ZV_GRP_BORDER, 1, ZV_GRP_GROW_WIDTH, 100,
+    EndGroupZV(EditorGroup, beside, ListGroup, "Editor", ZV_GRP_BORDER, 1, ZV_GRP_AUTO_WIDTH, 1,
                ZV_GRP_GROW_HEIGHT, 100, 0);
 }
 
