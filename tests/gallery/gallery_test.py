@@ -433,8 +433,6 @@ class Report:
         self.failures, self.title = 0, "the start"
 
     def compare(self, title, got, expected):
-        if "-v" in sys.argv:
-            print(f"{time.monotonic():.1f} {title}")
         wanted = [line.removeprefix("? ") for line in lines_of(expected) if line[0] != "?" or line[2:] in got]
         if got != wanted:
             self.fail(title, *difflib.unified_diff(wanted, got, "expected", "told", lineterm="", n=99))
