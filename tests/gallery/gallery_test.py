@@ -296,11 +296,10 @@ class Desk:
     """An X server of its own with a window manager."""
 
     def __init__(self, home):
-        self.home = home
+        self.home, self.programs = home, []
         read, write = os.pipe()
-        self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x1024x24", "-nolisten", "tcp", "-fbdir", home],
-            pass_fds=[write], stderr=subprocess.DEVNULL)
+        self.start(["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x1024x24", "-nolisten", "tcp", "-fbdir", home],
+                   pass_fds=[write])
         os.close(write)
         with os.fdopen(read) as pipe:
             display = pipe.readline().strip()
@@ -310,9 +309,13 @@ class Desk:
                                 KL_APP_DATA_DIR=home, ZV_HOST="sdl", LC_ALL="C.UTF-8")
         self.environment.pop("WAYLAND_DISPLAY", None)
         self.desktops = itertools.cycle("23")
-        started = os.path.join(home, "started")
-        self.manager = subprocess.Popen(["openbox", "--startup", "touch " + started], env=self.environment,
-                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    def start(self, words, **options):
+        self.programs.append(subprocess.Popen(words, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **options))
+
+    def start_manager(self):
+        started = os.path.join(self.home, "started")
+        self.start(["openbox", "--startup", "touch " + started], env=self.environment)
         wait_until(lambda: os.path.exists(started), "openbox does not start")
 
     def input(self, words):
@@ -341,7 +344,7 @@ class Desk:
             return int.from_bytes(file.read(3), "little")
 
     def close(self):
-        for process in (self.manager, self.server):
+        for process in reversed(self.programs):
             process.terminate()
             process.wait()
 
@@ -512,15 +515,18 @@ def main():
     report = Report()
     with tempfile.TemporaryDirectory() as home:
         try_pictures(program, home, report)
-        desk = Desk(home)
-        gallery = Gallery(desk, program, Names(header))
+        desk, gallery = Desk(home), None
         try:
+            desk.start_manager()
+            gallery = Gallery(desk, program, Names(header))
             drive(desk, gallery, report)
         except (RuntimeError, TimeoutError) as error:
-            report.fail(report.title, str(error), *(gallery.end() if gallery.process.poll() is not None else []))
+            ended = gallery and gallery.process.poll() is not None
+            report.fail(report.title, str(error), *(gallery.end() if ended else []))
         finally:
-            gallery.process.kill()
-            gallery.process.wait()
+            if gallery:
+                gallery.process.kill()
+                gallery.process.wait()
             desk.close()
     print("all as expected" if not report.failures else f"{report.failures} failures")
     return 1 if report.failures else 0
