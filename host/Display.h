@@ -212,4 +212,4 @@ public:
 
 /// @param reason  told when null comes back
 std::unique_ptr<HostDisplay> Make_SDL_Display(std::string& reason);
-std::unique_ptr<HostDisplay> Make_Memory_Display();
+std::unique_ptr<HostDisplay> Make_Memory_Display(int width, int height);

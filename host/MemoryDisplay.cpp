@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr HostRect Screen{0, 0, 1600, 1200};
 constexpr HostFrame FrameSize{.left = 1, .top = 22, .right = 1, .bottom = 1};
 
 /// Bytes of the UTF-8 character at `place`, and the character itself; a byte that begins none stands for
@@ -31,19 +30,19 @@ std::size_t Read_Character(std::string const& text, std::size_t place, char32_t&
 
 }  // namespace
 
-std::unique_ptr<HostDisplay> Make_Memory_Display()
+std::unique_ptr<HostDisplay> Make_Memory_Display(int width, int height)
 {
-    return std::make_unique<MemoryDisplay>();
+    return std::make_unique<MemoryDisplay>(width, height);
 }
 
-MemoryDisplay::MemoryDisplay() = default;
+MemoryDisplay::MemoryDisplay(int width, int height) : screen_{0, 0, width, height} {}
 MemoryDisplay::~MemoryDisplay() = default;
 
 // ---- the service ------------------------------------------------------------------------------------------
 
 std::vector<HostMonitor> MemoryDisplay::Monitors() const
 {
-    return {{.bounds = Screen, .usable = Screen}};
+    return {{.bounds = screen_, .usable = screen_}};
 }
 
 HostFrame MemoryDisplay::Frame_Of(HostWindowRequest const& request)
@@ -211,7 +210,7 @@ HostPicture MemoryDisplay::Screenshot(HostWindow const& window) const
 
 HostPicture MemoryDisplay::Screenshot() const
 {
-    WindowPixels desk(Screen.Width(), Screen.Height());
+    WindowPixels desk(screen_.Width(), screen_.Height());
     HostSurface& surface = desk.Surface();
     Draw_Ground(surface);
     for (Placed const& placed : Placed_Windows()) {
@@ -221,5 +220,9 @@ HostPicture MemoryDisplay::Screenshot() const
             Draw_Frame(surface, {outer, client, window.Request(), &window == Front_Window()});
         surface.Blit(window.Shown(), window.Shown().Bounds(), client.left, client.top);
     }
+<<<<<<< HEAD
     return Picture_Of(desk);
+=======
+    return {screen_.Width(), screen_.Height(), {desk.Words().begin(), desk.Words().end()}};
+>>>>>>> h-e2e
 }

@@ -1,4 +1,4 @@
-// A display in memory: one monitor of 1600 by 1200, a clock that moves on by waiting alone, input by script,
+// A display in memory: one monitor, a clock that moves on by waiting alone, input by script,
 // and pictures of what would be seen. The desktop around the windows is played as well: it draws frames,
 // moves and resizes windows by them, and hands out keys.
 #pragma once
@@ -10,7 +10,7 @@ class MemoryWindow;
 
 class MemoryDisplay : public DisplayBase {
 public:
-    MemoryDisplay();
+    explicit MemoryDisplay(int width = 1600, int height = 1200);  ///< size of the monitor
     ~MemoryDisplay() override;
 
     // ---- the script
@@ -103,6 +103,8 @@ private:
     HostWindow* Content_At(int x, int y) const;
     void Press_Frame(MemoryWindow& window, HostEvent const& event);
     void Drag_Frame(int x, int y);
+
+    HostRect const screen_;
 
     std::deque<HostEvent> script_;  // by time
     uint64_t now_ = 1;              // 0 stands for no time

@@ -5,10 +5,12 @@
 
 #include "Bell.h"
 #include "DisplayBase.h"
+#include "XErrors.h"
 
 #include <SDL.h>
 
 #include <array>
+#include <optional>
 
 class SDLWindow;
 
@@ -69,6 +71,7 @@ private:
     static HostRect Points(SDL_Rect const& rect, int unit);
 
     bool isUp_ = false;
+    std::optional<XErrors> errors_;  ///< on X
     int unit_ = 1;
     uint64_t doubleClick_ = 0;
     std::vector<SDLWindow*> windows_;

@@ -1,7 +1,8 @@
 // The interface in memory, for an application's own tests and for servers: with ZV_HOST=headless in the
-// process's environment InitZV opens a desktop of one 1600 by 1200 monitor that nobody sees. Its clock moves
-// on only while the library waits for events, so a test of minutes takes no time and comes out the same every
-// time. Windows have a frame of 1 pixel with a title bar of 22.
+// process's environment InitZV opens a desktop of one monitor that nobody sees, 1600 by 1200 or what
+// ZV_HEADLESS_SIZE tells, such as 1280x1024. Its clock moves on only while the library waits for events, so a
+// test of minutes takes no time and comes out the same every time. Windows have a frame of 1 pixel with a
+// title bar of 22.
 //
 //     setenv("ZV_HOST", "headless", 1);
 //     InitZV(OnEvent, nullptr, nullptr, nullptr, nullptr);

@@ -6,6 +6,7 @@
 #include "ZVLibInternal.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -25,11 +26,29 @@ static bool Is_Set(char const* variable)
     return value && *value;
 }
 
+/// The monitor in memory, of the size that ZV_HEADLESS_SIZE tells. Null with the reason.
+static std::unique_ptr<HostDisplay> Make_Headless_Display(std::string& reason)
+{
+    constexpr int smallest = 320, largest = 16384;
+    int width = static_cast<int>(headlessMonitor.width), height = static_cast<int>(headlessMonitor.height);
+    if (Is_Set("ZV_HEADLESS_SIZE")) {
+        char const* const wanted = std::getenv("ZV_HEADLESS_SIZE");
+        char rest = 0;
+        bool const isSize = std::sscanf(wanted, "%5dx%5d%c", &width, &height, &rest) == 2;
+        if (!isSize || std::min(width, height) < smallest || std::max(width, height) > largest) {
+            reason = std::string("ZV_HEADLESS_SIZE is \"") + wanted +
+                     "\"; it can be a width and a height as in 1280x1024, each from 320 to 16384";
+            return nullptr;
+        }
+    }
+    return Make_Memory_Display(width, height);
+}
+
 /// Null with the reason.
 static std::unique_ptr<HostDisplay> Make_Display(std::string& reason)
 {
     char const* const wanted = Is_Set("ZV_HOST") ? std::getenv("ZV_HOST") : nullptr;
-    if (wanted && std::strcmp(wanted, "headless") == 0) return Make_Memory_Display();
+    if (wanted && std::strcmp(wanted, "headless") == 0) return Make_Headless_Display(reason);
     if (wanted && std::strcmp(wanted, "sdl") != 0) {
         reason = std::string("ZV_HOST is \"") + wanted + "\"; it can be \"sdl\" or \"headless\"";
         return nullptr;

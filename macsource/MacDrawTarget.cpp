@@ -75,7 +75,8 @@ ZVDrawInfo* DrawBeginZV(ZVGroup* group)
 {
     if (!group || !group->palette) return nullptr;
     ZVPalette const* const palette = group->palette;
-    return Begin_At(Window_Place(palette).Moved(palette->originX + group->x, palette->originY + group->y));
+    return Begin_At(
+        Window_Place(palette).Moved(palette->originX, palette->originY).Moved(group->x, group->y));
 }
 
 ZVDrawInfo* DrawBeginZV(ZVItem* item)
@@ -84,6 +85,8 @@ ZVDrawInfo* DrawBeginZV(ZVItem* item)
     ZVGroup const* const group = item->group;
     ZVPalette const* const palette = group->palette;
     // Items are placed in the group's inner area, whose place counts from the palette's origin as well.
-    return Begin_At(Window_Place(palette).Moved(palette->originX + group->innerX + item->x,
-                                                palette->originY + group->innerY + item->y));
+    return Begin_At(Window_Place(palette)
+                        .Moved(palette->originX, palette->originY)
+                        .Moved(group->innerX, group->innerY)
+                        .Moved(item->x, item->y));
 }

@@ -3,6 +3,7 @@
 #include "MacFrame.h"
 
 #include "interface/ItemParts.h"
+#include "interface/Layout.h"
 #include "interface/PaletteTree.h"
 
 #include <utility>
@@ -58,6 +59,8 @@ void Draw_SysItem(ZVItem& item)
 long Make_SysItem(ZVItem* item)
 {
     if (!item || item->flags & ZV_ITEMF_HIDDEN || !item->group->palette->window) return 1;
+    // An item beside a reference that has no place has none itself, and does not show.
+    if (item->x == Unplaced || item->y == Unplaced) return 1;
     item->flags &= ~ZV_ITEMF_MOVED;
     if (!item->native) {
         LivingPalette const watch(item->group->palette);

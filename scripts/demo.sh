@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # The main job on real media: film strips, movies and pictures made by other programs are composited, converted and
-# looked at.
+# looked at, and the gadgets pictured.
 # Everything is installed and built on the way.
 source "$(dirname "$0")/common.sh"
 install_packages
-build_preset release zvclip ZVPictures
+build_preset release zvclip ZVPictures gallery
 
 out=$PWD/demo-output
 rm -rf "$out"
@@ -12,6 +12,7 @@ mkdir -p "$out/home"
 # Keeps the demo out of the user's own data directory.
 export KL_APP_DATA_DIR=$out/home
 zvclip=$PWD/build/release/bin/zvclip
+gallery=$PWD/build/release/bin/gallery
 cd "$out"
 
 echo "== Two film strips by ffmpeg: a moving disc with a soft edge, and a background"
@@ -69,6 +70,11 @@ rm -f back-* disc-* gem-* back.exr disc.exr exr.log
 "$zvclip" frame 'deep-[##].exr' --time 4f deep.png
 "$zvclip" frame 'gem-alone-[##].exr' --time 4f gem-alone.png
 ffmpeg -v error -y -i titled.mov -vf fps=5,scale=213:-1,tile=3x3 -frames:v 1 contact-sheet.png
+
+echo "== The interface: all gadgets in both themes"
+for theme in light dark; do
+    ZV_HEADLESS_SIZE=1280x1024 "$gallery" --theme "$theme" --screenshot "gallery-$theme.png"
+done
 rm -rf home
 
 echo "Look at the results in $out:"

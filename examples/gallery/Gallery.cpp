@@ -1,27 +1,74 @@
 // The gallery: one program that shows the kinds of palettes and all gadgets there are, in both themes.
 //
 //     gallery                         on the desktop
-//     gallery --events                the same, and writes each event to standard output
-//     gallery --screenshot FILE.png   draws itself in memory and writes the picture of its desktop
+//     gallery --events                the same, and writes to standard output each event, and the place of
+//     each
+//                                     item on the screen when that has changed
+//     gallery --screenshot FILE.png   draws itself in memory and writes the picture of its desktop, which
+//                                     ZV_HEADLESS_SIZE makes larger or smaller than 1600x1200
 //     gallery --theme light|dark      with one of the two, the light theme being the usual one
 #include "Gallery.h"
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <map>
+#include <utility>
 
 static bool tellsEvents = false;
+static char const* screenshot = nullptr;
+static bool isWritten = false;
+
+/// Writes where a gadget stands on the screen, unless it stood there the last time.
+static void Tell_Place(ZVItem const& item)
+{
+    if (item.kind != ZV_ITEM_GADGET) return;
+    using Place = std::array<long, 4>;
+    static std::map<unsigned long, Place> told;
+    Place place{0, 0, item.width, item.height};
+    GetItemScreenPosZV(&item, &place[0], &place[1]);
+    if (std::exchange(told[item.node.id], place) == place) return;
+    std::printf("place %lu %ld %ld %ld %ld\n", static_cast<unsigned long>(item.node.id), place[0], place[1],
+                place[2], place[3]);
+}
+
+static void Tell_Places(ZVPalette const& palette)
+{
+    for (Node const* group = List_First(&palette.groups); group; group = List_Next(group))
+        for (Node const* item = List_First(&reinterpret_cast<ZVGroup const*>(group)->items); item;
+             item = List_Next(item))
+            Tell_Place(*reinterpret_cast<ZVItem const*>(item));
+    std::fflush(stdout);
+}
+
+/// On one line, whatever is in it.
+static void Tell_Text(char const* text)
+{
+    std::printf(" text \"");
+    for (char const* place = text; *place; ++place) {
+        if (*place == '\n')
+            std::printf("\\n");
+        else
+            std::putchar(*place);
+    }
+    std::putchar('"');
+}
 
 void Tell(ZVEvent const* event)
 {
-    if (!tellsEvents || event->type == ZV_EVENT_TICK || event->type == ZV_EVENT_MOUSE_MOVE) return;
+    if (!tellsEvents || event->type == ZV_EVENT_MOUSE_MOVE) return;
+    if (event->type == ZV_EVENT_TICK) {
+        if (event->palette) Tell_Places(*event->palette);
+        return;
+    }
     unsigned const type = event->type;
     std::printf("event %u", type);
     if (event->palette) std::printf(" palette %lu", static_cast<unsigned long>(event->palette->node.id));
     if (type == ZV_EVENT_GADGET) {
         ZVItem const* const item = Event_Item(event);
         std::printf(" item %lu state %d", static_cast<unsigned long>(item->node.id), item->state);
-        if (item->editText) std::printf(" text \"%s\"", item->editText);
+        if (item->type == ZV_GAD_STRING || item->type == ZV_GAD_EDITOR) Tell_Text(item->editText);
         if (item->type == ZV_GAD_FLOAT) std::printf(" value %g", item->realValue);
     }
     if (type == ZV_EVENT_KEY) std::printf(" key %u", event->key);
@@ -37,24 +84,17 @@ static void On_Event(ZVEvent* event)
     if (event->type == ZV_EVENT_CLOSE_APP) ExitZV();
 }
 
-namespace {
-struct Options {
-    char const* screenshot = nullptr;
-    long theme = 1;
-};
-}  // namespace
-
 /// False for an option that there is not.
-static bool Read_Options(int count, char** arguments, Options& options)
+static bool Read_Options(int count, char** arguments, long& theme)
 {
     for (int i = 1; i < count; ++i) {
         bool const hasValue = i + 1 < count;
         if (std::strcmp(arguments[i], "--events") == 0) {
             tellsEvents = true;
         } else if (std::strcmp(arguments[i], "--screenshot") == 0 && hasValue) {
-            options.screenshot = arguments[++i];
+            screenshot = arguments[++i];
         } else if (std::strcmp(arguments[i], "--theme") == 0 && hasValue) {
-            options.theme = std::strcmp(arguments[++i], "dark") == 0 ? 2 : 1;
+            theme = std::strcmp(arguments[++i], "dark") == 0 ? 2 : 1;
         } else {
             return false;
         }
@@ -62,32 +102,40 @@ static bool Read_Options(int count, char** arguments, Options& options)
     return true;
 }
 
-/// Nobody is there to close the dialog, so the picture is taken before it is asked for.
-static bool Take_Screenshot(char const* path)
+bool Take_Screenshot()
+{
+    if (!screenshot) return false;
+    isWritten = HeadlessScreenshotZV(nullptr, screenshot);
+    if (!isWritten) std::fprintf(stderr, "gallery: %s cannot be written\n", screenshot);
+    return true;
+}
+
+/// The picture is taken by the dialog, whose display returns when it has been closed.
+static bool Draw_Picture()
 {
     HeadlessRunZV(200);
-    if (HeadlessScreenshotZV(nullptr, path)) return true;
-    std::fprintf(stderr, "gallery: %s cannot be written\n", path);
-    return false;
+    Show_Pop_Up();
+    Show_Dialog();
+    return isWritten;
 }
 
 int main(int count, char** arguments)
 {
-    Options options;
-    if (!Read_Options(count, arguments, options)) {
+    long theme = 1;
+    if (!Read_Options(count, arguments, theme)) {
         std::fputs("usage: gallery [--events] [--theme light|dark] [--screenshot FILE.png]\n", stderr);
         return 2;
     }
-    if (options.screenshot) setenv("ZV_HOST", "headless", 1);
+    if (screenshot) setenv("ZV_HOST", "headless", 1);
     if (!InitZV(On_Event, nullptr, nullptr, nullptr, nullptr)) return 1;
-    SetPenPresetZV(options.theme);
+    SetPenPresetZV(theme);
     Show_Main_Palette();
     Show_Tools_Palette();
     SetCurrentPaletteZV(MainPalette);
-    SetGadgetStateZV(options.theme == 1 ? LightTheme : DarkTheme, 1);
+    SetGadgetStateZV(theme == 1 ? LightTheme : DarkTheme, 1);
     bool isWell = true;
-    if (options.screenshot)
-        isWell = Take_Screenshot(options.screenshot);
+    if (screenshot)
+        isWell = Draw_Picture();
     else
         HandleGUIZV();
     CleanUpZV();

@@ -53,5 +53,8 @@ void Show_Pop_Up();
 /// Writes an event to standard output, when the gallery was started to tell them.
 void Tell(ZVEvent const* event);
 
+/// Writes the picture that the gallery was started for. False when it was started for none.
+bool Take_Screenshot();
+
 /// The function of a custom gadget: a swatch that changes its hue by dragging.
 long Swatch_Gadget(ZVCustomEvent* event);

@@ -43,8 +43,8 @@ void Add_Buttons()
 void Add_Choices()
 {
     InitGroupZV();
-    AddGadgetZV(CheckFirst, first, 0, ZV_GAD_CHECK, ZV_SIZE_MEDIUM, "Unchecked", 0, 0);
-    AddGadgetZV(CheckSecond, below, -1, ZV_GAD_CHECK, ZV_SIZE_MEDIUM, "Checked", 0, 0);
+    AddGadgetZV(CheckFirst, first, 0, ZV_GAD_CHECK, ZV_SIZE_MEDIUM, "Off", 0, 0);
+    AddGadgetZV(CheckSecond, below, -1, ZV_GAD_CHECK, ZV_SIZE_MEDIUM, "On", 0, 0);
     AddGadgetZV(CheckDisabled, below, -1, ZV_GAD_CHECK, ZV_SIZE_MEDIUM, "Disabled", 0, 0);
     SetGadgetStateZV(CheckSecond, 1);
     SetGadgetStateZV(CheckDisabled, 1);
@@ -63,40 +63,42 @@ void Add_Choices()
 void Add_Fields()
 {
     InitGroupZV();
-    AddGadgetZV(TextField, first, 0, ZV_GAD_STRING, ZV_SIZE_XLARGE, "Text", 0, 0);
+    AddGadgetZV(TextField, first, 0, ZV_GAD_STRING, ZV_SIZE_XLARGE, "Text", ZV_ITEM_GROW_WIDTH, 100, 0);
     AddGadgetZV(IntegerField, below, -1, ZV_GAD_INTEGER, ZV_SIZE_SMALL, "Integer", ZV_ITEM_MIN, -1000,
                 ZV_ITEM_MAX, 1000, 0);
     AddGadgetZV(FloatField, below, -1, ZV_GAD_FLOAT, ZV_SIZE_SMALL, "Float", 0, 0);
     AddGadgetZV(PasswordField, below, -1, ZV_GAD_STRING, ZV_SIZE_MEDIUM, "Password", ZV_ITEM_PASSWORD, 1, 0);
-    AddGadgetZV(DisabledField, below, -1, ZV_GAD_STRING, ZV_SIZE_XLARGE, "Disabled", 0, 0);
+    AddGadgetZV(DisabledField, below, -1, ZV_GAD_STRING, ZV_SIZE_XLARGE, "Disabled", ZV_ITEM_GROW_WIDTH, 100,
+                0);
     SetTextGadgetStateZV(TextField, "Gr\u00fc\u00dfe, \u03b3\u03b5\u03b9\u03ac, hello");
     SetGadgetStateZV(IntegerField, 42);
     SetGadgetStateZV(FloatField, 2.5);
     SetTextGadgetStateZV(PasswordField, "secret");
     SetTextGadgetStateZV(DisabledField, "cannot be changed");
     ItemEnabledZV(DisabledField, 0);
-    EndGroupZV(FieldGroup, beside, ToggleGroup, "Fields", ZV_GRP_BORDER, 1, ZV_GRP_GROW_WIDTH, 100, 0);
+    EndGroupZV(FieldGroup, beside, ToggleGroup, "Fields", ZV_GRP_BORDER, 1, ZV_GRP_AUTO_WIDTH, 1,
+               ZV_GRP_ALIGN_BOTTOM, RadioGroup, 0);
 }
 
 void Add_Lists()
 {
     InitGroupZV();
     AddGadgetZV(
-        RowList, first, 0, ZV_GAD_LIST, ZV_SIZE_LARGE, "", ZV_ITEM_ENTRIES_CSV,
+        RowList, first, 0, ZV_GAD_LIST, ZV_SIZE_LARGE, nullptr, ZV_ITEM_ENTRIES_CSV,
         "Apple,Banana,Cherry,Date,Elderberry,Fig,Grape,Honeydew melon of considerable length,Iris,Jasmine",
         ZV_ITEM_ROWS, 6, ZV_ITEM_GROW_HEIGHT, 100, 0);
-    AddGadgetZV(DisabledList, beside, -1, ZV_GAD_LIST, ZV_SIZE_MEDIUM, "", ZV_ITEM_ENTRIES_CSV,
+    AddGadgetZV(DisabledList, beside, -1, ZV_GAD_LIST, ZV_SIZE_MEDIUM, nullptr, ZV_ITEM_ENTRIES_CSV,
                 "One,Two,Three", ZV_ITEM_ROWS, 6, ZV_ITEM_GROW_HEIGHT, 100, 0);
     SetGadgetStateZV(RowList, 3);
     ItemEnabledZV(DisabledList, 0);
     EndGroupZV(ListGroup, below, CheckGroup, "Lists", ZV_GRP_BORDER, 1, ZV_GRP_GROW_HEIGHT, 100, 0);
 
     InitGroupZV();
-    AddGadgetZV(Editor, first, 0, ZV_GAD_EDITOR, ZV_SIZE_CUSTOM, "", ZV_ITEM_WIDTH, 300, ZV_ITEM_HEIGHT, 96,
-                ZV_ITEM_MAX_CHARS, 4000, ZV_ITEM_GROW_WIDTH, 100, ZV_ITEM_GROW_HEIGHT, 100, 0);
+    AddGadgetZV(Editor, first, 0, ZV_GAD_EDITOR, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 340, ZV_ITEM_HEIGHT,
+                96, ZV_ITEM_MAX_CHARS, 4000, ZV_ITEM_GROW_WIDTH, 100, ZV_ITEM_GROW_HEIGHT, 100, 0);
     SetTextGadgetStateZV(Editor, "Text of several lines, broken at words where it does not fit.\n\n"
                                  "Everything here is drawn by the library itself.");
-    EndGroupZV(EditorGroup, beside, ListGroup, "Editor", ZV_GRP_BORDER, 1, ZV_GRP_GROW_WIDTH, 100,
+    EndGroupZV(EditorGroup, beside, ListGroup, "Editor", ZV_GRP_BORDER, 1, ZV_GRP_AUTO_WIDTH, 1,
                ZV_GRP_GROW_HEIGHT, 100, 0);
 }
 
@@ -137,10 +139,11 @@ void On_Other(ZVEvent* event)
     Tell(event);
 }
 
-/// Accept and cancel close the dialog; Return and Escape do the same.
+/// Accept and cancel close the dialog; Return and Escape do the same. For a picture nobody is there to do so.
 void On_Dialog(ZVEvent* event)
 {
     Tell(event);
+    if (event->type == ZV_EVENT_TICK && Take_Screenshot()) ClosePaletteZV(DialogPalette);
     bool const isGadget = event->type == ZV_EVENT_GADGET;
     unsigned long const id = isGadget ? Event_Item(event)->node.id : 0;
     bool const isKey = event->type == ZV_EVENT_KEY && !(event->modifiers & ZV_MOD_KEY_UP);
@@ -166,6 +169,7 @@ void Show_Main_Palette()
     Add_Fields();
     Add_Lists();
     Add_Actions();
+    ConformGroupHeightZV(2, EditorGroup, ListGroup);
     EndPaletteZV(MainPalette, "Gallery", ZV_PAL_CALLBACK, On_Main, 0);
     DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_DOCUMENT, ZV_PAL_FLAGS, ZV_PALF_SIZE_BOTH | ZV_PALF_ZOOM, 0);
 }
@@ -178,7 +182,8 @@ void Show_Tools_Palette()
         int const place = id - ToolFirst;
         unsigned short const position = place == 0 ? first : place % 2 ? beside : below;
         short const reference = place % 2 || place == 0 ? -1 : -2;
-        AddGadgetZV(id, position, reference, ZV_GAD_TOGGLE, ZV_SIZE_TINY, "\u25a1", 0, 0);
+        char const label[] = {static_cast<char>('A' + place), 0};
+        AddGadgetZV(id, position, reference, ZV_GAD_TOGGLE, ZV_SIZE_TINY, label, 0, 0);
     }
     SetItemExclusionRangeZV(ToolFirst, ToolLast);
     SetGadgetStateZV(ToolFirst, 1);
@@ -202,19 +207,25 @@ void Show_Dialog()
     AddGadgetZV(DialogAccept, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Accept", 0, 0);
     EndGroupZV(2, ZV_Position(ZV_POS_PARENT_END, ZV_POS_AFTER), 1, "", 0, 0);
     EndPaletteZV(DialogPalette, "A modal palette", ZV_PAL_CALLBACK, On_Dialog, 0);
-    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_MODAL, 0);
+    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_MODAL, ZV_PAL_RELATIVE_TO, MainPalette, ZV_PAL_POSITION,
+                     ZV_Position(ZV_POS_BEFORE, ZV_POS_ALIGN_START), 0);
 }
 
+/// It opens below its button.
 void Show_Pop_Up()
 {
+    ZVItem const* const button = FindItem2ZV(FindPaletteZV(MainPalette), OpenPopUp);
+    long x = 0, y = 0;
+    GetItemScreenPosZV(button, &x, &y);
     InitPaletteZV();
     InitGroupZV();
     for (unsigned short id = PopUpFirst; id <= PopUpLast; ++id) {
         char const label[] = {static_cast<char>('A' + id - PopUpFirst), 0};
         AddGadgetZV(id, id == PopUpFirst ? first : below, -1, ZV_GAD_BUTTON, ZV_SIZE_SMALL, label, 0, 0);
     }
-    EndGroupZV(1, first, 0, "", 0, 0);
+    EndGroupZV(1, first, 0, "", ZV_MARGIN_ALL, 4, 0);
     EndPaletteZV(PopUpPalette, "Pop-up", ZV_PAL_CALLBACK, On_Pop_Up, 0);
-    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_TRANSIENT, ZV_PAL_RELATIVE_TO, MainPalette, ZV_PAL_POSITION,
-                     ZV_Position(ZV_POS_ALIGN_CENTER, ZV_POS_ALIGN_CENTER), 0);
+    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_TRANSIENT, ZV_PAL_WINDOW_X, x, ZV_PAL_WINDOW_Y, y + button->height,
+                     0);
+    HilitePaletteZV(FindPaletteZV(PopUpPalette), 1);
 }

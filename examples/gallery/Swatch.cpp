@@ -3,6 +3,7 @@
 #include "Gallery.h"
 
 #include <algorithm>
+#include <utility>
 
 /// Position 0 to 255 along the colours from red through green and blue.
 static unsigned long Hue(long place)
@@ -43,13 +44,15 @@ long Swatch_Gadget(ZVCustomEvent* event)
     case ZV_CUSTOM_DRAW_STATE: Draw(item, isDisabled); break;
     case ZV_CUSTOM_DRAW_DISABLED: Draw(item, true); break;
     case ZV_CUSTOM_MOUSE_DOWN:
-        if (!isDisabled) Follow(event, ZV_MOD_PRESS);
+        if (isDisabled) break;
+        item->pressed = 1;
+        Follow(event, ZV_MOD_PRESS);
         break;
     case ZV_CUSTOM_MOUSE_MOVE:
-        if (!isDisabled && (event->modifiers & ZV_MOD_BUTTON)) Follow(event, ZV_MOD_CHANGE);
+        if (item->pressed) Follow(event, ZV_MOD_CHANGE);
         break;
     case ZV_CUSTOM_MOUSE_UP:
-        if (!isDisabled) Follow(event, ZV_MOD_RELEASE);
+        if (std::exchange(item->pressed, 0)) Follow(event, ZV_MOD_RELEASE);
         break;
     default: break;
     }
