@@ -220,9 +220,5 @@ HostPicture MemoryDisplay::Screenshot() const
             Draw_Frame(surface, {outer, client, window.Request(), &window == Front_Window()});
         surface.Blit(window.Shown(), window.Shown().Bounds(), client.left, client.top);
     }
-<<<<<<< HEAD
     return Picture_Of(desk);
-=======
-    return {screen_.Width(), screen_.Height(), {desk.Words().begin(), desk.Words().end()}};
->>>>>>> h-e2e
 }
