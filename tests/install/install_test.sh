@@ -8,9 +8,12 @@ export KL_APP_DATA_DIR=$work
 
 cmake --install "$build_dir" --prefix "$work/prefix" >/dev/null
 mkdir "$work/program"
-# The indented block behind the heading "A program".
-awk '/^## /{inside = ($0 == "## A program")} inside && /^(    .*)?$/{print substr($0, 5)}' "$source_dir/README.md" \
-    >"$work/program/main.cpp"
+# The indented block behind a heading of the README.
+program_of() {
+    awk -v heading="## $1" '/^## /{inside = ($0 == heading)} inside && /^(    .*)?$/{print substr($0, 5)}' "$source_dir/README.md"
+}
+program_of 'A program over media' >"$work/program/main.cpp"
+program_of 'A palette' >"$work/palette.cpp"
 grep -q 'int main' "$work/program/main.cpp"
 cat >"$work/program/CMakeLists.txt" <<'EOF'
 cmake_minimum_required(VERSION 3.22)
@@ -27,6 +30,8 @@ export PKG_CONFIG_PATH=$work/prefix/$libdir/pkgconfig
 # shellcheck disable=SC2046  # the flags are words
 "$compiler" -std=c++20 "$work/program/main.cpp" -o "$work/by-pkg-config" $(pkg-config --cflags --libs zvlib)
 [ "$(LD_LIBRARY_PATH=$work/prefix/$libdir "$work/by-pkg-config")" = "error 12" ]
+# shellcheck disable=SC2046
+"$compiler" -std=c++20 -Wall -Werror "$work/palette.cpp" -o "$work/palette" $(pkg-config --cflags --libs zvlib)
 
 # A format module builds outside the tree, and is loaded only while an application reads a picture of its format.
 cp -r "$source_dir/examples/graymap" "$work/graymap"
