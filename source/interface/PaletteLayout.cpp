@@ -201,6 +201,7 @@ private:
 /// Takes an item off the screen where it was.
 static void Destroy_At_Old_Place(ZVItem& item)
 {
+    if (!item.native) return;  // one that is not on screen may have had no place
     ZVRectT<int32_t> const now{item.x, item.y, item.width, item.height};
     ZVGroup const& group = *item.group;
     item.x = item.oldRect.x - group.innerX - group.palette->originX;
