@@ -156,6 +156,7 @@ struct ZVEnvironment {
     void* savedPort;
     void* savedResFile;
     int32_t eventsSuspended;
+    int32_t thirdPartyDialog;  ///< a dialog of someone else's gets the events
     uint32_t systemVersion;
     uint32_t physicalMemory;  ///< bytes; 0xC9999999 on a machine of 4 GiB or more
     void* tickTimer;

@@ -115,14 +115,14 @@ enum ZVItemTag : unsigned long {
     ZV_ITEM_REMOVE_ENTRY = 806,         ///< entry id, MO
     ZV_ITEM_ADD_ENTRY = 807,            ///< char const*, MO
     ZV_ITEM_ADD_ENTRY_ID = 808,         ///< string id, MO
-    ZV_ITEM_SELECTED = 809,             ///< G M: `selected`
+    ZV_ITEM_SELECTED = 809,             ///< one word, G M: `selected`, the ZVMenu* of a menu gadget
     ZV_ITEM_SMALL_FONT = 810,           ///< G: data ignored
     ZV_ITEM_MIN_WIDTH = 811,            ///< long, G
     ZV_ITEM_MIN_HEIGHT = 812,           ///< long, G
     ZV_ITEM_LINKED = 813,               ///< item id, G M
     ZV_ITEM_PROP_STEP = 814,            ///< G M: amount of one arrow press
-    ZV_ITEM_PROP_TRACK = 815,           ///< G: data ignored
-    ZV_ITEM_EXTRA = 816,                ///< G M: stored for the gadget
+    ZV_ITEM_PROP_TRACK = 815,           ///< G: a proportional gadget has a marker; data ignored
+    ZV_ITEM_EXTRA = 816,                ///< G M: stored for the gadget; value of that marker
     ZV_ITEM_IMAGE_COLOR = 818,          ///< colour, G: of a button's image
     ZV_ITEM_BOLD = 819,                 ///< G: data ignored
     ZV_ITEM_CENTER_TEXT = 820,          ///< texts: lines up with gadgets beside it; data ignored
@@ -155,12 +155,12 @@ struct ZVItem {
     int16_t offsetX, offsetY;       ///< added to the position
     uint16_t order;
     ZVGadgetSize gadgetSize;
-    uint32_t flags;  ///< ZVItemFlag
-    char* text;      ///< label, the node's name
-    List entries;    ///< of a list, cycle or menu: Nodes with text and id
-    uint32_t selected;
-    TagItem* tags;      ///< clone, or null
-    List dependencies;  ///< ZVDependency
+    uint32_t flags;          ///< ZVItemFlag
+    char* text;              ///< label, the node's name
+    List entries;            ///< of a list, cycle or menu: Nodes with text and id
+    unsigned long selected;  ///< of tag 809; a menu gadget's ZVMenu*
+    TagItem* tags;           ///< clone, or null
+    List dependencies;       ///< ZVDependency
     uint16_t cursor;
     ZVGadgetType type;
     double realValue;
@@ -186,7 +186,10 @@ struct ZVItem {
     ZVRectT<int32_t> oldRect;  ///< absolute, of the last layout
     uint32_t pressed;          ///< armed; of the custom function
     int32_t dragWidth, dragHeight;
-    uint32_t extra;
+    uint32_t extra;      ///< of tag 816; the marker of a proportional gadget
+    int32_t page;        ///< of a proportional gadget: the part of its range in view
+    int32_t lineStep;    ///< and the amount of one arrow press
+    uint32_t markDrag;   ///< and that its marker is being dragged
     ZVBitmap* image;     ///< an icon, which belongs to the library
     ZVBitmap* imageOff;  ///< the icon of the on state
     uint32_t imageColor, hasImageColor;

@@ -96,9 +96,10 @@ struct ZVPalette {
     uint32_t flags;   ///< ZVPaletteFlag
     void (*callback)(ZVEvent*);
     int32_t tabPriority;
-    uint32_t serial;       ///< tells it from an earlier palette at its address
-    uint16_t freeItemId;   ///< all item ids above it, up to 32767, are taken
-    uint16_t takenItemId;  ///< highest one taken below it
+    int32_t tabLeft, tabWidth;  ///< of its tab as drawn last, in the tab bar
+    uint32_t serial;            ///< tells it from an earlier palette at its address
+    uint16_t freeItemId;        ///< all item ids above it, up to 32767, are taken
+    uint16_t takenItemId;       ///< highest one taken below it
 };
 
 /// Starts a palette, or a sub-palette of the one under construction; it becomes the current one.

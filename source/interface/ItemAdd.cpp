@@ -193,7 +193,7 @@ bool Take_Gadget_Limit(ZVItem& item, TagItem const& tag)
     case ZV_ITEM_MAX_REAL:
         if (real) setMax(To_Whole(*real), *real);
         return true;
-    case ZV_ITEM_SELECTED: item.selected = static_cast<uint32_t>(tag.data); return true;
+    case ZV_ITEM_SELECTED: item.selected = tag.data; return true;
     case ZV_ITEM_LINKED: item.linkedItem = static_cast<uint32_t>(tag.data); return true;
     case ZV_ITEM_EXTRA: item.extra = static_cast<uint32_t>(tag.data); return true;
     case ZV_ITEM_ORDER: item.order = static_cast<uint16_t>(tag.data); return true;
