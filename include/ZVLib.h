@@ -10,6 +10,7 @@
 #include "ZVEvent.h"
 #include "ZVEventHandler.h"
 #include "ZVFile.h"
+#include "ZVFileDialog.h"
 #include "ZVFileSearch.h"
 #include "ZVFileSpec.h"
 #include "ZVFont.h"

@@ -148,6 +148,26 @@ struct OSDirectoryEntry {
 ZV_API bool OS_List_Directory(char const* spec, bool wantsCodes,
                               bool (*visit)(OSDirectoryEntry const&, void*), void* data);
 
+/// An entry of a directory with what a browser shows of it. A link counts as what it leads to.
+struct OSBrowsedEntry {
+    char const* name;  ///< as in a spec; valid during the visit
+    bool isDirectory;
+    bool isLink;
+    bool isHidden;     ///< begins with a dot, or is marked invisible
+    int64_t size;      ///< bytes
+    int64_t modified;  ///< seconds since 1 January 1970
+    uint32_t type;     ///< of a file, when codes are wanted
+    uint32_t creator;
+};
+enum class OSBrowseResult : uint8_t { Done, Missing, Denied, Failed };
+
+/// Calls `visit` for each directory and file of a directory, in the order of the file system, until it
+/// answers false. May run on any thread, beside anything, and does not touch the error number.
+/// @param path  native
+/// @return  Done also when `visit` ended it; Failed too when memory runs out
+ZV_API OSBrowseResult OS_Browse_Directory(char const* path, bool wantsCodes,
+                                          bool (*visit)(OSBrowsedEntry const&, void*), void* data);
+
 /// What the file system tells of a file or directory; of what it leads to for a link.
 struct OSFileStatus {
     int64_t size;
@@ -416,6 +436,41 @@ ZV_API void Mac_Show_Cursor(unsigned short code);
 ZV_API void Mac_Move_Pointer_Freely(long on);  ///< The pointer is hidden and held, movements still come.
 ZV_API long Mac_Double_Click_Time();           ///< Ticks of 1/60 second.
 ZV_API uint32_t Mac_Tick_Count();  ///< Ticks of 1/60 second since start; the virtual clock's in memory.
+
+// ---- dialogs ----------------------------------------------------------------------------------------------
+
+/// Bits of ZVFileRequest::Flags.
+enum ZVFileRequestFlag : uint32_t { ZV_FILEREQF_SAVE = 1, ZV_FILEREQF_FORMATS = 2 };
+
+/// What a file dialog offers as kinds of files. Entries of the pop-up count from 1: when opening, 1 is every
+/// kind of the list, 2 all files and 3 a line; then the table's entries follow, and the modules.
+struct ZVFileRequest {
+    uint32_t Flags;       ///< ZVFileRequestFlag
+    int32_t FirstEntry;   ///< number of the table's first entry; 0 when there is no pop-up
+    int32_t ModuleEntry;  ///< number of the first module; 0 when there is no pop-up
+    ZVFileTypeDescriptor* Types;
+    ZVFormatDesc** FormatResult;
+    ZVFileTypeDescriptor** TypeResult;
+    int32_t Current;  ///< the entry that is chosen; 0 when there is no pop-up
+};
+
+/// Works out the numbers of a request whose flags, table and results are set.
+ZV_API void Start_File_Request(ZVFileRequest* request);
+
+/// Makes an entry the current one and stores the results.
+ZV_API void Choose_File_Kind(ZVFileRequest* request, long entry);
+
+/// Whether the current entry shows a file in the list of files to open.
+/// @param spec  of the file; modules may look into it
+ZV_API bool Is_File_Shown(ZVFileRequest const* request, char const* spec, uint32_t creator, uint32_t type);
+
+/// The module of an entry, or its table entry; null for an entry that is none.
+ZV_API ZVFormatDesc* File_Kind_Module(ZVFileRequest const* request, long entry);
+ZV_API ZVFileTypeDescriptor* File_Kind_Type(ZVFileRequest const* request, long entry);
+
+/// AskFileNameZV and AskDirectoryZV.
+ZV_API char* NavServices_AskFileName(TagItem* tags);
+ZV_API char* NavServices_AskDirectory(TagItem* tags);
 
 // ---- pixels -----------------------------------------------------------------------------------------------
 
