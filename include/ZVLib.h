@@ -33,6 +33,7 @@
 #include "ZVPlayback.h"
 #include "ZVPlugin.h"
 #include "ZVProcessor.h"
+#include "ZVPseudoWindow.h"
 #include "ZVReader.h"
 #include "ZVRect.h"
 #include "ZVResource.h"
@@ -45,4 +46,5 @@
 #include "ZVThread.h"
 #include "ZVTime.h"
 #include "ZVWindow.h"
+#include "ZVWindowPrefs.h"
 #include "ZVWriter.h"
