@@ -346,6 +346,21 @@ ZV_API long Build_Gadgets(ZVGroup* group);  ///< Final places of items. 0 as abo
 ZV_API unsigned short GetItemFont(ZVItem const* item);  ///< Standard font number.
 ZV_API void Process_Dependencies(ZVItem* item);
 
+/// What AddGadgetZV makes of a proportional gadget: arrow, track and arrow, in this order on the group's
+/// list.
+/// @return  the track; null with error 4 without an open group, with error 1 without memory, nothing made
+ZV_API ZVItem* Add_HProp(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
+                         ZVGadgetSize size, char const* text, TagItem* tags);
+ZV_API ZVItem* Add_VProp(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
+                         ZVGadgetSize size, char const* text, TagItem* tags);
+
+/// Callback of the palette in which the value of a slider is typed; there is one at a time.
+ZV_API void NumEntryCallBack(ZVEvent* event);
+inline constexpr unsigned short NumEntryPalette = 8899;  ///< Its id.
+
+/// SetTextBoxGadgetStateZV up to the count of lines; nothing is shown. 1 when the text has changed, else 0.
+ZV_API long SetTextBoxGadgetState_internal(ZVItem* item, char const* text);
+
 /// Key bindings. A file by its full spec is read into the chain, nothing freed first.
 ZV_API void Parse_KeyFile(char const* spec, ZVKeySection* section);
 /// The same for a name in the home directory.
