@@ -136,16 +136,6 @@ static bool List_Key(ZVItem& item, KeyStroke const& key)
 
 // ---- all keys ---------------------------------------------------------------------------------------------
 
-/// Tab goes to the next field or list. True unless there is none and the key goes on, as it does in a modal
-/// palette, which may have gadgets of its own that take keys.
-static bool Tab_Key(KeyStroke const& key)
-{
-    ZVItem const* const item = ZVEnv->focusedListItem ? ZVEnv->focusedListItem : ZVEnv->focusedTextItem;
-    bool const isInDialog = Root_Of(*item->group->palette).kind == ZV_KIND_MODAL;
-    bool const hasMoved = key.Has(ZV_MOD_SHIFT) ? Tab_to_Prev_Gad() : Tab_to_Next_Gad();
-    return hasMoved || !isInDialog;
-}
-
 /// True when the focused field or list has taken the key.
 static bool Focus_Key(KeyStroke const& key, bool isEntered)
 {
@@ -153,7 +143,9 @@ static bool Focus_Key(KeyStroke const& key, bool isEntered)
     TextField* const field = Focused_Field();
     ZVItem* const listItem = ZVEnv->focusedListItem;
     if (!(field && field->Is_Multi_Line())) {
-        if (key.code == ZV_KEY_TAB && (item || listItem)) return Tab_Key(key);
+        // Where it leads nowhere Tab is a key for the palette.
+        if (key.code == ZV_KEY_TAB && (item || listItem))
+            return key.Has(ZV_MOD_SHIFT) ? Tab_to_Prev_Gad() : Tab_to_Next_Gad();
         if (field && (key.code == ZV_KEY_RETURN || key.code == ZV_KEY_ENTER)) return Commit_Key(*item);
     }
     if (field && Text_Key(*item, key, isEntered)) return true;
