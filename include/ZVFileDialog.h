@@ -12,13 +12,13 @@
 
 /// Tags of AskFileNameZV. AskDirectoryZV reads the directory, which it does not write back, and the title.
 enum ZVAskTag : unsigned long {
-    ZV_ASK_DIRECTORY = 2048,      ///< char*, ZV_SPEC_SIZE bytes: where to start; receives the file's directory
-    ZV_ASK_FILE_NAME = 2049,      ///< char const*: the name that is offered
-    ZV_ASK_SAVE = 2050,           ///< a file to save; data ignored
-    ZV_ASK_TITLE = 2051,          ///< char const*: of the window
-    ZV_ASK_FILE_TYPES = 2052,     ///< ZVFileTypeDescriptor*: a table of kinds, whose Values are their names
-    ZV_ASK_FORMATS = 2054,        ///< the format modules are kinds too; data ignored
-    ZV_ASK_FORMATS_2 = 2055,      ///< the same
+    ZV_ASK_DIRECTORY = 2048,   ///< char*, ZV_SPEC_SIZE bytes: where to start; receives the file's directory
+    ZV_ASK_FILE_NAME = 2049,   ///< char const*: the name that is offered
+    ZV_ASK_SAVE = 2050,        ///< a file to save; data ignored
+    ZV_ASK_TITLE = 2051,       ///< char const*: of the window
+    ZV_ASK_FILE_TYPES = 2052,  ///< ZVFileTypeDescriptor*: a table of kinds, whose Values are their names
+    ZV_ASK_FORMATS = 2054,     ///< the format modules are kinds too; data ignored
+    ZV_ASK_FORMATS_2 = 2055,   ///< the same
     ZV_ASK_FORMAT_RESULT = 2056,  ///< ZVFormatDesc**: the module that is chosen at first, or null
     ZV_ASK_TYPE_RESULT = 2057     ///< ZVFileTypeDescriptor**: the entry that is chosen at first, or null
 };

@@ -9,6 +9,7 @@ enum PaletteId : unsigned short {
     DialogPalette,
     PopUpPalette,
     RequestersPalette,
+    FilesPalette,
     TilePalette = 120  ///< and the ones behind it
 };
 
@@ -59,7 +60,13 @@ enum ItemId : unsigned short {
     RequestLongText,
     RequestAnswer,
     TileAsk,
-    TileQuit
+    TileQuit,
+    OpenFiles,
+    AskOpen,
+    AskSave = AskOpen + 4,
+    AskSaveLast = AskSave + 3,
+    AskDirectory,
+    AskResult
 };
 
 /// The palettes, each declared and shown.
@@ -68,6 +75,7 @@ void Show_Tools_Palette();
 void Show_Dialog();
 void Show_Pop_Up();
 void Show_Requesters_Palette();
+void Show_Files_Palette();
 
 /// Fills the root window with pseudo-windows and their palettes.
 void Show_Tiles();

@@ -116,6 +116,7 @@ void Add_Actions()
     SetItemExclusionZV(LightTheme, DarkTheme);
     AddGadgetZV(Swatch, beside, -1, ZV_GAD_CUSTOM, ZV_SIZE_CUSTOM, "", ZV_ITEM_CUSTOM_FUNC, Swatch_Gadget,
                 ZV_ITEM_WIDTH, 60, ZV_ITEM_HEIGHT, ZVEnv->style->gadgetHeight, ZV_GAP_EXTRA, 1, 0);
+    AddGadgetZV(OpenFiles, below, OpenDialog, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "File dialogs", 0, 0);
     EndGroupZV(ActionGroup, below, ListGroup, "", 0, 0);
 }
 
@@ -129,6 +130,7 @@ void On_Main(ZVEvent* event)
     case OpenDialog: Show_Dialog(); break;
     case OpenPopUp: Show_Pop_Up(); break;
     case OpenRequesters: Show_Requesters_Palette(); break;
+    case OpenFiles: Show_Files_Palette(); break;
     case LightTheme: SetPenPresetZV(1); break;
     case DarkTheme: SetPenPresetZV(2); break;
     case MoreRows: ModifyItemZV(RowList, ZV_ITEM_ADD_ENTRY, "Another row", 0); break;

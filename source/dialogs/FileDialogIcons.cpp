@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr unsigned long Outline = ZV_PEN_DARK_EDGE;
 constexpr unsigned long Paper = 0xF4F4F0, FolderColor = 0xE3B341, FolderLight = 0xF2CF74;
 constexpr unsigned long Blue = 0x4F8FD0, Green = 0x5FA05A, Red = 0xC05A4A, Dark = 0x404048, Metal = 0xB4B8C0;
 
@@ -43,7 +42,10 @@ public:
             ++count;
         }
         SetPenZV(draw_, colour);
-        (isFilled ? FillPolygonZV : DrawPolygonZV)(draw_, count / 2, scaled);
+        if (isFilled)
+            FillPolygonZV(draw_, count / 2, scaled);
+        else
+            DrawPolygonZV(draw_, count / 2, scaled);
     }
 
 private:
@@ -137,8 +139,9 @@ struct Family {
     std::string_view extensions;  ///< each between blanks
 };
 constexpr Family families[] = {
-    {FileIcon::Picture, " png jpg jpeg tif tiff tga bmp gif exr dpx cin sgi rgb psd pct pict vpb iff webp heic avif "
-                        "hdr pic ppm pgm svg raw dng cr2 nef "},
+    {FileIcon::Picture,
+     " png jpg jpeg tif tiff tga bmp gif exr dpx cin sgi rgb psd pct pict vpb iff webp heic avif "
+     "hdr pic ppm pgm svg raw dng cr2 nef "},
     {FileIcon::Movie, " mov mp4 m4v avi mkv mpg mpeg webm mxf flm ei pcs pics wmv flv ogv mts m2ts 3gp "},
     {FileIcon::Sound, " wav aif aiff aifc mp3 flac ogg oga opus m4a aac au snd wma mid "},
 };

@@ -6,7 +6,18 @@
 #include <cstdint>
 #include <string_view>
 
-enum class FileIcon : uint8_t { Folder, File, Picture, Movie, Sound, Home, Desktop, Documents, Computer, Volume };
+enum class FileIcon : uint8_t {
+    Folder,
+    File,
+    Picture,
+    Movie,
+    Sound,
+    Home,
+    Desktop,
+    Documents,
+    Computer,
+    Volume
+};
 
 /// What a file is, by its extension.
 FileIcon Icon_Of_File(std::string_view name);

@@ -107,7 +107,8 @@ void Start_File_Request(ZVFileRequest* request)
 
 ZVFileTypeDescriptor* File_Kind_Type(ZVFileRequest const* request, long entry)
 {
-    bool const isOfTable = request->FirstEntry > 0 && entry >= request->FirstEntry && entry < request->ModuleEntry;
+    bool const isOfTable =
+        request->FirstEntry > 0 && entry >= request->FirstEntry && entry < request->ModuleEntry;
     return isOfTable ? &request->Types[entry - request->FirstEntry] : nullptr;
 }
 

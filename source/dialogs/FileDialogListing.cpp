@@ -12,8 +12,8 @@ namespace {
 /// Milliseconds that an ordinary directory may take before the dialog goes on without it.
 constexpr unsigned long WaitTime = 100;
 
-/// Microseconds for looking at entries, as a module can have to open a file for it, and how many are looked at
-/// before the clock is.
+/// Microseconds for looking at entries, as a module can have to open a file for it, and how many are looked
+/// at before the clock is.
 constexpr uint64_t FilterTime = 30000;
 constexpr std::size_t FilterStep = 16;
 

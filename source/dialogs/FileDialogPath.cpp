@@ -7,6 +7,7 @@
 #include "Locale/ZVLibStr.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace {
@@ -31,7 +32,8 @@ void FilePath::Show(std::string const& spec)
         std::string name = spec.substr(start, end - start);
         if (name.ends_with(':')) name.pop_back();
         bool const isRoot = start == 0 && name == "Root";
-        parts_.push_back({isRoot ? GetStringZV(ZVSTR_DIALOG_COMPUTER) : Shown_Name(name), spec.substr(0, end + 1)});
+        parts_.push_back(
+            {isRoot ? GetStringZV(ZVSTR_DIALOG_COMPUTER) : Shown_Name(name), spec.substr(0, end + 1)});
         start = end + 1;
     }
     if (item_) Draw();
@@ -101,8 +103,8 @@ void FilePath::Draw()
         SetPenZV(draw.get(), isLit ? SelectedText : static_cast<unsigned long>(ZV_PEN_TEXT));
         bool const isLast = i + 1 == parts_.size();
         if (isLast) SetFontZV(draw.get(), ZV_FONT_BOLD);
-        Draw_Fitted_Text(draw.get(), part.name, part.left + CellMargin, 0, part.right - part.left - CellMargin,
-                         item_->height);
+        Draw_Fitted_Text(draw.get(), part.name, part.left + CellMargin, 0,
+                         part.right - part.left - CellMargin, item_->height);
     }
 }
 
@@ -112,7 +114,7 @@ void FilePath::Follow(long part)
 }
 
 long FilePath::Gadget(ZVCustomEvent* event)
-{
+try {
     auto& self = Object_Of<FilePath>(event);
     switch (event->type) {
     case ZV_CUSTOM_SETUP: self.item_ = event->item; break;
@@ -137,4 +139,6 @@ long FilePath::Gadget(ZVCustomEvent* event)
     default: break;
     }
     return 1;
+} catch (std::bad_alloc const&) {
+    return 1;  // what there is no memory for does not show
 }

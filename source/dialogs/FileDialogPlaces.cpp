@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <new>
 #include <utility>
 
 namespace {
@@ -30,7 +31,8 @@ std::string Spec_Of_Directory(std::string const& native)
 std::string User_Directory(char const* name)
 {
     char native[PATH_MAX];
-    return OS_Get_User_Dir(native, sizeof native) ? Spec_Of_Directory(native + std::string(name)) : std::string();
+    return OS_Get_User_Dir(native, sizeof native) ? Spec_Of_Directory(native + std::string(name))
+                                                  : std::string();
 }
 
 }  // namespace
@@ -62,7 +64,8 @@ FilePlaces::FilePlaces()
         std::string const spec = std::string(name) + ":\\";
         bool const isRoot = spec == RootVolume;
         static_cast<FilePlaces*>(data)->Add(isRoot ? FileIcon::Computer : FileIcon::Volume,
-                                            isRoot ? GetStringZV(ZVSTR_DIALOG_COMPUTER) : Shown_Name(name), spec);
+                                            isRoot ? GetStringZV(ZVSTR_DIALOG_COMPUTER) : Shown_Name(name),
+                                            spec);
         return true;
     };
     OS_List_Volumes(visit, this);
@@ -98,7 +101,8 @@ void FilePlaces::Draw() const
         Draw_File_Icon(draw.get(), place.icon, Border + CellMargin, y + (rowHeight - icon) / 2, icon);
         SetPenZV(draw.get(), isMarked ? SelectedText : static_cast<unsigned long>(ZV_PEN_TEXT));
         long const left = Border + CellMargin + icon + 4;
-        Draw_Fitted_Text(draw.get(), place.name, left, y, item_->width - Border - CellMargin - left, rowHeight);
+        Draw_Fitted_Text(draw.get(), place.name, left, y, item_->width - Border - CellMargin - left,
+                         rowHeight);
     }
 }
 
@@ -145,7 +149,7 @@ void FilePlaces::Press(ZVCustomEvent* event)
 }
 
 long FilePlaces::Gadget(ZVCustomEvent* event)
-{
+try {
     auto& self = Object_Of<FilePlaces>(event);
     switch (event->type) {
     case ZV_CUSTOM_SETUP: self.item_ = event->item; break;
@@ -157,4 +161,6 @@ long FilePlaces::Gadget(ZVCustomEvent* event)
     default: break;
     }
     return 1;
+} catch (std::bad_alloc const&) {
+    return 1;  // what there is no memory for does not show
 }

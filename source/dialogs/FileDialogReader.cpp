@@ -36,7 +36,8 @@ void DirectoryReader::Wait_For_End(unsigned long milliseconds)
 FileReading DirectoryReader::Take(std::vector<FileEntry>& entries)
 {
     std::lock_guard const lock(mutex_);
-    entries.insert(entries.end(), std::make_move_iterator(ready_.begin()), std::make_move_iterator(ready_.end()));
+    entries.insert(entries.end(), std::make_move_iterator(ready_.begin()),
+                   std::make_move_iterator(ready_.end()));
     ready_.clear();
     return state_;
 }
@@ -45,7 +46,11 @@ void DirectoryReader::Retire(DirectoryReader* reader)
 {
     if (reader) {
         reader->isWanted_ = false;
-        Retired().push_back(reader);
+        try {
+            Retired().push_back(reader);
+        } catch (std::bad_alloc const&) {
+            // It ends all the same, and is lost.
+        }
     }
     std::erase_if(Retired(), [](DirectoryReader* each) {
         if (each->Started) return false;
@@ -98,7 +103,8 @@ bool DirectoryReader::Visit(OSBrowsedEntry const& entry)
 void DirectoryReader::Hand_Over()
 {
     std::lock_guard const lock(mutex_);
-    ready_.insert(ready_.end(), std::make_move_iterator(batch_.begin()), std::make_move_iterator(batch_.end()));
+    ready_.insert(ready_.end(), std::make_move_iterator(batch_.begin()),
+                  std::make_move_iterator(batch_.end()));
     batch_.clear();
     batchStart_ = GetTimeZV();
 }

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 #include <utility>
 
 namespace {
@@ -123,8 +124,8 @@ void FileRows::Draw_Row(ZVDrawInfo* draw, Area const& area, Columns const& colum
     FileEntry const& entry = listing_.Row(row);
     std::string const name = Shown_Name(entry.name);
     long const icon = File_Icon_Size(), textLeft = area.left + CellMargin + icon + 4;
-    Draw_File_Icon(draw, entry.isDirectory ? FileIcon::Folder : Icon_Of_File(entry.name), area.left + CellMargin,
-                   y + (area.rowHeight - icon) / 2, icon);
+    Draw_File_Icon(draw, entry.isDirectory ? FileIcon::Folder : Icon_Of_File(entry.name),
+                   area.left + CellMargin, y + (area.rowHeight - icon) / 2, icon);
     SetPenZV(draw, isSelected ? SelectedText : static_cast<unsigned long>(ZV_PEN_TEXT));
     Draw_Fitted_Text(draw, name, textLeft, y, columns.sizeLeft - CellMargin - textLeft, area.rowHeight);
     if (!entry.isDirectory) {
@@ -334,7 +335,7 @@ void FileRows::Turn_Wheel(ZVCustomEvent const* event)
 }
 
 long FileRows::Gadget(ZVCustomEvent* event)
-{
+try {
     auto& self = Object_Of<FileRows>(event);
     switch (event->type) {
     case ZV_CUSTOM_SETUP: self.item_ = event->item; break;
@@ -355,4 +356,6 @@ long FileRows::Gadget(ZVCustomEvent* event)
     default: break;
     }
     return 1;
+} catch (std::bad_alloc const&) {
+    return 1;  // what there is no memory for does not show
 }

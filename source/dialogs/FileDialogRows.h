@@ -6,6 +6,9 @@
 
 #include "ZVEvent.h"
 
+#include <algorithm>
+#include <utility>
+
 class FileRows {
 public:
     /// @param barId  id of the proportional gadget beside the list

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <iterator>
 
 namespace {
 
@@ -46,7 +47,8 @@ std::string Small_Letters(std::string_view text)
         if (c >= 'A' && c <= 'Z') small[i] = static_cast<char>(c + 'a' - 'A');
         bool const isPair = c >= 0xC3 && c <= 0xDF && i + 1 < small.size() && (small[i + 1] & 0xC0) == 0x80;
         if (!isPair) continue;
-        unsigned const letter = Small_Letter((c & 0x1FU) << 6 | (static_cast<unsigned>(small[i + 1]) & 0x3FU));
+        unsigned const letter =
+            Small_Letter((c & 0x1FU) << 6 | (static_cast<unsigned>(small[i + 1]) & 0x3FU));
         small[i] = static_cast<char>(0xC0 | letter >> 6);
         small[++i] = static_cast<char>(0x80 | (letter & 0x3F));
     }
@@ -87,13 +89,12 @@ std::string Shown_Name(std::string_view name)
 std::string Size_Text(int64_t bytes)
 {
     constexpr char const* units[] = {"KB", "MB", "GB", "TB"};
-    char text[32];
-    auto amount = static_cast<double>(bytes);
-    std::snprintf(text, sizeof text, "%d bytes", static_cast<int>(bytes));
-    if (bytes < 1000) return text;
+    if (bytes < 1000) return std::to_string(bytes) + " bytes";
     unsigned unit = 0;
-    for (amount /= 1000; amount >= 999.5 && unit < 3; ++unit)
+    double amount = static_cast<double>(bytes) / 1000;
+    for (; amount >= 999.5 && unit < std::size(units) - 1; ++unit)
         amount /= 1000;
+    char text[32];
     std::snprintf(text, sizeof text, amount < 99.95 ? "%.1f %s" : "%.0f %s", amount, units[unit]);
     return text;
 }
