@@ -131,6 +131,7 @@ int main(int count, char** arguments)
     SetPenPresetZV(theme);
     Show_Main_Palette();
     Show_Tools_Palette();
+    Show_Choices();
     SetCurrentPaletteZV(MainPalette);
     SetGadgetStateZV(theme == 1 ? LightTheme : DarkTheme, 1);
     bool isWell = true;

@@ -3,7 +3,15 @@
 
 #include <ZVLib.h>
 
-enum PaletteId : unsigned short { MainPalette = 100, ToolsPalette, DialogPalette, PopUpPalette };
+enum PaletteId : unsigned short {
+    MainPalette = 100,
+    ToolsPalette,
+    DialogPalette,
+    PopUpPalette,
+    TextPalette,
+    IconPalette,
+    LongPalette
+};
 
 enum ItemId : unsigned short {
     Push = 1,
@@ -41,12 +49,19 @@ enum ItemId : unsigned short {
     PopUpFirst,
     PopUpLast = PopUpFirst + 3,
     ToolFirst,
-    ToolLast = ToolFirst + 7
+    ToolLast = ToolFirst + 7,
+    TextCycle,
+    MarkedCycle,
+    DisabledCycle,
+    IconCycle,
+    MixedCycle,
+    LongCycle
 };
 
 /// The palettes, each declared and shown.
 void Show_Main_Palette();
 void Show_Tools_Palette();
+void Show_Choices();  ///< Three in one window.
 void Show_Dialog();
 void Show_Pop_Up();
 

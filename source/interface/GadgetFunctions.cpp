@@ -14,11 +14,12 @@ GadgetFunction Function_Of_Type(ZVGadgetType type)
     case ZV_GAD_HPROP: return HProp_Gad;
     case ZV_GAD_VPROP: return VProp_Gad;
     case ZV_GAD_TEXTBOX: return TextBoxCustomFunc;
+    case ZV_GAD_CYCLE: return CycleCustomFunc;
     default: return nullptr;
     }
 }
 
 GadgetFunction Function_Of_Tab_Bar()
 {
-    return nullptr;
+    return Tab_Gad;
 }
