@@ -3,7 +3,13 @@
 
 #include <ZVLib.h>
 
-enum PaletteId : unsigned short { MainPalette = 100, ToolsPalette, DialogPalette, PopUpPalette };
+enum PaletteId : unsigned short {
+    MainPalette = 100,
+    ToolsPalette,
+    DialogPalette,
+    PopUpPalette,
+    ControlsPalette
+};
 
 enum ItemId : unsigned short {
     Push = 1,
@@ -41,12 +47,33 @@ enum ItemId : unsigned short {
     PopUpFirst,
     PopUpLast = PopUpFirst + 3,
     ToolFirst,
-    ToolLast = ToolFirst + 7
+    ToolLast = ToolFirst + 7,
+    OpenControls,
+    WideProp,
+    MarkedProp,
+    DisabledProp,
+    TallProp,
+    TallMarkedProp,
+    TallDisabledProp,
+    SliderFirst,
+    PlainSlider = SliderFirst,
+    PercentSlider,
+    QuadraticSlider,
+    TimeSlider,
+    RelativeSlider,
+    DisabledSlider,
+    SliderLast = DisabledSlider,
+    Box,
+    BoxBar,
+    SplitLeft,
+    Split,
+    SplitRight
 };
 
 /// The palettes, each declared and shown.
 void Show_Main_Palette();
 void Show_Tools_Palette();
+void Show_Controls_Palette();
 void Show_Dialog();
 void Show_Pop_Up();
 
