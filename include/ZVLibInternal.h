@@ -284,6 +284,7 @@ ZV_API void Handle_MouseMove(long x, long y);
 /// @param isContextual  the press asks for the contextual menu
 /// @return  1 when a custom gadget took it
 ZV_API long Custom_Gad_MouseDown(long x, long y, long clickCount, long isContextual);
+ZV_API void Custom_Gad_SecondButton(long x, long y);  ///< Another button while one is held, for a slider.
 ZV_API void Custom_Gad_MouseMove(long x, long y);
 ZV_API void Custom_Gad_MouseUp(long x, long y);
 ZV_API void Custom_Gad_Tick();

@@ -114,6 +114,7 @@ bool Take_Screenshot()
 static bool Draw_Picture()
 {
     HeadlessRunZV(200);
+    Show_Controls_Palette();
     Show_Pop_Up();
     Show_Dialog();
     return isWritten;

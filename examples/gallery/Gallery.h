@@ -10,7 +10,8 @@ enum PaletteId : unsigned short {
     PopUpPalette,
     TextPalette,
     IconPalette,
-    LongPalette
+    LongPalette,
+    ControlsPalette
 };
 
 enum ItemId : unsigned short {
@@ -55,13 +56,35 @@ enum ItemId : unsigned short {
     DisabledCycle,
     IconCycle,
     MixedCycle,
-    LongCycle
+    LongCycle,
+    OpenChoices,
+    OpenControls,
+    WideProp,
+    MarkedProp,
+    DisabledProp,
+    TallProp,
+    TallMarkedProp,
+    TallDisabledProp,
+    SliderFirst,
+    PlainSlider = SliderFirst,
+    PercentSlider,
+    QuadraticSlider,
+    TimeSlider,
+    RelativeSlider,
+    DisabledSlider,
+    SliderLast = DisabledSlider,
+    Box,
+    BoxBar,
+    SplitLeft,
+    Split,
+    SplitRight
 };
 
 /// The palettes, each declared and shown.
 void Show_Main_Palette();
 void Show_Tools_Palette();
 void Show_Choices();  ///< Three in one window.
+void Show_Controls_Palette();
 void Show_Dialog();
 void Show_Pop_Up();
 

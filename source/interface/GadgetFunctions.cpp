@@ -11,10 +11,13 @@ GadgetFunction Function_Of_Type(ZVGadgetType type)
     case ZV_GAD_TOGGLE:
     case ZV_GAD_RADIO: return ButtonCustomFunc;
     case ZV_GAD_CHECK: return CheckRadioCustomFunc;
+    case ZV_GAD_SLIDER: return NewSliderCustomFunc;
     case ZV_GAD_HPROP: return HProp_Gad;
     case ZV_GAD_VPROP: return VProp_Gad;
     case ZV_GAD_TEXTBOX: return TextBoxCustomFunc;
     case ZV_GAD_CYCLE: return CycleCustomFunc;
+    case ZV_GAD_SEPARATOR: return SeparatorCustomFunc;
+    case ZV_GAD_LABEL: return ZVLib_LabelCustomFunc;
     default: return nullptr;
     }
 }
