@@ -9,6 +9,7 @@ enum PaletteId : unsigned short {
     DialogPalette,
     PopUpPalette,
     RequestersPalette,
+    ControlsPalette,
     TilePalette = 120  ///< and the ones behind it
 };
 
@@ -49,6 +50,26 @@ enum ItemId : unsigned short {
     PopUpLast = PopUpFirst + 3,
     ToolFirst,
     ToolLast = ToolFirst + 7,
+    OpenControls,
+    WideProp,
+    MarkedProp,
+    DisabledProp,
+    TallProp,
+    TallMarkedProp,
+    TallDisabledProp,
+    SliderFirst,
+    PlainSlider = SliderFirst,
+    PercentSlider,
+    QuadraticSlider,
+    TimeSlider,
+    RelativeSlider,
+    DisabledSlider,
+    SliderLast = DisabledSlider,
+    Box,
+    BoxBar,
+    SplitLeft,
+    Split,
+    SplitRight,
     OpenRequesters,
     RequestMessage,
     RequestStop,
@@ -65,6 +86,7 @@ enum ItemId : unsigned short {
 /// The palettes, each declared and shown.
 void Show_Main_Palette();
 void Show_Tools_Palette();
+void Show_Controls_Palette();
 void Show_Dialog();
 void Show_Pop_Up();
 void Show_Requesters_Palette();
