@@ -27,8 +27,8 @@ ZVItem* Add_Cycle(unsigned short id, char const* label, char const* entries, lon
 void Show_Choice(unsigned short id, char const* name, long priority)
 {
     EndPaletteZV(id, name, ZV_PAL_CALLBACK, On_Choice, 0);
-    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_FLOATER, ZV_PAL_WINDOW_OF, TextPalette, ZV_PAL_ACTIVATE,
-                     id == TextPalette, ZV_PAL_TAB_PRIORITY, priority, ZV_PAL_RELATIVE_TO, ToolsPalette,
+    DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_FLOATER, ZV_PAL_WINDOW_OF, TextPalette, ZV_PAL_TAB_PRIORITY,
+                     priority, ZV_PAL_RELATIVE_TO, ToolsPalette,
                      ZV_PAL_POSITION, ZV_Position(ZV_POS_ALIGN_START, ZV_POS_AFTER), 0);
 }
 
@@ -70,8 +70,9 @@ void Show_Many()
 
 void Show_Choices()
 {
-    LoadIconFileZV("icons.tif");
-    Show_Texts();
-    Show_Icons();
-    Show_Many();
+    if (!FindIconZV(101)) LoadIconFileZV("icons.tif");
+    if (!FindPaletteZV(TextPalette)) Show_Texts();
+    if (!FindPaletteZV(IconPalette)) Show_Icons();
+    if (!FindPaletteZV(LongPalette)) Show_Many();
+    ActivatePaletteZV(TextPalette, 1);
 }

@@ -8,10 +8,12 @@ enum PaletteId : unsigned short {
     ToolsPalette,
     DialogPalette,
     PopUpPalette,
+    RequestersPalette,
+    ControlsPalette,
     TextPalette,
     IconPalette,
     LongPalette,
-    ControlsPalette
+    TilePalette = 120  ///< and the ones behind it
 };
 
 enum ItemId : unsigned short {
@@ -77,7 +79,18 @@ enum ItemId : unsigned short {
     BoxBar,
     SplitLeft,
     Split,
-    SplitRight
+    SplitRight,
+    OpenRequesters,
+    RequestMessage,
+    RequestStop,
+    RequestQuestion,
+    RequestButtons,
+    RequestNested,
+    RequestWide,
+    RequestLongText,
+    RequestAnswer,
+    TileAsk,
+    TileQuit
 };
 
 /// The palettes, each declared and shown.
@@ -87,6 +100,10 @@ void Show_Choices();  ///< Three in one window.
 void Show_Controls_Palette();
 void Show_Dialog();
 void Show_Pop_Up();
+void Show_Requesters_Palette();
+
+/// Fills the root window with pseudo-windows and their palettes.
+void Show_Tiles();
 
 /// Writes an event to standard output, when the gallery was started to tell them.
 void Tell(ZVEvent const* event);
