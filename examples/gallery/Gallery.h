@@ -3,7 +3,19 @@
 
 #include <ZVLib.h>
 
-enum PaletteId : unsigned short { MainPalette = 100, ToolsPalette, DialogPalette, PopUpPalette };
+enum PaletteId : unsigned short {
+    MainPalette = 100,
+    ToolsPalette,
+    DialogPalette,
+    PopUpPalette,
+    RequestersPalette,
+    FilesPalette,
+    ControlsPalette,
+    TextPalette,
+    IconPalette,
+    LongPalette,
+    TilePalette = 120  ///< and the ones behind it
+};
 
 enum ItemId : unsigned short {
     Push = 1,
@@ -41,14 +53,65 @@ enum ItemId : unsigned short {
     PopUpFirst,
     PopUpLast = PopUpFirst + 3,
     ToolFirst,
-    ToolLast = ToolFirst + 7
+    ToolLast = ToolFirst + 7,
+    TextCycle,
+    MarkedCycle,
+    DisabledCycle,
+    IconCycle,
+    MixedCycle,
+    LongCycle,
+    OpenChoices,
+    OpenControls,
+    WideProp,
+    MarkedProp,
+    DisabledProp,
+    TallProp,
+    TallMarkedProp,
+    TallDisabledProp,
+    SliderFirst,
+    PlainSlider = SliderFirst,
+    PercentSlider,
+    QuadraticSlider,
+    TimeSlider,
+    RelativeSlider,
+    DisabledSlider,
+    SliderLast = DisabledSlider,
+    Box,
+    BoxBar,
+    SplitLeft,
+    Split,
+    SplitRight,
+    OpenRequesters,
+    RequestMessage,
+    RequestStop,
+    RequestQuestion,
+    RequestButtons,
+    RequestNested,
+    RequestWide,
+    RequestLongText,
+    RequestAnswer,
+    TileAsk,
+    TileQuit,
+    OpenFiles,
+    AskOpen,
+    AskSave = AskOpen + 4,
+    AskSaveLast = AskSave + 3,
+    AskDirectory,
+    AskResult
 };
 
 /// The palettes, each declared and shown.
 void Show_Main_Palette();
 void Show_Tools_Palette();
+void Show_Choices();  ///< Three in one window.
+void Show_Controls_Palette();
 void Show_Dialog();
 void Show_Pop_Up();
+void Show_Requesters_Palette();
+void Show_Files_Palette();
+
+/// Fills the root window with pseudo-windows and their palettes.
+void Show_Tiles();
 
 /// Writes an event to standard output, when the gallery was started to tell them.
 void Tell(ZVEvent const* event);
