@@ -65,6 +65,7 @@ enum ZVItemFlag : uint32_t {
     ZV_ITEMF_IGNORE_IF_HIDDEN = 0x00000400,  ///< takes no room while hidden
     ZV_ITEMF_MARKED = 0x00000800,            ///< of MarkItemZV
     ZV_ITEMF_SMALL_FONT = 0x00001000,
+    ZV_ITEMF_PROP = 0x00002000,   ///< track or arrow of a proportional gadget, once it has been on screen
     ZV_ITEMF_TICKS = 0x00004000,  ///< wants custom event 113 at each tick
     ZV_ITEMF_BOLD = 0x00008000,
     ZV_ITEMF_ITALIC = 0x00010000,
@@ -176,22 +177,22 @@ struct ZVItem {
     void (*callback)(ZVEvent*);
     long (*customFunc)(ZVCustomEvent*);
     unsigned long userData;
-    uint32_t linkedItem;
-    void* object;  ///< of the class layer or the custom function
+    unsigned long linkedItem;  ///< id of a related gadget, or what the gadget's function takes it for
+    void* object;              ///< of the class layer or the custom function
     uint32_t trackingValue;
     ZVItem* beforeLink;  ///< the labels attached on each side
     ZVItem* afterLink;
     ZVItem* aboveLink;
     ZVItem* belowLink;
-    ZVRectT<int32_t> oldRect;  ///< absolute, of the last layout
-    uint32_t pressed;          ///< armed; of the custom function
-    int32_t dragWidth, dragHeight;
-    uint32_t extra;      ///< of tag 816; the marker of a proportional gadget
-    int32_t page;        ///< of a proportional gadget: the part of its range in view
-    int32_t lineStep;    ///< and the amount of one arrow press
-    uint32_t markDrag;   ///< and that its marker is being dragged
-    ZVBitmap* image;     ///< an icon, which belongs to the library
-    ZVBitmap* imageOff;  ///< the icon of the on state
+    ZVRectT<int32_t> oldRect;       ///< absolute, of the last layout
+    uint32_t pressed;               ///< armed; of the custom function
+    int32_t dragWidth, dragHeight;  ///< added to a growing item's size; a separator moves them
+    uint32_t extra;                 ///< of tag 816; the marker of a proportional gadget
+    int32_t page;                   ///< of a proportional gadget: the part of its range in view
+    int32_t lineStep;               ///< and the amount of one arrow press
+    uint32_t markDrag;              ///< and that its marker is being dragged
+    ZVBitmap* image;                ///< an icon, which belongs to the library
+    ZVBitmap* imageOff;             ///< the icon of the on state
     uint32_t imageColor, hasImageColor;
     char const* toolTip;        ///< not owned
     ZVNativeItem* native;       ///< not null while the item is on screen

@@ -5,6 +5,7 @@
 #include "ZVBase.h"
 #include "ZVBitmap.h"
 #include "ZVClip.h"
+#include "ZVControl.h"
 #include "ZVDraw.h"
 #include "ZVEnvironment.h"
 #include "ZVEvent.h"

@@ -284,6 +284,7 @@ ZV_API void Handle_MouseMove(long x, long y);
 /// @param isContextual  the press asks for the contextual menu
 /// @return  1 when a custom gadget took it
 ZV_API long Custom_Gad_MouseDown(long x, long y, long clickCount, long isContextual);
+ZV_API void Custom_Gad_SecondButton(long x, long y);  ///< Another button while one is held, for a slider.
 ZV_API void Custom_Gad_MouseMove(long x, long y);
 ZV_API void Custom_Gad_MouseUp(long x, long y);
 ZV_API void Custom_Gad_Tick();
@@ -345,6 +346,21 @@ ZV_API void Build_Groups(ZVPalette* palette, long width, long height);
 ZV_API long Build_Gadgets(ZVGroup* group);  ///< Final places of items. 0 as above, and for flex on both axes.
 ZV_API unsigned short GetItemFont(ZVItem const* item);  ///< Standard font number.
 ZV_API void Process_Dependencies(ZVItem* item);
+
+/// What AddGadgetZV makes of a proportional gadget: arrow, track and arrow, in this order on the group's
+/// list.
+/// @return  the track; null with error 4 without an open group, with error 1 without memory, nothing made
+ZV_API ZVItem* Add_HProp(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
+                         ZVGadgetSize size, char const* text, TagItem* tags);
+ZV_API ZVItem* Add_VProp(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
+                         ZVGadgetSize size, char const* text, TagItem* tags);
+
+/// Callback of the palette in which the value of a slider is typed; there is one at a time.
+ZV_API void NumEntryCallBack(ZVEvent* event);
+inline constexpr unsigned short NumEntryPalette = 8899;  ///< Its id.
+
+/// SetTextBoxGadgetStateZV up to the count of lines; nothing is shown. 1 when the text has changed, else 0.
+ZV_API long SetTextBoxGadgetState_internal(ZVItem* item, char const* text);
 
 /// Key bindings. A file by its full spec is read into the chain, nothing freed first.
 ZV_API void Parse_KeyFile(char const* spec, ZVKeySection* section);

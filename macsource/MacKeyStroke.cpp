@@ -143,10 +143,9 @@ static bool Focus_Key(KeyStroke const& key, bool isEntered)
     TextField* const field = Focused_Field();
     ZVItem* const listItem = ZVEnv->focusedListItem;
     if (!(field && field->Is_Multi_Line())) {
-        if (key.code == ZV_KEY_TAB && (item || listItem)) {
-            key.Has(ZV_MOD_SHIFT) ? Tab_to_Prev_Gad() : Tab_to_Next_Gad();
-            return true;
-        }
+        // Where it leads nowhere Tab is a key for the palette.
+        if (key.code == ZV_KEY_TAB && (item || listItem))
+            return key.Has(ZV_MOD_SHIFT) ? Tab_to_Prev_Gad() : Tab_to_Next_Gad();
         if (field && (key.code == ZV_KEY_RETURN || key.code == ZV_KEY_ENTER)) return Commit_Key(*item);
     }
     if (field && Text_Key(*item, key, isEntered)) return true;

@@ -180,7 +180,11 @@ static void Press_Window(HostEvent const& event)
 void Mouse_Down(HostEvent const& event)
 {
     // One button at a time. A second press of the same one means that nobody saw its release.
-    if (event.button == HostButton::Middle || (press && press->button != event.button)) return;
+    if (press && press->button != event.button) {
+        Custom_Gad_SecondButton(ZVEnv->pointerX, ZVEnv->pointerY);
+        return;
+    }
+    if (event.button == HostButton::Middle) return;
     if (press) Mouse_Up(event);
     press = Press{event.button, ZVEnv->modifiers & ZV_MOD_CONTROL};
     ZVEnv->modifiers |= ZV_MOD_BUTTON;

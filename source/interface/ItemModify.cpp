@@ -83,21 +83,6 @@ static bool Change_Entries(ZVItem& item, TagItem const& tag, Changes& changes)
     return true;
 }
 
-/// Keeps a number among the tags of an item, where its gadget reads it.
-static void Keep_Tag(ZVItem& item, TagItem const& tag)
-{
-    for (TagItem* own = item.tags; own && own->tag != ZV_TAG_END && own->tag != ZV_ITEM_LABEL_TAGS; ++own) {
-        if (own->tag != tag.tag) continue;
-        own->data = tag.data;
-        return;
-    }
-    TagItem pair[] = {tag, {}};
-    if (TagItem* joined = Join_Tags(pair, item.tags)) {
-        FreeMemZV(item.tags);
-        item.tags = joined;
-    }
-}
-
 static void Change_Item(ZVItem& item, TagItem const& tag, Changes& changes)
 {
     if (Change_Entries(item, tag, changes)) return;
@@ -105,14 +90,12 @@ static void Change_Item(ZVItem& item, TagItem const& tag, Changes& changes)
         changes.isCursor |= tag.tag == ZV_ITEM_CURSOR;
         if (tag.tag == ZV_ITEM_ID) Forget_Item_Ids(*item.group->palette);
     } else if (Take_Gadget_Limit(item, tag)) {
-        changes.isVisible |= tag.tag != ZV_ITEM_LINKED && tag.tag != ZV_ITEM_ORDER;
+        changes.isVisible |=
+            tag.tag != ZV_ITEM_LINKED && tag.tag != ZV_ITEM_ORDER && tag.tag != ZV_ITEM_PROP_STEP;
     } else if (tag.tag == ZV_ITEM_TEXT) {
         Change_Text(item, Tag_Pointer<char const*>(tag), changes);
     } else if (tag.tag == ZV_ITEM_TEXT_ID) {
         Change_Text(item, Text_Of_Id(tag.data), changes);
-    } else if (tag.tag == ZV_ITEM_PROP_PAGE || tag.tag == ZV_ITEM_PROP_STEP) {
-        Keep_Tag(item, tag);
-        changes.isVisible |= tag.tag == ZV_ITEM_PROP_PAGE;
     }
 }
 
