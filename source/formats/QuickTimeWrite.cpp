@@ -14,11 +14,21 @@ constexpr long DepthWithAlpha = 32;
 constexpr double LargestRate = 10000.0;
 constexpr unsigned long SoundPiece = 16384;  // frames of sound that are turned at once
 
+/// Gives the clip options when it has none: the user's, where there is one to ask. False with the error
+/// number set.
+bool Provide_Options(ZVClip* clip, bool isNew, bool (*ask)(ZVClip*), bool (*make)(ZVClip*))
+{
+    if (!isNew || !Has_Interface()) return make(clip);
+    if (ask(clip)) return true;
+    if (GetErrorZV() == ZV_ERR_NONE) SetError(ZV_ERR_SEQUENCE);
+    return false;
+}
+
 /// Takes the settings of the pictures from the clip's options. False with the error number set.
 bool Take_Video_Settings(ZVClip* clip, OSMovieSettings& settings)
 {
     bool const isNew = !clip->VideoParams;
-    if (isNew && Has_Interface() ? !Ask_Video_Options(clip) : !Make_Video_Defaults(clip)) return false;
+    if (!Provide_Options(clip, isNew, Ask_Video_Options, Make_Video_Defaults)) return false;
     Complete_Video_Options(clip);
     ZVFormatParams const* params = clip->VideoParams;
     if (isNew && clip->FrameRate <= 0) clip->FrameRate = Get_Option(params, VIDEO_FRAME_RATE) / 65536.0;
@@ -48,8 +58,7 @@ bool Take_Video_Settings(ZVClip* clip, OSMovieSettings& settings)
 
 bool Take_Sound_Settings(ZVClip* clip, OSMovieSettings& settings)
 {
-    bool const isNew = !clip->AudioParams;
-    if (isNew && Has_Interface() ? !Ask_Audio_Options(clip) : !Make_Audio_Defaults(clip)) return false;
+    if (!Provide_Options(clip, !clip->AudioParams, Ask_Audio_Options, Make_Audio_Defaults)) return false;
     ZVFormatParams const* params = clip->AudioParams;
     ZVAudioFormat& format = clip->AudioFormat;
     if (format.Rate == 0) {
