@@ -34,6 +34,7 @@
 #include "ZVPlayback.h"
 #include "ZVPlugin.h"
 #include "ZVProcessor.h"
+#include "ZVPseudoWindow.h"
 #include "ZVReader.h"
 #include "ZVRect.h"
 #include "ZVResource.h"
@@ -46,4 +47,5 @@
 #include "ZVThread.h"
 #include "ZVTime.h"
 #include "ZVWindow.h"
+#include "ZVWindowPrefs.h"
 #include "ZVWriter.h"

@@ -18,9 +18,16 @@ ZV_API void* Alloc_Aligned(unsigned long size, unsigned long alignment);
 /// Sorts the stretch `left` to `right` of the table by id.
 ZV_API void SortStringTable(ZVStringTable* table, long left, long right);
 
-/// Shows a text already formatted; null button texts are those of strings 100 and 101. 1 for the first
-/// button.
+/// Shows a text already formatted; null and empty button texts are those of strings 100 and 101. 1 for the
+/// first button.
 ZV_API long User_Req(long unused, long twoButtons, char const* text, char const* first, char const* second);
+
+/// The callbacks of requesters: buttons and keys close them, with the answer in `requestResult`.
+ZV_API void Req_Handler(ZVEvent* event);
+ZV_API void scrollTextReqHandler(ZVEvent* event);  ///< Of UserScrollMessageZV, whose bar moves its text.
+
+/// The function of a gadget that takes room and shows nothing. Always 1.
+ZV_API long Dummy_Gad(ZVCustomEvent* event);
 
 /// The spec of a file below the home directory, or when it is not there below the library's data directory;
 /// the first of them when it is in neither. Free it with FreeFileSpecZV.
@@ -327,10 +334,16 @@ ZV_API ZVWindow* GetParentSysWindow(ZVPalette const* palette, long* dx, long* dy
 
 ZV_API void RenderTabs(ZVWindow* window);  ///< Draws the tab bars of a window's palettes again.
 
-/// Window preferences: takes down how things stand now, and answers where a palette was the last time.
-/// Outputs may be null.
-/// @return  1 when something is known of the palette; the outputs are left alone otherwise
+/// Window preferences: reads the file that InitZV was told, which has to be of a display of this size (1, or
+/// 0 when there is none), and sets the size of the display in any case.
+ZV_API long Load_WindowPrefs();
+
+/// Takes down how things stand now. What there is no memory for is dropped, without an error.
 ZV_API void Snapshot_WindowPrefs();
+
+/// Where a palette was the last time. `window` is that of an open palette that was with it then, or its
+/// pseudo-window, or null. Outputs may be null. The numbers can come from a file and be any.
+/// @return  1 when something is known of the palette; the outputs are left alone otherwise
 ZV_API long Get_Dest_Window(ZVPalette const* palette, ZVWindow** window, unsigned long* pseudoId, long* x,
                             long* y, long* width, long* height, long* active);
 
@@ -402,8 +415,11 @@ ZV_API void Enable_SysItem(ZVItem* item);
 ZV_API void Disable_SysItem(ZVItem* item);
 ZV_API void Mac_Update_Item(ZVItem* item);  ///< The native object shows the state; see UpdateGadgetZV.
 ZV_API void Mac_Validate(ZVWindow* window, ZVRectT<long> const& area);  ///< Needs no redraw any more.
-ZV_API void Refresh_GUI();        ///< Draws what of the windows waits to be drawn again.
-ZV_API void Mac_Refresh_All();    ///< Draws all windows again, in the present pens.
+ZV_API void Refresh_GUI();      ///< Draws what of the windows waits to be drawn again.
+ZV_API void Mac_Refresh_All();  ///< Draws all windows again, in the present pens.
+ZV_API void Mac_Invalidate(ZVWindow* window, ZVRectT<long> const& area);  ///< Has to be drawn again.
+ZV_API bool
+Mac_Is_Interface_Thread();        ///< A display is open, and the caller is on the thread that opened it.
 ZV_API void Mac_Close_Display();  ///< When all windows are gone.
 ZV_API void Activate_First_Gadget(ZVPalette* palette);
 ZV_API void

@@ -63,9 +63,11 @@ private:
 };
 Timers timers;
 
-/// A loop that runs.
+/// A loop that runs. Questions that come up while the application ends can be answered: ExitZV ends the loops
+/// that run then, and a modal palette that is displayed later has a loop of its own again.
 struct Loop {
-    explicit Loop(ZVPalette const* modal) : palette(modal), isEnded(ZVEnv->exitRequested), outer(innermost)
+    explicit Loop(ZVPalette const* modal)
+        : palette(modal), isEnded(!modal && ZVEnv->exitRequested), outer(innermost)
     {
         innermost = this;
     }

@@ -3,7 +3,14 @@
 
 #include <ZVLib.h>
 
-enum PaletteId : unsigned short { MainPalette = 100, ToolsPalette, DialogPalette, PopUpPalette };
+enum PaletteId : unsigned short {
+    MainPalette = 100,
+    ToolsPalette,
+    DialogPalette,
+    PopUpPalette,
+    RequestersPalette,
+    TilePalette = 120  ///< and the ones behind it
+};
 
 enum ItemId : unsigned short {
     Push = 1,
@@ -41,7 +48,18 @@ enum ItemId : unsigned short {
     PopUpFirst,
     PopUpLast = PopUpFirst + 3,
     ToolFirst,
-    ToolLast = ToolFirst + 7
+    ToolLast = ToolFirst + 7,
+    OpenRequesters,
+    RequestMessage,
+    RequestStop,
+    RequestQuestion,
+    RequestButtons,
+    RequestNested,
+    RequestWide,
+    RequestLongText,
+    RequestAnswer,
+    TileAsk,
+    TileQuit
 };
 
 /// The palettes, each declared and shown.
@@ -49,6 +67,10 @@ void Show_Main_Palette();
 void Show_Tools_Palette();
 void Show_Dialog();
 void Show_Pop_Up();
+void Show_Requesters_Palette();
+
+/// Fills the root window with pseudo-windows and their palettes.
+void Show_Tiles();
 
 /// Writes an event to standard output, when the gallery was started to tell them.
 void Tell(ZVEvent const* event);
