@@ -22,6 +22,9 @@ ZV_API void SortStringTable(ZVStringTable* table, long left, long right);
 /// first button.
 ZV_API long User_Req(long unused, long twoButtons, char const* text, char const* first, char const* second);
 
+/// Whether there is an interface to ask the user by, and the caller is on its thread.
+ZV_API bool Has_Interface();
+
 /// The callbacks of requesters: buttons and keys close them, with the answer in `requestResult`.
 ZV_API void Req_Handler(ZVEvent* event);
 ZV_API void scrollTextReqHandler(ZVEvent* event);  ///< Of UserScrollMessageZV, whose bar moves its text.
@@ -624,9 +627,6 @@ void Interpret_Alpha(Buffer* bitmap, ZVClip* clip, long left, long top, long rig
 //
 // The dialogs of the media half, which stand above the clips and formats that ask by them. Each is modal and
 // starts from what its choice holds; a choice that is given up stays as it was. Only with an interface.
-
-/// Whether there is an interface to ask the user by.
-ZV_API bool Has_Interface();
 
 /// What is to become of a series of files.
 struct ZVSequenceChoice {

@@ -4,11 +4,6 @@
 #include "Locale/ZVLibStr.h"
 #include "interface/Interruption.h"
 
-bool Has_Interface()
-{
-    return ZVEnv && !FindTagItem(ZV_INIT_NO_GUI, ZVEnv->initTags);
-}
-
 double Value_Of(unsigned short id)
 {
     ZVItem const* const item = FindItemZV(id);
