@@ -9,6 +9,7 @@ enum PaletteId : unsigned short {
     DialogPalette,
     PopUpPalette,
     RequestersPalette,
+    MediaPalette,
     TilePalette = 120  ///< and the ones behind it
 };
 
@@ -59,7 +60,14 @@ enum ItemId : unsigned short {
     RequestLongText,
     RequestAnswer,
     TileAsk,
-    TileQuit
+    TileQuit,
+    OpenMedia,
+    OpenSeries,
+    VideoSettings,
+    SoundSettings,
+    StreamSettings,
+    PictureSettings,
+    MediaResult
 };
 
 /// The palettes, each declared and shown.
@@ -68,6 +76,10 @@ void Show_Tools_Palette();
 void Show_Dialog();
 void Show_Pop_Up();
 void Show_Requesters_Palette();
+void Show_Media_Palette();
+
+/// Opens a file of pictures, and tells in the palette of media what it holds.
+void Open_Media(char const* spec);
 
 /// Fills the root window with pseudo-windows and their palettes.
 void Show_Tiles();
