@@ -42,6 +42,13 @@ static void Open_Palettes()
     }
 }
 
+static ZVPalette* Any_Palette()
+{
+    for (ZVWindow const& window : All_Windows())
+        if (Node* palette = List_First(&window.palettes)) return reinterpret_cast<ZVPalette*>(palette);
+    return nullptr;
+}
+
 extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(uint8_t const* data,
                                                                              std::size_t size)
 {
@@ -58,11 +65,7 @@ extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(uin
     if (!Read({once.begin(), once.end()}) || Written() != once) std::abort();
     Open_Palettes();
     Snapshot_WindowPrefs();
-    for (ZVWindow& window : All_Windows())
-        while (Node* palette = List_First(&window.palettes)) {
-            bool const isLast = !List_Next(palette);
-            ClosePaletteZV(reinterpret_cast<ZVPalette*>(palette));
-            if (isLast) break;
-        }
+    while (ZVPalette* const palette = Any_Palette())
+        ClosePaletteZV(palette);
     return 0;
 }

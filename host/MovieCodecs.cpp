@@ -114,8 +114,12 @@ void Set_Quality(AVCodecContext& context, PictureCodec const& codec, HostVideoSe
                  MovieOptions& options)
 {
     std::string_view const name = codec.encoder;
-    bool const hasRate = settings.bytesPerSecond > 0;
-    if (hasRate) context.bit_rate = settings.bytesPerSecond * std::int64_t{8};
+    bool const hasRate = settings.bytesPerSecond > 0 && codec.controls & RateControl;
+    if (hasRate) {
+        // Half a second to even out in: with more, short movies grow far beyond their rate.
+        context.bit_rate = context.rc_max_rate = settings.bytesPerSecond * std::int64_t{8};
+        context.rc_buffer_size = static_cast<int>(std::min<std::int64_t>(context.bit_rate / 2, INT32_MAX));
+    }
     if (name == "prores_ks") {
         constexpr std::string_view profiles[] = {"apco", "apcs", "apcn", "apch", "ap4h", "ap4x"};
         options.Set("profile", std::ranges::find(profiles, codec.code) - std::begin(profiles));

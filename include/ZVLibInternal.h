@@ -336,6 +336,26 @@ ZV_API void Free_Window(ZVWindow* window);
 ZV_API ZVWindow* GetParentSysWindow(ZVPalette const* palette, long* dx, long* dy);
 
 ZV_API void RenderTabs(ZVWindow* window);  ///< Draws the tab bars of a window's palettes again.
+ZV_API void ClearTabs(ZVWindow* window);   ///< Nothing: a tab bar that is drawn covers what was there.
+
+/// The pop-up list of a cycle: id and callback of its palette. There is one at a time.
+inline constexpr unsigned short CyclePopUpPalette = 9000;
+ZV_API void ListPaletteHandler(ZVEvent* event);
+
+/// Position of the item's corner on the screen.
+ZV_API long GadToScreenX(ZVItem const* item);
+ZV_API long GadToScreenY(ZVItem const* item);
+
+/// Follows the mouse with the outline of a palette's tab until the button comes up. Events go on meanwhile,
+/// so that palettes and windows may be gone afterwards.
+/// @param item    the tab bar that was pressed
+/// @param x, y    the mouse in the palette's tab
+/// @param target  in: the pseudo-window where the palette is at home, or null; it takes the palette wherever
+///                the mouse is in it. Out: the window whose tab bar the mouse is on, or null for a free place
+/// @param left, top  client position of a window of its own that has the tab there
+/// @return  1, or 0 when the drag was broken off: a window was closed, or the application ends
+ZV_API long Mac_Drag_Tab(ZVItem* item, ZVPalette* palette, long x, long y, ZVWindow** target, long* left,
+                         long* top);
 
 /// Window preferences: reads the file that InitZV was told, which has to be of a display of this size (1, or
 /// 0 when there is none), and sets the size of the display in any case.

@@ -76,15 +76,13 @@ struct Loop {
     Loop& operator=(Loop const&) = delete;
 
     void Run();
+    void Turn();
 
     ZVPalette const* palette;  ///< compared, never followed; null for the application's loop
     bool isEnded;
     Loop* outer;
 
     static Loop* innermost;
-
-private:
-    void Turn();
 };
 Loop* Loop::innermost;
 
@@ -175,6 +173,13 @@ void Mac_End_Modal_Loop(ZVPalette* palette)
 {
     for (Loop* loop = Loop::innermost; loop; loop = loop->outer)
         if (loop->palette == palette) loop->isEnded = true;
+}
+
+void Run_While(std::function<bool()> const& isWanted)
+{
+    Loop loop(nullptr);
+    while (!loop.isEnded && isWanted())
+        loop.Turn();
 }
 
 void Mac_Handle_Waiting_Events()

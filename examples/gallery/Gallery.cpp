@@ -133,6 +133,8 @@ static bool Draw_Picture()
         Take_Screenshot();
         return isWritten;
     }
+    Show_Controls_Palette();
+    Show_Choices();
     Show_Pop_Up();
     Show_Dialog();
     return isWritten;

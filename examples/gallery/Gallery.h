@@ -9,6 +9,10 @@ enum PaletteId : unsigned short {
     DialogPalette,
     PopUpPalette,
     RequestersPalette,
+    ControlsPalette,
+    TextPalette,
+    IconPalette,
+    LongPalette,
     MediaPalette,
     TilePalette = 120  ///< and the ones behind it
 };
@@ -50,6 +54,33 @@ enum ItemId : unsigned short {
     PopUpLast = PopUpFirst + 3,
     ToolFirst,
     ToolLast = ToolFirst + 7,
+    TextCycle,
+    MarkedCycle,
+    DisabledCycle,
+    IconCycle,
+    MixedCycle,
+    LongCycle,
+    OpenChoices,
+    OpenControls,
+    WideProp,
+    MarkedProp,
+    DisabledProp,
+    TallProp,
+    TallMarkedProp,
+    TallDisabledProp,
+    SliderFirst,
+    PlainSlider = SliderFirst,
+    PercentSlider,
+    QuadraticSlider,
+    TimeSlider,
+    RelativeSlider,
+    DisabledSlider,
+    SliderLast = DisabledSlider,
+    Box,
+    BoxBar,
+    SplitLeft,
+    Split,
+    SplitRight,
     OpenRequesters,
     RequestMessage,
     RequestStop,
@@ -73,6 +104,8 @@ enum ItemId : unsigned short {
 /// The palettes, each declared and shown.
 void Show_Main_Palette();
 void Show_Tools_Palette();
+void Show_Choices();  ///< Three in one window.
+void Show_Controls_Palette();
 void Show_Dialog();
 void Show_Pop_Up();
 void Show_Requesters_Palette();

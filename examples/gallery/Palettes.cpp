@@ -108,6 +108,8 @@ void Add_Actions()
     AddGadgetZV(OpenDialog, first, 0, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Dialog...", 0, 0);
     AddGadgetZV(OpenPopUp, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Pop-up", 0, 0);
     AddGadgetZV(OpenRequesters, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Requesters", 0, 0);
+    AddGadgetZV(OpenControls, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Controls", 0, 0);
+    AddGadgetZV(OpenChoices, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Choices", 0, 0);
     AddGadgetZV(OpenMedia, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Media", 0, 0);
     AddGadgetZV(MoreRows, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "More rows", 0, 0);
     AddTextZV(0, beside, -1, "Theme", ZV_GAP_EXTRA, 1, ZV_ITEM_CENTER_TEXT, 1, 0);
@@ -130,6 +132,8 @@ void On_Main(ZVEvent* event)
     case OpenDialog: Show_Dialog(); break;
     case OpenPopUp: Show_Pop_Up(); break;
     case OpenRequesters: Show_Requesters_Palette(); break;
+    case OpenControls: Show_Controls_Palette(); break;
+    case OpenChoices: Show_Choices(); break;
     case OpenMedia: Show_Media_Palette(); break;
     case LightTheme: SetPenPresetZV(1); break;
     case DarkTheme: SetPenPresetZV(2); break;

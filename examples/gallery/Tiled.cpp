@@ -36,7 +36,7 @@ void Show_Fields()
     InitGroupZV();
     AddGadgetZV(TextField, first, 0, ZV_GAD_STRING, ZV_SIZE_LARGE, "Text", ZV_ITEM_GROW_WIDTH, 100, 0);
     AddGadgetZV(IntegerField, below, -1, ZV_GAD_INTEGER, ZV_SIZE_SMALL, "Integer", 0, 0);
-    EndGroupZV(1, first, 0, "Fields", ZV_GRP_BORDER, 1, ZV_GRP_AUTO_SIZE, 1, 0);
+    EndGroupZV(1, first, 0, "Fields", ZV_GRP_BORDER, 1, ZV_GRP_AUTO_SIZE, 1, ZV_MARGIN_ALL, 14, 0);
     Show(TilePalette, "Fields", LeftTile, ZV_KIND_FIXED);
 }
 

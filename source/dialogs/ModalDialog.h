@@ -4,6 +4,7 @@
 #include "ZVLibInternal.h"
 
 #include <functional>
+#include <new>
 
 /// Palettes as dialogs place their items: the first one of a group, one below or beside another, and a text
 /// that belongs to the gadget on its right.
@@ -65,3 +66,14 @@ private:
 
     bool isConfirmed_ = false;
 };
+
+/// Makes a dialog of a choice and runs it. True when the choice holds what the user has confirmed.
+template <typename Dialog, typename Choice> bool Ask_By(Choice& choice, unsigned long titleId)
+{
+    try {
+        return Dialog(choice).Run(titleId) == DialogAnswer::Confirmed;
+    } catch (std::bad_alloc const&) {  // of the codecs that it offers
+        SetError(ZV_ERR_MEMORY);
+        return false;
+    }
+}

@@ -49,5 +49,5 @@ private:
 
 bool Ask_Picture_Settings(ZVPICTOptions* choice)
 {
-    return PictureDialog(*choice).Run(ZVSTR_PICTURE_TITLE) == DialogAnswer::Confirmed;
+    return Ask_By<PictureDialog>(*choice, ZVSTR_PICTURE_TITLE);
 }

@@ -87,5 +87,5 @@ void SoundDialog::Take_Settings()
 
 bool Ask_Sound_Settings(ZVSoundChoice* choice)
 {
-    return SoundDialog(*choice).Run(ZVSTR_SOUND_TITLE) == DialogAnswer::Confirmed;
+    return Ask_By<SoundDialog>(*choice, ZVSTR_SOUND_TITLE);
 }

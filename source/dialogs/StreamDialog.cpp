@@ -105,5 +105,5 @@ void Ask_Stream_Options(ZVClip* clip, bool isSound)
 
 bool Ask_Stream_Settings(ZVStreamChoice* choice)
 {
-    return StreamDialog(*choice).Run(ZVSTR_STREAM_TITLE) == DialogAnswer::Confirmed;
+    return Ask_By<StreamDialog>(*choice, ZVSTR_STREAM_TITLE);
 }

@@ -134,5 +134,5 @@ void VideoDialog::Take_Settings()
 
 bool Ask_Video_Settings(ZVVideoChoice* choice)
 {
-    return VideoDialog(*choice).Run(ZVSTR_VIDEO_TITLE) == DialogAnswer::Confirmed;
+    return Ask_By<VideoDialog>(*choice, ZVSTR_VIDEO_TITLE);
 }

@@ -9,6 +9,9 @@
 #include "ZVItem.h"
 
 using DrawContext = std::unique_ptr<ZVDrawInfo, Released_By<DrawEndZV>>;
+using NativeBitmap =
+    std::unique_ptr<ZVNativeBitmap, Released_By<[](ZVNativeBitmap* bitmap) { FreeBitmapZV(bitmap); }>>;
+using Bitmap = std::unique_ptr<ZVBitmap, Released_By<[](ZVBitmap* bitmap) { FreeBitmapZV(bitmap); }>>;
 
 inline bool Is_Inside(ZVItem const& item)
 {
@@ -46,6 +49,10 @@ inline unsigned long Shown_Color(unsigned long colour, bool isDisabled)
 {
     return isDisabled ? DisableColorZV(colour) : colour;
 }
+
+/// A copy of an icon in one colour, its alpha kept: the icon itself serves other gadgets too. Null without
+/// memory.
+Bitmap Colored_Icon(ZVBitmap const& icon, unsigned long colour);
 
 /// The face of a gadget, which may have a colour of its own while it is on.
 unsigned long Face_Color(ZVItem const& item, bool isOn);

@@ -15,6 +15,7 @@ GadgetFunction Function_Of_Type(ZVGadgetType type)
     case ZV_GAD_HPROP: return HProp_Gad;
     case ZV_GAD_VPROP: return VProp_Gad;
     case ZV_GAD_TEXTBOX: return TextBoxCustomFunc;
+    case ZV_GAD_CYCLE: return CycleCustomFunc;
     case ZV_GAD_SEPARATOR: return SeparatorCustomFunc;
     case ZV_GAD_LABEL: return ZVLib_LabelCustomFunc;
     default: return nullptr;
@@ -23,5 +24,5 @@ GadgetFunction Function_Of_Type(ZVGadgetType type)
 
 GadgetFunction Function_Of_Tab_Bar()
 {
-    return nullptr;
+    return Tab_Gad;
 }

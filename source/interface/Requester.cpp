@@ -7,6 +7,7 @@
 #include "foundation/Message.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace {
@@ -32,8 +33,7 @@ bool Is_Line_End(char c)
     return c == '\r' || c == '\n';
 }
 
-/// Takes a text apart into lines of a width that can be shown. Nothing is allocated: a message may be about
-/// memory that has run out.
+/// Takes a text apart into lines of a width that can be shown.
 class MessageLines {
 public:
     MessageLines(char const* text, long width) : rest_(text ? text : ""), width_(width) {}
@@ -184,62 +184,70 @@ void Add_Buttons(long twoButtons, char const* firstText, char const* secondText,
 
 /// Shows the requester under construction until it has been answered; `requestResult` is 0 when the
 /// application ends without an answer. False when it cannot be shown.
-bool Run(ZVPalette* palette, void (*handler)(ZVEvent*))
+bool Run(ZVPalette& palette, void (*handler)(ZVEvent*))
 {
-    if (!palette) return false;
-    LivingPalette const watch(palette);
+    LivingPalette const watch(&palette);
     auto const id = static_cast<unsigned short>(FirstRequester + ZVEnv->modalDepth);
     if (!EndPaletteZV(id, nullptr, ZV_PAL_CALLBACK, handler, 0)) {
-        Free_Palette(palette);
+        Free_Palette(&palette);
         return false;
     }
     int32_t const former = std::exchange(ZVEnv->requestResult, 0);
     bool const isShown = DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_MODAL, ZV_PAL_FLAGS, ZV_PALF_PLAIN, 0);
     if (!isShown) ZVEnv->requestResult = former;
-    if (watch.Is_There()) ClosePaletteZV(palette);
+    if (watch.Is_There()) ClosePaletteZV(&palette);
+    return isShown;
+}
+
+/// Declares a requester and runs it. False, with the error set and nothing half-made, when it cannot be had.
+template <typename Declare> bool Run_Requester(void (*handler)(ZVEvent*), Declare declare)
+{
+    Interruption interruption;
+    ZVPalette* const palette = InitPaletteZV();
+    try {
+        if (palette) declare();
+    } catch (std::bad_alloc const&) {
+        SetError(ZV_ERR_MEMORY);
+    }
+    bool const isShown = palette && Run(*palette, handler);
+    if (!isShown) interruption.Keep_Error();
     return isShown;
 }
 
 bool Ask(long twoButtons, char const* text, char const* firstText, char const* secondText)
 {
-    Room const room;
-    Interruption interruption;
-    ZVPalette* const palette = InitPaletteZV();
-    InitGroupZV();
-    Add_Lines(text, room.Text_Room(), room.Lines(0));
-    EndGroupZV(1, first, 0, nullptr, ZV_MARGIN_NONE, 0, 0);
-    bool const isNarrow =
-        Measure(text, room.Text_Room()).width < 4 * GetGadgetWidthZV(ZV_GAD_BUTTON, ZV_SIZE_MEDIUM);
-    InitGroupZV();
-    Add_Buttons(twoButtons, First_Text(firstText), Second_Text(secondText), isNarrow);
-    EndGroupZV(2, isNarrow ? below : belowRight, 1, nullptr, ZV_MARGIN_NONE, 0, 0);
-    bool const isShown = Run(palette, Req_Handler);
-    if (!isShown) interruption.Keep_Error();
-    return isShown;
+    return Run_Requester(Req_Handler, [=] {
+        Room const room;
+        InitGroupZV();
+        Add_Lines(text, room.Text_Room(), room.Lines(0));
+        EndGroupZV(1, first, 0, nullptr, ZV_MARGIN_NONE, 0, 0);
+        long const width = Measure(text, room.Text_Room()).width;
+        bool const isNarrow = width < 4 * GetGadgetWidthZV(ZV_GAD_BUTTON, ZV_SIZE_MEDIUM);
+        InitGroupZV();
+        Add_Buttons(twoButtons, First_Text(firstText), Second_Text(secondText), isNarrow);
+        EndGroupZV(2, isNarrow ? below : belowRight, 1, nullptr, ZV_MARGIN_NONE, 0, 0);
+    });
 }
 
 bool Show_Scrolling(char const* heading, char const* body)
 {
-    Room const room;
-    long const height = std::min(BoxHeight, room.height / 2);
-    long const barWidth = GetGadgetWidthZV(ZV_GAD_VPROP, ZV_SIZE_LARGE);
-    long const wanted = std::max(Measure(heading, room.Text_Room()).width, BoxWidth);
-    long const width = std::min(wanted, room.width - barWidth);
-    Interruption interruption;
-    ZVPalette* const palette = InitPaletteZV();
-    InitGroupZV();
-    Add_Lines(heading, room.Text_Room(), room.Lines(height));
-    AddGadgetZV(ScrollBox, below, -1, ZV_GAD_TEXTBOX, ZV_SIZE_DEFAULT, nullptr, ZV_ITEM_USER_DATA, body,
-                ZV_ITEM_LINKED, ScrollBar, ZV_ITEM_HEIGHT, height, ZV_ITEM_WIDTH, width, 0);
-    AddGadgetZV(ScrollBar, after, -1, ZV_GAD_VPROP, ZV_SIZE_LARGE, nullptr, ZV_ITEM_HEIGHT, height,
-                ZV_GAP_FIXED, -1, 0);
-    EndGroupZV(1, first, 0, nullptr, ZV_MARGIN_NONE, 0, 0);
-    InitGroupZV();
-    Add_Buttons(0, First_Text(nullptr), nullptr, false);
-    EndGroupZV(2, belowRight, 1, nullptr, ZV_MARGIN_NONE, 0, 0);
-    bool const isShown = Run(palette, scrollTextReqHandler);
-    if (!isShown) interruption.Keep_Error();
-    return isShown;
+    return Run_Requester(scrollTextReqHandler, [=] {
+        Room const room;
+        long const height = std::min(BoxHeight, room.height / 2);
+        long const barWidth = GetGadgetWidthZV(ZV_GAD_VPROP, ZV_SIZE_LARGE);
+        long const wanted = std::max(Measure(heading, room.Text_Room()).width, BoxWidth);
+        long const width = std::min(wanted, room.width - barWidth);
+        InitGroupZV();
+        Add_Lines(heading, room.Text_Room(), room.Lines(height));
+        AddGadgetZV(ScrollBox, below, -1, ZV_GAD_TEXTBOX, ZV_SIZE_DEFAULT, nullptr, ZV_ITEM_USER_DATA, body,
+                    ZV_ITEM_LINKED, ScrollBar, ZV_ITEM_HEIGHT, height, ZV_ITEM_WIDTH, width, 0);
+        AddGadgetZV(ScrollBar, after, -1, ZV_GAD_VPROP, ZV_SIZE_LARGE, nullptr, ZV_ITEM_HEIGHT, height,
+                    ZV_GAP_FIXED, -1, 0);
+        EndGroupZV(1, first, 0, nullptr, ZV_MARGIN_NONE, 0, 0);
+        InitGroupZV();
+        Add_Buttons(0, First_Text(nullptr), nullptr, false);
+        EndGroupZV(2, belowRight, 1, nullptr, ZV_MARGIN_NONE, 0, 0);
+    });
 }
 
 // ---- answers ----------------------------------------------------------------------------------------------

@@ -22,12 +22,13 @@ protected:
         return lefts;
     }
 
-    static uint32_t Pixel(long x, long y)
+    static unsigned long Pixel(long x, long y)
     {
-        ZVBitmap* const picture = HeadlessPictureZV(ZVEnv->rootWindow);
-        auto* const pixel = static_cast<ZVBufferRGBA8*>(picture)->GetIterator(x, y);
-        uint32_t const color = static_cast<uint32_t>(pixel->R()) << 16 |
-                               static_cast<uint32_t>(pixel->G()) << 8 | static_cast<uint32_t>(pixel->B());
+        auto* const picture = static_cast<ZVBufferRGBA8*>(HeadlessPictureZV(ZVEnv->rootWindow));
+        auto const& pixel = *picture->GetIterator(x, y);
+        unsigned long const color = static_cast<unsigned long>(pixel.Red()) << 16 |
+                                    static_cast<unsigned long>(pixel.Green()) << 8 |
+                                    static_cast<unsigned long>(pixel.Blue());
         FreeBitmapZV(picture);
         return color;
     }
@@ -121,9 +122,8 @@ TEST_F(PseudoWindows, PalettesLiveInThemThroughTheRootWindow)
 {
     ZVWindow* const left = AddPseudoWindowZV(1, 0, 0, 200, 100, nullptr);
     ZVWindow* const right = AddPseudoWindowZV(2, beside, -1, 300, 100, nullptr);
-    TagItem first[] = {{ZV_PAL_PSEUDO_WINDOW_ID, 1}, {}};
     TagItem second[] = {{ZV_PAL_PSEUDO_WINDOW, Tag_Word(right)}, {}};
-    ZVPalette* const one = Show(1, ZV_KIND_FLOATER, first);
+    ZVPalette* const one = DesktopTest::Show(1, ZV_KIND_FLOATER, 0, 0, {{ZV_PAL_PSEUDO_WINDOW_ID, 1}});
     ZVPalette* const two = Show(2, ZV_KIND_FLOATER, second);
     ZVPalette* const three = Show(3, ZV_KIND_FIXED, second);
     EXPECT_EQ(one->window, left);

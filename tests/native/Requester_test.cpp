@@ -110,7 +110,7 @@ TEST_F(Requesters, FitTheScreen)
         char const* why;
         std::string text;
         char const* last;
-    } const rows[] = {{"many words", words, "w\303\266rd199"},
+    } const rows[] = {{"many words", words, "w\303\266rd199 "},
                       {"a word without end", std::string(2000, 'x'), nullptr},
                       {"many lines", lines, "..."}};
     for (auto const& row : rows) {
@@ -194,7 +194,7 @@ TEST_F(Requesters, NestFromTicksAndFromOneAnother)
                     HeadlessKeyZV('c');
                 },
                 Key('o')});
-    EXPECT_EQ(AskUserZV("Outer"), 1);
+    EXPECT_EQ(AskUserZV("Outer\n\n\n\n\n\n\n"), 1) << "its button lies lower";
     EXPECT_EQ(inner, 0);
 }
 
@@ -246,13 +246,19 @@ TEST_F(Requesters, WithoutMemoryTheMessageGoesToStandardError)
     Take_Steps({Key('o')});
     ASSERT_EQ(AskUserZV("Fonts are there from now on"), 1);
     testing::internal::CaptureStderr();
-    for (long after = 0; after < 6; ++after) {
+    long after = 0;
+    auto const fails = [&after] {
         ZVEnv->requestResult = 7;
         FailingHeap const heap(after);
-        EXPECT_EQ(AskUserZV("No memory"), 7) << "what it held";
-        EXPECT_EQ(GetErrorZV(), ZV_ERR_MEMORY);
-        EXPECT_EQ(ZVEnv->buildingPalette, nullptr);
+        return AskUserZV("No memory") == 7 && GetErrorZV() == ZV_ERR_MEMORY && !ZVEnv->buildingPalette;
+    };
+    try {
+        while (fails())
+            ++after;
+    } catch (std::bad_alloc const&) {
+        // The desktop throws; what the requester needs before it comes there was had.
     }
+    EXPECT_GT(after, 10) << "allocations, each with what the result held";
     EXPECT_NE(testing::internal::GetCapturedStderr().find("No memory\n"), std::string::npos);
 }
 
