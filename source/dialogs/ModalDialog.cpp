@@ -16,17 +16,6 @@ int32_t State_Of(unsigned short id)
     return item ? item->state : 0;
 }
 
-static bool Is_Declared(std::function<void()> const& declare)
-{
-    try {
-        declare();
-        return true;
-    } catch (std::bad_alloc const&) {
-        SetError(ZV_ERR_MEMORY);
-        return false;
-    }
-}
-
 bool Run_Modal_Palette(unsigned long titleId, void (*callback)(ZVEvent*), void* object,
                        std::function<void()> const& declare)
 {
@@ -35,7 +24,12 @@ bool Run_Modal_Palette(unsigned long titleId, void (*callback)(ZVEvent*), void* 
     if (ZVPalette* const palette = InitPaletteZV()) {
         LivingPalette const watch(palette);
         palette->object = object;
-        if (Is_Declared(declare) && EndPaletteZV(0, titleId, ZV_PAL_CALLBACK, callback, 0))
+        try {
+            declare();
+        } catch (std::bad_alloc const&) {
+            SetError(ZV_ERR_MEMORY);
+        }
+        if (EndPaletteZV(0, titleId, ZV_PAL_CALLBACK, callback, 0))
             isShown = DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_MODAL, ZV_PAL_FLAGS, ZV_PALF_NO_PREFS, 0);
         else
             Free_Palette(palette);
