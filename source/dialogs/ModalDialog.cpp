@@ -20,21 +20,23 @@ bool Run_Modal_Palette(unsigned long titleId, void (*callback)(ZVEvent*), void* 
                        std::function<void()> const& declare)
 {
     Interruption interruption;
-    bool isShown = false;
+    bool isDeclared = false, isShown = false;
     if (ZVPalette* const palette = InitPaletteZV()) {
         LivingPalette const watch(palette);
         palette->object = object;
         try {
             declare();
+            isDeclared = EndPaletteZV(0, titleId, ZV_PAL_CALLBACK, callback, 0);
+            if (isDeclared)
+                isShown = DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_MODAL, ZV_PAL_FLAGS, ZV_PALF_NO_PREFS, 0);
         } catch (std::bad_alloc const&) {
             SetError(ZV_ERR_MEMORY);
         }
-        if (EndPaletteZV(0, titleId, ZV_PAL_CALLBACK, callback, 0))
-            isShown = DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_MODAL, ZV_PAL_FLAGS, ZV_PALF_NO_PREFS, 0);
-        else
+        // It may still be open, as the end of the application ends the loop too.
+        if (!isDeclared)
             Free_Palette(palette);
-        // The end of the application ends the loop too.
-        if (watch.Is_There()) ClosePaletteZV(palette);
+        else if (watch.Is_There())
+            ClosePaletteZV(palette);
     }
     if (!isShown) interruption.Keep_Error();
     return isShown;

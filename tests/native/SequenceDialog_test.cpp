@@ -1,6 +1,7 @@
 // The dialog that a numbered series is opened with: how its gadgets follow one another, and what it makes of
 // the clip.
 #include "DialogTest.h"
+#include "FailingHeap.h"
 #include "clips/TestFormat.h"
 
 #include <cmath>
@@ -264,4 +265,29 @@ TEST_F(SequenceDialog, IsNotShownWhereThereIsNothingToAsk)
         EXPECT_EQ(clip->RawFrames, tag == ZV_OPEN_SINGLE_FRAME ? 1 : 10);
     }
     EXPECT_TRUE(ClipPtr(OpenClipZV(files_.Write("alone5.tst", "x").c_str(), nullptr)));
+}
+
+TEST_F(SequenceDialog, WithoutMemoryNothingIsHalfMade)
+{
+    if (!FailingHeap::Is_Available()) GTEST_SKIP();
+    ZVSequenceChoice const known{true, 2, 5, 25, 1, 0};
+    long after = -1;  // the first one shows that memory is all that is missing
+    auto const fails = [&] {
+        ZVSequenceChoice choice = known;
+        Expect_Dialogs({[] {
+            FailingHeap::Recover();
+            Click(Confirm);
+        }});
+        SetError(ZV_ERR_NONE);
+        FailingHeap const heap(after < 0 ? 1L << 40 : after);
+        bool const isAsked = Ask_Sequence(10, &choice);
+        EXPECT_TRUE(isAsked || GetErrorZV() == ZV_ERR_MEMORY) << after;
+        EXPECT_EQ(choice.Last, 5) << after;
+        EXPECT_FALSE(ZVEnv->buildingPalette || ZVEnv->modalPalette) << after;
+        return !isAsked;
+    };
+    ASSERT_FALSE(fails());
+    while (++after < 100000 && fails() && !HasFailure()) {
+    }
+    EXPECT_GT(after, 50) << "allocations";
 }
