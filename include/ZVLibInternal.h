@@ -22,6 +22,9 @@ ZV_API void SortStringTable(ZVStringTable* table, long left, long right);
 /// first button.
 ZV_API long User_Req(long unused, long twoButtons, char const* text, char const* first, char const* second);
 
+/// Whether there is an interface to ask the user by, and the caller is on its thread.
+ZV_API bool Has_Interface();
+
 /// The callbacks of requesters: buttons and keys close them, with the answer in `requestResult`.
 ZV_API void Req_Handler(ZVEvent* event);
 ZV_API void scrollTextReqHandler(ZVEvent* event);  ///< Of UserScrollMessageZV, whose bar moves its text.
@@ -694,6 +697,61 @@ void Merge_Fields_With_Opacity(Buffer const* source, Buffer* destination, ZVClip
 /// The clip's alpha convention to straight alpha, in place, inside the area (right and bottom exclusive).
 template <typename Buffer, typename Pixel>
 void Interpret_Alpha(Buffer* bitmap, ZVClip* clip, long left, long top, long right, long bottom);
+
+// ---- dialogs ----------------------------------------------------------------------------------------------
+//
+// The dialogs of the media half, which stand above the clips and formats that ask by them. Each is modal and
+// starts from what its choice holds; a choice that is given up stays as it was. Only with an interface.
+
+/// What is to become of a series of files.
+struct ZVSequenceChoice {
+    bool IsWhole;      ///< load the series, and not the one file that was pointed at; not read
+    long First, Last;  ///< frames of the series
+    double FrameRate;
+    double PixelAspect;
+    uint8_t FieldOrder;
+};
+
+/// @param frames  of the whole series, at least 1
+/// @return  false with error 21 when the user gives up, with error 1 when memory runs out
+ZV_API bool Ask_Sequence(long frames, ZVSequenceChoice* choice);
+ZV_API void Sequence_Handler(ZVEvent* event);  ///< The callback of that dialog.
+
+/// How the pictures of a movie are compressed; see ZVMovieOptions.
+struct ZVVideoChoice {
+    uint32_t Codec;
+    long Depth;  ///< bits of a pixel, 32 with alpha, else 24
+    long Quality;
+    long KeyFrameInterval;
+    long BytesPerSecond;
+    double FrameRate;
+    bool HasFixedRate;  ///< the rate is not to be chosen
+    bool IsStreamed;    ///< offer only what can be streamed
+};
+ZV_API bool Ask_Video_Settings(ZVVideoChoice* choice);
+
+/// How the sound of a movie is compressed.
+struct ZVSoundChoice {
+    uint32_t Codec;        ///< 0 keeps the samples as they are
+    ZVAudioFormat Format;  ///< one or two channels of one or two bytes
+    bool IsStreamed;
+};
+ZV_API bool Ask_Sound_Settings(ZVSoundChoice* choice);
+
+/// How a movie is cut into packets to be streamed.
+struct ZVStreamChoice {
+    long PacketBytes;         ///< of a packet at most; shown
+    long PacketMilliseconds;  ///< of sound in a packet; 0 for the least
+    bool HasSound;
+};
+ZV_API bool Ask_Stream_Settings(ZVStreamChoice* choice);
+
+/// The dialog of the streaming format, from which those for compression and streaming are opened.
+ZV_API void Ask_Stream_Options(ZVClip* clip, bool isSound);
+ZV_API void Handle_Options(ZVEvent* event);  ///< The callback of that dialog.
+
+/// How a picture is compressed.
+ZV_API bool Ask_Picture_Settings(ZVPICTOptions* choice);
 
 // ---- formats ----------------------------------------------------------------------------------------------
 

@@ -83,11 +83,16 @@ void Tell(ZVEvent const* event)
     std::fflush(stdout);
 }
 
-/// The desktop's wish to quit ends the program, as closing the document does.
+/// The desktop's wish to quit ends the program, as closing the document does; files that it hands over are
+/// opened.
 static void On_Event(ZVEvent* event)
 {
     Tell(event);
     if (event->type == ZV_EVENT_CLOSE_APP) ExitZV();
+    if (event->type == ZV_EVENT_OPEN_DOC) {
+        Show_Media_Palette();
+        Open_Media(reinterpret_cast<char const*>(event->item));
+    }
 }
 
 /// False for an option that there is not.

@@ -14,6 +14,7 @@ enum PaletteId : unsigned short {
     TextPalette,
     IconPalette,
     LongPalette,
+    MediaPalette,
     TilePalette = 120  ///< and the ones behind it
 };
 
@@ -97,7 +98,14 @@ enum ItemId : unsigned short {
     AskSave = AskOpen + 4,
     AskSaveLast = AskSave + 3,
     AskDirectory,
-    AskResult
+    AskResult,
+    OpenMedia,
+    OpenSeries,
+    VideoSettings,
+    SoundSettings,
+    StreamSettings,
+    PictureSettings,
+    MediaResult
 };
 
 /// The palettes, each declared and shown.
@@ -109,6 +117,10 @@ void Show_Dialog();
 void Show_Pop_Up();
 void Show_Requesters_Palette();
 void Show_Files_Palette();
+void Show_Media_Palette();
+
+/// Opens a file of pictures, and tells in the palette of media what it holds.
+void Open_Media(char const* spec);
 
 /// Fills the root window with pseudo-windows and their palettes.
 void Show_Tiles();

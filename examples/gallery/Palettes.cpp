@@ -110,6 +110,7 @@ void Add_Actions()
     AddGadgetZV(OpenRequesters, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Requesters", 0, 0);
     AddGadgetZV(OpenControls, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Controls", 0, 0);
     AddGadgetZV(OpenChoices, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Choices", 0, 0);
+    AddGadgetZV(OpenMedia, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Media", 0, 0);
     AddGadgetZV(MoreRows, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "More rows", 0, 0);
     AddTextZV(0, beside, -1, "Theme", ZV_GAP_EXTRA, 1, ZV_ITEM_CENTER_TEXT, 1, 0);
     AddGadgetZV(LightTheme, ZV_Position(ZV_POS_AFTER, ZV_POS_ALIGN_START), MoreRows, ZV_GAD_RADIO,
@@ -135,6 +136,7 @@ void On_Main(ZVEvent* event)
     case OpenFiles: Show_Files_Palette(); break;
     case OpenControls: Show_Controls_Palette(); break;
     case OpenChoices: Show_Choices(); break;
+    case OpenMedia: Show_Media_Palette(); break;
     case LightTheme: SetPenPresetZV(1); break;
     case DarkTheme: SetPenPresetZV(2); break;
     case MoreRows: ModifyItemZV(RowList, ZV_ITEM_ADD_ENTRY, "Another row", 0); break;
