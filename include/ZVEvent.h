@@ -171,3 +171,6 @@ ZV_API long TabletInUse();
 ZV_API long ButtonCustomFunc(ZVCustomEvent* event);
 /// Check box, and a round radio for a gadget that names it. Always 1.
 ZV_API long CheckRadioCustomFunc(ZVCustomEvent* event);
+/// The menu gadget: opens the menu of its `selected` beside itself; the id of the entry chosen becomes its
+/// state. Always 1.
+ZV_API long MenuGadCustomFunc(ZVCustomEvent* event);

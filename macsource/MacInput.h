@@ -26,6 +26,10 @@ void Take_Mouse_Point(HostEvent const& event);
 void Release_Lost_Press();
 void Forget_Press();
 
+/// The press ends here although the button may be down: who holds the mouse lets go of it, and no event tells
+/// of the release.
+void End_Press();
+
 /// Begins what starts with a press, be it in the window or on its frame: pop-ups other than this window go. A
 /// null window is the desktop.
 /// @return  whether there is a window still
@@ -54,6 +58,10 @@ void Window_Zoomed(ZVWindow& window);
 
 /// Lays the active palette out for the size that the window has by now.
 void Fit_Palette_To_Window(ZVWindow& window);
+
+/// A loop until the end is called for with the same subject, or ExitZV is.
+void Mac_Run_Menu_Loop(void const* subject);
+void Mac_End_Menu_Loop(void const* subject);
 
 /// The user has pressed the close box.
 void Ask_To_Close(ZVWindow& window);

@@ -3,6 +3,7 @@
 // stack, and one that is told to end while another runs inside it does so when it has control again.
 #include "MacInput.h"
 
+#include "MacMenu.h"
 #include "MacNativeItem.h"
 #include "MacWindow.h"
 #include "ZVJob.h"
@@ -52,10 +53,11 @@ private:
     }
     static uint64_t Now() { return Display()->Milliseconds(); }
 
-    Timer timers_[4] = {
+    Timer timers_[5] = {
         {Milliseconds(TickTimerInterval), [] { return true; }, AppTickTimerProcZV},
         {Milliseconds(BusyTimerInterval), [] { return ZVEnv->cursor == ZV_CURSOR_BUSY; }, Do_VBL},
         {Milliseconds(HoldTimerInterval), [] { return Mouse_Holder() != nullptr; }, Follow_Resting_Mouse},
+        {Milliseconds(MenuTimerInterval), Is_Menu_Open, Menu_Tick},
         {Milliseconds(JobTimerInterval),
          [] { return AnyJobsBusyZV() && ZVEnv->jobsBlocked == 0 && ZVEnv->guiLevel == 1; },
          AppJobTimerProcZV},
@@ -65,7 +67,7 @@ Timers timers;
 
 /// A loop that runs.
 struct Loop {
-    explicit Loop(ZVPalette const* modal) : palette(modal), isEnded(ZVEnv->exitRequested), outer(innermost)
+    explicit Loop(void const* runsFor) : subject(runsFor), isEnded(ZVEnv->exitRequested), outer(innermost)
     {
         innermost = this;
     }
@@ -75,7 +77,8 @@ struct Loop {
 
     void Run();
 
-    ZVPalette const* palette;  ///< compared, never followed; null for the application's loop
+    void const*
+        subject;  ///< a modal palette or an open menu; compared, never followed. Null: the application
     bool isEnded;
     Loop* outer;
 
@@ -169,10 +172,25 @@ void Mac_End_Application_Loop()
         loop->isEnded = true;
 }
 
-void Mac_End_Modal_Loop(ZVPalette* palette)
+static void End_Loops_Of(void const* subject)
 {
     for (Loop* loop = Loop::innermost; loop; loop = loop->outer)
-        if (loop->palette == palette) loop->isEnded = true;
+        if (loop->subject == subject) loop->isEnded = true;
+}
+
+void Mac_End_Modal_Loop(ZVPalette* palette)
+{
+    End_Loops_Of(palette);
+}
+
+void Mac_Run_Menu_Loop(void const* subject)
+{
+    Loop(subject).Run();
+}
+
+void Mac_End_Menu_Loop(void const* subject)
+{
+    End_Loops_Of(subject);
 }
 
 void Mac_Handle_Waiting_Events()

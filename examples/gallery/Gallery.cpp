@@ -71,6 +71,12 @@ void Tell(ZVEvent const* event)
         if (item->type == ZV_GAD_STRING || item->type == ZV_GAD_EDITOR) Tell_Text(item->editText);
         if (item->type == ZV_GAD_FLOAT) std::printf(" value %g", item->realValue);
     }
+    if (type == ZV_EVENT_MENU) {
+        std::printf(" menu %u action %u", Event_Menu(event)->node.id, event->key);
+        Tell_Text(Event_Menu(event)->text);
+        if (Event_Menu(event)->flags & ZV_MENUF_CHECKED) std::printf(" checked");
+    }
+    if (type == ZV_EVENT_ACTION) std::printf(" action %lu", event->item);
     if (type == ZV_EVENT_KEY) std::printf(" key %u", event->key);
     if (type == ZV_EVENT_OPEN_DOC) std::printf(" path %s", reinterpret_cast<char const*>(event->item));
     std::printf(" modifiers %x\n", event->modifiers);
@@ -82,6 +88,8 @@ static void On_Event(ZVEvent* event)
 {
     Tell(event);
     if (event->type == ZV_EVENT_CLOSE_APP) ExitZV();
+    if (event->type == ZV_EVENT_MENU) On_Action(event->key);
+    if (event->type == ZV_EVENT_ACTION) On_Action(event->item);
 }
 
 /// False for an option that there is not.
@@ -127,8 +135,9 @@ int main(int count, char** arguments)
         return 2;
     }
     if (screenshot) setenv("ZV_HOST", "headless", 1);
-    if (!InitZV(On_Event, nullptr, nullptr, nullptr, nullptr)) return 1;
+    if (!InitZV(On_Event, nullptr, nullptr, nullptr, ZV_INIT_APP_TITLE, "Gallery", 0)) return 1;
     SetPenPresetZV(theme);
+    Make_Menus();
     Show_Main_Palette();
     Show_Tools_Palette();
     SetCurrentPaletteZV(MainPalette);
@@ -138,6 +147,8 @@ int main(int count, char** arguments)
         isWell = Draw_Picture();
     else
         HandleGUIZV();
+    CleanUpWindowsZV();
+    Free_Menus();
     CleanUpZV();
     return isWell ? 0 : 1;
 }

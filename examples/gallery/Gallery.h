@@ -41,7 +41,19 @@ enum ItemId : unsigned short {
     PopUpFirst,
     PopUpLast = PopUpFirst + 3,
     ToolFirst,
-    ToolLast = ToolFirst + 7
+    ToolLast = ToolFirst + 7,
+    MenuButton
+};
+
+/// Actions of menus and keys.
+enum ActionId : unsigned short {
+    ActionNew = 1,
+    ActionOpen,
+    ActionSave,
+    ActionPreferences,
+    ActionQuit,
+    ActionGrid,
+    ActionHelp
 };
 
 /// The palettes, each declared and shown.
@@ -49,6 +61,14 @@ void Show_Main_Palette();
 void Show_Tools_Palette();
 void Show_Dialog();
 void Show_Pop_Up();
+
+/// The menu bar, and the menu of the swatch and of the menu gadget.
+void Make_Menus();
+void Free_Menus();
+ZVMenu* Swatch_Menu();
+
+/// What menus and their keys do.
+void On_Action(unsigned long action);
 
 /// Writes an event to standard output, when the gallery was started to tell them.
 void Tell(ZVEvent const* event);

@@ -11,6 +11,7 @@ static void Run_Modal_Loop()
     ZVPalette* const palette = ZVEnv->modalPalette;
     int32_t const suspended = std::exchange(ZVEnv->eventsSuspended, 0);
     Activate_First_Gadget(palette);
+    Disable_All_Menus();
     Mac_Flush_Events();
     Mac_Run_Modal_Loop(palette);
     Mac_Flush_Events();
@@ -26,6 +27,10 @@ long HandleGUIZV()
     else
         Mac_Run_Application_Loop();
     --ZVEnv->guiLevel;
+    if (ZVEnv->modalDepth == 0) {
+        Reenable_All_Menus();
+        MakeMenuBarZV();
+    }
     return 1;
 }
 

@@ -9,6 +9,7 @@ GadgetFunction Function_Of_Type(ZVGadgetType type)
     case ZV_GAD_TOGGLE:
     case ZV_GAD_RADIO: return ButtonCustomFunc;
     case ZV_GAD_CHECK: return CheckRadioCustomFunc;
+    case ZV_GAD_MENU: return MenuGadCustomFunc;
     default: return nullptr;
     }
 }
