@@ -350,6 +350,11 @@ void OpenMenus::Find_Letter(char32_t character)
     }
 }
 
+bool Is_Choosing_Key(unsigned code)
+{
+    return code == ZV_KEY_RETURN || code == ZV_KEY_ENTER || code == ' ';
+}
+
 void OpenMenus::Key(unsigned code, char32_t character)
 {
     crossingSince_ = 0;
@@ -357,6 +362,19 @@ void OpenMenus::Key(unsigned code, char32_t character)
         // Of a title that does not open.
         if (code == ZV_KEY_ESCAPE) Finish(nullptr);
         if (code == ZV_KEY_LEFT || code == ZV_KEY_RIGHT) Go_To_Title(code == ZV_KEY_LEFT ? -1 : 1);
+        return;
+    }
+    if (panels_.size() > 1 && Last().Selected() == MenuPanel::None) {
+        // The mouse has opened it, and nobody has gone there yet.
+        if (code == ZV_KEY_RIGHT || Is_Choosing_Key(code)) {
+            Select_By_Key(Last().Next_Live(MenuPanel::None, 1));
+            return;
+        }
+        panels_.pop_back();
+        if (code == ZV_KEY_LEFT || code == ZV_KEY_ESCAPE) return;
+    }
+    if (Is_Choosing_Key(code)) {
+        Choose_By_Key();
         return;
     }
     int const row = Last().Selected();
@@ -367,9 +385,6 @@ void OpenMenus::Key(unsigned code, char32_t character)
     case ZV_KEY_END: Select_By_Key(Last().Next_Live(MenuPanel::None, -1)); break;
     case ZV_KEY_RIGHT: Go_Right(); break;
     case ZV_KEY_LEFT: Go_Left(); break;
-    case ZV_KEY_RETURN:
-    case ZV_KEY_ENTER:
-    case ' ': Choose_By_Key(); break;
     case ZV_KEY_ESCAPE:
         if (panels_.size() > 1)
             panels_.pop_back();

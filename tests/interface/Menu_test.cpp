@@ -46,9 +46,9 @@ struct Entry {
     unsigned id;
     std::string text;
     bool isChecked = false, isCheckable = false, isDisabled = false;
-    std::vector<unsigned> set;
+    std::vector<unsigned> set = {};
     Entry* parent = nullptr;
-    std::vector<std::unique_ptr<Entry>> below;
+    std::vector<std::unique_ptr<Entry>> below = {};
 };
 
 /// A tree of entries that does what the library's is to do, one step at a time.
@@ -310,7 +310,7 @@ TEST_F(Menus, AChoiceIsToldToTheNearestCallback)
     EndMenuZV(1, "menu", ZV_MENU_CALLBACK, outer, 0);
     InsertMenuItemZV(24, "d", 0, ZV_MENU_KEY_SECTION, &section, 0);
     InsertMenuItemZV(25, "e", 0, ZV_MENU_KEY_SECTION, &quiet, 0);
-    for (short const id : {21, 22, 23, 24, 25})
+    for (short id = 21; id <= 25; ++id)
         Menu_Event(id, 0);
     EXPECT_EQ(Told(), "own a 4;outer b 5;outer c 0;section d 0;application e 0;");
 }
