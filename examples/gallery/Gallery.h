@@ -105,7 +105,19 @@ enum ItemId : unsigned short {
     SoundSettings,
     StreamSettings,
     PictureSettings,
-    MediaResult
+    MediaResult,
+    MenuButton
+};
+
+/// Actions of menus and keys.
+enum ActionId : unsigned short {
+    ActionNew = 1,
+    ActionOpen,
+    ActionSave,
+    ActionPreferences,
+    ActionQuit,
+    ActionGrid,
+    ActionHelp
 };
 
 /// The palettes, each declared and shown.
@@ -124,6 +136,14 @@ void Open_Media(char const* spec);
 
 /// Fills the root window with pseudo-windows and their palettes.
 void Show_Tiles();
+
+/// The menu bar, and the menu of the swatch and of the menu gadget.
+void Make_Menus();
+void Free_Menus();
+ZVMenu* Swatch_Menu();
+
+/// What menus and their keys do.
+void On_Action(unsigned long action);
 
 /// Writes an event to standard output, when the gallery was started to tell them.
 void Tell(ZVEvent const* event);

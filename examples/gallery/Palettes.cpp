@@ -119,6 +119,8 @@ void Add_Actions()
     SetItemExclusionZV(LightTheme, DarkTheme);
     AddGadgetZV(Swatch, beside, -1, ZV_GAD_CUSTOM, ZV_SIZE_CUSTOM, "", ZV_ITEM_CUSTOM_FUNC, Swatch_Gadget,
                 ZV_ITEM_WIDTH, 60, ZV_ITEM_HEIGHT, ZVEnv->style->gadgetHeight, ZV_GAP_EXTRA, 1, 0);
+    AddGadgetZV(MenuButton, beside, -1, ZV_GAD_MENU, ZV_SIZE_DEFAULT, nullptr, ZV_ITEM_SELECTED,
+                Swatch_Menu(), 0);
     AddGadgetZV(OpenFiles, below, OpenDialog, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "File dialogs", 0, 0);
     EndGroupZV(ActionGroup, below, ListGroup, "", 0, 0);
 }
