@@ -1,6 +1,8 @@
 // Sliders: dragging, stepping, and typing a value.
 #include "ControlTest.h"
 
+#include <cmath>
+
 namespace {
 
 class Sliders : public ControlTest {
