@@ -82,8 +82,8 @@ void Add_Text_Box()
 {
     InitGroupZV();
     AddGadgetZV(Box, first, 0, ZV_GAD_TEXTBOX, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 300, ZV_ITEM_HEIGHT,
-                140, ZV_ITEM_USER_DATA, text, ZV_ITEM_LINKED, BoxBar, 0);
-    AddGadgetZV(BoxBar, beside, -1, ZV_GAD_VPROP, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_HEIGHT, 140, ZV_GAP_FIXED,
+                110, ZV_ITEM_USER_DATA, text, ZV_ITEM_LINKED, BoxBar, 0);
+    AddGadgetZV(BoxBar, beside, -1, ZV_GAD_VPROP, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_HEIGHT, 110, ZV_GAP_FIXED,
                 -1, 0);
     EndGroupZV(TextGroup, beside, SliderGroup, "Text box", ZV_GRP_BORDER, 1, 0);
 }
@@ -105,13 +105,13 @@ void Add_Split()
 void Add_Labels()
 {
     InitGroupZV();
-    AddGadgetZV(0, first, 0, ZV_GAD_LABEL, ZV_SIZE_LARGE, "Centred", 0, 0);
-    AddGadgetZV(0, below, -1, ZV_GAD_LABEL, ZV_SIZE_LARGE, "At the left", ZV_ITEM_TEXT_LEFT, 1,
+    AddGadgetZV(0, first, 0, ZV_GAD_LABEL, ZV_SIZE_MEDIUM, "Centred", 0, 0);
+    AddGadgetZV(0, beside, -1, ZV_GAD_LABEL, ZV_SIZE_MEDIUM, "At the left", ZV_ITEM_TEXT_LEFT, 1,
                 ZV_ITEM_FONT_BOLD, 1, 0);
-    AddGadgetZV(0, below, -1, ZV_GAD_LABEL, ZV_SIZE_LARGE, "In a colour", ZV_ITEM_TEXT_RIGHT, 1,
+    AddGadgetZV(0, below, -2, ZV_GAD_LABEL, ZV_SIZE_MEDIUM, "In a colour", ZV_ITEM_TEXT_RIGHT, 1,
                 ZV_ITEM_COLOR, 0xCC2200, 0);
-    ItemEnabledZV(AddGadgetZV(0, below, -1, ZV_GAD_LABEL, ZV_SIZE_LARGE, "Disabled", 0, 0), 0);
-    EndGroupZV(LabelGroup, ZV_Position(ZV_POS_ALIGN_START, ZV_POS_AFTER), SplitGroup, "Labels", ZV_GRP_BORDER,
+    ItemEnabledZV(AddGadgetZV(0, beside, -1, ZV_GAD_LABEL, ZV_SIZE_MEDIUM, "Disabled", 0, 0), 0);
+    EndGroupZV(LabelGroup, ZV_Position(ZV_POS_ALIGN_START, ZV_POS_AFTER), TextGroup, "Labels", ZV_GRP_BORDER,
                1, 0);
 }
 
