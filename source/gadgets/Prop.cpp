@@ -225,11 +225,13 @@ long Dragged_Position(Track const& track, long place)
     track.Measure();
     long const range = track.state.Range, room = track.Length() - track.state.ThumbSize;
     if (room <= 0) return item.minInt;
-    long const thumb = std::clamp(place - track.state.GrabOffset, 0L, track.Length());
-    if (thumb == track.Thumb().from) return item.state;
+    long const dragged = place - track.state.GrabOffset;
+    if (dragged == track.Thumb().from) return item.state;
+    long const half = range ? room / range / 2 : 0;  // of the way to the next position
+    long const thumb = std::clamp(dragged + half, 0L, track.Length());
     if (range == 0)
         return std::min(item.minInt + (long{item.state} - item.minInt) * thumb / room, long{item.state});
-    long const position = (range * thumb + room / 2) / room + item.minInt, last = item.minInt + range;
+    long const position = range * thumb / room + item.minInt, last = item.minInt + range;
     // A position beyond the last, where a call has put it, is not lost by moving on.
     return position > last ? std::max<long>(last, item.state) : position;
 }

@@ -22,17 +22,6 @@ protected:
         return lefts;
     }
 
-    static unsigned long Pixel(long x, long y)
-    {
-        auto* const picture = static_cast<ZVBufferRGBA8*>(HeadlessPictureZV(ZVEnv->rootWindow));
-        auto const& pixel = *picture->GetIterator(x, y);
-        unsigned long const color = static_cast<unsigned long>(pixel.Red()) << 16 |
-                                    static_cast<unsigned long>(pixel.Green()) << 8 |
-                                    static_cast<unsigned long>(pixel.Blue());
-        FreeBitmapZV(picture);
-        return color;
-    }
-
     ZVWindow* root;
 };
 
@@ -139,8 +128,8 @@ TEST_F(PseudoWindows, PalettesLiveInThemThroughTheRootWindow)
     EXPECT_EQ(dx, 0);
 
     HeadlessRunZV(0);
-    EXPECT_EQ(Pixel(right->left, 50), GetColorZV(ZV_PEN_DARK_EDGE)) << "the frame";
-    EXPECT_EQ(Pixel(right->left + 299, 50), GetColorZV(ZV_PEN_LIGHT_EDGE));
+    EXPECT_EQ(Pixel(right->left, 50, root), GetColorZV(ZV_PEN_DARK_EDGE)) << "the frame";
+    EXPECT_EQ(Pixel(right->left + 299, 50, root), GetColorZV(ZV_PEN_LIGHT_EDGE));
     DesktopTest::Script_Move(three, FindItem2ZV(three, 1));
     HeadlessRunZV(0);
     EXPECT_EQ(ZVEnv->mousePalette, three);
@@ -156,7 +145,7 @@ TEST_F(PseudoWindows, PalettesLiveInThemThroughTheRootWindow)
     EXPECT_EQ(Count("3:8"), 1);
     EXPECT_EQ(FindPaletteZV(3), nullptr);
     HeadlessRunZV(0);
-    EXPECT_EQ(Pixel(210, 50), GetColorZV(ZV_PEN_ROOT)) << "nothing is left of it";
+    EXPECT_EQ(Pixel(210, 50, root), GetColorZV(ZV_PEN_ROOT)) << "nothing is left of it";
     ClosePaletteZV(one);
     EXPECT_EQ(List_Entries(&ZVEnv->windows), 2) << "the window stays without palettes, and so does the root";
     DeletePseudoWindowZV(root);

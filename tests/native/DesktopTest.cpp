@@ -32,6 +32,15 @@ static void Note(std::vector<std::string>& log, std::string who, unsigned type, 
     log.push_back(modifiers ? who + "/" + std::to_string(modifiers) : who);
 }
 
+uint32_t DesktopTest::Pixel(long x, long y, ZVWindow* window)
+{
+    auto* const picture = static_cast<ZVBufferRGBA8*>(HeadlessPictureZV(window));
+    auto const& pixel = *picture->GetIterator(x, y);
+    auto const color = static_cast<uint32_t>(pixel.Red() << 16 | pixel.Green() << 8 | pixel.Blue());
+    FreeBitmapZV(picture);
+    return color;
+}
+
 void DesktopTest::Callback(ZVEvent* event)
 {
     bool const isQuiet = event->type == ZV_EVENT_TICK || event->type == ZV_EVENT_MOUSE_MOVE ||

@@ -44,6 +44,9 @@ protected:
     static std::function<void(ZVEvent&)> onEvent;
     static std::function<void(ZVCustomEvent const&)> onGadget;
 
+    /// What a point of the desktop, or of a window, shows.
+    static uint32_t Pixel(long x, long y, ZVWindow* window = nullptr);
+
     static void Callback(ZVEvent* event);  ///< Of palettes: logs and calls onEvent.
 
 private:

@@ -91,14 +91,6 @@ protected:
     }
     std::string Told() { return std::exchange(told, {}); }
 
-    /// What a point of the desktop shows.
-    static uint32_t Pixel(long x, long y)
-    {
-        std::unique_ptr<ZVBitmap, Released_By<FreeBitmapZV>> const picture(HeadlessPictureZV(nullptr));
-        auto& buffer = static_cast<ZVBufferRGBA8&>(*picture);
-        auto* pixel = buffer.GetIterator(x, y);
-        return static_cast<uint32_t>(pixel->R() << 16 | pixel->G() << 8 | pixel->B());
-    }
     static bool Is_Lit(long x, long y) { return Pixel(x, y) == (GetColorZV(ZV_PEN_MARKED) & 0xFFFFFF); }
     /// Whether a menu of the bar hangs there.
     static bool Is_Open(long title) { return Is_Lit(title - titleMargin + 2, Menu_Bar_Height() / 2); }

@@ -137,11 +137,11 @@ TEST_F(Props, ThumbFollowsTheMouse)
         int page, state, grab, to, stateAfter;
         Strings reports;
     } const rows[] = {
-        {50, 0, 40, 82, 25, {"press 1", "change 1", "release 1"}},
+        {50, 0, 40, 82, 24, {"press 1", "change 1", "release 1"}},
         {50, 25, 50, 51, 25, {"press 1", "release 1"}},
         {50, 0, 40, 900, 50, {"press 1", "change 1", "release 1"}},
         {50, 25, 50, -900, 0, {"press 1", "change 1", "release 1"}},
-        {50, 90, 100, 101, 90, {"press 1", "release 1"}},
+        {50, 90, 100, 103, 90, {"press 1", "release 1"}},
         {200, 50, 100, -900, 0, {"press 1", "change 1", "release 1"}},
     };
     for (ZVGadgetType const type : bothTypes) {

@@ -70,15 +70,6 @@ protected:
         return ids;
     }
 
-    static uint32_t Pixel(long x, long y)
-    {
-        ZVBitmap* const picture = HeadlessPictureZV(nullptr);
-        unsigned char const* const at = picture->Pixels + y * picture->RowBytes + 4 * x;
-        uint32_t const pixel = static_cast<uint32_t>(at[1] << 16 | at[2] << 8 | at[3]);
-        FreeBitmapZV(picture);
-        return pixel;
-    }
-
     ZVPalette *one, *two, *three;
 };
 
