@@ -10,7 +10,7 @@ enum PaletteId : unsigned short {
     PopUpPalette,
     RequestersPalette,
     ControlsPalette,
-    TilePalette = 120  ///< and the ones behind it
+    TilePalette = 120
 };
 
 enum ItemId : unsigned short {
