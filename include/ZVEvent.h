@@ -172,3 +172,12 @@ ZV_API long TabletInUse();
 ZV_API long ButtonCustomFunc(ZVCustomEvent* event);
 /// Check box, and a round radio for a gadget that names it. Always 1.
 ZV_API long CheckRadioCustomFunc(ZVCustomEvent* event);
+/// Cycle, and the list that it opens, of which ZV_ITEM_USER_DATA is the cycle. 1, and 0 for event 100 without
+/// memory.
+ZV_API long CycleCustomFunc(ZVCustomEvent* event);
+ZV_API long ListCustomFunc(ZVCustomEvent* event);
+/// The tab bar of a floater. Always 1.
+ZV_API long Tab_Gad(ZVCustomEvent* event);
+/// The menu gadget: opens the menu of its `selected` beside itself; the id of the entry chosen becomes its
+/// state. Always 1.
+ZV_API long MenuGadCustomFunc(ZVCustomEvent* event);

@@ -92,7 +92,7 @@ enum ZVItemTag : unsigned long {
     ZV_ITEM_TEXT = 779,              ///< char const*, G M: label
     ZV_ITEM_TEXT_ID = 780,           ///< string id, G M
     ZV_ITEM_MAX_CHARS = 781,         ///< long, G: bytes that a text may have
-    ZV_ITEM_ROWS = 782,              ///< long, G: rows of a list, at least 3
+    ZV_ITEM_ROWS = 782,              ///< long, G: rows of a list, most rows of a cycle's; at least 3
     ZV_ITEM_MIN = 783,               ///< long, G M: both lower limits
     ZV_ITEM_MAX = 784,               ///< long, G M: both upper limits
     ZV_ITEM_MIN_REAL = 785,          ///< double const*, G M: both, the whole one truncated
@@ -131,8 +131,8 @@ enum ZVItemTag : unsigned long {
     ZV_ITEM_TRACK_VALUE = 822,          ///< G
     ZV_ITEM_TOOLTIP = 823,              ///< char const*, M: stays the caller's
     ZV_ITEM_TOOLTIP_ID = 824,           ///< string id, M; 0 does nothing
-    ZV_ITEM_ENABLE_ENTRY = 825,         ///< entry, MO
-    ZV_ITEM_DISABLE_ENTRY = 826,        ///< entry, MO
+    ZV_ITEM_ENABLE_ENTRY = 825,         ///< entry id, MO: as EnableCycleGadEntry
+    ZV_ITEM_DISABLE_ENTRY = 826,        ///< entry id, MO
     ZV_ITEM_ENABLE_ALL_ENTRIES = 827,   ///< MO: data ignored
     ZV_ITEM_DISABLE_ALL_ENTRIES = 828,  ///< MO: data ignored
     ZV_ITEM_PASSWORD = 829,             ///< G: a text field shows placeholders; data ignored
@@ -297,6 +297,11 @@ ZV_API void ItemVisibleIfMarkedZV(unsigned short id);
 /// What the custom function or class keeps for the item: its user data.
 ZV_API void* GetCustomStructZV(ZVItem const* item);
 ZV_API void* GetCustomStructZV(unsigned short id);
+
+/// Marks an entry of a cycle as disabled, or no longer: it is shown in dimmed italics, and can be chosen all
+/// the same. Only the first 256 entries can be marked. An id of 0 stands for all of them. Nothing for other
+/// gadgets.
+ZV_API void EnableCycleGadEntry(ZVItem* item, unsigned long entryId, long enable);
 
 /// Position of the item's corner on the screen.
 ZV_API void GetItemScreenPosZV(ZVItem const* item, long* x, long* y);

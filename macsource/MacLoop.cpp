@@ -3,6 +3,7 @@
 // stack, and one that is told to end while another runs inside it does so when it has control again.
 #include "MacInput.h"
 
+#include "MacMenu.h"
 #include "MacNativeItem.h"
 #include "MacWindow.h"
 #include "ZVJob.h"
@@ -52,10 +53,11 @@ private:
     }
     static uint64_t Now() { return Display()->Milliseconds(); }
 
-    Timer timers_[4] = {
+    Timer timers_[5] = {
         {Milliseconds(TickTimerInterval), [] { return true; }, AppTickTimerProcZV},
         {Milliseconds(BusyTimerInterval), [] { return ZVEnv->cursor == ZV_CURSOR_BUSY; }, Do_VBL},
         {Milliseconds(HoldTimerInterval), [] { return Mouse_Holder() != nullptr; }, Follow_Resting_Mouse},
+        {Milliseconds(MenuTimerInterval), Is_Menu_Open, Menu_Tick},
         {Milliseconds(JobTimerInterval),
          [] { return AnyJobsBusyZV() && ZVEnv->jobsBlocked == 0 && ZVEnv->guiLevel == 1; },
          AppJobTimerProcZV},
@@ -76,15 +78,13 @@ struct Loop {
     Loop& operator=(Loop const&) = delete;
 
     void Run();
+    void Turn();
 
     ZVPalette const* palette;  ///< compared, never followed; null for the application's loop
     bool isEnded;
     Loop* outer;
 
     static Loop* innermost;
-
-private:
-    void Turn();
 };
 Loop* Loop::innermost;
 
@@ -175,6 +175,13 @@ void Mac_End_Modal_Loop(ZVPalette* palette)
 {
     for (Loop* loop = Loop::innermost; loop; loop = loop->outer)
         if (loop->palette == palette) loop->isEnded = true;
+}
+
+void Run_While(std::function<bool()> const& isWanted)
+{
+    Loop loop(nullptr);
+    while (!loop.isEnded && isWanted())
+        loop.Turn();
 }
 
 void Mac_Handle_Waiting_Events()

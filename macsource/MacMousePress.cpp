@@ -4,6 +4,7 @@
 #include "MacFocus.h"
 #include "MacGrow.h"
 #include "MacWindow.h"
+#include "gadgets/PopupList.h"
 #include "interface/PaletteTree.h"
 
 #include <algorithm>
@@ -24,13 +25,14 @@ std::optional<Press> press;
 
 // ---- which window -----------------------------------------------------------------------------------------
 
-void Close_Pop_Ups(ZVWindow const* except)
+void Close_Pop_Ups(ZVWindow const* except, ZVItem const* owner)
 {
-    auto const next = [except]() -> ZVPalette* {
+    auto const next = [except, owner]() -> ZVPalette* {
         for (ZVWindow const& window : All_Windows()) {
             ZVPalette* const palette = window.activePalette;
             bool const isPopUp = window.kind == ZV_KIND_TRANSIENT && &window != except;
-            if (isPopUp && palette && !(palette->flags & ZV_PALF_CLOSING)) return palette;
+            bool const stays = owner && Owner_Of_Pop_Up(palette) == owner;
+            if (isPopUp && palette && !stays && !(palette->flags & ZV_PALF_CLOSING)) return palette;
         }
         return nullptr;
     };
@@ -51,9 +53,9 @@ bool Is_Behind_Dialog(ZVWindow const& window)
     return Is_Dialog_Open() && &window != ZVEnv->frontWindow && window.kind != ZV_KIND_TRANSIENT;
 }
 
-bool Begin_Press(ZVWindow* window)
+bool Begin_Press(ZVWindow* window, ZVItem const* pressed)
 {
-    Close_Pop_Ups(window);
+    Close_Pop_Ups(window, pressed);
     return Is_Window(window);
 }
 
@@ -164,7 +166,7 @@ static void Press_Content(ZVWindow& window, HostEvent const& event)
 static void Press_Window(HostEvent const& event)
 {
     ZVWindow* const window = Window_Of(event.window);
-    if (!Begin_Press(window)) {
+    if (!Begin_Press(window, ZVEnv->trackedItem)) {
         if (!window && Is_Dialog_Open()) Display()->Beep();
         return;
     }
@@ -192,14 +194,20 @@ void Mouse_Down(HostEvent const& event)
     if (press) Press_Window(event);
 }
 
+/// Who holds the mouse lets go of it there.
+static void Release_Holder(int x, int y)
+{
+    MouseTracker* const holder = Mouse_Holder();
+    if (!holder) return;
+    Hold_Mouse(nullptr);
+    holder->Finish(x, y);
+}
+
 void Mouse_Up(HostEvent const& event)
 {
     if (!press || press->button != event.button) return;
     Press const ended = *std::exchange(press, std::nullopt);
-    if (MouseTracker* const holder = Mouse_Holder()) {
-        Hold_Mouse(nullptr);
-        holder->Finish(event.x, event.y);
-    }
+    Release_Holder(event.x, event.y);
     Take_Mouse_Point(event);
     ZVEnv->modifiers = (ZVEnv->modifiers & ~uint32_t{ZV_MOD_BUTTON}) | ended.control;
     if (ended.isReported) Do_Event(ZV_EVENT_MOUSE_UP, 0);
@@ -215,6 +223,12 @@ void Release_Lost_Press()
     HostEvent release{.type = HostEventType::MouseUp, .button = press->button};
     Display()->Pointer(release.x, release.y);
     Mouse_Up(release);
+}
+
+void End_Press()
+{
+    press.reset();
+    Release_Holder(ZVEnv->pointerX, ZVEnv->pointerY);
 }
 
 void Forget_Press()

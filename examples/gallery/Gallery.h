@@ -9,7 +9,12 @@ enum PaletteId : unsigned short {
     DialogPalette,
     PopUpPalette,
     RequestersPalette,
+    FilesPalette,
     ControlsPalette,
+    TextPalette,
+    IconPalette,
+    LongPalette,
+    MediaPalette,
     TilePalette = 120
 };
 
@@ -50,6 +55,13 @@ enum ItemId : unsigned short {
     PopUpLast = PopUpFirst + 3,
     ToolFirst,
     ToolLast = ToolFirst + 7,
+    TextCycle,
+    MarkedCycle,
+    DisabledCycle,
+    IconCycle,
+    MixedCycle,
+    LongCycle,
+    OpenChoices,
     OpenControls,
     WideProp,
     MarkedProp,
@@ -57,14 +69,12 @@ enum ItemId : unsigned short {
     TallProp,
     TallMarkedProp,
     TallDisabledProp,
-    SliderFirst,
-    PlainSlider = SliderFirst,
+    PlainSlider,
     PercentSlider,
     QuadraticSlider,
     TimeSlider,
     RelativeSlider,
     DisabledSlider,
-    SliderLast = DisabledSlider,
     Box,
     BoxBar,
     SplitLeft,
@@ -80,19 +90,58 @@ enum ItemId : unsigned short {
     RequestLongText,
     RequestAnswer,
     TileAsk,
-    TileQuit
+    TileQuit,
+    OpenFiles,
+    AskOpen,
+    AskSave = AskOpen + 4,
+    AskSaveLast = AskSave + 3,
+    AskDirectory,
+    AskResult,
+    OpenMedia,
+    OpenSeries,
+    VideoSettings,
+    SoundSettings,
+    StreamSettings,
+    PictureSettings,
+    MediaResult,
+    MenuButton
+};
+
+/// Actions of menus and keys.
+enum ActionId : unsigned short {
+    ActionNew = 1,
+    ActionOpen,
+    ActionSave,
+    ActionPreferences,
+    ActionQuit,
+    ActionGrid,
+    ActionHelp
 };
 
 /// The palettes, each declared and shown.
 void Show_Main_Palette();
 void Show_Tools_Palette();
+void Show_Choices();  ///< Three in one window.
 void Show_Controls_Palette();
 void Show_Dialog();
 void Show_Pop_Up();
 void Show_Requesters_Palette();
+void Show_Files_Palette();
+void Show_Media_Palette();
+
+/// Opens a file of pictures, and tells in the palette of media what it holds.
+void Open_Media(char const* spec);
 
 /// Fills the root window with pseudo-windows and their palettes.
 void Show_Tiles();
+
+/// The menu bar, and the menu of the swatch and of the menu gadget.
+void Make_Menus();
+void Free_Menus();
+ZVMenu* Swatch_Menu();
+
+/// What menus and their keys do.
+void On_Action(unsigned long action);
 
 /// Writes an event to standard output, when the gallery was started to tell them.
 void Tell(ZVEvent const* event);

@@ -15,13 +15,15 @@ GadgetFunction Function_Of_Type(ZVGadgetType type)
     case ZV_GAD_HPROP: return HProp_Gad;
     case ZV_GAD_VPROP: return VProp_Gad;
     case ZV_GAD_TEXTBOX: return TextBoxCustomFunc;
+    case ZV_GAD_CYCLE: return CycleCustomFunc;
     case ZV_GAD_SEPARATOR: return SeparatorCustomFunc;
     case ZV_GAD_LABEL: return ZVLib_LabelCustomFunc;
+    case ZV_GAD_MENU: return MenuGadCustomFunc;
     default: return nullptr;
     }
 }
 
 GadgetFunction Function_Of_Tab_Bar()
 {
-    return nullptr;
+    return Tab_Gad;
 }

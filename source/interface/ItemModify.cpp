@@ -66,11 +66,6 @@ static bool Change_Entries(ZVItem& item, TagItem const& tag, Changes& changes)
     case ZV_ITEM_REMOVE_ENTRY: Remove_Entry(item, tag.data); break;
     case ZV_ITEM_ADD_ENTRY: Add_Entry(item, Tag_Pointer<char const*>(tag)); break;
     case ZV_ITEM_ADD_ENTRY_ID: Add_Entry(item, Text_Of_Id(tag.data)); break;
-    // Which entries are disabled belongs to the gadget's function; the list of entries stays as it is.
-    case ZV_ITEM_ENABLE_ENTRY:
-    case ZV_ITEM_DISABLE_ENTRY:
-    case ZV_ITEM_ENABLE_ALL_ENTRIES:
-    case ZV_ITEM_DISABLE_ALL_ENTRIES: return true;
     default: return false;
     }
     if (item.declaredType == ZV_GAD_LIST && tag.tag >= ZV_ITEM_REMOVE_ENTRY) {
@@ -83,9 +78,25 @@ static bool Change_Entries(ZVItem& item, TagItem const& tag, Changes& changes)
     return true;
 }
 
+/// Takes a tag that marks entries as enabled or disabled; the entries stay as they are. False for other tags.
+static bool Mark_Entries(ZVItem& item, TagItem const& tag, Changes& changes)
+{
+    switch (tag.tag) {
+    case ZV_ITEM_ENABLE_ENTRY:
+    case ZV_ITEM_DISABLE_ENTRY: EnableCycleGadEntry(&item, tag.data, tag.tag == ZV_ITEM_ENABLE_ENTRY); break;
+    case ZV_ITEM_ENABLE_ALL_ENTRIES:
+    case ZV_ITEM_DISABLE_ALL_ENTRIES:
+        EnableCycleGadEntry(&item, 0, tag.tag == ZV_ITEM_ENABLE_ALL_ENTRIES);
+        break;
+    default: return false;
+    }
+    changes.isVisible = true;
+    return true;
+}
+
 static void Change_Item(ZVItem& item, TagItem const& tag, Changes& changes)
 {
-    if (Change_Entries(item, tag, changes)) return;
+    if (Change_Entries(item, tag, changes) || Mark_Entries(item, tag, changes)) return;
     if (Take_Item_Tag(item, tag)) {
         changes.isCursor |= tag.tag == ZV_ITEM_CURSOR;
         if (tag.tag == ZV_ITEM_ID) Forget_Item_Ids(*item.group->palette);

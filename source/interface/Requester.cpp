@@ -1,14 +1,13 @@
 // Requesters: small modal dialogs that state a message and wait for an answer. They are declared like any
 // other palette, in the middle of whatever the caller is doing, and their display returns when they have been
 // answered.
-#include "interface/PaletteTree.h"
+#include "interface/Interruption.h"
 
 #include "Locale/ZVLibStr.h"
 #include "foundation/Message.h"
 
 #include <algorithm>
 #include <new>
-#include <optional>
 #include <utility>
 
 namespace {
@@ -141,66 +140,11 @@ struct Room {
     long width, height;
 };
 
-// ---- what a requester interrupts --------------------------------------------------------------------------
-
-/// Sets aside what the caller has under way, and brings it back.
-class Interruption {
-public:
-    Interruption();
-    ~Interruption();
-    Interruption(Interruption const&) = delete;
-    Interruption& operator=(Interruption const&) = delete;
-
-    void Keep_Error() { error_ = GetErrorZV(); }  ///< The present one stays, in place of the caller's.
-
-private:
-    static std::optional<LivingPalette> Watch(ZVPalette* palette);
-
-    CurrentPalette current_;
-    std::optional<LivingPalette> groupOwner_;
-    ZVGroup* group_;
-    ZVPalette* building_;
-    int32_t lastPaletteId_, busyLevel_;
-    unsigned long error_;
-};
-
-std::optional<LivingPalette> Interruption::Watch(ZVPalette* palette)
-{
-    return palette ? std::optional<LivingPalette>(palette) : std::nullopt;
-}
-
-Interruption::Interruption()
-    : current_(ZVEnv->currentPalette),
-      groupOwner_(Watch(ZVEnv->currentGroup ? ZVEnv->currentGroup->palette : nullptr)),
-      group_(std::exchange(ZVEnv->currentGroup, nullptr)),
-      building_(std::exchange(ZVEnv->buildingPalette, nullptr)), lastPaletteId_(ZVEnv->lastPaletteId),
-      busyLevel_(ZVEnv->busyLevel), error_(GetErrorZV())
-{
-    while (ZVEnv->busyLevel > 0)
-        NotBusyZV();
-}
-
-Interruption::~Interruption()
-{
-    // A palette under construction that is set aside is out of everybody's reach, so it is still there.
-    ZVEnv->buildingPalette = building_;
-    ZVEnv->currentGroup = groupOwner_ && groupOwner_->Is_Known() ? group_ : nullptr;
-    ZVEnv->lastPaletteId = lastPaletteId_;
-    while (ZVEnv->busyLevel < busyLevel_)
-        BusyZV();
-    SetError(error_);
-}
-
 // ---- building and running ---------------------------------------------------------------------------------
 
 bool Are_Silenced()
 {
     return ZVEnv && ZVEnv->errorMode & (ZV_ERRORMODE_YES | ZV_ERRORMODE_NO);
-}
-
-bool Can_Be_Shown()
-{
-    return ZVEnv && !ZVEnv->isStarting && Mac_Is_Interface_Thread();
 }
 
 /// A text of the string table, which an application may not have.
@@ -344,6 +288,11 @@ void Answer(ZVEvent& event, int32_t answer)
 
 }  // namespace
 
+bool Has_Interface()
+{
+    return ZVEnv && !ZVEnv->isStarting && Mac_Is_Interface_Thread();
+}
+
 long Dummy_Gad(ZVCustomEvent*)
 {
     return 1;
@@ -368,7 +317,7 @@ void scrollTextReqHandler(ZVEvent* event)
 long User_Req(long, long twoButtons, char const* text, char const* firstText, char const* secondText)
 {
     if (Are_Silenced()) return !(ZVEnv->errorMode & ZV_ERRORMODE_NO);
-    if (!Can_Be_Shown()) {
+    if (!Has_Interface()) {
         Write_Message(text);
         return 0;
     }
@@ -378,7 +327,7 @@ long User_Req(long, long twoButtons, char const* text, char const* firstText, ch
 
 void UserScrollMessageZV(char const* heading, char* body)
 {
-    if (Are_Silenced() || (Can_Be_Shown() && Show_Scrolling(heading, body ? body : ""))) return;
+    if (Are_Silenced() || (Has_Interface() && Show_Scrolling(heading, body ? body : ""))) return;
     Write_Message(heading);
     Write_Message_Lines(body);
 }
