@@ -15,7 +15,7 @@ enum PaletteId : unsigned short {
     IconPalette,
     LongPalette,
     MediaPalette,
-    TilePalette = 120  ///< and the ones behind it
+    TilePalette = 120
 };
 
 enum ItemId : unsigned short {

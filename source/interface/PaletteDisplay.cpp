@@ -235,7 +235,7 @@ ZVRectT<long> Mouse_Monitor()
     return {};
 }
 
-/// Where the palette stands in its pseudo-window, which stands in the root window.
+/// Where the palette stands in its pseudo-window, its tabs included, which stands in the root window.
 static ZVRectT<long> Place_In_Pseudo_Window(Display const& display)
 {
     ZVPalette const& palette = display.palette;
