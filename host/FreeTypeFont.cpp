@@ -74,10 +74,10 @@ HostTextRun FreeTypeFont::Make_Run(std::string_view text)
 
 HostTextRun const& FreeTypeFont::Shape(std::string_view text)
 {
-    std::string key(text);
+    if (text.size() > LongestKeptText) return longRun_ = Make_Run(text);
+    std::string const key(text);
     if (auto const known = runs_.find(key); known != runs_.end()) return known->second;
     if (runs_.size() >= MostRuns) runs_.clear();
-    if (text.size() > LongestKeptText) key.clear();  // one place for all of them
     return runs_[key] = Make_Run(text);
 }
 

@@ -48,4 +48,5 @@ private:
     std::unordered_map<uint32_t, HostMask> images_;
     std::size_t imageBytes_ = 0;
     std::unordered_map<std::string, HostTextRun> runs_;
+    HostTextRun longRun_;  ///< of the last text that was too long to be kept
 };

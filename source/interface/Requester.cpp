@@ -34,7 +34,7 @@ bool Is_Line_End(char c)
     return c == '\r' || c == '\n';
 }
 
-/// Takes a text apart into lines of a width that can be shown.
+/// Takes a text apart into lines of a width that can be shown, and of a length that an item draws.
 class MessageLines {
 public:
     MessageLines(char const* text, long width) : rest_(text ? text : ""), width_(width) {}
@@ -46,10 +46,11 @@ public:
 private:
     bool Fits(std::size_t length);
     std::size_t Longest_Fit(std::size_t length);
+    bool Is_Inside(std::size_t place) const { return (rest_[place] & 0xC0) == 0x80; }  ///< A character.
 
     char const* rest_;
     long width_;
-    char line_[MessageSize] = "";
+    char line_[256] = "";
 };
 
 /// Makes that much of the rest the line.
@@ -63,17 +64,16 @@ bool MessageLines::Fits(std::size_t length)
 /// The most whole characters of so many bytes that fit, at least one.
 std::size_t MessageLines::Longest_Fit(std::size_t length)
 {
-    auto const isInside = [this](std::size_t place) { return (rest_[place] & 0xC0) == 0x80; };
     std::size_t fitting = 0, tooLong = length;
     while (fitting + 1 < tooLong) {
         std::size_t const middle = (fitting + tooLong) / 2;
         (Fits(middle) ? fitting : tooLong) = middle;
     }
-    while (fitting > 0 && isInside(fitting))
+    while (fitting > 0 && Is_Inside(fitting))
         --fitting;
     if (fitting == 0) do
             ++fitting;
-        while (fitting < length && isInside(fitting));
+        while (fitting < length && Is_Inside(fitting));
     return fitting;
 }
 
@@ -81,14 +81,17 @@ bool MessageLines::Next()
 {
     if (!*rest_) return false;
     std::size_t const whole = std::strcspn(rest_, "\r\n");
-    std::size_t const length = std::min(whole, sizeof line_ - 1);
+    std::size_t length = std::min(whole, sizeof line_ - 1);
+    while (length > 0 && length < whole && Is_Inside(length))
+        --length;
     if (length == whole && Fits(length)) {
         rest_ += length;
         if (Is_Line_End(*rest_)) ++rest_;
         return true;
     }
     std::size_t fitting = Fits(length) ? length : Longest_Fit(length);
-    // The break is at the last blank that fits, if there is one; the blanks there go.
+    // The break is at the last blank that fits, if there is one; the blanks there go, and so does an end of
+    // the line behind them.
     std::size_t end = fitting;
     while (end > 0 && rest_[end] != ' ')
         --end;
@@ -98,6 +101,7 @@ bool MessageLines::Next()
     Fits(fitting);
     rest_ += fitting;
     rest_ += std::strspn(rest_, " ");
+    if (Is_Line_End(*rest_)) ++rest_;
     return true;
 }
 
