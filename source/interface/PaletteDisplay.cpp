@@ -249,7 +249,8 @@ static ZVRectT<long> Place_In_Pseudo_Window(Display const& display)
         GetParentSysWindow(other, &dx, &dy);
         reference = {other->x + dx, other->y + dy, other->width, other->height};
     }
-    ZVRectT<long> place{0, 0, palette.width, palette.height};
+    // The bar of a floater is placed with it.
+    ZVRectT<long> place{0, 0, palette.width, palette.height + display.Bar_Height()};
     GetElementPlacement(palette.position, &place, &reference, &parent, display.gap, &place.x, &place.y);
     place.Offset(display.offsetX - parent.x, display.offsetY - parent.y);
     return place;

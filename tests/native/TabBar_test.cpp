@@ -91,7 +91,7 @@ protected:
     {
         ZVBitmap* const picture = HeadlessPictureZV(nullptr);
         unsigned char const* const at = picture->Pixels + y * picture->RowBytes + 4 * x;
-        uint32_t const pixel = static_cast<uint32_t>(at[1] << 16 | at[2] << 8 | at[3]);
+        uint32_t const pixel = static_cast<uint32_t>(at[0] << 16 | at[1] << 8 | at[2]);
         FreeBitmapZV(picture);
         return pixel;
     }
