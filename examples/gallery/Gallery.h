@@ -13,7 +13,7 @@ enum PaletteId : unsigned short {
     TextPalette,
     IconPalette,
     LongPalette,
-    TilePalette = 120  ///< and the ones behind it
+    TilePalette = 120
 };
 
 enum ItemId : unsigned short {

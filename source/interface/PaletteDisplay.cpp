@@ -235,7 +235,7 @@ ZVRectT<long> Mouse_Monitor()
     return {};
 }
 
-/// Where the palette stands in its pseudo-window, which stands in the root window.
+/// Where the palette stands in its pseudo-window, its tabs included, which stands in the root window.
 static ZVRectT<long> Place_In_Pseudo_Window(Display const& display)
 {
     ZVPalette const& palette = display.palette;
@@ -249,7 +249,6 @@ static ZVRectT<long> Place_In_Pseudo_Window(Display const& display)
         GetParentSysWindow(other, &dx, &dy);
         reference = {other->x + dx, other->y + dy, other->width, other->height};
     }
-    // The bar of a floater is placed with it.
     ZVRectT<long> place{0, 0, palette.width, palette.height + display.Bar_Height()};
     GetElementPlacement(palette.position, &place, &reference, &parent, display.gap, &place.x, &place.y);
     place.Offset(display.offsetX - parent.x, display.offsetY - parent.y);

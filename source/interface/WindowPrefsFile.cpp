@@ -162,9 +162,9 @@ bool Write_Palette(ZVFileInfo* file, ZVPalettePrefs const& palette)
 
 bool Write_Window(ZVFileInfo* file, ZVWindowPrefs const& window)
 {
-    bool isWell = window.pseudoId
-                      ? Write_Line(file, "PseudoWindow %u %d %d", window.pseudoId, window.x, window.y)
-                      : Write_Line(file, "Window %d %d", window.x, window.y);
+    bool isWell = window.pseudoId ? Write_Line(file, "PseudoWindow %d %d %d",
+                                               static_cast<int32_t>(window.pseudoId), window.x, window.y)
+                                  : Write_Line(file, "Window %d %d", window.x, window.y);
     for (ZVPalettePrefs const& palette : Palettes_Of(window))
         isWell = isWell && Write_Palette(file, palette);
     return isWell && FPutStringZV(file, "");

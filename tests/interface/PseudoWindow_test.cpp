@@ -123,7 +123,7 @@ TEST_F(PseudoWindows, PalettesLiveInThemThroughTheRootWindow)
     ZVWindow* const left = AddPseudoWindowZV(1, 0, 0, 200, 200, nullptr);
     ZVWindow* const right = AddPseudoWindowZV(2, beside, -1, 300, 100, nullptr);
     TagItem second[] = {{ZV_PAL_PSEUDO_WINDOW, Tag_Word(right)}, {}};
-    ZVPalette* const one = DesktopTest::Show(1, ZV_KIND_FLOATER, 0, 0, {{ZV_PAL_PSEUDO_WINDOW_ID, 1}});
+    ZVPalette* const one = DesktopTest::Show(1, ZV_KIND_FLOATER, 0, 0, {{ZV_PAL_PSEUDO_WINDOW_ID, 1}}, true);
     ZVPalette* const two = Show(2, ZV_KIND_FLOATER, second);
     ZVPalette* const three = Show(3, ZV_KIND_FIXED, second);
     EXPECT_EQ(one->window, left);

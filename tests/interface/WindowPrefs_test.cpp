@@ -190,6 +190,8 @@ TEST_F(WindowPrefs, LinesSayWhatTheyCan)
          "Window 1 2\n\tPalette \"My\" 0 0 Hidden\n\n"},
         {"a comma behind the id", "PseudoWindow 3, -4 5\r  Palette A 6 7",
          "PseudoWindow 3 -4 5\n\tPalette \"A\" 6 7 Hidden\n\n"},
+        {"no id that a pseudo-window can have", "PseudoWindow -3 4 5\rPalette A 6 7",
+         "PseudoWindow -3 4 5\n\tPalette \"A\" 6 7 Hidden\n\n"},
         {"a bad number leaves both", "Window 9 x\rPalette A 6 x\rPalette B y 7",
          "Window 0 0\n\tPalette \"A\" 0 0 Hidden\n\tPalette \"B\" 0 0 Hidden\n\n"},
         {"an open quote", "Window 1 2\rPalette \"A 3 4", "Window 1 2\n\tPalette \"A 3 4\" 0 0 Hidden\n\n"},

@@ -279,6 +279,7 @@ TEST_F(TiledTabsTest, TwoClicksTakeAPaletteHomeAndOutAgain)
     ASSERT_TRUE(one->window && one->window->sysWindow);
     EXPECT_FALSE(one->flags & ZV_PALF_PSEUDO);
     EXPECT_TRUE(IsPaletteVisibleZV(one));
+    printf("win %d %d pal %d %d org %d %d margins %d %d left %d %d\n", one->window->left, one->window->top, one->x, one->y, one->originX, one->originY, one->marginLeft, one->marginTop, left->left, left->top);
     EXPECT_EQ(GadToScreenX(Gadget(one)), x) << "it stays where it was";
     EXPECT_EQ(GadToScreenY(Gadget(one)), y);
     EXPECT_EQ(one->width, width);
