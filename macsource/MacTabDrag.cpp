@@ -165,10 +165,12 @@ ZVWindow* Window_At(ZVPlace point)
     return nullptr;
 }
 
-bool Has_Tab_Bar(ZVWindow const& window)
+/// The tab bar in a window; empty without one.
+HostRect Tab_Bar_Of(ZVWindow const& window)
 {
     ZVPalette const* const palette = window.activePalette;
-    return palette && palette->kind == ZV_KIND_FLOATER && !(palette->flags & ZV_PALF_NO_TAB_BAR);
+    if (!palette || palette->kind != ZV_KIND_FLOATER || palette->flags & ZV_PALF_NO_TAB_BAR) return {};
+    return {palette->x, palette->y - ZVEnv->style->tabHeight, palette->x + palette->width, palette->y};
 }
 
 /// The window that takes a palette let go of at a point; null for none.
@@ -177,11 +179,10 @@ ZVWindow* Target_At(ZVPlace point, ZVWindow const* home)
     ZVWindow const* const system = Window_At(point);
     for (ZVWindow& window : All_Windows()) {
         if (!system || System_Window_Of(&window) != system) continue;
+        HostRect const area =
+            &window == home ? HostRect{0, 0, window.width, window.height} : Tab_Bar_Of(window);
         ZVPlace const inside = point - Place_On_Screen(&window);
-        long const height = &window == home       ? window.height
-                            : Has_Tab_Bar(window) ? ZVEnv->style->tabHeight
-                                                  : 0;
-        if (inside.x >= 0 && inside.x < window.width && inside.y >= 0 && inside.y < height) return &window;
+        if (area.Contains(Coordinate(inside.x), Coordinate(inside.y))) return &window;
     }
     return nullptr;
 }

@@ -28,18 +28,22 @@ constexpr uint32_t fixedTab = 0x00000004;
 
 /// The tab that was pressed last.
 struct Hit {
-    explicit Hit(ZVPalette* pressed, uint32_t tick) : palette(pressed), watch(pressed), hitTick(tick) {}
+    Hit(ZVPalette* pressed, ZVCustomEvent const& press)
+        : hitPalette(pressed), watch(pressed), hitTick(press.ticks), x(press.x - pressed->tabLeft), y(press.y)
+    {
+    }
 
-    ZVPalette* palette;  ///< the hit palette
+    ZVPalette* hitPalette;
     LivingPalette watch;
     uint32_t hitTick;
+    int32_t x, y;  ///< of the press in the tab, by which it is held
 };
 std::optional<Hit> hit;
 
 /// The palette that was hit; null when it is gone or has left the window.
 ZVPalette* Hit_Palette(ZVWindow const* window)
 {
-    return hit && hit->watch.Is_There() && hit->palette->window == window ? hit->palette : nullptr;
+    return hit && hit->watch.Is_There() && hit->hitPalette->window == window ? hit->hitPalette : nullptr;
 }
 
 bool Comes_Off(ZVPalette const& palette)
@@ -215,17 +219,15 @@ static void Let_Go(ZVItem& bar)
 }
 
 /// The tab that was pressed comes off and follows the mouse. The bar may be gone afterwards.
-static void Drag(ZVCustomEvent const& event)
+static void Drag(ZVItem& bar)
 {
-    ZVItem& bar = *event.item;
     ZVPalette* const palette = Hit_Palette(bar.group->palette->window);
     if (!palette || !Comes_Off(*palette)) return;
     Let_Go(bar);
     LivingPalette const watch(palette);
     ZVWindow* target = Home_Of(*palette);
     long left = 0, top = 0;
-    long const isDropped =
-        Mac_Drag_Tab(&bar, palette, event.x - palette->tabLeft, event.y, &target, &left, &top);
+    long const isDropped = Mac_Drag_Tab(&bar, palette, hit->x, hit->y, &target, &left, &top);
     if (isDropped && watch.Is_There()) Dock(*palette, target, left, top);
 }
 
@@ -237,7 +239,7 @@ static void Press(ZVCustomEvent const& event)
     ZVWindow const* const window = bar.group->palette->window;
     ZVPalette* const palette = window ? Palette_At(bar, *window, event.x, event.y) : nullptr;
     if (!palette) return;
-    hit.emplace(palette, event.ticks);
+    hit.emplace(palette, event);
     bar.pressed = 1;
     Draw_Bar(bar);
 }
@@ -292,10 +294,10 @@ long Tab_Gad(ZVCustomEvent* event)
         if (!bar.pressed)
             Show_Cursor(*event);
         else if (event->modifiers & ZV_MOD_DRAGGED)
-            Drag(*event);
+            Drag(bar);
         break;
     case ZV_CUSTOM_TICK:
-        if (bar.pressed && hit && event->ticks - hit->hitTick >= holdTicks) Drag(*event);
+        if (bar.pressed && hit && event->ticks - hit->hitTick >= holdTicks) Drag(bar);
         break;
     default: break;
     }
