@@ -94,10 +94,11 @@ protected:
     /// What a point of the desktop shows.
     static uint32_t Pixel(long x, long y)
     {
-        std::unique_ptr<ZVBitmap, Released_By<FreeBitmapZV>> const picture(HeadlessPictureZV(nullptr));
-        auto& buffer = static_cast<ZVBufferRGBA8&>(*picture);
-        auto* pixel = buffer.GetIterator(x, y);
-        return static_cast<uint32_t>(pixel->R() << 16 | pixel->G() << 8 | pixel->B());
+        ZVBitmap* const picture = HeadlessPictureZV(nullptr);
+        auto* const pixel = static_cast<ZVBufferRGBA8&>(*picture).GetIterator(x, y);
+        auto const color = static_cast<uint32_t>(pixel->Red() << 16 | pixel->Green() << 8 | pixel->Blue());
+        FreeBitmapZV(picture);
+        return color;
     }
     static bool Is_Lit(long x, long y) { return Pixel(x, y) == (GetColorZV(ZV_PEN_MARKED) & 0xFFFFFF); }
     /// Whether a menu of the bar hangs there.
@@ -165,8 +166,8 @@ TEST_F(Menu, TheWayToASubmenuMayCrossOtherEntries)
             HeadlessPauseZV(20);
         }
         HeadlessPauseZV(restMs);
+        HeadlessClickZV(Sub_Left(), Row(3, 1), ZV_HEADLESS_LEFT);
         HeadlessRunZV(0);
-        Click(Sub_Left(), Row(3, 1));
     };
     go_across(0);
     EXPECT_EQ(Told(), "two;");
@@ -176,8 +177,8 @@ TEST_F(Menu, TheWayToASubmenuMayCrossOtherEntries)
     Click(File(), 5);
     HeadlessMoveZV(File(), deepRow());
     HeadlessMoveZV(File(), Row(3, 1));
+    HeadlessClickZV(Sub_Left(), Row(3, 1), ZV_HEADLESS_LEFT);
     HeadlessRunZV(0);
-    Click(Sub_Left(), Row(3, 1));
     EXPECT_EQ(Told(), "") << "straight down is no way to it";
 }
 
@@ -306,6 +307,8 @@ TEST_F(Menu, AContextualMenuOpensAtTheMouseAndWaits)
     onGadget = [&](ZVCustomEvent const& event) {
         if (event.type == ZV_CUSTOM_MENU) DisplayContextualMenuZV(menu);
     };
+    HeadlessRunZV(0);
+    Log();
     long x = 0, y = 0;
     GetItemScreenPosZV(Gadget(palette), &x, &y);
     auto const open = [&] {
