@@ -77,19 +77,19 @@ struct ZVCriticalRegion;
 
 /// The record. Application code reads it; fields belong to the call families named beside them.
 struct ZVEnvironment {
-    List menus;                ///< top level of the menu tree
-    List windows;              ///< all windows, the root window first
-    List jobs;                 ///< background jobs
-    List threads;              ///< worker tasks of the pool
-    List icons;                ///< loaded icons
-    TagItem* initTags;         ///< flat clone of the tags of InitZV
-    ZVKeySection* keySection;  ///< of ZV_INIT_KEY_SECTION
-    char* prefsFile;           ///< name of the window preferences file, or null
-    List windowPrefs;
-    int32_t screenWidth, screenHeight;
-    char* homeDir;      ///< file spec with a closing separator
-    char* userDataDir;  ///< file spec with a closing separator
-    char* scratchDir;   ///< file spec of SetScratchDirZV, or null
+    List menus;                         ///< top level of the menu tree
+    List windows;                       ///< all windows, the root window first
+    List jobs;                          ///< background jobs
+    List threads;                       ///< worker tasks of the pool
+    List icons;                         ///< loaded icons
+    TagItem* initTags;                  ///< flat clone of the tags of InitZV
+    ZVKeySection* keySection;           ///< of ZV_INIT_KEY_SECTION
+    char* prefsFile;                    ///< name of the window preferences file, or null
+    List windowPrefs;                   ///< see ZVWindowPrefs.h
+    int32_t screenWidth, screenHeight;  ///< size of the display
+    char* homeDir;                      ///< file spec with a closing separator
+    char* userDataDir;                  ///< file spec with a closing separator
+    char* scratchDir;                   ///< file spec of SetScratchDirZV, or null
     char* scratchPath;  ///< file spec of the process's own directory for scratch files, or null before its
                         ///< first use
     long scratchClaim;  ///< its hold on that directory
@@ -123,6 +123,7 @@ struct ZVEnvironment {
     int32_t jobsBlocked;  ///< number of reasons to hold jobs back
     int32_t busyLevel;
     int32_t exitRequested;  ///< ExitZV was called
+    int32_t isStarting;     ///< InitZV has not come to the library's texts yet: messages go to standard error
     List formats;           ///< format modules; the order decides which one claims a file
     ZVTablet tablet;        ///< given to events by pointer
     ZVPalette* modalPalette;
@@ -204,7 +205,7 @@ enum ZVInitTag : unsigned long {
 /// The directory of KL_APP_DATA_DIR, when that variable is set, holds "Brinmoor User Data", which becomes the
 /// user data directory; otherwise the user's Documents folder does.
 /// @param callback   application-level event callback, or null
-/// @param prefsName  name of the window preferences file, or null
+/// @param prefsName  name of the window preferences file in the user data directory, or null
 /// @param keyFile    key file relative to the home directory; counts only with ZV_INIT_KEY_SECTION
 /// @param reserved   not read
 /// @return  the environment; null when memory runs out or no interface can be had, with everything released,
@@ -221,7 +222,9 @@ ZVEnvironment* InitZV(void (*callback)(ZVEvent*), char const* prefsName, char co
 /// Ends everything and frees the record. Free clips and bitmaps first.
 ZV_API void CleanUpZV();
 
-/// Saves the window preferences and closes all windows, so that an application can restart its interface.
+/// Takes the window preferences down in memory and closes all windows, so that an application can restart its
+/// interface: its palettes then open where they were. Writing them to a file is the application's part, by
+/// SaveWindowPositionsZV before this call or CleanUpZV.
 ZV_API void CleanUpWindowsZV();
 
 /// Asks the event loop to end.

@@ -39,12 +39,13 @@ enum ZVEventType : uint16_t {
 
 /// Bits of `modifiers`: the keyboard, and what the gadget just did.
 enum ZVModifier : uint32_t {
-    ZV_MOD_BUTTON = 0x0001,        ///< the mouse button is down
-    ZV_MOD_PRESS = 0x0008,         ///< gadget event of a press
-    ZV_MOD_CHANGE = 0x0010,        ///< gadget event of a change while held or typed
-    ZV_MOD_RELEASE = 0x0020,       ///< gadget event of a release or commit
-    ZV_MOD_DOUBLE_CLICK = 0x0040,  ///< this press is a double click
-    ZV_MOD_DRAGGED = 0x0080,       ///< the mouse has moved more than 4 pixels since the press
+    ZV_MOD_BUTTON = 0x0001,         ///< the mouse button is down
+    ZV_MOD_SECOND_BUTTON = 0x0004,  ///< press of another button while a slider holds the mouse
+    ZV_MOD_PRESS = 0x0008,          ///< gadget event of a press
+    ZV_MOD_CHANGE = 0x0010,         ///< gadget event of a change while held or typed
+    ZV_MOD_RELEASE = 0x0020,        ///< gadget event of a release or commit
+    ZV_MOD_DOUBLE_CLICK = 0x0040,   ///< this press is a double click
+    ZV_MOD_DRAGGED = 0x0080,        ///< the mouse has moved more than 4 pixels since the press
     ZV_MOD_CAPS_LOCK = 0x0100,
     ZV_MOD_CONTROL = 0x0200,
     ZV_MOD_SHIFT = 0x0400,
@@ -171,6 +172,12 @@ ZV_API long TabletInUse();
 ZV_API long ButtonCustomFunc(ZVCustomEvent* event);
 /// Check box, and a round radio for a gadget that names it. Always 1.
 ZV_API long CheckRadioCustomFunc(ZVCustomEvent* event);
+/// Cycle, and the list that it opens, of which ZV_ITEM_USER_DATA is the cycle. 1, and 0 for event 100 without
+/// memory.
+ZV_API long CycleCustomFunc(ZVCustomEvent* event);
+ZV_API long ListCustomFunc(ZVCustomEvent* event);
+/// The tab bar of a floater. Always 1.
+ZV_API long Tab_Gad(ZVCustomEvent* event);
 /// The menu gadget: opens the menu of its `selected` beside itself; the id of the entry chosen becomes its
 /// state. Always 1.
 ZV_API long MenuGadCustomFunc(ZVCustomEvent* event);

@@ -65,6 +65,7 @@ enum ZVItemFlag : uint32_t {
     ZV_ITEMF_IGNORE_IF_HIDDEN = 0x00000400,  ///< takes no room while hidden
     ZV_ITEMF_MARKED = 0x00000800,            ///< of MarkItemZV
     ZV_ITEMF_SMALL_FONT = 0x00001000,
+    ZV_ITEMF_PROP = 0x00002000,   ///< track or arrow of a proportional gadget, once it has been on screen
     ZV_ITEMF_TICKS = 0x00004000,  ///< wants custom event 113 at each tick
     ZV_ITEMF_BOLD = 0x00008000,
     ZV_ITEMF_ITALIC = 0x00010000,
@@ -91,7 +92,7 @@ enum ZVItemTag : unsigned long {
     ZV_ITEM_TEXT = 779,              ///< char const*, G M: label
     ZV_ITEM_TEXT_ID = 780,           ///< string id, G M
     ZV_ITEM_MAX_CHARS = 781,         ///< long, G: bytes that a text may have
-    ZV_ITEM_ROWS = 782,              ///< long, G: rows of a list, at least 3
+    ZV_ITEM_ROWS = 782,              ///< long, G: rows of a list, most rows of a cycle's; at least 3
     ZV_ITEM_MIN = 783,               ///< long, G M: both lower limits
     ZV_ITEM_MAX = 784,               ///< long, G M: both upper limits
     ZV_ITEM_MIN_REAL = 785,          ///< double const*, G M: both, the whole one truncated
@@ -130,8 +131,8 @@ enum ZVItemTag : unsigned long {
     ZV_ITEM_TRACK_VALUE = 822,          ///< G
     ZV_ITEM_TOOLTIP = 823,              ///< char const*, M: stays the caller's
     ZV_ITEM_TOOLTIP_ID = 824,           ///< string id, M; 0 does nothing
-    ZV_ITEM_ENABLE_ENTRY = 825,         ///< entry, MO
-    ZV_ITEM_DISABLE_ENTRY = 826,        ///< entry, MO
+    ZV_ITEM_ENABLE_ENTRY = 825,         ///< entry id, MO: as EnableCycleGadEntry
+    ZV_ITEM_DISABLE_ENTRY = 826,        ///< entry id, MO
     ZV_ITEM_ENABLE_ALL_ENTRIES = 827,   ///< MO: data ignored
     ZV_ITEM_DISABLE_ALL_ENTRIES = 828,  ///< MO: data ignored
     ZV_ITEM_PASSWORD = 829,             ///< G: a text field shows placeholders; data ignored
@@ -176,22 +177,22 @@ struct ZVItem {
     void (*callback)(ZVEvent*);
     long (*customFunc)(ZVCustomEvent*);
     unsigned long userData;
-    uint32_t linkedItem;
-    void* object;  ///< of the class layer or the custom function
+    unsigned long linkedItem;  ///< id of a related gadget, or what the gadget's function takes it for
+    void* object;              ///< of the class layer or the custom function
     uint32_t trackingValue;
     ZVItem* beforeLink;  ///< the labels attached on each side
     ZVItem* afterLink;
     ZVItem* aboveLink;
     ZVItem* belowLink;
-    ZVRectT<int32_t> oldRect;  ///< absolute, of the last layout
-    uint32_t pressed;          ///< armed; of the custom function
-    int32_t dragWidth, dragHeight;
-    uint32_t extra;      ///< of tag 816; the marker of a proportional gadget
-    int32_t page;        ///< of a proportional gadget: the part of its range in view
-    int32_t lineStep;    ///< and the amount of one arrow press
-    uint32_t markDrag;   ///< and that its marker is being dragged
-    ZVBitmap* image;     ///< an icon, which belongs to the library
-    ZVBitmap* imageOff;  ///< the icon of the on state
+    ZVRectT<int32_t> oldRect;       ///< absolute, of the last layout
+    uint32_t pressed;               ///< armed; of the custom function
+    int32_t dragWidth, dragHeight;  ///< added to a growing item's size; a separator moves them
+    uint32_t extra;                 ///< of tag 816; the marker of a proportional gadget
+    int32_t page;                   ///< of a proportional gadget: the part of its range in view
+    int32_t lineStep;               ///< and the amount of one arrow press
+    uint32_t markDrag;              ///< and that its marker is being dragged
+    ZVBitmap* image;                ///< an icon, which belongs to the library
+    ZVBitmap* imageOff;             ///< the icon of the on state
     uint32_t imageColor, hasImageColor;
     char const* toolTip;        ///< not owned
     ZVNativeItem* native;       ///< not null while the item is on screen
@@ -296,6 +297,11 @@ ZV_API void ItemVisibleIfMarkedZV(unsigned short id);
 /// What the custom function or class keeps for the item: its user data.
 ZV_API void* GetCustomStructZV(ZVItem const* item);
 ZV_API void* GetCustomStructZV(unsigned short id);
+
+/// Marks an entry of a cycle as disabled, or no longer: it is shown in dimmed italics, and can be chosen all
+/// the same. Only the first 256 entries can be marked. An id of 0 stands for all of them. Nothing for other
+/// gadgets.
+ZV_API void EnableCycleGadEntry(ZVItem* item, unsigned long entryId, long enable);
 
 /// Position of the item's corner on the screen.
 ZV_API void GetItemScreenPosZV(ZVItem const* item, long* x, long* y);

@@ -18,9 +18,19 @@ ZV_API void* Alloc_Aligned(unsigned long size, unsigned long alignment);
 /// Sorts the stretch `left` to `right` of the table by id.
 ZV_API void SortStringTable(ZVStringTable* table, long left, long right);
 
-/// Shows a text already formatted; null button texts are those of strings 100 and 101. 1 for the first
-/// button.
+/// Shows a text already formatted; null and empty button texts are those of strings 100 and 101. 1 for the
+/// first button.
 ZV_API long User_Req(long unused, long twoButtons, char const* text, char const* first, char const* second);
+
+/// Whether there is an interface to ask the user by, and the caller is on its thread.
+ZV_API bool Has_Interface();
+
+/// The callbacks of requesters: buttons and keys close them, with the answer in `requestResult`.
+ZV_API void Req_Handler(ZVEvent* event);
+ZV_API void scrollTextReqHandler(ZVEvent* event);  ///< Of UserScrollMessageZV, whose bar moves its text.
+
+/// The function of a gadget that takes room and shows nothing. Always 1.
+ZV_API long Dummy_Gad(ZVCustomEvent* event);
 
 /// The spec of a file below the home directory, or when it is not there below the library's data directory;
 /// the first of them when it is in neither. Free it with FreeFileSpecZV.
@@ -147,6 +157,26 @@ struct OSDirectoryEntry {
 /// @return  false when the directory cannot be read
 ZV_API bool OS_List_Directory(char const* spec, bool wantsCodes,
                               bool (*visit)(OSDirectoryEntry const&, void*), void* data);
+
+/// An entry of a directory with what a browser shows of it. A link counts as what it leads to.
+struct OSBrowsedEntry {
+    char const* name;  ///< as in a spec; valid during the visit
+    bool isDirectory;
+    bool isLink;
+    bool isHidden;     ///< begins with a dot, or is marked invisible
+    int64_t size;      ///< bytes
+    int64_t modified;  ///< seconds since 1 January 1970
+    uint32_t type;     ///< of a file, when codes are wanted
+    uint32_t creator;
+};
+enum class OSBrowseResult : uint8_t { Done, Missing, Denied, Failed };
+
+/// Calls `visit` for each directory and file of a directory, in the order of the file system, until it
+/// answers false. May run on any thread, beside anything, and does not touch the error number.
+/// @param path  native
+/// @return  Done also when `visit` ended it; Failed too when memory runs out
+ZV_API OSBrowseResult OS_Browse_Directory(char const* path, bool wantsCodes,
+                                          bool (*visit)(OSBrowsedEntry const&, void*), void* data);
 
 /// What the file system tells of a file or directory; of what it leads to for a link.
 struct OSFileStatus {
@@ -284,6 +314,7 @@ ZV_API void Handle_MouseMove(long x, long y);
 /// @param isContextual  the press asks for the contextual menu
 /// @return  1 when a custom gadget took it
 ZV_API long Custom_Gad_MouseDown(long x, long y, long clickCount, long isContextual);
+ZV_API void Custom_Gad_SecondButton(long x, long y);  ///< Another button while one is held, for a slider.
 ZV_API void Custom_Gad_MouseMove(long x, long y);
 ZV_API void Custom_Gad_MouseUp(long x, long y);
 ZV_API void Custom_Gad_Tick();
@@ -325,11 +356,37 @@ ZV_API void Free_Window(ZVWindow* window);
 ZV_API ZVWindow* GetParentSysWindow(ZVPalette const* palette, long* dx, long* dy);
 
 ZV_API void RenderTabs(ZVWindow* window);  ///< Draws the tab bars of a window's palettes again.
+ZV_API void ClearTabs(ZVWindow* window);   ///< Nothing: a tab bar that is drawn covers what was there.
 
-/// Window preferences: takes down how things stand now, and answers where a palette was the last time.
-/// Outputs may be null.
-/// @return  1 when something is known of the palette; the outputs are left alone otherwise
+/// The pop-up list of a cycle: id and callback of its palette. There is one at a time.
+inline constexpr unsigned short CyclePopUpPalette = 9000;
+ZV_API void ListPaletteHandler(ZVEvent* event);
+
+/// Position of the item's corner on the screen.
+ZV_API long GadToScreenX(ZVItem const* item);
+ZV_API long GadToScreenY(ZVItem const* item);
+
+/// Follows the mouse with the outline of a palette's tab until the button comes up. Events go on meanwhile,
+/// so that palettes and windows may be gone afterwards.
+/// @param item    the tab bar that was pressed
+/// @param x, y    the mouse in the palette's tab
+/// @param target  in: the pseudo-window where the palette is at home, or null; it takes the palette wherever
+///                the mouse is in it. Out: the window whose tab bar the mouse is on, or null for a free place
+/// @param left, top  client position of a window of its own that has the tab there
+/// @return  1, or 0 when the drag was broken off: a window was closed, or the application ends
+ZV_API long Mac_Drag_Tab(ZVItem* item, ZVPalette* palette, long x, long y, ZVWindow** target, long* left,
+                         long* top);
+
+/// Window preferences: reads the file that InitZV was told, which has to be of a display of this size (1, or
+/// 0 when there is none), and sets the size of the display in any case.
+ZV_API long Load_WindowPrefs();
+
+/// Takes down how things stand now. What there is no memory for is dropped, without an error.
 ZV_API void Snapshot_WindowPrefs();
+
+/// Where a palette was the last time. `window` is that of an open palette that was with it then, or its
+/// pseudo-window, or null. Outputs may be null. The numbers can come from a file and be any.
+/// @return  1 when something is known of the palette; the outputs are left alone otherwise
 ZV_API long Get_Dest_Window(ZVPalette const* palette, ZVWindow** window, unsigned long* pseudoId, long* x,
                             long* y, long* width, long* height, long* active);
 
@@ -345,6 +402,21 @@ ZV_API void Build_Groups(ZVPalette* palette, long width, long height);
 ZV_API long Build_Gadgets(ZVGroup* group);  ///< Final places of items. 0 as above, and for flex on both axes.
 ZV_API unsigned short GetItemFont(ZVItem const* item);  ///< Standard font number.
 ZV_API void Process_Dependencies(ZVItem* item);
+
+/// What AddGadgetZV makes of a proportional gadget: arrow, track and arrow, in this order on the group's
+/// list.
+/// @return  the track; null with error 4 without an open group, with error 1 without memory, nothing made
+ZV_API ZVItem* Add_HProp(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
+                         ZVGadgetSize size, char const* text, TagItem* tags);
+ZV_API ZVItem* Add_VProp(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
+                         ZVGadgetSize size, char const* text, TagItem* tags);
+
+/// Callback of the palette in which the value of a slider is typed; there is one at a time.
+ZV_API void NumEntryCallBack(ZVEvent* event);
+inline constexpr unsigned short NumEntryPalette = 8899;  ///< Its id.
+
+/// SetTextBoxGadgetStateZV up to the count of lines; nothing is shown. 1 when the text has changed, else 0.
+ZV_API long SetTextBoxGadgetState_internal(ZVItem* item, char const* text);
 
 /// Key bindings. A file by its full spec is read into the chain, nothing freed first.
 ZV_API void Parse_KeyFile(char const* spec, ZVKeySection* section);
@@ -440,8 +512,11 @@ ZV_API void Enable_SysItem(ZVItem* item);
 ZV_API void Disable_SysItem(ZVItem* item);
 ZV_API void Mac_Update_Item(ZVItem* item);  ///< The native object shows the state; see UpdateGadgetZV.
 ZV_API void Mac_Validate(ZVWindow* window, ZVRectT<long> const& area);  ///< Needs no redraw any more.
-ZV_API void Refresh_GUI();        ///< Draws what of the windows waits to be drawn again.
-ZV_API void Mac_Refresh_All();    ///< Draws all windows again, in the present pens.
+ZV_API void Refresh_GUI();      ///< Draws what of the windows waits to be drawn again.
+ZV_API void Mac_Refresh_All();  ///< Draws all windows again, in the present pens.
+ZV_API void Mac_Invalidate(ZVWindow* window, ZVRectT<long> const& area);  ///< Has to be drawn again.
+ZV_API bool
+Mac_Is_Interface_Thread();        ///< A display is open, and the caller is on the thread that opened it.
 ZV_API void Mac_Close_Display();  ///< When all windows are gone.
 ZV_API void Activate_First_Gadget(ZVPalette* palette);
 ZV_API void
@@ -470,6 +545,41 @@ ZV_API void Mac_Show_Cursor(unsigned short code);
 ZV_API void Mac_Move_Pointer_Freely(long on);  ///< The pointer is hidden and held, movements still come.
 ZV_API long Mac_Double_Click_Time();           ///< Ticks of 1/60 second.
 ZV_API uint32_t Mac_Tick_Count();  ///< Ticks of 1/60 second since start; the virtual clock's in memory.
+
+// ---- dialogs ----------------------------------------------------------------------------------------------
+
+/// Bits of ZVFileRequest::Flags.
+enum ZVFileRequestFlag : uint32_t { ZV_FILEREQF_SAVE = 1, ZV_FILEREQF_FORMATS = 2 };
+
+/// What a file dialog offers as kinds of files. Entries of the pop-up count from 1: when opening, 1 is every
+/// kind of the list, 2 all files and 3 a line; then the table's entries follow, and the modules.
+struct ZVFileRequest {
+    uint32_t Flags;       ///< ZVFileRequestFlag
+    int32_t FirstEntry;   ///< number of the table's first entry; 0 when there is no pop-up
+    int32_t ModuleEntry;  ///< number of the first module; 0 when there is no pop-up
+    ZVFileTypeDescriptor* Types;
+    ZVFormatDesc** FormatResult;
+    ZVFileTypeDescriptor** TypeResult;
+    int32_t Current;  ///< the entry that is chosen; 0 when there is no pop-up
+};
+
+/// Works out the numbers of a request whose flags, table and results are set.
+ZV_API void Start_File_Request(ZVFileRequest* request);
+
+/// Makes an entry the current one and stores the results.
+ZV_API void Choose_File_Kind(ZVFileRequest* request, long entry);
+
+/// Whether the current entry shows a file in the list of files to open.
+/// @param spec  of the file; modules may look into it
+ZV_API bool Is_File_Shown(ZVFileRequest const* request, char const* spec, uint32_t creator, uint32_t type);
+
+/// The module of an entry, or its table entry; null for an entry that is none.
+ZV_API ZVFormatDesc* File_Kind_Module(ZVFileRequest const* request, long entry);
+ZV_API ZVFileTypeDescriptor* File_Kind_Type(ZVFileRequest const* request, long entry);
+
+/// AskFileNameZV and AskDirectoryZV.
+ZV_API char* NavServices_AskFileName(TagItem* tags);
+ZV_API char* NavServices_AskDirectory(TagItem* tags);
 
 // ---- pixels -----------------------------------------------------------------------------------------------
 
@@ -641,6 +751,61 @@ void Merge_Fields_With_Opacity(Buffer const* source, Buffer* destination, ZVClip
 /// The clip's alpha convention to straight alpha, in place, inside the area (right and bottom exclusive).
 template <typename Buffer, typename Pixel>
 void Interpret_Alpha(Buffer* bitmap, ZVClip* clip, long left, long top, long right, long bottom);
+
+// ---- dialogs ----------------------------------------------------------------------------------------------
+//
+// The dialogs of the media half, which stand above the clips and formats that ask by them. Each is modal and
+// starts from what its choice holds; a choice that is given up stays as it was. Only with an interface.
+
+/// What is to become of a series of files.
+struct ZVSequenceChoice {
+    bool IsWhole;      ///< load the series, and not the one file that was pointed at; not read
+    long First, Last;  ///< frames of the series
+    double FrameRate;
+    double PixelAspect;
+    uint8_t FieldOrder;
+};
+
+/// @param frames  of the whole series, at least 1
+/// @return  false with error 21 when the user gives up, with error 1 when memory runs out
+ZV_API bool Ask_Sequence(long frames, ZVSequenceChoice* choice);
+ZV_API void Sequence_Handler(ZVEvent* event);  ///< The callback of that dialog.
+
+/// How the pictures of a movie are compressed; see ZVMovieOptions.
+struct ZVVideoChoice {
+    uint32_t Codec;
+    long Depth;  ///< bits of a pixel, 32 with alpha, else 24
+    long Quality;
+    long KeyFrameInterval;
+    long BytesPerSecond;
+    double FrameRate;
+    bool HasFixedRate;  ///< the rate is not to be chosen
+    bool IsStreamed;    ///< offer only what can be streamed
+};
+ZV_API bool Ask_Video_Settings(ZVVideoChoice* choice);
+
+/// How the sound of a movie is compressed.
+struct ZVSoundChoice {
+    uint32_t Codec;        ///< 0 keeps the samples as they are
+    ZVAudioFormat Format;  ///< one or two channels of one or two bytes
+    bool IsStreamed;
+};
+ZV_API bool Ask_Sound_Settings(ZVSoundChoice* choice);
+
+/// How a movie is cut into packets to be streamed.
+struct ZVStreamChoice {
+    long PacketBytes;         ///< of a packet at most; shown
+    long PacketMilliseconds;  ///< of sound in a packet; 0 for the least
+    bool HasSound;
+};
+ZV_API bool Ask_Stream_Settings(ZVStreamChoice* choice);
+
+/// The dialog of the streaming format, from which those for compression and streaming are opened.
+ZV_API void Ask_Stream_Options(ZVClip* clip, bool isSound);
+ZV_API void Handle_Options(ZVEvent* event);  ///< The callback of that dialog.
+
+/// How a picture is compressed.
+ZV_API bool Ask_Picture_Settings(ZVPICTOptions* choice);
 
 // ---- formats ----------------------------------------------------------------------------------------------
 

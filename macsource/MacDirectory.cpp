@@ -3,6 +3,7 @@
 #include "MacFileInfo.h"
 
 #include "ZVLibInternal.h"
+#include "ZVShellFolder.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -184,6 +185,73 @@ bool OS_List_Directory(char const* spec, bool wantsCodes, bool (*visit)(OSDirect
 {
     return List_Directory(spec, wantsCodes,
                           [=](OSDirectoryEntry const& entry) { return visit(entry, data); });
+}
+
+namespace {
+
+/// What a browser shows of an entry. False for one that is neither a file nor a directory.
+/// @param path  of the directory with a closing slash; the entry's name is written behind its first `size`
+///              bytes
+bool Look_At_Entry(int directory, dirent const& entry, std::string& path, std::size_t size, bool wantsCodes,
+                   OSBrowsedEntry& shown)
+{
+    struct stat info;
+    if (fstatat(directory, entry.d_name, &info, 0) != 0) return false;
+    OSEntryKind const kind = Kind_Of_Mode(info.st_mode);
+    if (kind == OSEntryKind::Other) return false;
+    path.replace(size, path.npos, entry.d_name);
+    shown.name = entry.d_name;
+    shown.isDirectory = kind == OSEntryKind::Directory;
+    shown.isLink = Is_Link(directory, entry);
+    shown.isHidden = entry.d_name[0] == '.' || Mac_Read_Flags(path.c_str()) & ZV_FINDER_INVISIBLE;
+    shown.size = info.st_size;
+    shown.modified = info.st_mtime;
+    bool const hasCodes = wantsCodes && !shown.isDirectory;
+    ZVCreatorPair const codes =
+        hasCodes ? Mac_Read_Codes(path.c_str()) : ZVCreatorPair{ZV_BLANK_CODE, ZV_BLANK_CODE};
+    shown.type = codes.type;
+    shown.creator = codes.creator;
+    return true;
+}
+
+OSBrowseResult Result_Of(int error)
+{
+    switch (error) {
+    case 0: return OSBrowseResult::Done;
+    case ENOENT:
+    case ENOTDIR: return OSBrowseResult::Missing;
+    case EACCES:
+    case EPERM: return OSBrowseResult::Denied;
+    default: return OSBrowseResult::Failed;
+    }
+}
+
+}  // namespace
+
+OSBrowseResult OS_Browse_Directory(char const* path, bool wantsCodes,
+                                   bool (*visit)(OSBrowsedEntry const&, void*), void* data)
+try {
+    std::unique_ptr<DIR, int (*)(DIR*)> const directory(opendir(path), &closedir);
+    if (!directory) return Result_Of(errno);
+    std::string full = path;
+    if (!full.ends_with('/')) full += '/';
+    std::size_t const size = full.size();
+    std::string spelled;
+    for (;;) {
+        errno = 0;
+        dirent const* const entry = readdir(directory.get());
+        if (!entry) return Result_Of(errno);
+        if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) continue;
+        OSBrowsedEntry shown;
+        if (!Look_At_Entry(dirfd(directory.get()), *entry, full, size, wantsCodes, shown)) continue;
+        if (std::strpbrk(shown.name, ":\\")) {
+            spelled = Mac_Name_To_Spec(shown.name);
+            shown.name = spelled.c_str();
+        }
+        if (!visit(shown, data)) return OSBrowseResult::Done;
+    }
+} catch (std::bad_alloc const&) {
+    return OSBrowseResult::Failed;
 }
 
 bool OS_Get_Status(char const* spec, OSFileStatus* status)

@@ -9,11 +9,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 
 static constexpr ZVRectT<long> headlessMonitor{0, 0, 1600, 1200};
 static constexpr long headlessDepth = 32;
 
 static std::unique_ptr<HostDisplay> display;
+static std::thread::id displayThread;
 
 HostDisplay* Display()
 {
@@ -65,8 +67,14 @@ bool Open_Display()
     if (display) return true;
     std::string reason;
     display = Make_Display(reason);
+    displayThread = std::this_thread::get_id();
     if (!display) SetErrorString(("ZVLib: the interface cannot start: " + reason).c_str());
     return display != nullptr;
+}
+
+bool Mac_Is_Interface_Thread()
+{
+    return display && displayThread == std::this_thread::get_id();
 }
 
 void Close_Display()

@@ -131,16 +131,16 @@ static ZVItem* Neighbour(ZVItem& start, StepFunction step)
     return nullptr;
 }
 
-static void Tab_From(ZVItem* start, StepFunction step)
+static bool Tab_From(ZVItem* start, StepFunction step)
 {
-    if (!start) return;
-    ZVItem* const next = Neighbour(*start, step);
-    if (!next) return;
+    ZVItem* const next = start ? Neighbour(*start, step) : nullptr;
+    if (!next) return false;
     LivingItem const wanted(*next);
     Mac_Drop_Focus(ZV_MOD_RELEASE);
     // Whoever was told of it may want the keyboard elsewhere.
-    if (Focus_Scheduled()) return;
+    if (Focus_Scheduled()) return true;
     if (ZVItem* const item = wanted.Get()) Give_Focus(*item);
+    return true;
 }
 
 static ZVItem* Focused_Item()
@@ -148,14 +148,14 @@ static ZVItem* Focused_Item()
     return ZVEnv->focusedListItem ? ZVEnv->focusedListItem : ZVEnv->focusedTextItem;
 }
 
-void Tab_to_Next_Gad()
+bool Tab_to_Next_Gad()
 {
-    Tab_From(Focused_Item(), NextNodeListWrap);
+    return Tab_From(Focused_Item(), NextNodeListWrap);
 }
 
-void Tab_to_Prev_Gad()
+bool Tab_to_Prev_Gad()
 {
-    Tab_From(Focused_Item(), PrevNodeListWrap);
+    return Tab_From(Focused_Item(), PrevNodeListWrap);
 }
 
 // ---- presses ----------------------------------------------------------------------------------------------

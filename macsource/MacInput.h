@@ -4,10 +4,17 @@
 
 #include "host/Display.h"
 
+#include <functional>
+
+struct ZVItem;
 struct ZVWindow;
 
 /// Handles one event of the display.
 void Handle_Host_Event(HostEvent const& event);
+
+/// Handles events and runs the timers, as the loops do, while `isWanted` answers true and the application
+/// goes on.
+void Run_While(std::function<bool()> const& isWanted);
 
 /// Forgets what is held and when timers are due: the display is about to close.
 void Forget_Input();
@@ -32,14 +39,15 @@ void End_Press();
 
 /// Begins what starts with a press, be it in the window or on its frame: pop-ups other than this window go. A
 /// null window is the desktop.
+/// @param pressed  the gadget under the mouse, or null; a list that is open for it is its to close
 /// @return  whether there is a window still
-bool Begin_Press(ZVWindow* window);
+bool Begin_Press(ZVWindow* window, ZVItem const* pressed = nullptr);
 
 /// The focused text field reports, and keeps the focus.
 void Mac_Report_Text();
 
-/// Closes all pop-ups but one.
-void Close_Pop_Ups(ZVWindow const* except);
+/// Closes all pop-ups but a window and the list that is open for a gadget; either may be null.
+void Close_Pop_Ups(ZVWindow const* except, ZVItem const* owner = nullptr);
 
 /// Whether a dialog is open, and whether it keeps the mouse from the window.
 bool Is_Dialog_Open();
@@ -58,10 +66,6 @@ void Window_Zoomed(ZVWindow& window);
 
 /// Lays the active palette out for the size that the window has by now.
 void Fit_Palette_To_Window(ZVWindow& window);
-
-/// A loop until the end is called for with the same subject, or ExitZV is.
-void Mac_Run_Menu_Loop(void const* subject);
-void Mac_End_Menu_Loop(void const* subject);
 
 /// The user has pressed the close box.
 void Ask_To_Close(ZVWindow& window);

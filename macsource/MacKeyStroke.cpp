@@ -144,8 +144,9 @@ static bool Focus_Key(KeyStroke const& key, bool isEntered)
     ZVItem* const listItem = ZVEnv->focusedListItem;
     if (!(field && field->Is_Multi_Line())) {
         if (key.code == ZV_KEY_TAB && (item || listItem)) {
-            key.Has(ZV_MOD_SHIFT) ? Tab_to_Prev_Gad() : Tab_to_Next_Gad();
-            return true;
+            if (key.Has(ZV_MOD_SHIFT) ? Tab_to_Prev_Gad() : Tab_to_Next_Gad()) return true;
+            // A pop-up with a single field, as that of a slider, may know where else to go.
+            return Root_Of((listItem ? listItem : item)->group->palette)->kind != ZV_KIND_TRANSIENT;
         }
         if (field && (key.code == ZV_KEY_RETURN || key.code == ZV_KEY_ENTER)) return Commit_Key(*item);
     }

@@ -65,9 +65,11 @@ private:
 };
 Timers timers;
 
-/// A loop that runs.
+/// A loop that runs. Questions that come up while the application ends can be answered: ExitZV ends the loops
+/// that run then, and a modal palette that is displayed later has a loop of its own again.
 struct Loop {
-    explicit Loop(void const* runsFor) : subject(runsFor), isEnded(ZVEnv->exitRequested), outer(innermost)
+    explicit Loop(ZVPalette const* modal)
+        : palette(modal), isEnded(!modal && ZVEnv->exitRequested), outer(innermost)
     {
         innermost = this;
     }
@@ -76,16 +78,13 @@ struct Loop {
     Loop& operator=(Loop const&) = delete;
 
     void Run();
+    void Turn();
 
-    void const*
-        subject;  ///< a modal palette or an open menu; compared, never followed. Null: the application
+    ZVPalette const* palette;  ///< compared, never followed; null for the application's loop
     bool isEnded;
     Loop* outer;
 
     static Loop* innermost;
-
-private:
-    void Turn();
 };
 Loop* Loop::innermost;
 
@@ -172,25 +171,17 @@ void Mac_End_Application_Loop()
         loop->isEnded = true;
 }
 
-static void End_Loops_Of(void const* subject)
-{
-    for (Loop* loop = Loop::innermost; loop; loop = loop->outer)
-        if (loop->subject == subject) loop->isEnded = true;
-}
-
 void Mac_End_Modal_Loop(ZVPalette* palette)
 {
-    End_Loops_Of(palette);
+    for (Loop* loop = Loop::innermost; loop; loop = loop->outer)
+        if (loop->palette == palette) loop->isEnded = true;
 }
 
-void Mac_Run_Menu_Loop(void const* subject)
+void Run_While(std::function<bool()> const& isWanted)
 {
-    Loop(subject).Run();
-}
-
-void Mac_End_Menu_Loop(void const* subject)
-{
-    End_Loops_Of(subject);
+    Loop loop(nullptr);
+    while (!loop.isEnded && isWanted())
+        loop.Turn();
 }
 
 void Mac_Handle_Waiting_Events()

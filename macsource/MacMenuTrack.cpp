@@ -44,6 +44,7 @@ struct WaitingCall {
     WaitingCall& operator=(WaitingCall const&) = delete;
 
     ZVMenu* chosen = nullptr;
+    bool isDone = false;
     WaitingCall* outer;
     static WaitingCall* innermost;
 };
@@ -121,7 +122,7 @@ void Finish(ZVMenu* chosen)
     menus = nullptr;
     if (call) {
         call->chosen = chosen;
-        Mac_End_Menu_Loop(call);
+        call->isDone = true;
         return;
     }
     // The title stays lit while the event is on its way.
@@ -527,7 +528,7 @@ ZVMenu* Make_Popup_Menu(ZVMenu* menu, long x, long y)
     auto opened = std::make_unique<OpenMenus>(&call, pointer, Display()->Is_Button_Down());
     if (!opened->Open(Rows_Of_Menu(*menu), {MenuSpot::Side::At, {left, top, left, top}})) return nullptr;
     menus = std::move(opened);
-    Mac_Run_Menu_Loop(&call);
+    Run_While([&call] { return !call.isDone; });
     // ExitZV ends all loops.
     if (menus && menus->call == &call) Close_Menus();
     return call.chosen;

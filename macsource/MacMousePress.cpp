@@ -4,6 +4,7 @@
 #include "MacFocus.h"
 #include "MacGrow.h"
 #include "MacWindow.h"
+#include "gadgets/PopupList.h"
 #include "interface/PaletteTree.h"
 
 #include <algorithm>
@@ -24,13 +25,14 @@ std::optional<Press> press;
 
 // ---- which window -----------------------------------------------------------------------------------------
 
-void Close_Pop_Ups(ZVWindow const* except)
+void Close_Pop_Ups(ZVWindow const* except, ZVItem const* owner)
 {
-    auto const next = [except]() -> ZVPalette* {
+    auto const next = [except, owner]() -> ZVPalette* {
         for (ZVWindow const& window : All_Windows()) {
             ZVPalette* const palette = window.activePalette;
             bool const isPopUp = window.kind == ZV_KIND_TRANSIENT && &window != except;
-            if (isPopUp && palette && !(palette->flags & ZV_PALF_CLOSING)) return palette;
+            bool const stays = owner && Owner_Of_Pop_Up(palette) == owner;
+            if (isPopUp && palette && !stays && !(palette->flags & ZV_PALF_CLOSING)) return palette;
         }
         return nullptr;
     };
@@ -51,9 +53,9 @@ bool Is_Behind_Dialog(ZVWindow const& window)
     return Is_Dialog_Open() && &window != ZVEnv->frontWindow && window.kind != ZV_KIND_TRANSIENT;
 }
 
-bool Begin_Press(ZVWindow* window)
+bool Begin_Press(ZVWindow* window, ZVItem const* pressed)
 {
-    Close_Pop_Ups(window);
+    Close_Pop_Ups(window, pressed);
     return Is_Window(window);
 }
 
@@ -164,7 +166,7 @@ static void Press_Content(ZVWindow& window, HostEvent const& event)
 static void Press_Window(HostEvent const& event)
 {
     ZVWindow* const window = Window_Of(event.window);
-    if (!Begin_Press(window)) {
+    if (!Begin_Press(window, ZVEnv->trackedItem)) {
         if (!window && Is_Dialog_Open()) Display()->Beep();
         return;
     }
@@ -180,7 +182,11 @@ static void Press_Window(HostEvent const& event)
 void Mouse_Down(HostEvent const& event)
 {
     // One button at a time. A second press of the same one means that nobody saw its release.
-    if (event.button == HostButton::Middle || (press && press->button != event.button)) return;
+    if (press && press->button != event.button) {
+        Custom_Gad_SecondButton(ZVEnv->pointerX, ZVEnv->pointerY);
+        return;
+    }
+    if (event.button == HostButton::Middle) return;
     if (press) Mouse_Up(event);
     press = Press{event.button, ZVEnv->modifiers & ZV_MOD_CONTROL};
     ZVEnv->modifiers |= ZV_MOD_BUTTON;

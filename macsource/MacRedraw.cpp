@@ -1,8 +1,11 @@
 // What of the windows has to be drawn again, and the drawing of it.
+#include "MacDraw.h"
+#include "MacFrame.h"
 #include "MacMenu.h"
 #include "MacNativeItem.h"
 #include "MacWindow.h"
 
+#include "interface/HitTest.h"
 #include "interface/PaletteTree.h"
 
 #include <utility>
@@ -18,17 +21,24 @@ void Invalidate(ZVWindow& window)
     if (window.sysWindow) Invalidate(window, window.sysWindow->port.surface.Bounds());
 }
 
+/// An area of a window, in its system window.
+static HostRect Area_In_System_Window(ZVWindow const* window, ZVRectT<long> const& area)
+{
+    ZVPlace const corner = Place_In_System_Window(window) + ZVPlace{area.x, area.y};
+    return Placed(ZVDrawInfo{}).Box(corner.x, corner.y, area.width, area.height);
+}
+
 void Mac_Validate(ZVWindow* window, ZVRectT<long> const& area)
 {
-    long left = area.x, top = area.y;
-    for (; window && window->parent; window = window->parent) {
-        left += window->left;
-        top += window->top;
-    }
-    if (!window || !window->sysWindow) return;
-    auto const edge = [](long value) { return static_cast<int>(value); };
-    window->sysWindow->update.Subtract(
-        HostRegion({edge(left), edge(top), edge(left + area.width), edge(top + area.height)}));
+    ZVWindow const* const system = System_Window_Of(window);
+    if (!system || !system->sysWindow) return;
+    system->sysWindow->update.Subtract(HostRegion(Area_In_System_Window(window, area)));
+}
+
+void Mac_Invalidate(ZVWindow* window, ZVRectT<long> const& area)
+{
+    if (ZVWindow* const system = System_Window_Of(window))
+        Invalidate(*system, Area_In_System_Window(window, area));
 }
 
 /// The bar above the palettes of a floater, which holds their tabs.
@@ -60,6 +70,15 @@ static HostRegion In_Window(ZVWindow const* window, HostRegion const& region)
     return moved;
 }
 
+/// The frames of the pseudo-windows in a window, inside their rectangles.
+static void Draw_PseudoBorders(ZVWindow const& window)
+{
+    for (ZVWindow const& pseudo : All_Windows())
+        if (pseudo.parent && System_Window_Of(pseudo.parent) == &window)
+            FrameRect3D(window.sysWindow->port,
+                        Area_In_System_Window(&pseudo, {0, 0, pseudo.width, pseudo.height}));
+}
+
 /// Draws the palettes of a window that show. False when a gadget's function has closed something: what
 /// follows is no longer what it was.
 static bool Redraw_Palettes(ZVWindow& window, HostRegion const& region)
@@ -83,13 +102,10 @@ void Redraw_Window(ZVWindow& window)
     ZVSysWindow& native = *window.sysWindow;
     HostRegion const region = std::exchange(native.update, HostRegion());
     Draw_Background(native, region);
+    if (window.kind == ZV_KIND_ROOT || window.kind == ZV_KIND_APP) Draw_PseudoBorders(window);
     // The window itself and the pseudo-windows in it.
-    for (ZVWindow& each : All_Windows()) {
-        ZVWindow const* system = &each;
-        while (system->parent)
-            system = system->parent;
-        if (system == &window && !Redraw_Palettes(each, region)) return;
-    }
+    for (ZVWindow& each : All_Windows())
+        if (System_Window_Of(&each) == &window && !Redraw_Palettes(each, region)) return;
     Draw_Bars(window);
 }
 

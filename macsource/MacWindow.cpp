@@ -63,7 +63,9 @@ static HostWindowRequest Request_Of(uint32_t kind, uint32_t flags)
     request.canClose = isDocument || (isFloater && !(flags & ZV_PALF_NO_CLOSE));
     request.canCollapse = isDocument;
     request.canZoom = (isDocument || isFloater) && (flags & ZV_PALF_ZOOM);
-    request.canResize = kind == ZV_KIND_APP || ((isDocument || isFloater) && (flags & ZV_PALF_SIZES) != 0);
+    bool const isDialog = kind == ZV_KIND_MODAL && request.hasFrame;
+    request.canResize =
+        kind == ZV_KIND_APP || ((isDocument || isFloater || isDialog) && (flags & ZV_PALF_SIZES) != 0);
     return request;
 }
 

@@ -7,6 +7,9 @@
 //     gallery --screenshot FILE.png   draws itself in memory and writes the picture of its desktop, which
 //                                     ZV_HEADLESS_SIZE makes larger or smaller than 1600x1200
 //     gallery --theme light|dark      with one of the two, the light theme being the usual one
+//     gallery --tiled                 as one window, in which palettes are tiled
+//     gallery --prefs NAME            keeps the arrangement of its palettes in that file of the user data
+//                                     directory, from run to run
 #include "Gallery.h"
 
 #include <array>
@@ -14,11 +17,14 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <string>
 #include <utility>
 
 static bool tellsEvents = false;
 static char const* screenshot = nullptr;
 static bool isWritten = false;
+static bool isTiled = false;
+static char const* prefsName = nullptr;
 
 /// Writes where a gadget stands on the screen, unless it stood there the last time.
 static void Tell_Place(ZVItem const& item)
@@ -83,11 +89,16 @@ void Tell(ZVEvent const* event)
     std::fflush(stdout);
 }
 
-/// The desktop's wish to quit ends the program, as closing the document does.
+/// The desktop's wish to quit ends the program, as closing the document does; files that it hands over are
+/// opened.
 static void On_Event(ZVEvent* event)
 {
     Tell(event);
     if (event->type == ZV_EVENT_CLOSE_APP) ExitZV();
+    if (event->type == ZV_EVENT_OPEN_DOC) {
+        Show_Media_Palette();
+        Open_Media(reinterpret_cast<char const*>(event->item));
+    }
     if (event->type == ZV_EVENT_MENU) On_Action(event->key);
     if (event->type == ZV_EVENT_ACTION) On_Action(event->item);
 }
@@ -101,6 +112,10 @@ static bool Read_Options(int count, char** arguments, long& theme)
             tellsEvents = true;
         } else if (std::strcmp(arguments[i], "--screenshot") == 0 && hasValue) {
             screenshot = arguments[++i];
+        } else if (std::strcmp(arguments[i], "--tiled") == 0) {
+            isTiled = true;
+        } else if (std::strcmp(arguments[i], "--prefs") == 0 && hasValue) {
+            prefsName = arguments[++i];
         } else if (std::strcmp(arguments[i], "--theme") == 0 && hasValue) {
             theme = std::strcmp(arguments[++i], "dark") == 0 ? 2 : 1;
         } else {
@@ -122,31 +137,71 @@ bool Take_Screenshot()
 static bool Draw_Picture()
 {
     HeadlessRunZV(200);
+    if (isTiled) {
+        Take_Screenshot();
+        return isWritten;
+    }
+    Show_Controls_Palette();
+    Show_Choices();
     Show_Pop_Up();
     Show_Dialog();
     return isWritten;
+}
+
+/// Writes the arrangement beside the old file and puts it in its place once it is whole.
+static void Save_Prefs()
+{
+    std::string const spec = std::string(ZVEnv->userDataDir) + prefsName, written = spec + ".new";
+    SetError(ZV_ERR_NONE);
+    ZVFileInfo* const file = CreateFileZV(written.c_str(), ZVFilePermWrite, 0, 0, ZVFileFlagNone);
+    bool const isWhole = SaveWindowPositionsZV(file);
+    CloseFileZV(file);
+    bool const isKept = isWhole && GetErrorZV() == ZV_ERR_NONE && RenameFileZV(written.c_str(), spec.c_str());
+    if (isKept) return;
+    DeleteFileZV(written.c_str());
+    UserMessageZV("The arrangement of the palettes could not be saved.");
+}
+
+static void Show_Palettes(long theme)
+{
+    SetPenPresetZV(theme);
+    if (isTiled) {
+        Show_Tiles();
+    } else {
+        Show_Main_Palette();
+        Show_Tools_Palette();
+        SetCurrentPaletteZV(MainPalette);
+    }
+    SetGadgetStateZV(theme == 1 ? LightTheme : DarkTheme, 1);
+    // A palette that was open at the end of the last run is so again.
+    long isOpen = 0;
+    if (GetPalettePrefsZV("Requesters", &isOpen, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                          nullptr) &&
+        isOpen)
+        Show_Requesters_Palette();
 }
 
 int main(int count, char** arguments)
 {
     long theme = 1;
     if (!Read_Options(count, arguments, theme)) {
-        std::fputs("usage: gallery [--events] [--theme light|dark] [--screenshot FILE.png]\n", stderr);
+        std::fputs("usage: gallery [--events] [--theme light|dark] [--tiled] [--prefs NAME]\n"
+                   "               [--screenshot FILE.png]\n",
+                   stderr);
         return 2;
     }
     if (screenshot) setenv("ZV_HOST", "headless", 1);
-    if (!InitZV(On_Event, nullptr, nullptr, nullptr, ZV_INIT_APP_TITLE, "Gallery", 0)) return 1;
-    SetPenPresetZV(theme);
+    if (!InitZV(On_Event, prefsName, nullptr, nullptr, ZV_INIT_APP_TITLE, "Gallery",
+                isTiled ? ZV_INIT_ROOT_WINDOW : ZV_TAG_IGNORE, 1, 0))
+        return 1;
     Make_Menus();
-    Show_Main_Palette();
-    Show_Tools_Palette();
-    SetCurrentPaletteZV(MainPalette);
-    SetGadgetStateZV(theme == 1 ? LightTheme : DarkTheme, 1);
+    Show_Palettes(theme);
     bool isWell = true;
     if (screenshot)
         isWell = Draw_Picture();
     else
         HandleGUIZV();
+    if (prefsName) Save_Prefs();
     CleanUpWindowsZV();
     Free_Menus();
     CleanUpZV();

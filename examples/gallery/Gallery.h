@@ -3,7 +3,20 @@
 
 #include <ZVLib.h>
 
-enum PaletteId : unsigned short { MainPalette = 100, ToolsPalette, DialogPalette, PopUpPalette };
+enum PaletteId : unsigned short {
+    MainPalette = 100,
+    ToolsPalette,
+    DialogPalette,
+    PopUpPalette,
+    RequestersPalette,
+    FilesPalette,
+    ControlsPalette,
+    TextPalette,
+    IconPalette,
+    LongPalette,
+    MediaPalette,
+    TilePalette = 120  ///< and the ones behind it
+};
 
 enum ItemId : unsigned short {
     Push = 1,
@@ -42,6 +55,55 @@ enum ItemId : unsigned short {
     PopUpLast = PopUpFirst + 3,
     ToolFirst,
     ToolLast = ToolFirst + 7,
+    TextCycle,
+    MarkedCycle,
+    DisabledCycle,
+    IconCycle,
+    MixedCycle,
+    LongCycle,
+    OpenChoices,
+    OpenControls,
+    WideProp,
+    MarkedProp,
+    DisabledProp,
+    TallProp,
+    TallMarkedProp,
+    TallDisabledProp,
+    PlainSlider,
+    PercentSlider,
+    QuadraticSlider,
+    TimeSlider,
+    RelativeSlider,
+    DisabledSlider,
+    Box,
+    BoxBar,
+    SplitLeft,
+    Split,
+    SplitRight,
+    OpenRequesters,
+    RequestMessage,
+    RequestStop,
+    RequestQuestion,
+    RequestButtons,
+    RequestNested,
+    RequestWide,
+    RequestLongText,
+    RequestAnswer,
+    TileAsk,
+    TileQuit,
+    OpenFiles,
+    AskOpen,
+    AskSave = AskOpen + 4,
+    AskSaveLast = AskSave + 3,
+    AskDirectory,
+    AskResult,
+    OpenMedia,
+    OpenSeries,
+    VideoSettings,
+    SoundSettings,
+    StreamSettings,
+    PictureSettings,
+    MediaResult,
     MenuButton
 };
 
@@ -59,8 +121,19 @@ enum ActionId : unsigned short {
 /// The palettes, each declared and shown.
 void Show_Main_Palette();
 void Show_Tools_Palette();
+void Show_Choices();  ///< Three in one window.
+void Show_Controls_Palette();
 void Show_Dialog();
 void Show_Pop_Up();
+void Show_Requesters_Palette();
+void Show_Files_Palette();
+void Show_Media_Palette();
+
+/// Opens a file of pictures, and tells in the palette of media what it holds.
+void Open_Media(char const* spec);
+
+/// Fills the root window with pseudo-windows and their palettes.
+void Show_Tiles();
 
 /// The menu bar, and the menu of the swatch and of the menu gadget.
 void Make_Menus();

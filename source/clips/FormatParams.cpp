@@ -46,7 +46,9 @@ void ClipOptionsZV(ZVClip* clip)
 {
     if (!clip || !clip->Format || !clip->Format->Options) return;
     if (!clip->VideoParams) clip->VideoParams = Copy_Format_Params(clip->Format->DefaultVideoParams);
+    EnterThirdPartyModalDialogZV();
     clip->Format->Options(clip, false);
+    ExitThirdPartyModalDialogZV();
     Keep_As_Default(clip->VideoParams, clip->Format->DefaultVideoParams);
 }
 
@@ -54,7 +56,9 @@ void ClipAudioOptionsZV(ZVClip* clip)
 {
     if (!clip || !clip->Format || !clip->Format->AudioOptions) return;
     if (!clip->AudioParams) clip->AudioParams = Copy_Format_Params(clip->Format->DefaultAudioParams);
+    EnterThirdPartyModalDialogZV();
     clip->Format->AudioOptions(clip, false);
+    ExitThirdPartyModalDialogZV();
     Keep_As_Default(clip->AudioParams, clip->Format->DefaultAudioParams);
 }
 

@@ -17,6 +17,7 @@
 #include <climits>
 #include <cstring>
 #include <strings.h>
+#include <utility>
 
 namespace {
 
@@ -102,12 +103,45 @@ char* Search_Trees(SpecSearch const& search)
     return tree.found;
 }
 
-/// Lets the user pick the file; cancelled, the search is over and the name no sequence. Without a file
-/// requester nobody can pick one, which is as if the user had cancelled.
+/// The directory that the user starts from; empty without search paths.
+SpecText Start_Of(SpecSearch const& search)
+{
+    char** entry = search.searchPaths;
+    if (!entry || !*entry) return {};
+    while (search.startsAtLast && entry[1])
+        ++entry;
+    return Directory_Of(*entry);
+}
+
+/// The spec of the series that a file belongs to, when the user wants that. Takes the spec over; null when he
+/// has changed his mind, and without memory.
+char* Take_Sequence(char* spec)
+{
+    ZVClip* const clip = NewClipZV();
+    if (!clip) {
+        FreeFileSpecZV(spec);
+        return nullptr;
+    }
+    FreeFileSpecZV(std::exchange(clip->FileName, spec));
+    char* const taken = SequenceCheckZV(clip, nullptr) ? std::exchange(clip->FileName, nullptr) : nullptr;
+    FreeClipZV(clip);
+    return taken;
+}
+
+/// Lets the user pick the file; cancelled, the search is over and the name no sequence. Without an interface
+/// nobody can pick one, which is as if the user had cancelled.
 char* Pick_File(SpecSearch& search)
 {
-    search.isSequence = false;
-    return nullptr;
+    SpecText start = Start_Of(search);
+    TagItem tags[] = {{ZV_ASK_FORMATS, 0},
+                      {ZV_ASK_FILE_NAME, Tag_Word(search.name)},
+                      {start.Length() ? ZV_ASK_DIRECTORY : ZV_TAG_END, Tag_Word(start.Text())},
+                      {}};
+    char* spec = Mac_Is_Interface_Thread() ? AskFileNameZV(tags) : nullptr;
+    if (spec) spec = Take_Sequence(spec);
+    search.isSequence = spec && IsSequenceZV(File_Name(spec));
+    Answer(search.userLocatedResult, spec);
+    return spec;
 }
 
 char* Ask_User(SpecSearch& search)
@@ -254,7 +288,14 @@ char* Finish_Search(SpecSearch& search, char* spec)
 {
     if (!spec && search.searchPaths)
         spec = search.searchTree ? Search_Trees(search) : Search_Directories(search);
-    if (!spec && search.askUser) spec = Ask_User(search);
+    // A series that lacks frames is asked for again.
+    while (!spec && search.askUser) {
+        spec = Ask_User(search);
+        if (!spec) break;
+        bool const isWhole = !search.isSequence || search.frameCount < 1 ||
+                             IsSequenceValidZV(spec, search.frames, search.frameCount);
+        if (!isWhole) FreeFileSpecZV(std::exchange(spec, nullptr));
+    }
     if (spec && search.isSequence) spec = Take_First_Frame(search, spec);
     if (!spec && GetErrorZV() != ZV_ERR_MEMORY) SetError(ZV_ERR_NOT_FOUND);
     Answer(search.isSequenceResult, search.isSequence);
@@ -266,6 +307,8 @@ char* Finish_Search(SpecSearch& search, char* spec)
 char* MakeFileSpecValidateZV(char const* spec, TagItem* tags)
 {
     SpecSearch search = Read_Search_Tags(tags);
+    // The directories below the search paths are not gone through one by one.
+    search.startsAtLast = search.searchTree;
     if (!spec) return nullptr;
     Name_Search(search, spec);
     if (search.noCheck) return MakeFileSpecZV(spec);

@@ -11,6 +11,7 @@ struct SpecSearch {
     bool askUser = false;
     bool searchTree = false;
     bool noCheck = false;
+    bool startsAtLast = false;  ///< the user looks from the last search path on, not from the first
     long const* frames = nullptr;
     long frameCount = 0;
     char** searchPaths = nullptr;

@@ -110,8 +110,6 @@ static void Settle_Monitors()
         Append_Init_Tag(ZV_INIT_MONITOR, static_cast<unsigned long>(narrowest - ZVEnv->monitors));
     }
     if (ZVEnv->monitorCount < 1 || ZVEnv->monitorCount > 4) ZVEnv->monitorCount = 1;
-    ZVEnv->screenWidth = ZVEnv->monitors[0].width;
-    ZVEnv->screenHeight = ZVEnv->monitors[0].height;
 }
 
 /// Frees the record with all that it owns directly.
@@ -125,6 +123,7 @@ static void Free_Environment()
     FreeMemZV(ZVEnv->prefsFile);
     FreeMemZV(ZVEnv->appTitle);
     CleanupIconList();
+    FreeWindowPrefsZV();
     FreeStringTable(ZVEnv->stringTable);
     SetErrorString(nullptr);
     ZVPixelBase::_byteToFracTbl = byteToFraction.data();
@@ -162,12 +161,16 @@ ZVEnvironment* InitZV(void (*callback)(ZVEvent*), char const* prefsName, char co
     SetErrorString(nullptr);
     UnfinishedStart start;
     if (!Make_Environment(callback, prefsName, tags)) return Give_Up();
+    ZVEnv->isStarting = 1;
     SetHomeDir();
     SetUserDataDir();
     Take_Init_Tags();
     Settle_Monitors();
+    // The display is there by now, whose size tells whether the preferences count.
+    Load_WindowPrefs();
     if (!Init_OS(ZVEnv->hasRootTag)) return Give_Up();
     AppendStringFileZV(messageFile);
+    ZVEnv->isStarting = 0;
     Init_MP();
     Init_Threads();
     ZVEnv->region = CreateCriticalRegionZV();

@@ -1,5 +1,7 @@
 // Messages and questions to the user: every call formats its text into one buffer and hands it to User_Req.
 // Nothing here allocates, as a message may be about memory that has run out.
+#include "Message.h"
+
 #include "ZVLibInternal.h"
 
 #include <cctype>
@@ -8,10 +10,8 @@
 #include <cstring>
 #include <string_view>
 
-static constexpr std::size_t MessageSize = 2048;
-
-/// Writes one line to standard error, or nothing for an empty text. Control characters become blanks: the
-/// text stays one line, and a file name in it cannot steer the terminal.
+/// Control characters become blanks: the text stays one line, and a file name in it cannot steer the
+/// terminal.
 static void Write_Line(std::string_view text)
 {
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
@@ -31,13 +31,19 @@ static long Ask(long twoButtons, char const* first, char const* second, char con
     return User_Req(0, twoButtons, text, first, second);
 }
 
-long User_Req(long, long, char const* text, char const*, char const*)
+void Write_Message(char const* text)
 {
-    unsigned long const mode = ZVEnv ? ZVEnv->errorMode : 0;
-    if (mode & ZV_ERRORMODE_NO) return 0;
-    if (mode & ZV_ERRORMODE_YES) return 1;
     if (text) Write_Line(text);
-    return 0;
+}
+
+void Write_Message_Lines(char const* text)
+{
+    while (text && *text) {
+        std::size_t const length = std::strcspn(text, "\r\n");
+        Write_Line({text, length});
+        text += length;
+        text += std::strspn(text, "\r\n");
+    }
 }
 
 // The arguments behind `last`, asked with the rest: only the function that has them can begin and end them.
@@ -92,18 +98,6 @@ long AskUser2ZV(unsigned long first, unsigned long second, unsigned long format,
 }
 
 #undef ASK
-
-void UserScrollMessageZV(char const* heading, char* body)
-{
-    if (ZVEnv && ZVEnv->errorMode & (ZV_ERRORMODE_YES | ZV_ERRORMODE_NO)) return;
-    if (heading) Write_Line(heading);
-    while (body && *body) {
-        std::size_t const length = std::strcspn(body, "\r\n");
-        Write_Line({body, length});
-        body += length;
-        body += std::strspn(body, "\r\n");
-    }
-}
 
 void UserScrollMessageZV(unsigned long id, char* body)
 {

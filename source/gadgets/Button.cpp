@@ -15,10 +15,6 @@ constexpr unsigned long opensSomething = 1;
 
 constexpr long textMargin = 6;  ///< of a text at the left
 
-using NativeBitmap =
-    std::unique_ptr<ZVNativeBitmap, Released_By<[](ZVNativeBitmap* bitmap) { FreeBitmapZV(bitmap); }>>;
-using Bitmap = std::unique_ptr<ZVBitmap, Released_By<[](ZVBitmap* bitmap) { FreeBitmapZV(bitmap); }>>;
-
 /// An icon and what shows through it.
 struct Face {
     ZVBitmap const* icon;
@@ -30,16 +26,6 @@ Face Icon_Face(ZVItem const& item)
     if (!item.state) return {item.image, ZV_PEN_FACE};
     if (item.imageOff) return {item.imageOff, ZV_PEN_FACE};
     return {item.image, Face_Color(item, true)};
-}
-
-/// A copy of the icon in one colour, its alpha kept: the icon itself serves other gadgets too.
-Bitmap Colored_Icon(ZVBitmap const& icon, unsigned long colour)
-{
-    Bitmap copy(AllocBitmapZV(icon.Width, icon.Height, icon.Type, nullptr));
-    if (!copy) return copy;
-    CopyBitmapZV(&icon, copy.get(), 0, 0, icon.Width, icon.Height, 0, 0);
-    FillColorZV(copy.get(), colour);
-    return copy;
 }
 
 /// Where a picture of a size lies along a room: centred, or with its middle in sight when it is larger.

@@ -3,6 +3,15 @@
 
 #include "ZVEnvironment.h"
 
+Bitmap Colored_Icon(ZVBitmap const& icon, unsigned long colour)
+{
+    Bitmap copy(AllocBitmapZV(icon.Width, icon.Height, icon.Type, nullptr));
+    if (!copy) return copy;
+    CopyBitmapZV(&icon, copy.get(), 0, 0, icon.Width, icon.Height, 0, 0);
+    FillColorZV(copy.get(), colour);
+    return copy;
+}
+
 unsigned long Face_Color(ZVItem const& item, bool isOn)
 {
     if (!isOn) return ZV_PEN_FACE;

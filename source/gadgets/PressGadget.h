@@ -9,6 +9,11 @@
 #include "ZVItem.h"
 
 using DrawContext = std::unique_ptr<ZVDrawInfo, Released_By<DrawEndZV>>;
+struct FreedBitmap {
+    template <typename Record> void operator()(Record* bitmap) const { FreeBitmapZV(bitmap); }
+};
+using NativeBitmap = std::unique_ptr<ZVNativeBitmap, FreedBitmap>;
+using Bitmap = std::unique_ptr<ZVBitmap, FreedBitmap>;
 
 inline bool Is_Inside(ZVItem const& item)
 {
@@ -46,6 +51,10 @@ inline unsigned long Shown_Color(unsigned long colour, bool isDisabled)
 {
     return isDisabled ? DisableColorZV(colour) : colour;
 }
+
+/// A copy of an icon in one colour, its alpha kept: the icon itself serves other gadgets too. Null without
+/// memory.
+Bitmap Colored_Icon(ZVBitmap const& icon, unsigned long colour);
 
 /// The face of a gadget, which may have a colour of its own while it is on.
 unsigned long Face_Color(ZVItem const& item, bool isOn);

@@ -5,17 +5,19 @@
 #include <utility>
 
 /// Runs until the modal palette that is on top now is closed. Events come through again, whoever held them
-/// back.
+/// back, and also in the midst of a dialog of someone else's.
 static void Run_Modal_Loop()
 {
     ZVPalette* const palette = ZVEnv->modalPalette;
     int32_t const suspended = std::exchange(ZVEnv->eventsSuspended, 0);
+    int32_t const thirdParty = std::exchange(ZVEnv->thirdPartyDialog, 0);
     Activate_First_Gadget(palette);
     Disable_All_Menus();
     Mac_Flush_Events();
     Mac_Run_Modal_Loop(palette);
     Mac_Flush_Events();
     ZVEnv->eventsSuspended = suspended;
+    ZVEnv->thirdPartyDialog = thirdParty;
 }
 
 long HandleGUIZV()
@@ -32,6 +34,16 @@ long HandleGUIZV()
         MakeMenuBarZV();
     }
     return 1;
+}
+
+void EnterThirdPartyModalDialogZV()
+{
+    if (ZVEnv) ZVEnv->thirdPartyDialog = 1;
+}
+
+void ExitThirdPartyModalDialogZV()
+{
+    if (ZVEnv) ZVEnv->thirdPartyDialog = 0;
 }
 
 long AdvanceGUIZV(long)

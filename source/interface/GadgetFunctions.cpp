@@ -1,6 +1,8 @@
 // What each type of gadget brings along. A gadget's own file has its function; here it gets its type.
 #include "interface/ItemParts.h"
 
+#include "ZVControl.h"
+
 GadgetFunction Function_Of_Type(ZVGadgetType type)
 {
     // A gadget without a function, of its own or by its type, keeps its state and draws nothing.
@@ -9,6 +11,13 @@ GadgetFunction Function_Of_Type(ZVGadgetType type)
     case ZV_GAD_TOGGLE:
     case ZV_GAD_RADIO: return ButtonCustomFunc;
     case ZV_GAD_CHECK: return CheckRadioCustomFunc;
+    case ZV_GAD_SLIDER: return NewSliderCustomFunc;
+    case ZV_GAD_HPROP: return HProp_Gad;
+    case ZV_GAD_VPROP: return VProp_Gad;
+    case ZV_GAD_TEXTBOX: return TextBoxCustomFunc;
+    case ZV_GAD_CYCLE: return CycleCustomFunc;
+    case ZV_GAD_SEPARATOR: return SeparatorCustomFunc;
+    case ZV_GAD_LABEL: return ZVLib_LabelCustomFunc;
     case ZV_GAD_MENU: return MenuGadCustomFunc;
     default: return nullptr;
     }
@@ -16,5 +25,5 @@ GadgetFunction Function_Of_Type(ZVGadgetType type)
 
 GadgetFunction Function_Of_Tab_Bar()
 {
-    return nullptr;
+    return Tab_Gad;
 }

@@ -56,6 +56,16 @@ long Custom_Gad_MouseDown(long x, long y, long clickCount, long isContextual)
     return 1;
 }
 
+void Custom_Gad_SecondButton(long x, long y)
+{
+    // Any other gadget would take it for a new press.
+    ZVItem* const item = ZVEnv->trackingItem;
+    if (!item || item->type != ZV_GAD_SLIDER) return;
+    ZVEnv->modifiers |= ZV_MOD_SECOND_BUTTON;
+    Send_Gadget_Event(ZV_CUSTOM_MOUSE_DOWN, item, {x, y});
+    ZVEnv->modifiers &= ~uint32_t{ZV_MOD_SECOND_BUTTON};
+}
+
 void IgnoreContextualMenuEventZV()
 {
     ZVEnv->buttonState &= ~uint32_t{ZV_MOD_CONTEXTUAL};

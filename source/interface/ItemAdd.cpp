@@ -4,9 +4,17 @@
 #include "interface/Layout.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace {
+
+constexpr int32_t DefaultTextCapacity = 255;
+constexpr int32_t DefaultFloatCapacity = 12;
+constexpr int32_t LargestCapacity = 1 << 24;
+constexpr uint16_t TextCursor = ZV_CURSOR_TEXT;
+constexpr uint16_t LeftOfGadget = ZV_Position(ZV_POS_BEFORE, ZV_POS_ALIGN_CENTER);
+constexpr int32_t DefaultPropEnd = 100;
+
+}  // namespace
 
 void Free_New_Item(ZVItem* item)
 {
@@ -16,17 +24,6 @@ void Free_New_Item(ZVItem* item)
     Free_List(&item->entries);
     FreeMemZV(item);
 }
-
-/// An item that is not linked yet.
-using NewItem = std::unique_ptr<ZVItem, Released_By<Free_New_Item>>;
-
-constexpr int32_t DefaultTextCapacity = 255;
-constexpr int32_t DefaultFloatCapacity = 12;
-constexpr int32_t LargestCapacity = 1 << 24;
-constexpr uint16_t TextCursor = ZV_CURSOR_TEXT;
-constexpr uint16_t LeftOfGadget = ZV_Position(ZV_POS_BEFORE, ZV_POS_ALIGN_CENTER);
-
-}  // namespace
 
 /// A zeroed item of the open group with a copy of its tags; null with error 4 or 1.
 static NewItem Make_Item(ZVItemKind kind, TagItem* tags)
@@ -194,7 +191,9 @@ bool Take_Gadget_Limit(ZVItem& item, TagItem const& tag)
         if (real) setMax(To_Whole(*real), *real);
         return true;
     case ZV_ITEM_SELECTED: item.selected = tag.data; return true;
-    case ZV_ITEM_LINKED: item.linkedItem = static_cast<uint32_t>(tag.data); return true;
+    case ZV_ITEM_LINKED: item.linkedItem = tag.data; return true;
+    case ZV_ITEM_PROP_PAGE: item.page = Tag_Number(tag); return true;
+    case ZV_ITEM_PROP_STEP: item.lineStep = Tag_Number(tag); return true;
     case ZV_ITEM_EXTRA: item.extra = static_cast<uint32_t>(tag.data); return true;
     case ZV_ITEM_ORDER: item.order = static_cast<uint16_t>(tag.data); return true;
     default: return false;
@@ -254,15 +253,19 @@ static void Settle_Type(ZVItem& item, ZVGadgetType type, ZVGadgetSize size)
     item.maxInt = INT32_MAX;
     item.minReal = INT32_MIN;
     item.maxReal = INT32_MAX;
+    if (Is_Prop(type)) {
+        item.minReal = item.minInt = 0;
+        item.maxReal = item.maxInt = DefaultPropEnd;
+        item.page = item.lineStep = 1;
+    }
     if (Has_Edit_Text(type))
         item.maxChars = type == ZV_GAD_FLOAT ? DefaultFloatCapacity : DefaultTextCapacity;
     item.customFunc = Function_Of_Type(type);
     if (Has_Edit_Text(type) || type == ZV_GAD_INTEGER) item.cursor = TextCursor;
 }
 
-/// A gadget that is complete but for its label.
-static NewItem Make_Gadget(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
-                           ZVGadgetSize size, char const* label, TagItem* tags)
+NewItem Make_Gadget(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
+                    ZVGadgetSize size, char const* label, TagItem* tags)
 {
     NewItem item = Make_Item(ZV_ITEM_GADGET, tags);
     if (!item) return nullptr;
@@ -282,9 +285,22 @@ static NewItem Make_Gadget(unsigned short id, unsigned short position, short ref
     return item;
 }
 
+/// The type that a gadget gets, which a tag can have changed.
+static ZVGadgetType Told_Type(ZVGadgetType type, TagItem* tags)
+{
+    while (TagItem const* tag = NextTagItem(&tags)) {
+        if (tag->tag == ZV_ITEM_LABEL_TAGS) break;
+        if (tag->tag == ZV_ITEM_TYPE) return static_cast<ZVGadgetType>(tag->data);
+    }
+    return type;
+}
+
 ZVItem* AddGadgetZV(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
                     ZVGadgetSize size, char const* label, TagItem* tags)
 {
+    type = Told_Type(type, tags);
+    if (type == ZV_GAD_HPROP) return Add_HProp(id, position, reference, type, size, label, tags);
+    if (type == ZV_GAD_VPROP) return Add_VProp(id, position, reference, type, size, label, tags);
     NewItem made = Make_Gadget(id, position, reference, type, size, label, tags);
     if (!made) return nullptr;
     NewItem text;

@@ -1,6 +1,7 @@
 // The layout of the items of a group. An item states where it stands beside another one, and labels hang on
 // the sides of their gadgets. The first pass finds the natural size of a group; the second places its items
 // once the group has its real size, and shares out the free space. Neither allocates.
+#include "interface/ItemParts.h"
 #include "interface/Layout.h"
 #include "interface/LayoutTags.h"
 
@@ -132,11 +133,40 @@ static long Chain_Length(Axis const& axis, ZVItem const& item, ZVItem* ZVItem::*
     return length;
 }
 
+/// Whether an item is the arrow that the other parts of a proportional gadget follow along the axis.
+static bool Leads_Prop(Axis const& axis, ZVItem const& item)
+{
+    ZVItem const* const next = item.*axis.farLink;
+    return next && Is_Prop(next->type) && next->kind == ZV_ITEM_GADGET && next->*axis.nearLink == &item;
+}
+
+/// The size of an item with what follows it as a part of the same gadget.
+static long Whole_Size(Axis const& axis, ZVItem const& item)
+{
+    long size = item.*axis.size;
+    if (!Leads_Prop(axis, item)) return size;
+    for (ZVItem const* part = item.*axis.farLink; part && part->kind == ZV_ITEM_GADGET;
+         part = part->*axis.farLink)
+        size += Distance(*part, 0) + part->*axis.size;
+    return size;
+}
+
+/// Whether an item is a part that goes with its first one to a place in the group.
+static bool Follows_Into_Group(Axis const& axis, ZVItem const& item)
+{
+    ZVItem const* first = &item;
+    while (ZVItem const* part = first->*axis.nearLink) {
+        if (part->kind != ZV_ITEM_GADGET) break;
+        first = part;
+    }
+    return first != &item && Leads_Prop(axis, *first) && Is_Of_Parent(axis.Half(first->position));
+}
+
 /// Where an item lines up beside a reference: at the first of the parts of a proportional gadget.
 static long Near_Edge(Axis const& axis, ZVItem const& reference)
 {
     ZVItem const* first = &reference;
-    if (reference.type == ZV_GAD_HPROP || reference.type == ZV_GAD_VPROP)
+    if (Is_Prop(reference.type))
         while (first->*axis.nearLink && (first->*axis.nearLink)->kind != ZV_ITEM_LABEL)
             first = first->*axis.nearLink;
     return first->*axis.place;
@@ -146,7 +176,7 @@ static long Near_Edge(Axis const& axis, ZVItem const& reference)
 static bool Place_Item(Axis const& axis, ZVItem& item, ZVItem const* reference, long free)
 {
     unsigned const half = axis.Half(item.position);
-    if (Is_Of_Parent(half)) return true;
+    if (Is_Of_Parent(half) || Follows_Into_Group(axis, item)) return true;
     bool const isPlaced = reference && reference->*axis.place != Unplaced;
     long place = 0;
     if (half == ZV_POS_DEFAULT) {
@@ -168,11 +198,12 @@ static bool Place_Item(Axis const& axis, ZVItem& item, ZVItem const* reference, 
             }
             place += isBefore ? -shift : shift;
         } else if (!isOut) {
+            long const whole = Whole_Size(axis, item);
             switch (half) {
-            case ZV_POS_ALIGN_CENTER: place += (length - size) / 2; break;
-            case ZV_POS_ALIGN_END: place += length - size; break;
-            case ZV_POS_ON_START: place -= size / 2; break;
-            case ZV_POS_ON_END: place += length - size / 2; break;
+            case ZV_POS_ALIGN_CENTER: place += (length - whole) / 2; break;
+            case ZV_POS_ALIGN_END: place += length - whole; break;
+            case ZV_POS_ON_START: place -= whole / 2; break;
+            case ZV_POS_ON_END: place += length - whole / 2; break;
             default: break;
             }
         }
@@ -225,8 +256,14 @@ static void Place_In_Group(ZVGroup const& group, long width, long height)
         for (Axis const& axis : axes) {
             unsigned const half = axis.Half(item.position);
             long const length = &axis == &axes[0] ? width : height;
-            if (Is_Of_Parent(half))
-                item.*axis.place = static_cast<int32_t>(Place_In_Parent(half, length, item.*axis.size));
+            if (!Is_Of_Parent(half)) continue;
+            long place = Place_In_Parent(half, length, Whole_Size(axis, item));
+            item.*axis.place = static_cast<int32_t>(place);
+            if (!Leads_Prop(axis, item)) continue;
+            for (ZVItem* part = &item; (part = part->*axis.farLink) && part->kind == ZV_ITEM_GADGET;) {
+                place += (part->*axis.nearLink)->*axis.size + Distance(*part, 0);
+                part->*axis.place = static_cast<int32_t>(place);
+            }
         }
     }
 }
@@ -236,7 +273,7 @@ static long Natural_Extent(Axis const& axis, ZVGroup const& group)
 {
     long extent = Normalize(axis, group);
     for (ZVItem const& item : Items_Of(group))
-        if (!Is_Out(item) && item.*axis.place == Unplaced) extent = std::max<long>(extent, item.*axis.size);
+        if (!Is_Out(item) && item.*axis.place == Unplaced) extent = std::max(extent, Whole_Size(axis, item));
     return extent;
 }
 

@@ -66,11 +66,6 @@ static bool Change_Entries(ZVItem& item, TagItem const& tag, Changes& changes)
     case ZV_ITEM_REMOVE_ENTRY: Remove_Entry(item, tag.data); break;
     case ZV_ITEM_ADD_ENTRY: Add_Entry(item, Tag_Pointer<char const*>(tag)); break;
     case ZV_ITEM_ADD_ENTRY_ID: Add_Entry(item, Text_Of_Id(tag.data)); break;
-    // Which entries are disabled belongs to the gadget's function; the list of entries stays as it is.
-    case ZV_ITEM_ENABLE_ENTRY:
-    case ZV_ITEM_DISABLE_ENTRY:
-    case ZV_ITEM_ENABLE_ALL_ENTRIES:
-    case ZV_ITEM_DISABLE_ALL_ENTRIES: return true;
     default: return false;
     }
     if (item.declaredType == ZV_GAD_LIST && tag.tag >= ZV_ITEM_REMOVE_ENTRY) {
@@ -83,36 +78,35 @@ static bool Change_Entries(ZVItem& item, TagItem const& tag, Changes& changes)
     return true;
 }
 
-/// Keeps a number among the tags of an item, where its gadget reads it.
-static void Keep_Tag(ZVItem& item, TagItem const& tag)
+/// Takes a tag that marks entries as enabled or disabled; the entries stay as they are. False for other tags.
+static bool Mark_Entries(ZVItem& item, TagItem const& tag, Changes& changes)
 {
-    for (TagItem* own = item.tags; own && own->tag != ZV_TAG_END && own->tag != ZV_ITEM_LABEL_TAGS; ++own) {
-        if (own->tag != tag.tag) continue;
-        own->data = tag.data;
-        return;
+    switch (tag.tag) {
+    case ZV_ITEM_ENABLE_ENTRY:
+    case ZV_ITEM_DISABLE_ENTRY: EnableCycleGadEntry(&item, tag.data, tag.tag == ZV_ITEM_ENABLE_ENTRY); break;
+    case ZV_ITEM_ENABLE_ALL_ENTRIES:
+    case ZV_ITEM_DISABLE_ALL_ENTRIES:
+        EnableCycleGadEntry(&item, 0, tag.tag == ZV_ITEM_ENABLE_ALL_ENTRIES);
+        break;
+    default: return false;
     }
-    TagItem pair[] = {tag, {}};
-    if (TagItem* joined = Join_Tags(pair, item.tags)) {
-        FreeMemZV(item.tags);
-        item.tags = joined;
-    }
+    changes.isVisible = true;
+    return true;
 }
 
 static void Change_Item(ZVItem& item, TagItem const& tag, Changes& changes)
 {
-    if (Change_Entries(item, tag, changes)) return;
+    if (Change_Entries(item, tag, changes) || Mark_Entries(item, tag, changes)) return;
     if (Take_Item_Tag(item, tag)) {
         changes.isCursor |= tag.tag == ZV_ITEM_CURSOR;
         if (tag.tag == ZV_ITEM_ID) Forget_Item_Ids(*item.group->palette);
     } else if (Take_Gadget_Limit(item, tag)) {
-        changes.isVisible |= tag.tag != ZV_ITEM_LINKED && tag.tag != ZV_ITEM_ORDER;
+        changes.isVisible |=
+            tag.tag != ZV_ITEM_LINKED && tag.tag != ZV_ITEM_ORDER && tag.tag != ZV_ITEM_PROP_STEP;
     } else if (tag.tag == ZV_ITEM_TEXT) {
         Change_Text(item, Tag_Pointer<char const*>(tag), changes);
     } else if (tag.tag == ZV_ITEM_TEXT_ID) {
         Change_Text(item, Text_Of_Id(tag.data), changes);
-    } else if (tag.tag == ZV_ITEM_PROP_PAGE || tag.tag == ZV_ITEM_PROP_STEP) {
-        Keep_Tag(item, tag);
-        changes.isVisible |= tag.tag == ZV_ITEM_PROP_PAGE;
     }
 }
 

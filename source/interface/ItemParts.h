@@ -5,6 +5,7 @@
 #include "interface/Records.h"
 
 #include <cmath>
+#include <memory>
 
 /// Sends a custom event that has no place to an item. The function may free the item.
 /// @return  replyData as the function left it
@@ -18,6 +19,15 @@ inline unsigned long Send_Custom_Event(ZVItem& item, ZVCustomEventType type, uns
     return event.replyData;
 }
 
+/// An item that is not linked yet, freed with all it has unless it is released.
+void Free_New_Item(ZVItem* item);
+using NewItem = std::unique_ptr<ZVItem, Released_By<Free_New_Item>>;
+
+/// A gadget of the open group that is complete but for its label beside it, its size and its place on the
+/// list; null with error 4 or 1.
+NewItem Make_Gadget(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
+                    ZVGadgetSize size, char const* label, TagItem* tags);
+
 /// The function that a type of gadget brings along, or null.
 using GadgetFunction = long (*)(ZVCustomEvent*);
 GadgetFunction Function_Of_Type(ZVGadgetType type);
@@ -28,6 +38,12 @@ inline bool Has_Attached_Label(ZVGadgetType type)
 {
     return type == ZV_GAD_CYCLE || type == ZV_GAD_STRING || type == ZV_GAD_INTEGER || type == ZV_GAD_FLOAT ||
            type == ZV_GAD_MENU || type == ZV_GAD_EDITOR;
+}
+
+/// Types that are made of a track and two arrows.
+inline bool Is_Prop(ZVGadgetType type)
+{
+    return type == ZV_GAD_HPROP || type == ZV_GAD_VPROP;
 }
 
 /// Types that keep a text of their own, with a capacity in place of the upper limit.

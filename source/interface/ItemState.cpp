@@ -113,14 +113,3 @@ unsigned long GetGadgetStateZV(unsigned long id)
     default: return item->type <= ZV_GAD_TEXTBOX ? Tag_Word(item->state) : 0;
     }
 }
-
-void SetupSliderZV(unsigned long id, double min, double max, double, double, char)
-{
-    ZVItem* const item = FindItemZV(static_cast<unsigned short>(id));
-    if (!item || item->type != ZV_GAD_SLIDER) return;
-    // The limits alone: the range that is displayed and its decimals belong to the slider's function.
-    item->minReal = min;
-    item->maxReal = max;
-    item->minInt = To_Whole(min);
-    item->maxInt = To_Whole(max);
-}

@@ -65,7 +65,7 @@ static void Leave_Window(ZVWindow* window)
 {
     if (List_Empty(&window->palettes)) {
         Snapshot_WindowPrefs();
-        if (window->sysWindow) Free_SysWindow(window);
+        if (window->sysWindow && window->kind != ZV_KIND_ROOT) Free_SysWindow(window);
         return;
     }
     auto* const first = reinterpret_cast<ZVPalette*>(window->palettes.head);

@@ -2,6 +2,7 @@
 #include "interface/ItemParts.h"
 #include "interface/PaletteTree.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -20,6 +21,9 @@ struct Display {
     long gap = 0;                  ///< towards the reference palette
 
     bool Is_Pseudo() const { return palette.flags & ZV_PALF_PSEUDO; }
+
+    /// Of a floater, above the palette.
+    long Bar_Height() const { return palette.kind == ZV_KIND_FLOATER ? ZVEnv->style->tabHeight : 0; }
 };
 }  // namespace
 
@@ -119,25 +123,45 @@ static bool Wants_Prefs(Display const& display)
     return !display.overridesPrefs && !(display.palette.flags & ZV_PALF_NO_PREFS);
 }
 
+/// The rectangle around all monitors.
+static ZVRectT<long> Desktop()
+{
+    ZVMonitor const& main = ZVEnv->monitors[0];
+    ZVRectT<long> area{main.left, main.top, main.width, main.height};
+    for (int i = 1; i < ZVEnv->monitorCount; ++i) {
+        ZVMonitor const& monitor = ZVEnv->monitors[i];
+        area.Union({monitor.left, monitor.top, monitor.width, monitor.height});
+    }
+    return area;
+}
+
+/// A saved size as far as the desktop can show it. What is no size leaves things as they are.
+static void Take_Saved_Length(long& length, long saved, long most)
+{
+    if (saved > 0) length = std::min(saved, most);
+}
+
 /// The size and the pseudo-window that the palette had the last time.
 static void Take_Saved_Size(Display& display)
 {
     ZVPalette& palette = display.palette;
     ZVWindow* window = nullptr;
     unsigned long pseudoId = 0;
-    long width = -1, height = -1;
+    long width = 0, height = 0;
     if (!Wants_Prefs(display) ||
         !Get_Dest_Window(&palette, &window, &pseudoId, nullptr, nullptr, &width, &height, nullptr))
         return;
+    ZVRectT<long> const desktop = Desktop();
     if (palette.forcedWidth == -1 && (palette.flags & (ZV_PALF_SIZE_BOTH | ZV_PALF_SIZE_X)))
-        display.width = width;
+        Take_Saved_Length(display.width, width, desktop.width);
     if (palette.forcedHeight == -1 && (palette.flags & (ZV_PALF_SIZE_BOTH | ZV_PALF_SIZE_Y)))
-        display.height = height;
+        Take_Saved_Length(display.height, height, desktop.height);
+    // A pseudo-window that there is no more leaves the palette the place that it is declared with.
     if (pseudoId == 0) {
         palette.flags &= ~ZV_PALF_PSEUDO;
         display.pseudoWindow = nullptr;
         display.pseudoId = 0;
-    } else if (!display.window && ZVEnv->rootWindow) {
+    } else if (window && !display.window && ZVEnv->rootWindow) {
         palette.flags |= ZV_PALF_PSEUDO;
         display.pseudoWindow = window;
         display.pseudoId = pseudoId;
@@ -201,8 +225,7 @@ static void Lay_Out(Display& display)
 
 // ---- places -----------------------------------------------------------------------------------------------
 
-/// The monitor that holds the mouse; the first one when none does.
-static ZVRectT<long> Mouse_Monitor()
+ZVRectT<long> Mouse_Monitor()
 {
     for (int i = ZVEnv->monitorCount; i-- > 0;) {
         ZVMonitor const& monitor = ZVEnv->monitors[i];
@@ -226,7 +249,7 @@ static ZVRectT<long> Place_In_Pseudo_Window(Display const& display)
         GetParentSysWindow(other, &dx, &dy);
         reference = {other->x + dx, other->y + dy, other->width, other->height};
     }
-    ZVRectT<long> place{0, 0, palette.width, palette.height};
+    ZVRectT<long> place{0, 0, palette.width, palette.height + display.Bar_Height()};
     GetElementPlacement(palette.position, &place, &reference, &parent, display.gap, &place.x, &place.y);
     place.Offset(display.offsetX - parent.x, display.offsetY - parent.y);
     return place;
@@ -252,6 +275,25 @@ static ZVRectT<long> Place_On_Screen(Display const& display)
 
 // ---- windows ----------------------------------------------------------------------------------------------
 
+/// The window and the place that the palette had the last time, and whether it was the active one there. A
+/// place that is on none of the monitors does not count, and neither does one in a pseudo-window that there
+/// is no more.
+static void Take_Saved_Window(Display& display, long& x, long& y, long& activates)
+{
+    ZVPalette const& palette = display.palette;
+    ZVWindow* window = nullptr;
+    unsigned long pseudoId = 0;
+    long savedX = 0, savedY = 0;
+    if (!Get_Dest_Window(&palette, &window, &pseudoId, &savedX, &savedY, nullptr, nullptr, &activates))
+        return;
+    ZVRectT<long> area{savedX, savedY, palette.width, palette.height};
+    if (!pseudoId && area.Intersect(Desktop())) {
+        x = savedX;
+        y = savedY;
+    }
+    if (!display.window && !pseudoId) display.window = window;
+}
+
 /// Shows the palette in the window that the tags name, in the one it was in the last time, or in a new one.
 static long Show(Display& display, ZVRectT<long> const& place)
 {
@@ -263,11 +305,7 @@ static long Show(Display& display, ZVRectT<long> const& place)
         ZVWindow* const window = display.pseudoWindow ? display.pseudoWindow : ZVEnv->rootWindow;
         return NewActivePalette(window, &palette, x, y, activates);
     }
-    if (Wants_Prefs(display) && palette.kind != ZV_KIND_MODAL) {
-        ZVWindow* saved = nullptr;
-        Get_Dest_Window(&palette, &saved, nullptr, &x, &y, nullptr, nullptr, &activates);
-        if (!display.window) display.window = saved;
-    }
+    if (Wants_Prefs(display) && palette.kind != ZV_KIND_MODAL) Take_Saved_Window(display, x, y, activates);
     if (display.explicitX != -1) x = display.explicitX;
     if (display.explicitY != -1) y = display.explicitY;
     return NewActivePalette(display.window, &palette, x, y, activates);
@@ -334,8 +372,7 @@ static long Place_And_Show(Display& display)
     ZVPalette* const palette = &display.palette;
     bool const isPseudo = display.Is_Pseudo();
     ZVRectT<long> const place = isPseudo ? Place_In_Pseudo_Window(display) : Place_On_Screen(display);
-    long const top =
-        (isPseudo ? place.y : 0) + (palette->kind == ZV_KIND_FLOATER ? ZVEnv->style->tabHeight : 0);
+    long const top = (isPseudo ? place.y : 0) + display.Bar_Height();
     Settle_Palette(*palette, isPseudo ? place.x : 0, top);
     palette->flags |= ZV_PALF_HIDDEN;
 

@@ -86,6 +86,9 @@ private:
 /// the palette may be gone afterwards.
 void Palette_Visible(ZVPalette& palette, bool visible);
 
+/// The monitor that holds the mouse; the first one when none does.
+ZVRectT<long> Mouse_Monitor();
+
 /// The title that a window shows.
 char const* Window_Title(ZVWindow const& window);
 

@@ -1,5 +1,6 @@
 // Windows as such: their records, titles and hooks, and the end of all of them.
 #include "interface/PaletteTree.h"
+#include "interface/WindowPrefs.h"
 
 bool Is_Window(ZVWindow const* window)
 {
@@ -110,6 +111,7 @@ void CleanUpWindowsZV()
 {
     if (!ZVEnv) return;
     Snapshot_WindowPrefs();
+    Seal_WindowPrefs();
     if (ZVPalette* unfinished = Root_Of(ZVEnv->buildingPalette)) Free_Palette(unfinished);
     for (Node* node = ZVEnv->windows.tailPred; node->prev;) {
         auto* const window = reinterpret_cast<ZVWindow*>(node);

@@ -17,8 +17,8 @@ namespace {
 fs::path const root = ZV_SOURCE_DIR;
 
 /// Folders of source in their order: each leans on itself and on those in front of it.
-constexpr std::array layers = {"foundation", "threads", "files",     "pixels",
-                               "clips",      "formats", "interface", "gadgets"};
+constexpr std::array layers = {"foundation", "threads",   "files",   "pixels", "clips",
+                               "formats",    "interface", "gadgets", "dialogs"};
 
 /// Headers of the C library that are no part of the C++ standard and that the portable code may use.
 constexpr std::array portableHeaders = {"strings.h"};
@@ -186,6 +186,7 @@ TEST(IncludeRules, TheRulesTellRightFromWrong)
             << row.from << ' ' << row.what;
     EXPECT_TRUE(May_Use_Own_Header({"source", "formats"}, {"source", "clips"}));
     EXPECT_FALSE(May_Use_Own_Header({"source", "pixels"}, {"source", "clips"}));
+    EXPECT_FALSE(May_Use_Own_Header({"source", "formats"}, {"source", "dialogs"}));
 }
 
 TEST(IncludeRules, LinesThatIncludeAreKnown)

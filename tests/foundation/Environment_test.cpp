@@ -144,8 +144,9 @@ TEST_F(EnvironmentStart, MonitorsComeFromTheTagsOrThePlatform)
         tags.push_back({});
         Start(ZV_TAG_MORE, tags.data());
         EXPECT_EQ(ZVEnv->monitorCount, row.expectedCount);
-        EXPECT_EQ(ZVEnv->screenWidth, row.expectedWidth);
-        EXPECT_EQ(ZVEnv->screenHeight, row.widths.empty() ? 1200 : 1000);
+        EXPECT_EQ(ZVEnv->monitors[0].width, row.expectedWidth);
+        EXPECT_EQ(ZVEnv->screenWidth, 1600) << "the display's, whatever the tags say";
+        EXPECT_EQ(ZVEnv->screenHeight, 1200);
         EXPECT_EQ(ZVEnv->style->fontSize, row.expectedFontSize);
         for (std::size_t i = 0; i < row.widths.size(); ++i) {
             EXPECT_EQ(ZVEnv->monitors[i].left, static_cast<int32_t>(i) * 5000);

@@ -1,0 +1,144 @@
+// See FileDialogPath.h. Where there is no room for all, it is the first directories that do not show.
+#include "FileDialogPath.h"
+
+#include "FileDialogDraw.h"
+#include "FileDialogText.h"
+
+#include "Locale/ZVLibStr.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+namespace {
+
+constexpr long Margin = 2, Chevron = 10;
+
+void Draw_Chevron(ZVDrawInfo* draw, long x, long middle, bool isLeft)
+{
+    long const from = isLeft ? x + 6 : x + 3, to = isLeft ? x + 3 : x + 6;
+    DrawLineZV(draw, from, middle - 3, to, middle);
+    DrawLineZV(draw, to, middle, from, middle + 3);
+}
+
+}  // namespace
+
+void FilePath::Show(std::string const& spec)
+{
+    parts_.clear();
+    hovered_ = pressed_ = -1;
+    std::size_t start = 0;
+    for (std::size_t end = spec.find('\\'); end != spec.npos; end = spec.find('\\', start)) {
+        std::string name = spec.substr(start, end - start);
+        if (name.ends_with(':')) name.pop_back();
+        bool const isRoot = start == 0 && name == "Root";
+        parts_.push_back(
+            {isRoot ? GetStringZV(ZVSTR_DIALOG_COMPUTER) : Shown_Name(name), spec.substr(0, end + 1)});
+        start = end + 1;
+    }
+    if (item_) Draw();
+}
+
+std::string FilePath::Pressed() const
+{
+    bool const isThere = item_ && item_->state >= 0 && static_cast<std::size_t>(item_->state) < parts_.size();
+    return isThere ? parts_[static_cast<std::size_t>(item_->state)].spec : std::string();
+}
+
+/// From the last one back, as far as there is room; the last one is cut when it has to be.
+void FilePath::Place_Parts()
+{
+    long const room = item_->width - 2 * Margin;
+    long total = 0;
+    std::size_t first = parts_.size();
+    for (Part& part : parts_)
+        part.left = part.right = 0;
+    while (first > 0) {
+        long const width = GetTextWidthZV(nullptr, parts_[first - 1].name.c_str()) + 2 * CellMargin + Chevron;
+        bool const isLast = first == parts_.size();
+        long const needed = total + width + (first > 1 ? Chevron : 0);
+        if (needed > room && !isLast) break;
+        total += width;
+        --first;
+    }
+    long x = Margin + (first > 0 ? Chevron : 0);
+    for (std::size_t i = first; i < parts_.size(); ++i) {
+        parts_[i].left = x;
+        x += GetTextWidthZV(nullptr, parts_[i].name.c_str()) + 2 * CellMargin;
+        parts_[i].right = std::min(x, item_->width - Margin);
+        x += Chevron;
+    }
+}
+
+long FilePath::Part_At(long x) const
+{
+    for (std::size_t i = 0; i < parts_.size(); ++i)
+        if (x >= parts_[i].left && x < parts_[i].right) return static_cast<long>(i);
+    return -1;
+}
+
+void FilePath::Draw()
+{
+    DrawContext const draw(DrawBeginZV(item_));
+    if (!draw) return;
+    Place_Parts();
+    SetFontZV(draw.get(), GetItemFont(item_));
+    SetPenZV(draw.get(), ZV_PEN_TEXT_FIELD);
+    FillRectZV(draw.get(), 0, 0, item_->width - 1, item_->height - 1);
+    DrawIShineBorderZV(draw.get(), 0, 0, item_->width, item_->height);
+    SetClipRectZV(draw.get(), Margin, Margin, item_->width - 2 * Margin, item_->height - 2 * Margin);
+    long const middle = item_->height / 2;
+    bool isFirst = true;
+    for (std::size_t i = 0; i < parts_.size(); ++i) {
+        Part const& part = parts_[i];
+        if (part.right == 0) continue;
+        SetPenZV(draw.get(), ZV_PEN_TEXT);
+        if (i > 0) Draw_Chevron(draw.get(), part.left - Chevron, middle, isFirst);
+        isFirst = false;
+        bool const isLit = static_cast<long>(i) == (pressed_ >= 0 ? pressed_ : hovered_);
+        if (isLit) {
+            SetPenZV(draw.get(), ZV_PEN_MARKED);
+            FillRectZV(draw.get(), part.left, Margin, part.right - 1, item_->height - Margin - 1);
+        }
+        SetPenZV(draw.get(), isLit ? SelectedText : static_cast<unsigned long>(ZV_PEN_TEXT));
+        bool const isLast = i + 1 == parts_.size();
+        if (isLast) SetFontZV(draw.get(), ZV_FONT_BOLD);
+        Draw_Fitted_Text(draw.get(), part.name, part.left + CellMargin, 0,
+                         part.right - part.left - CellMargin, item_->height);
+    }
+}
+
+void FilePath::Follow(long part)
+{
+    if (std::exchange(hovered_, part) != part) Draw();
+}
+
+long FilePath::Gadget(ZVCustomEvent* event)
+try {
+    auto& self = Object_Of<FilePath>(event);
+    switch (event->type) {
+    case ZV_CUSTOM_SETUP: self.item_ = event->item; break;
+    case ZV_CUSTOM_CLEANUP: self.item_ = nullptr; break;
+    case ZV_CUSTOM_DRAW:
+    case ZV_CUSTOM_DRAW_STATE:
+    case ZV_CUSTOM_DRAW_DISABLED: self.Draw(); break;
+    case ZV_CUSTOM_MOUSE_MOVE: self.Follow(self.Part_At(event->x)); break;
+    case ZV_CUSTOM_MOUSE_OUT: self.Follow(-1); break;
+    case ZV_CUSTOM_MOUSE_DOWN:
+        self.pressed_ = self.Part_At(event->x);
+        self.Draw();
+        break;
+    case ZV_CUSTOM_MOUSE_UP: {
+        long const pressed = std::exchange(self.pressed_, -1);
+        self.Draw();
+        if (pressed < 0 || pressed != self.Part_At(event->x) || !Is_Inside(*event->item)) break;
+        event->item->state = static_cast<int32_t>(pressed);
+        Report_Use(event, ZV_MOD_RELEASE);
+        break;
+    }
+    default: break;
+    }
+    return 1;
+} catch (std::bad_alloc const&) {
+    return 1;  // what there is no memory for does not show
+}

@@ -1,0 +1,38 @@
+// Where a file dialog is, a custom gadget: the directories down to the present one, each of which can be
+// pressed to go there.
+#pragma once
+
+#include "ZVEvent.h"
+#include "ZVItem.h"
+
+#include <string>
+#include <vector>
+
+class FilePath {
+public:
+    FilePath() = default;
+    FilePath(FilePath const&) = delete;
+    FilePath& operator=(FilePath const&) = delete;
+
+    /// The gadget's function; its user data is the object. It reports a directory that was pressed.
+    static long Gadget(ZVCustomEvent* event);
+
+    void Show(std::string const& spec);  ///< Of a directory, with a closing separator.
+    std::string Pressed() const;         ///< Spec of the directory of the report.
+
+private:
+    struct Part {
+        std::string name;
+        std::string spec;
+        long left = 0, right = 0;  ///< as drawn; nothing when there is no room for it
+    };
+
+    void Place_Parts();
+    long Part_At(long x) const;  ///< -1 for none
+    void Draw();
+    void Follow(long part);
+
+    std::vector<Part> parts_;
+    ZVItem* item_ = nullptr;  ///< from set-up to clean-up
+    long hovered_ = -1, pressed_ = -1;
+};

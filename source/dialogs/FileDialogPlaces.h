@@ -1,0 +1,47 @@
+// The places of a file dialog, a custom gadget: the user's folders and the file systems.
+#pragma once
+
+#include "FileDialogIcons.h"
+
+#include "ZVEvent.h"
+#include "ZVItem.h"
+
+#include <string>
+#include <vector>
+
+struct FilePlace {
+    FileIcon icon;
+    std::string name;
+    std::string spec;  ///< with a closing separator
+};
+
+class FilePlaces {
+public:
+    FilePlaces();
+    FilePlaces(FilePlaces const&) = delete;
+    FilePlaces& operator=(FilePlaces const&) = delete;
+
+    /// The gadget's function; its user data is the object. It reports a place that was pressed.
+    static long Gadget(ZVCustomEvent* event);
+
+    static std::string Home();  ///< Spec of the user's folder, of the root when that cannot be had.
+
+    long Natural_Width() const;
+    void Mark(std::string const& spec);  ///< The place where the dialog is, if it is one.
+    void Show_Keyboard(bool hasKeyboard);
+    bool Key(unsigned code);  ///< Up and down. False for others.
+    FilePlace const* Marked() const;
+
+private:
+    void Add(FileIcon icon, std::string name, std::string spec);
+    void Add_User_Places();
+    void Set_Marked(long place);
+    void Draw() const;
+    void Press(ZVCustomEvent* event);
+
+    std::vector<FilePlace> places_;
+    ZVItem* item_ = nullptr;  ///< from set-up to clean-up
+    long marked_ = -1;
+    long top_ = 0;  ///< first place in view
+    bool hasKeyboard_ = false;
+};
