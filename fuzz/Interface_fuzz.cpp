@@ -1,38 +1,10 @@
 // Palettes declared, shown, used and closed in any order that bytes can tell, on the desktop in memory; their
 // callbacks do the same from within.
+#include "InputBytes.h"
+
 #include <ZVLib.h>
 
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-
 namespace {
-
-/// What is left of the input; zeros behind its end.
-class Bytes {
-public:
-    Bytes(uint8_t const* data, std::size_t size) : data_(data), size_(size) {}
-    bool Is_Empty() const { return size_ == 0; }
-    unsigned Next()
-    {
-        if (size_ == 0) return 0;
-        --size_;
-        return *data_++;
-    }
-    unsigned short Next_Short() { return static_cast<unsigned short>(Next() << 8 | Next()); }
-    unsigned short Next_Id() { return static_cast<unsigned short>(1 + Next() % 12); }
-    std::string Next_Text()
-    {
-        std::string text;
-        for (unsigned count = Next() % 24; count > 0; --count)
-            text.push_back(static_cast<char>(Next()));
-        return text;
-    }
-
-private:
-    uint8_t const* data_;
-    std::size_t size_;
-};
 
 /// A display inside a callback of a display: as deep as this.
 constexpr int DeepestCall = 4;

@@ -16,6 +16,7 @@
 #include <cctype>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -108,6 +109,10 @@ private:
     uint64_t crossingSince_ = 0;  ///< its last movement on the way to a submenu; 0 when it is on none
 };
 std::unique_ptr<OpenMenus> menus;
+
+/// The key that a menu was told of last, up to its release, which belongs to the menu although it may be
+/// closed by then.
+std::optional<HostKey> heldKey;
 
 /// Closes all menus. The choice goes to who waits for it, or else to the application.
 void Finish(ZVMenu* chosen)
@@ -284,8 +289,9 @@ void OpenMenus::Turn_Wheel(Point at, double notches)
 {
     Index const panel = Panel_At(at);
     if (panel == NoPanel) return;
-    auto const lines = static_cast<double>(GetWheelScrollLinesZV() * Text_Height(nullptr));
-    if (!panels_[panel]->Scroll(static_cast<int>(std::lround(-notches * lines)))) return;
+    auto const rows =
+        static_cast<double>(GetWheelScrollLinesZV() * (Text_Height(nullptr) + 2 * MenuTextMargin));
+    if (!panels_[panel]->Scroll(static_cast<int>(std::lround(-notches * rows)))) return;
     Close_Behind(panel);
     panels_[panel]->Select(MenuPanel::None);
     Follow(at);
@@ -480,6 +486,10 @@ bool Press_Menu_Bar(HostEvent const& event)
 
 bool Take_Menu_Input(HostEvent const& event)
 {
+    if (event.type == HostEventType::KeyUp && heldKey == event.key) {
+        heldKey.reset();
+        return true;
+    }
     if (!menus) return false;
     Point const at{event.x, event.y};
     switch (event.type) {
@@ -488,6 +498,7 @@ bool Take_Menu_Input(HostEvent const& event)
     case HostEventType::MouseUp: menus->Release(at); return true;
     case HostEventType::Wheel: menus->Turn_Wheel(at, event.wheelY); return true;
     case HostEventType::KeyDown:
+        heldKey = event.key;
         menus->Key(static_cast<unsigned>(Key_Of(event) & 0xFFFF), event.character);
         return true;
     case HostEventType::KeyUp:
