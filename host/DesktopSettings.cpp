@@ -1,10 +1,11 @@
 #include "DesktopSettings.h"
 
+#include <X11/Xlib.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
-#include <dlfcn.h>
 #include <fstream>
 #include <optional>
 #include <string>
@@ -37,20 +38,11 @@ std::optional<int> Number_Of(std::string_view line, std::string_view key, char s
 /// The text resources of the X display, which desktops keep their resolution in; empty when there are none.
 std::string X_Resources()
 {
-    struct XDisplay;
-    void* const library = dlopen("libX11.so.6", RTLD_NOW | RTLD_LOCAL);
-    if (!library) return {};
-    auto const open = reinterpret_cast<XDisplay* (*)(char const*)>(dlsym(library, "XOpenDisplay"));
-    auto const resources = reinterpret_cast<char* (*)(XDisplay*)>(dlsym(library, "XResourceManagerString"));
-    auto const close = reinterpret_cast<int (*)(XDisplay*)>(dlsym(library, "XCloseDisplay"));
     std::string text;
-    if (open && resources && close) {
-        if (XDisplay* const display = open(nullptr)) {
-            if (char const* const found = resources(display)) text = found;
-            close(display);
-        }
+    if (Display* const display = XOpenDisplay(nullptr)) {
+        if (char const* const found = XResourceManagerString(display)) text = found;
+        XCloseDisplay(display);
     }
-    dlclose(library);
     return text;
 }
 

@@ -8,6 +8,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <tuple>
@@ -108,39 +109,35 @@ bool Is_Same_Style(ListedFace const& a, ListedFace const& b)
 
 // ---- the service ------------------------------------------------------------------------------------------
 
-class FontConfigFonts : public HostFonts {
+/// Finds and opens faces. Open fonts hold it, as they look for what they lack.
+class FontFinder : public std::enable_shared_from_this<FontFinder> {
 public:
-    FontConfigFonts(FontConfig config, FontLibrary library)
+    FontFinder(FontConfig config, FontLibrary library)
         : config_(std::move(config)), library_(std::move(library))
     {
     }
 
-    std::unique_ptr<HostFont> Open(HostFontRequest const& request) override
+    FcConfig* Config() const { return config_.get(); }
+
+    std::unique_ptr<HostFont> Open(HostFontRequest const& request)
     {
-        return Open_Match(Find_Face(request).get(), request);
+        return Open_Match(Find_Face(request).get(), request, Substitutes_For(request));
     }
 
-    std::unique_ptr<HostFont> Open(HostFontFace const& face, double pixelSize, bool bold,
-                                   bool italic) override
+    std::unique_ptr<HostFont> Open(HostFontFace const& face, HostFontRequest const& request)
     {
-        HostFontRequest const request{face.family.c_str(), pixelSize, bold, italic};
-        if (bold || italic) {
+        if (request.bold || request.italic) {
             FontPattern const match = Find_Face(request);
-            if (match && Get_Family(match.get()) == face.family) return Open_Match(match.get(), request);
+            if (match && Get_Family(match.get()) == face.family)
+                return Open_Match(match.get(), request, Substitutes_For(request));
         }
         int const index = face.index | (face.instance + 1) << NamedInstanceShift;
-        return Open_File(face.file.c_str(), index, pixelSize, {bold, italic});
-    }
-
-    std::span<HostFontFace const> Faces() override
-    {
-        if (!isListed_) List_Faces();
-        return faces_;
+        return Open_File(face.file.c_str(), index, request.pixelSize, {request.bold, request.italic},
+                         Substitutes_For(request));
     }
 
 private:
-    /// The description of the installed face that fits best, or null.
-    FontPattern Find_Face(HostFontRequest const& request) const
+    FontPattern Pattern_Of(HostFontRequest const& request) const
     {
         FontPattern pattern{FcPatternCreate()};
         if (!pattern) return nullptr;
@@ -154,11 +151,53 @@ private:
         FcPatternAddBool(pattern.get(), FC_VARIABLE, FcFalse);
         FcConfigSubstitute(config_.get(), pattern.get(), FcMatchPattern);
         FcDefaultSubstitute(pattern.get());
-        FcResult result = FcResultNoMatch;
-        return FontPattern{FcFontMatch(config_.get(), pattern.get(), &result)};
+        return pattern;
     }
 
-    std::unique_ptr<HostFont> Open_Match(FcPattern* match, HostFontRequest const& request) const
+    /// The description of the installed face that fits best, or null.
+    FontPattern Find_Face(HostFontRequest const& request) const
+    {
+        FontPattern const pattern = Pattern_Of(request);
+        FcResult result = FcResultNoMatch;
+        return pattern ? FontPattern{FcFontMatch(config_.get(), pattern.get(), &result)} : nullptr;
+    }
+
+    SubstituteFinder Substitutes_For(HostFontRequest const& request)
+    {
+        return [self = shared_from_this(), size = request.pixelSize, bold = request.bold,
+                italic = request.italic](uint32_t character) {
+            return self->Find_Substitute(size, bold, italic, character);
+        };
+    }
+
+    /// The face nearest to a style that has a character.
+    std::unique_ptr<FreeTypeFont> Find_Substitute(double pixelSize, bool bold, bool italic,
+                                                  uint32_t character)
+    {
+        HostFontRequest const request{"sans", pixelSize, bold, italic};
+        FontSet& faces = substitutes_[bold * 2 + italic];
+        if (!faces) {
+            FontPattern const pattern = Pattern_Of(request);
+            FcResult result = FcResultNoMatch;
+            if (pattern) faces.reset(FcFontSort(config_.get(), pattern.get(), FcTrue, nullptr, &result));
+        }
+        for (int i = 0; faces && i < faces->nfont; ++i) {
+            FcBool isVariable = FcFalse;  // as a whole; its instances stand in the list besides
+            if (FcPatternGetBool(faces->fonts[i], FC_VARIABLE, 0, &isVariable) == FcResultMatch && isVariable)
+                continue;
+            FcCharSet* characters = nullptr;
+            if (FcPatternGetCharSet(faces->fonts[i], FC_CHARSET, 0, &characters) != FcResultMatch ||
+                !FcCharSetHasChar(characters, character))
+                continue;
+            // What the list says may not be true any more.
+            auto font = Open_Match(faces->fonts[i], request, nullptr);
+            if (font && font->Has_Character(character)) return font;
+        }
+        return nullptr;
+    }
+
+    std::unique_ptr<FreeTypeFont> Open_Match(FcPattern* match, HostFontRequest const& request,
+                                             SubstituteFinder substitutes)
     {
         FcChar8* file = nullptr;
         if (!match || FcPatternGetString(match, FC_FILE, 0, &file) != FcResultMatch) return nullptr;
@@ -166,11 +205,11 @@ private:
             request.bold && Get_Integer(match, FC_WEIGHT, FC_WEIGHT_REGULAR) < FC_WEIGHT_DEMIBOLD,
             request.italic && Get_Integer(match, FC_SLANT, FC_SLANT_ROMAN) == FC_SLANT_ROMAN};
         return Open_File(reinterpret_cast<char const*>(file), Get_Integer(match, FC_INDEX, 0),
-                         request.pixelSize, synthesis);
+                         request.pixelSize, synthesis, std::move(substitutes));
     }
 
-    std::unique_ptr<HostFont> Open_File(char const* file, int index, double size,
-                                        FontSynthesis synthesis) const
+    std::unique_ptr<FreeTypeFont> Open_File(char const* file, int index, double size, FontSynthesis synthesis,
+                                            SubstituteFinder substitutes)
     {
         double const pixelSize = std::clamp(size, 1.0, HostFontSizeLimit);
         FT_Face opened = nullptr;
@@ -179,9 +218,37 @@ private:
         auto const height = static_cast<FT_F26Dot6>(std::lround(pixelSize * FixedOne));
         if (!FT_IS_SCALABLE(opened) || opened->units_per_EM == 0) return nullptr;
         if (FT_Set_Char_Size(opened, 0, height, 72, 72) != 0) return nullptr;
-        return std::make_unique<FreeTypeFont>(library_, std::move(face), pixelSize, synthesis);
+        return std::make_unique<FreeTypeFont>(library_, std::move(face), pixelSize, synthesis,
+                                              std::move(substitutes));
     }
 
+    FontConfig config_;
+    FontLibrary library_;
+    std::array<FontSet, 4> substitutes_;  // by style, once they were looked for
+};
+
+class FontConfigFonts : public HostFonts {
+public:
+    FontConfigFonts(FontConfig config, FontLibrary library)
+        : finder_(std::make_shared<FontFinder>(std::move(config), std::move(library)))
+    {
+    }
+
+    std::unique_ptr<HostFont> Open(HostFontRequest const& request) override { return finder_->Open(request); }
+
+    std::unique_ptr<HostFont> Open(HostFontFace const& face, double pixelSize, bool bold,
+                                   bool italic) override
+    {
+        return finder_->Open(face, {face.family.c_str(), pixelSize, bold, italic});
+    }
+
+    std::span<HostFontFace const> Faces() override
+    {
+        if (!isListed_) List_Faces();
+        return faces_;
+    }
+
+private:
     void List_Faces()
     {
         isListed_ = true;
@@ -191,7 +258,7 @@ private:
                                                    FC_WEIGHT, nullptr)};
         if (!all || !objects) return;
         FcPatternAddBool(all.get(), FC_OUTLINE, FcTrue);
-        FontSet const found{FcFontList(config_.get(), all.get(), objects.get())};
+        FontSet const found{FcFontList(finder_->Config(), all.get(), objects.get())};
         if (!found) return;
         std::vector<ListedFace> listed;
         for (int i = 0; i < found->nfont; ++i) {
@@ -206,8 +273,7 @@ private:
             faces_.push_back(std::move(face.face));
     }
 
-    FontConfig config_;
-    FontLibrary library_;
+    std::shared_ptr<FontFinder> finder_;
     std::vector<HostFontFace> faces_;
     bool isListed_ = false;
 };

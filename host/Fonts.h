@@ -43,8 +43,8 @@ struct HostFontFace {
 /// A text on one line as glyphs in the order in which they stand.
 struct HostTextRun {
     struct Glyph {
-        uint32_t index;
-        int x, y;  ///< origin, whole pixels from the start of the text and down from the base line
+        uint32_t index;  ///< for Glyph_Image
+        int x, y;        ///< origin, whole pixels from the start of the text and down from the base line
     };
     std::vector<Glyph> glyphs;
     int width = 0;  ///< where the next text would start
@@ -70,7 +70,8 @@ public:
     virtual HostFontMetrics Metrics() const = 0;
 
     /// A text for the screen, with kerning and ligatures. Each advance is a whole number of pixels, so that
-    /// equal letters stand at equal distances. Valid until the next call.
+    /// equal letters stand at equal distances. Characters that the font does not have come from other
+    /// installed fonts. Valid until the next call.
     /// @param text  UTF-8; bytes that are none count as the replacement character
     virtual HostTextRun const& Shape(std::string_view text) = 0;
 

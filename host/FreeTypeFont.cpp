@@ -14,15 +14,25 @@ static constexpr std::size_t MostImageBytes = 4 << 20;
 static constexpr std::size_t MostRuns = 1024;
 static constexpr std::size_t LongestKeptText = 255;
 
+/// Fonts that stand in for one: what a text mixes beyond that stays without a glyph.
+static constexpr std::size_t MostSubstitutes = 32;
+static constexpr std::size_t MostMissing = 1 << 16;
+
+/// A glyph of a run is its index in its font, with the number of that font above it.
+static constexpr unsigned FontShift = 16;
+static constexpr uint32_t GlyphMask = 0xFFFF;
+
 /// Slope of a made italic: 12 degrees.
 static constexpr double ItalicSlope = 0.2126;
 
 /// Width of the stroke that a made bold gains, in ems.
 static constexpr double BoldGain = 1.0 / 24;
 
-FreeTypeFont::FreeTypeFont(FontLibrary library, FontFace face, double pixelSize, FontSynthesis synthesis)
+FreeTypeFont::FreeTypeFont(FontLibrary library, FontFace face, double pixelSize, FontSynthesis synthesis,
+                           SubstituteFinder findSubstitute)
     : library_(std::move(library)), face_(std::move(face)), pixelSize_(pixelSize), synthesis_(synthesis),
-      font_(hb_ft_font_create_referenced(face_.get())), buffer_(hb_buffer_create())
+      font_(hb_ft_font_create_referenced(face_.get())), buffer_(hb_buffer_create()),
+      findSubstitute_(std::move(findSubstitute))
 {
     hb_ft_font_set_load_flags(font_.get(), FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP);
 }
@@ -52,10 +62,33 @@ void FreeTypeFont::Shape_Buffer(bool hasLigatures)
              hasLigatures ? 0U : static_cast<unsigned>(features.size()));
 }
 
-HostTextRun FreeTypeFont::Make_Run(std::string_view text)
+bool FreeTypeFont::Has_Character(uint32_t character) const
+{
+    return FT_Get_Char_Index(face_.get(), character) != 0;
+}
+
+unsigned FreeTypeFont::Font_For(uint32_t character)
+{
+    if (Has_Character(character) || !findSubstitute_) return 0;
+    if (auto const known = fontOfMissing_.find(character); known != fontOfMissing_.end())
+        return known->second;
+    unsigned number = 0;
+    for (unsigned i = 1; i <= substitutes_.size() && number == 0; ++i)
+        if (Font_Of(i).Has_Character(character)) number = i;
+    if (number == 0 && substitutes_.size() < MostSubstitutes) {
+        if (auto found = findSubstitute_(character)) {
+            substitutes_.push_back(std::move(found));
+            number = static_cast<unsigned>(substitutes_.size());
+        }
+    }
+    if (fontOfMissing_.size() >= MostMissing) fontOfMissing_.clear();
+    return fontOfMissing_[character] = number;
+}
+
+void FreeTypeFont::Shape_Stretch(std::span<uint32_t const> characters, uint32_t mark, HostTextRun& run)
 {
     hb_buffer_clear_contents(buffer_.get());
-    hb_buffer_add_utf8(buffer_.get(), text.data(), static_cast<int>(text.size()), 0, -1);
+    hb_buffer_add_utf32(buffer_.get(), characters.data(), static_cast<int>(characters.size()), 0, -1);
     Shape_Buffer(true);
     unsigned count = 0;
     hb_glyph_info_t const* infos = hb_buffer_get_glyph_infos(buffer_.get(), &count);
@@ -63,21 +96,60 @@ HostTextRun FreeTypeFont::Make_Run(std::string_view text)
     auto const rounded = [](hb_position_t length) {
         return static_cast<int>(std::lround(length / FixedOne));
     };
-    HostTextRun run;
     for (unsigned i = 0; i < count; ++i) {
-        run.glyphs.push_back({infos[i].codepoint, run.width + rounded(positions[i].x_offset),
-                              -rounded(positions[i].y_offset)});
+        run.glyphs.push_back({(infos[i].codepoint & GlyphMask) | mark,
+                              run.width + rounded(positions[i].x_offset), -rounded(positions[i].y_offset)});
         run.width += rounded(positions[i].x_advance);
+    }
+}
+
+/// The characters of a text; bytes that are none are the replacement character.
+static std::vector<uint32_t> Characters_Of(hb_buffer_t* buffer, std::string_view text)
+{
+    hb_buffer_clear_contents(buffer);
+    hb_buffer_add_utf8(buffer, text.data(), static_cast<int>(text.size()), 0, -1);
+    unsigned count = 0;
+    hb_glyph_info_t const* const infos = hb_buffer_get_glyph_infos(buffer, &count);
+    std::vector<uint32_t> characters(count);
+    for (unsigned i = 0; i < count; ++i)
+        characters[i] = infos[i].codepoint;
+    return characters;
+}
+
+/// Whether a character is drawn together with the one ahead of it.
+static bool Is_Mark(uint32_t character)
+{
+    constexpr uint32_t zeroWidthJoiner = 0x200D;
+    switch (hb_unicode_general_category(hb_unicode_funcs_get_default(), character)) {
+    case HB_UNICODE_GENERAL_CATEGORY_SPACING_MARK:
+    case HB_UNICODE_GENERAL_CATEGORY_ENCLOSING_MARK:
+    case HB_UNICODE_GENERAL_CATEGORY_NON_SPACING_MARK: return true;
+    default: return character == zeroWidthJoiner;
+    }
+}
+
+HostTextRun FreeTypeFont::Make_Run(std::string_view text)
+{
+    std::vector<uint32_t> const characters = Characters_Of(buffer_.get(), text);
+    HostTextRun run;
+    for (std::size_t start = 0; start < characters.size();) {
+        unsigned const font = Font_For(characters[start]);
+        std::size_t end = start + 1;
+        while (end < characters.size() && (Is_Mark(characters[end]) || Font_For(characters[end]) == font))
+            ++end;
+        Font_Of(font).Shape_Stretch(std::span(characters).subspan(start, end - start), font << FontShift,
+                                    run);
+        start = end;
     }
     return run;
 }
 
 HostTextRun const& FreeTypeFont::Shape(std::string_view text)
 {
-    std::string key(text);
+    if (text.size() > LongestKeptText) return longRun_ = Make_Run(text);
+    std::string const key(text);
     if (auto const known = runs_.find(key); known != runs_.end()) return known->second;
     if (runs_.size() >= MostRuns) runs_.clear();
-    if (text.size() > LongestKeptText) key.clear();  // one place for all of them
     return runs_[key] = Make_Run(text);
 }
 
@@ -132,6 +204,7 @@ HostMask FreeTypeFont::Make_Image(uint32_t glyph)
 
 HostMask const& FreeTypeFont::Glyph_Image(uint32_t glyph)
 {
+    if (unsigned const font = glyph >> FontShift) return Font_Of(font).Glyph_Image(glyph & GlyphMask);
     if (auto const known = images_.find(glyph); known != images_.end()) return known->second;
     if (imageBytes_ > MostImageBytes) {
         images_.clear();

@@ -8,6 +8,7 @@
 #include FT_FREETYPE_H
 #include <hb.h>
 
+#include <functional>
 #include <unordered_map>
 
 using FontLibrary = std::shared_ptr<FT_LibraryRec_>;
@@ -21,10 +22,19 @@ struct FontSynthesis {
     bool italic = false;
 };
 
+class FreeTypeFont;
+
+/// Opens a font that has a character, in a size and style; null when there is none.
+using SubstituteFinder = std::function<std::unique_ptr<FreeTypeFont>(uint32_t character)>;
+
 class FreeTypeFont : public HostFont {
 public:
     /// The face has its size set and is scalable.
-    FreeTypeFont(FontLibrary library, FontFace face, double pixelSize, FontSynthesis synthesis);
+    /// @param findSubstitute  asked for a character that the face does not have; may be empty
+    FreeTypeFont(FontLibrary library, FontFace face, double pixelSize, FontSynthesis synthesis,
+                 SubstituteFinder findSubstitute);
+
+    bool Has_Character(uint32_t character) const;
 
     HostFontMetrics Metrics() const override;
     HostTextRun const& Shape(std::string_view text) override;
@@ -36,6 +46,13 @@ private:
     /// Fills the buffer with the glyphs of what it holds as text.
     void Shape_Buffer(bool hasLigatures);
     HostTextRun Make_Run(std::string_view text);
+
+    /// Adds the glyphs of a stretch that this font draws, each with a mark of the font.
+    void Shape_Stretch(std::span<uint32_t const> characters, uint32_t mark, HostTextRun& run);
+
+    /// The font that draws a character: 0 is this one, others count the substitutes from 1.
+    unsigned Font_For(uint32_t character);
+    FreeTypeFont& Font_Of(unsigned number) { return number == 0 ? *this : *substitutes_[number - 1]; }
     HostMask Make_Image(uint32_t glyph);
     void Apply_Synthesis(FT_Outline& outline, double unitsPerPixel) const;
 
@@ -48,4 +65,9 @@ private:
     std::unordered_map<uint32_t, HostMask> images_;
     std::size_t imageBytes_ = 0;
     std::unordered_map<std::string, HostTextRun> runs_;
+    HostTextRun longRun_;  ///< of the last text that was too long to be kept
+
+    SubstituteFinder findSubstitute_;
+    std::vector<std::unique_ptr<FreeTypeFont>> substitutes_;
+    std::unordered_map<uint32_t, unsigned> fontOfMissing_;  // by character
 };

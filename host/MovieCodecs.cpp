@@ -9,33 +9,53 @@ namespace {
 
 constexpr AVPixelFormat None = AV_PIX_FMT_NONE;
 
+constexpr unsigned AllControls = QualityControl | KeyFrameControl | RateControl;
+
 constexpr PictureCodec pictureCodecs[] = {
-    {"rle ", "qtrle", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, None, None, false, true},
-    {"raw ", "rawvideo", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, AV_PIX_FMT_RGB48BE, AV_PIX_FMT_RGBA64BE, false,
-     false},
-    {"png ", "png", AV_PIX_FMT_RGB24, AV_PIX_FMT_RGBA, AV_PIX_FMT_RGB48BE, AV_PIX_FMT_RGBA64BE, false, true},
-    {"FFV1", "ffv1", AV_PIX_FMT_BGR0, AV_PIX_FMT_BGRA, AV_PIX_FMT_GBRP16, AV_PIX_FMT_GBRAP16, false, false},
-    {"jpeg", "mjpeg", AV_PIX_FMT_YUVJ420P, None, None, None, true, true},
-    {"apco", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false, false},
-    {"apcs", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false, false},
-    {"apcn", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false, false},
-    {"apch", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false, false},
-    {"ap4h", "prores_ks", AV_PIX_FMT_YUV444P10, AV_PIX_FMT_YUVA444P10, AV_PIX_FMT_YUV444P10,
-     AV_PIX_FMT_YUVA444P10, false, false},
-    {"ap4x", "prores_ks", AV_PIX_FMT_YUV444P10, AV_PIX_FMT_YUVA444P10, AV_PIX_FMT_YUV444P10,
-     AV_PIX_FMT_YUVA444P10, false, false},
-    {"v210", "v210", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false, false},
-    {"2vuy", "rawvideo", AV_PIX_FMT_UYVY422, None, None, None, false, false},
-    {"avc1", "libx264", AV_PIX_FMT_YUV420P, None, AV_PIX_FMT_YUV420P10, None, true, false},
-    {"hvc1", "libx265", AV_PIX_FMT_YUV420P, None, AV_PIX_FMT_YUV420P10, None, true, false},
-    {"mp4v", "mpeg4", AV_PIX_FMT_YUV420P, None, None, None, true, false},
+    {"rle ", "Animation", "qtrle", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, None, None, false, true,
+     KeyFrameControl},
+    {"raw ", "Uncompressed", "rawvideo", AV_PIX_FMT_RGB24, AV_PIX_FMT_ARGB, AV_PIX_FMT_RGB48BE,
+     AV_PIX_FMT_RGBA64BE, false, false, FixedCodec},
+    {"png ", "PNG", "png", AV_PIX_FMT_RGB24, AV_PIX_FMT_RGBA, AV_PIX_FMT_RGB48BE, AV_PIX_FMT_RGBA64BE, false,
+     true, FixedCodec},
+    {"FFV1", "FFV1", "ffv1", AV_PIX_FMT_BGR0, AV_PIX_FMT_BGRA, AV_PIX_FMT_GBRP16, AV_PIX_FMT_GBRAP16, false,
+     false, KeyFrameControl},
+    {"jpeg", "Motion JPEG", "mjpeg", AV_PIX_FMT_YUVJ420P, None, None, None, true, true,
+     QualityControl | RateControl},
+    {"apco", "ProRes 422 Proxy", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false,
+     false, FixedCodec},
+    {"apcs", "ProRes 422 LT", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false,
+     false, FixedCodec},
+    {"apcn", "ProRes 422", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false, false,
+     FixedCodec},
+    {"apch", "ProRes 422 HQ", "prores_ks", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false,
+     false, FixedCodec},
+    {"ap4h", "ProRes 4444", "prores_ks", AV_PIX_FMT_YUV444P10, AV_PIX_FMT_YUVA444P10, AV_PIX_FMT_YUV444P10,
+     AV_PIX_FMT_YUVA444P10, false, false, FixedCodec},
+    {"ap4x", "ProRes 4444 XQ", "prores_ks", AV_PIX_FMT_YUV444P10, AV_PIX_FMT_YUVA444P10, AV_PIX_FMT_YUV444P10,
+     AV_PIX_FMT_YUVA444P10, false, false, FixedCodec},
+    {"v210", "4:2:2 10 Bit", "v210", AV_PIX_FMT_YUV422P10, None, AV_PIX_FMT_YUV422P10, None, false, false,
+     FixedCodec},
+    {"2vuy", "4:2:2 8 Bit", "rawvideo", AV_PIX_FMT_UYVY422, None, None, None, false, false, FixedCodec},
+    {"avc1", "H.264", "libx264", AV_PIX_FMT_YUV420P, None, AV_PIX_FMT_YUV420P10, None, true, false,
+     AllControls},
+    {"hvc1", "H.265", "libx265", AV_PIX_FMT_YUV420P, None, AV_PIX_FMT_YUV420P10, None, true, false,
+     AllControls},
+    {"mp4v", "MPEG-4", "mpeg4", AV_PIX_FMT_YUV420P, None, None, None, true, false, AllControls},
 };
 
 constexpr SoundCodec soundCodecs[] = {
-    {"sowt", "pcm_s16le", false}, {"twos", "pcm_s16be", true},  {"in24", "pcm_s24be", false},
-    {"in32", "pcm_s32be", false}, {"fl32", "pcm_f32be", false}, {"fl64", "pcm_f64be", false},
-    {"ulaw", "pcm_mulaw", true},  {"alaw", "pcm_alaw", true},   {"ima4", "adpcm_ima_qt", false},
-    {"alac", "alac", false},      {"mp4a", "aac", true},
+    {"sowt", "16 Bit Little Endian", "pcm_s16le", false},
+    {"twos", "16 Bit Big Endian", "pcm_s16be", true},
+    {"in24", "24 Bit Integer", "pcm_s24be", false},
+    {"in32", "32 Bit Integer", "pcm_s32be", false},
+    {"fl32", "32 Bit Float", "pcm_f32be", false},
+    {"fl64", "64 Bit Float", "pcm_f64be", false},
+    {"ulaw", "uLaw 2:1", "pcm_mulaw", true},
+    {"alaw", "aLaw 2:1", "pcm_alaw", true},
+    {"ima4", "IMA 4:1", "adpcm_ima_qt", false},
+    {"alac", "Lossless", "alac", false},
+    {"mp4a", "AAC", "aac", true},
 };
 
 std::uint32_t Pack(char const* code)
@@ -94,8 +114,12 @@ void Set_Quality(AVCodecContext& context, PictureCodec const& codec, HostVideoSe
                  MovieOptions& options)
 {
     std::string_view const name = codec.encoder;
-    bool const hasRate = settings.bytesPerSecond > 0;
-    if (hasRate) context.bit_rate = settings.bytesPerSecond * std::int64_t{8};
+    bool const hasRate = settings.bytesPerSecond > 0 && codec.controls & RateControl;
+    if (hasRate) {
+        // Half a second to even out in: with more, short movies grow far beyond their rate.
+        context.bit_rate = context.rc_max_rate = settings.bytesPerSecond * std::int64_t{8};
+        context.rc_buffer_size = static_cast<int>(std::min<std::int64_t>(context.bit_rate / 2, INT32_MAX));
+    }
     if (name == "prores_ks") {
         constexpr std::string_view profiles[] = {"apco", "apcs", "apcn", "apch", "ap4h", "ap4x"};
         options.Set("profile", std::ranges::find(profiles, codec.code) - std::begin(profiles));
@@ -144,11 +168,33 @@ SoundCodec const* Find_Sound_Codec(std::uint32_t code)
 HostCodecAbilities Host_Codec_Abilities(std::uint32_t code)
 {
     PictureCodec const* codec = Find_Picture_Codec(code);
-    AVCodec const* encoder = codec ? avcodec_find_encoder_by_name(codec->encoder) : nullptr;
-    if (!encoder) return {};
-    AVCodecDescriptor const* descriptor = avcodec_descriptor_get(encoder->id);
-    char const* name = descriptor && descriptor->long_name ? descriptor->long_name : encoder->name;
-    return {true, codec->alpha != None, codec->deep != None, codec->canStream, codec->isStill, name};
+    if (!codec || !avcodec_find_encoder_by_name(codec->encoder)) return {};
+    return {.code = code,
+            .canWrite = true,
+            .alpha = codec->alpha != None,
+            .deep = codec->deep != None,
+            .stream = codec->canStream,
+            .still = codec->isStill,
+            .quality = (codec->controls & QualityControl) != 0,
+            .keyFrames = (codec->controls & KeyFrameControl) != 0,
+            .dataRate = (codec->controls & RateControl) != 0,
+            .name = codec->name};
+}
+
+std::vector<HostCodecAbilities> Host_Movie_Codecs(bool isSound)
+{
+    std::vector<HostCodecAbilities> known;
+    if (!isSound)
+        for (PictureCodec const& codec : pictureCodecs)
+            known.push_back(Host_Codec_Abilities(Pack(codec.code)));
+    else
+        for (SoundCodec const& codec : soundCodecs)
+            known.push_back({.code = Pack(codec.code),
+                             .canWrite = avcodec_find_encoder_by_name(codec.encoder) != nullptr,
+                             .stream = codec.canStream,
+                             .name = codec.name});
+    std::erase_if(known, [](HostCodecAbilities const& codec) { return !codec.canWrite; });
+    return known;
 }
 
 MovieOwner<AVCodecContext> Open_Picture_Encoder(HostVideoSettings const& settings, HostMovieError& error)

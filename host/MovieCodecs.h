@@ -3,19 +3,25 @@
 
 #include "MovieLibrary.h"
 
+/// Settings that an encoder of pictures heeds.
+enum CodecControls : unsigned { FixedCodec = 0, QualityControl = 1, KeyFrameControl = 2, RateControl = 4 };
+
 /// An encoder of pictures and the layouts that it is fed with; AV_PIX_FMT_NONE for what it cannot hold.
 struct PictureCodec {
     char const* code;
+    char const* name;  ///< for users
     char const* encoder;
     AVPixelFormat plain, alpha;
     AVPixelFormat deep, deepAlpha;
     bool canStream;
     bool isStill;  ///< a picture needs nothing beside its own bytes
+    unsigned controls;
 };
 
 /// An encoder of sound.
 struct SoundCodec {
     char const* code;
+    char const* name;  ///< for users
     char const* encoder;
     bool canStream;
 };

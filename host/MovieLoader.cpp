@@ -65,6 +65,11 @@ HostCodecAbilities Host_Codec_Abilities(std::uint32_t codec)
     return Service() ? Service()->abilities(codec) : HostCodecAbilities{};
 }
 
+std::vector<HostCodecAbilities> Host_Movie_Codecs(bool isSound)
+{
+    return Service() ? Service()->codecs(isSound) : std::vector<HostCodecAbilities>{};
+}
+
 std::vector<std::string> const& Host_Movie_Extensions()
 {
     static std::vector<std::string> const none;

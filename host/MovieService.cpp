@@ -24,7 +24,8 @@ extern "C" __attribute__((visibility("default"))) HostMovieServiceEntry ZV_Movie
 
 extern "C" HostMovieService const* ZV_Movie_Service()
 {
-    static constexpr HostMovieService service{Open_Host_Movie,   Create_Host_Movie,    Decode_Host_Still,
-                                              Encode_Host_Still, Host_Codec_Abilities, Host_Movie_Extensions};
+    static constexpr HostMovieService service{Open_Host_Movie,      Create_Host_Movie,    Decode_Host_Still,
+                                              Encode_Host_Still,    Host_Codec_Abilities, Host_Movie_Codecs,
+                                              Host_Movie_Extensions};
     return Start_Libraries() ? &service : nullptr;
 }

@@ -12,6 +12,7 @@ struct HostMovieService {
     decltype(&Decode_Host_Still) decodeStill;
     decltype(&Encode_Host_Still) encodeStill;
     decltype(&Host_Codec_Abilities) abilities;
+    decltype(&Host_Movie_Codecs) codecs;
     decltype(&Host_Movie_Extensions) extensions;
 };
 

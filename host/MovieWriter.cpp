@@ -123,6 +123,8 @@ bool FileWriter::Open(char const* path, HostVideoSettings const* video, HostSoun
     error = HostMovieError::Memory;
     if (result < 0 || !packet_) return false;
     context->strict_std_compliance = FF_COMPLIANCE_UNOFFICIAL;  // keeps the codes that were chosen
+    // What packets for streaming may wait for more to fill them, in microseconds.
+    if (sound && sound->packetMilliseconds > 0) context->max_delay = sound->packetMilliseconds * 1000;
     if (video) {
         video_.encoder = Open_Picture_Encoder(*video, error);
         if (!video_.encoder || !Add_Track(video_, error)) return false;

@@ -89,7 +89,8 @@ struct HostVideoSettings {
 struct HostSoundSettings {
     std::uint32_t codec = 0;  ///< four-character code; 0 for samples as they are
     int rate = 0, channels = 0;
-    int sampleBytes = 2;  ///< as in HostSoundTrack
+    int sampleBytes = 2;         ///< as in HostSoundTrack
+    int packetMilliseconds = 0;  ///< of sound in a packet when it is streamed; 0 for the least
 };
 
 /// A movie being written. A failed call leaves a writer that fails from then on and can only be deleted.
@@ -133,16 +134,21 @@ HostMovieError Decode_Host_Still(HostStill const& still, void* pixels, std::size
 HostMovieError Encode_Host_Still(HostVideoSettings const& settings, void const* pixels, std::size_t rowBytes,
                                  HostPixels layout, std::vector<std::uint8_t>& bytes);
 
-/// What a codec can hold.
+/// What a codec can hold, and which settings it heeds.
 struct HostCodecAbilities {
+    std::uint32_t code = 0;
     bool canWrite = false;
     bool alpha = false;
     bool deep = false;    ///< more than 8 bits a channel
     bool stream = false;  ///< can be hinted
     bool still = false;   ///< one picture can be had without a movie around it
-    std::string name;
+    bool quality = false, keyFrames = false, dataRate = false;
+    std::string name;  ///< for users, without a comma
 };
 HostCodecAbilities Host_Codec_Abilities(std::uint32_t codec);
+
+/// The codecs of pictures or of sound that can be written. Of sound, only `stream` and the name are told.
+std::vector<HostCodecAbilities> Host_Movie_Codecs(bool isSound);
 
 /// Extensions of the movie and sound files that can be read, lower case, without still pictures and texts.
 std::vector<std::string> const& Host_Movie_Extensions();

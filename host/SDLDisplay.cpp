@@ -78,6 +78,7 @@ SDLDisplay::~SDLDisplay()
 {
     ownCursor_.reset();
     systemCursors_ = {};
+    xPixels_.reset();
     if (isUp_) SDL_QuitSubSystem(SDL_INIT_VIDEO);
 }
 
@@ -147,6 +148,18 @@ void SDLDisplay::Remove_Window(SDLWindow& window)
 {
     std::erase(windows_, &window);
     Forget_Events(window);
+}
+
+PixelRoomMaker SDLDisplay::Room_For(SDL_Window* window)
+{
+    if (window && errors_ && unit_ == 1 && !xPixels_) xPixels_ = Make_X_Pixels(window);
+    if (!xPixels_) return Make_Private_Room;
+    return [this](std::size_t words) { return xPixels_->Make_Room(words); };
+}
+
+bool SDLDisplay::Show_Pixels(SDL_Window* window, WindowPixels const& pixels, HostRegion const& region)
+{
+    return xPixels_ && xPixels_->Show(window, pixels, region);
 }
 
 // ---- cursors and the clipboard ----------------------------------------------------------------------------

@@ -6,6 +6,7 @@
 #include "Bell.h"
 #include "DisplayBase.h"
 #include "XErrors.h"
+#include "XPixels.h"
 
 #include <SDL.h>
 
@@ -52,6 +53,12 @@ public:
     void Add_Window(SDLWindow& window);
     void Remove_Window(SDLWindow& window);
 
+    /// Where the pixels of a window are made, so that it shows them best.
+    PixelRoomMaker Room_For(SDL_Window* window);
+
+    /// Shows a region of a window's pixels without SDL; false when that cannot be.
+    bool Show_Pixels(SDL_Window* window, WindowPixels const& pixels, HostRegion const& region);
+
     /// The frame that the desktop has given to a window, which others of its kind will have too.
     void Learn_Frame(HostWindowRequest const& request, HostFrame const& frame);
 
@@ -71,7 +78,8 @@ private:
     static HostRect Points(SDL_Rect const& rect, int unit);
 
     bool isUp_ = false;
-    std::optional<XErrors> errors_;  ///< on X
+    std::optional<XErrors> errors_;     ///< on X
+    std::unique_ptr<XPixels> xPixels_;  ///< on X, where a point is a pixel
     int unit_ = 1;
     uint64_t doubleClick_ = 0;
     std::vector<SDLWindow*> windows_;

@@ -1,5 +1,7 @@
 #include "SDLWindow.h"
 
+#include "XWindow.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -31,6 +33,16 @@ private:
     char const* name_;
 };
 
+/// Hidden; null when there is none to be had.
+SDL_Window* Make_SDL_Window(HostWindowRequest const& request, HostRect const& client, int unit)
+{
+    std::optional<PassingHint> dialog;
+    if (request.kind == HostWindowKind::Dialog)
+        dialog.emplace(SDL_HINT_X11_WINDOW_TYPE, "_NET_WM_WINDOW_TYPE_DIALOG");
+    return SDL_CreateWindow(request.title.c_str(), client.left * unit, client.top * unit,
+                            client.Width() * unit, client.Height() * unit, Flags_Of(request));
+}
+
 /// Whether a window's pixels are words 0xXXRRGGBB, as the library's are.
 bool Is_Word_Format(SDL_PixelFormat const& format)
 {
@@ -49,14 +61,9 @@ HostRect Scaled(HostRect const& rect, double scaleX, double scaleY)
 
 SDLWindow::SDLWindow(SDLDisplay& display, HostWindowRequest const& request, SDLWindow const* parent)
     : display_(display), request_(request), client_(Window_Client(request.client)),
-      pixels_(client_.Width(), client_.Height())
+      window_(Make_SDL_Window(request, client_, display.Unit())),
+      pixels_(client_.Width(), client_.Height(), display.Room_For(window_))
 {
-    std::optional<PassingHint> dialog;
-    if (request.kind == HostWindowKind::Dialog)
-        dialog.emplace(SDL_HINT_X11_WINDOW_TYPE, "_NET_WM_WINDOW_TYPE_DIALOG");
-    int const unit = display.Unit();
-    window_ = SDL_CreateWindow(request.title.c_str(), client_.left * unit, client_.top * unit,
-                               client_.Width() * unit, client_.Height() * unit, Flags_Of(request));
     if (!window_) return;
     Set_Parent(parent);
     display_.Add_Window(*this);
@@ -83,7 +90,8 @@ void SDLWindow::Show()
     bool const takesKeys = Takes_Keys(request_.kind) || !display_.Front_Window();
     // A window manager puts the corner of the frame where a new window asks to be.
     HostFrame const frame = wasShown_ ? HostFrame() : display_.Frame_Of(request_);
-    Move_To(client_.left - frame.left, client_.top - frame.top);
+    int const left = client_.left - frame.left, top = client_.top - frame.top;
+    if (!X_Move_Hidden(window_, left * display_.Unit(), top * display_.Unit())) Move_To(left, top);
     {
         PassingHint const quiet(SDL_HINT_WINDOW_NO_ACTIVATION_WHEN_SHOWN, takesKeys ? "0" : "1");
         SDL_ShowWindow(window_);
@@ -175,6 +183,8 @@ void SDLWindow::Set_Size_Limits(int minWidth, int minHeight, int maxWidth, int m
     SizeLimits const limits{minWidth, minHeight, maxWidth, maxHeight};
     if (std::exchange(limits_, limits) == limits) return;  // to tell the desktop takes round trips
     int const unit = display_.Unit();
+    if (X_Set_Size_Limits(window_, minWidth * unit, minHeight * unit, maxWidth * unit, maxHeight * unit))
+        return;
     // SDL takes no limit of 0.
     SDL_SetWindowMinimumSize(window_, std::max(minWidth, 1) * unit, std::max(minHeight, 1) * unit);
     if (maxWidth > 0 && maxHeight > 0) SDL_SetWindowMaximumSize(window_, maxWidth * unit, maxHeight * unit);
@@ -187,10 +197,11 @@ void SDLWindow::Present()
     HostRegion touched = pixels_.Surface().Take_Touched();
     if (!isShown_) return;
     if (std::exchange(isExposed_, false)) touched = HostRegion(pixels_.Surface().Bounds());
-    if (!touched.IsEmpty()) Show_Region(touched);
+    if (touched.IsEmpty()) return;
+    if (!display_.Show_Pixels(window_, pixels_, touched)) Show_By_SDL(touched);
 }
 
-void SDLWindow::Show_Region(HostRegion const& region)
+void SDLWindow::Show_By_SDL(HostRegion const& region)
 {
     SDL_Surface* const target = SDL_GetWindowSurface(window_);
     if (!target || SDL_MUSTLOCK(target)) return;
@@ -221,9 +232,8 @@ void SDLWindow::Show_Region(HostRegion const& region)
         else
             surface.Stretch(pixels_.Surface(), source, whole);
     } else {
-        auto* const words = const_cast<uint32_t*>(pixels_.Row(0));
         SDL_Surface* const all = SDL_CreateRGBSurfaceWithFormatFrom(
-            words, source.Width(), source.Height(), 32, pixels_.Row_Bytes(), SDL_PIXELFORMAT_RGB888);
+            pixels_.Row(0), source.Width(), source.Height(), 32, pixels_.Row_Bytes(), SDL_PIXELFORMAT_RGB888);
         SDL_Rect to{0, 0, whole.Width(), whole.Height()};
         SDL_BlitScaled(all, nullptr, target, &to);
         SDL_FreeSurface(all);

@@ -43,7 +43,7 @@ public:
 private:
     HostRect Real_Client() const;
     void Move_To(int left, int top);
-    void Show_Region(HostRegion const& region);
+    void Show_By_SDL(HostRegion const& region);
 
     struct SizeLimits {
         int minWidth = 0, minHeight = 0, maxWidth = 0, maxHeight = 0;
@@ -53,9 +53,9 @@ private:
     SDLDisplay& display_;
     HostWindowRequest request_;
     HostRect client_;
+    SDL_Window* window_;  // null when it could not be made
     WindowPixels pixels_;
     SizeLimits limits_;
-    SDL_Window* window_ = nullptr;
     bool isShown_ = false, isZoomed_ = false;
     bool isExposed_ = false;
     bool wasShown_ = false;   // at least once

@@ -19,16 +19,25 @@ constexpr std::size_t Rounded_Up(std::size_t value, std::size_t step)
     return (value + step - 1) / step * step;
 }
 
-/// Room for so many words, in large pages where the system has them: to touch many small ones for the first
-/// time takes longer than to fill them.
-uint32_t* Allocate_Room(std::size_t words)
-{
-    std::size_t const bytes = Rounded_Up(words * sizeof(uint32_t), LargePage);
-    void* const room = std::aligned_alloc(LargePage, bytes);
-    if (!room) throw std::bad_alloc();
-    madvise(room, bytes, MADV_HUGEPAGE);
-    return static_cast<uint32_t*>(room);
-}
+/// In large pages where the system has them: to touch many small ones for the first time takes longer than to
+/// fill them.
+class PrivateRoom : public PixelRoom {
+public:
+    explicit PrivateRoom(std::size_t words)
+    {
+        std::size_t const bytes = Rounded_Up(words * sizeof(uint32_t), LargePage);
+        words_.reset(static_cast<uint32_t*>(std::aligned_alloc(LargePage, bytes)));
+        if (!words_) throw std::bad_alloc();
+        madvise(words_.get(), bytes, MADV_HUGEPAGE);
+    }
+    uint32_t* Words() override { return words_.get(); }
+
+private:
+    struct Free {
+        void operator()(uint32_t* words) const { std::free(words); }
+    };
+    std::unique_ptr<uint32_t[], Free> words_;
+};
 
 }  // namespace
 
@@ -38,27 +47,30 @@ HostRect Window_Client(HostRect const& client)
             client.top + std::clamp(client.Height(), 1, LargestWindow)};
 }
 
-WindowPixels::WindowPixels(int width, int height) : surface_(nullptr, 0, 0, 32, 0)
+std::unique_ptr<PixelRoom> Make_Private_Room(std::size_t words)
 {
-    Resize(width, height);
+    return std::make_unique<PrivateRoom>(words);
 }
 
-void WindowPixels::Free::operator()(uint32_t* words) const
+WindowPixels::WindowPixels(int width, int height, PixelRoomMaker makeRoom)
+    : makeRoom_(std::move(makeRoom)), surface_(nullptr, 0, 0, 32, 0)
 {
-    std::free(words);
+    Resize(width, height);
 }
 
 void WindowPixels::Resize(int width, int height)
 {
     HostRect const old = surface_.Bounds();
     auto const wideEnough = static_cast<std::size_t>(width), highEnough = static_cast<std::size_t>(height);
-    std::unique_ptr<uint32_t[], Free> former;
+    std::unique_ptr<PixelRoom> former;
     if (wideEnough > roomWidth_ || highEnough > roomHeight_) {
-        roomWidth_ = Rounded_Up(wideEnough, RoomStep);
-        roomHeight_ = Rounded_Up(highEnough, RoomStep);
-        former = std::exchange(words_, {Allocate_Room(roomWidth_ * roomHeight_), {}});
+        std::size_t const roomWidth = Rounded_Up(wideEnough, RoomStep);
+        std::size_t const roomHeight = Rounded_Up(highEnough, RoomStep);
+        former = std::exchange(room_, makeRoom_(roomWidth * roomHeight));
+        roomWidth_ = roomWidth;
+        roomHeight_ = roomHeight;
     }
-    HostSurface surface(reinterpret_cast<unsigned char*>(words_.get()), width, height, 32, Row_Bytes());
+    HostSurface surface(reinterpret_cast<unsigned char*>(Row(0)), width, height, 32, Row_Bytes());
     surface.Track_Touched();
     if (former) surface.Blit(surface_, old, 0, 0);
     surface.Fill({old.right, 0, width, height}, White);

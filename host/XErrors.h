@@ -11,7 +11,4 @@ public:
     ~XErrors();
     XErrors(XErrors const&) = delete;
     XErrors& operator=(XErrors const&) = delete;
-
-private:
-    void* library_;  ///< held, because SDL lets it go when it ends
 };

@@ -170,11 +170,14 @@ struct ZVEnvironment {
     double seqAspect;
     long seqFieldsSet;
     uint8_t seqFields;
-    uint8_t timeUnits;             ///< how applications show frame numbers
-    int32_t pointerX, pointerY;    ///< the mouse on the screen; stays while it moves without end
-    int32_t movedToX, movedToY;    ///< where the last mouse event left it, from which movements count
-    uint32_t capsLockState;        ///< ZV_MOD_CAPS_LOCK as the last key event of its own told it
-    int32_t busySteps, busyFrame;  ///< of the busy cursor: timer steps of this frame, and its colour cursor
+    uint8_t timeUnits;               ///< how applications show frame numbers
+    int32_t pointerX, pointerY;      ///< the mouse on the screen; stays while it moves without end
+    int32_t movedToX, movedToY;      ///< where the last mouse event left it, from which movements count
+    uint32_t capsLockState;          ///< ZV_MOD_CAPS_LOCK as the last key event of its own told it
+    int32_t busySteps, busyFrame;    ///< of the busy cursor: timer steps of this frame, and its colour cursor
+    int32_t missingMenus;            ///< menus opened inside others that there was no memory for
+    int32_t menuIdBase;              ///< of SetBaseUniqueMenuID; 0 before
+    int32_t nextMenuId, nextItemId;  ///< where the search for free menu and item ids goes on
 };
 
 extern ZV_API ZVEnvironment* ZVEnv;    ///< the environment, null before InitZV and after CleanUpZV

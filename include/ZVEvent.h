@@ -178,3 +178,6 @@ ZV_API long CycleCustomFunc(ZVCustomEvent* event);
 ZV_API long ListCustomFunc(ZVCustomEvent* event);
 /// The tab bar of a floater. Always 1.
 ZV_API long Tab_Gad(ZVCustomEvent* event);
+/// The menu gadget: opens the menu of its `selected` beside itself; the id of the entry chosen becomes its
+/// state. Always 1.
+ZV_API long MenuGadCustomFunc(ZVCustomEvent* event);

@@ -176,15 +176,18 @@ ZV_API long Add_Library_Formats(ZVScanDesc* scan);
 ZV_API long Add_QuickTime_Format(ZVScanDesc* scan);
 
 /// Gives the options of a movie clip the settings of its streaming. Each block that there is, VideoParams and
-/// AudioParams, is replaced by one with the settings behind it; a block that has some keeps them, and stays.
+/// AudioParams, is replaced by one with the settings behind it; a block that has some keeps them, and stays,
+/// unless the user chooses others.
 ///
 /// The settings are an atom container: big-endian atoms of a size, a four-character type and an id, the inner
-/// one `pksz` with the largest number of bytes of a packet. A video block then has at 132 a long other than
+/// ones `pksz` with the largest number of bytes of a packet, which is fixed, and where it is not the least
+/// `pkms` with the most milliseconds of sound in a packet. A video block then has at 132 a long other than
 /// 0, at 136 the bytes of the settings, and the settings from 144 on; an audio block has them at 44, 48
 /// and 56.
 /// @param clip    of a movie format, with at least one of the blocks
-/// @param silent  takes the usual settings without asking
-/// @return  1; 0 without a block, and without memory (error 1), the blocks then being as they were
+/// @param silent  takes the usual settings without asking, as is done without an interface too
+/// @return  1; 0 without a block, when the user gives up, and without memory (error 1), the blocks then being
+///          as they were
 ZV_API long Quicktime_StreamingOptions(ZVClip* clip, bool silent);
 
 /// The module that claims a file, or null with error 15.

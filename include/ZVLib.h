@@ -27,6 +27,7 @@
 #include "ZVLayout.h"
 #include "ZVList.h"
 #include "ZVMemory.h"
+#include "ZVMenu.h"
 #include "ZVMessage.h"
 #include "ZVModule.h"
 #include "ZVMovie.h"

@@ -22,6 +22,9 @@ ZV_API void SortStringTable(ZVStringTable* table, long left, long right);
 /// first button.
 ZV_API long User_Req(long unused, long twoButtons, char const* text, char const* first, char const* second);
 
+/// Whether there is an interface to ask the user by, and the caller is on its thread.
+ZV_API bool Has_Interface();
+
 /// The callbacks of requesters: buttons and keys close them, with the answer in `requestResult`.
 ZV_API void Req_Handler(ZVEvent* event);
 ZV_API void scrollTextReqHandler(ZVEvent* event);  ///< Of UserScrollMessageZV, whose bar moves its text.
@@ -422,6 +425,41 @@ ZV_API void Parse_Home_KeyFile(char const* name, ZVKeySection* section);
 ZV_API long Find_Key(ZVKeySection const* section, long action);  ///< Key of the first binding, or 0.
 ZV_API void Process_Keys(long key, unsigned long modifiers);     ///< Of the modal palette, else of InitZV.
 
+/// Depth-first search for an id. The position is the one that Menu_Event takes: among the entries of its
+/// menu that stand in place, and for one that stands in the application or help menu among those there.
+/// @param result    may be null, and so may `position`; null and 0 when there is none
+/// @return  1 when there is one
+ZV_API long Find_MenuID(List const* list, long id, ZVMenu** result, long* position);
+
+/// The entry of the bar with that action in that section; null when there is none.
+ZV_API ZVMenu* Find_ActionID(long action, ZVKeySection const* section);
+
+/// The section that applies: its own, that of the nearest ancestor, or the environment's; may be null.
+ZV_API ZVKeySection* Section_Of_Menu(ZVMenu const* menu);
+ZV_API void Set_Key_Command(ZVMenu* menu);  ///< Finds the shortcuts of a menu and all below it again.
+
+/// Where an entry stands when it is not in its own menu.
+ZV_API bool Is_In_Application_Menu(ZVMenu const* menu);
+ZV_API bool Is_In_Help_Menu(ZVMenu const* menu);
+
+/// Entry of the application or help menu by its position from 1 on, and the first one of the bar with a flag
+/// (ZV_MENUF_QUIT or ZV_MENUF_PREFERENCES). Null when there is none.
+ZV_API ZVMenu* Find_About_Item(long position);
+ZV_API ZVMenu* Find_Help_Item(long position);
+ZV_API ZVMenu* Find_Special_Menu_Item(unsigned long flag);
+inline constexpr short HelpMenuNumber = -16490;
+inline constexpr short ApplicationMenuNumber = 24930;
+
+/// A choice by menu number (a menu id or one of the two above) and position among its entries in place; with
+/// 0 the menu itself. Searched in the list, in the bar, or in a menu and below it.
+ZV_API void Menu_Event(List* list, short menu, short item);
+ZV_API void Menu_Event(short menu, short item);
+ZV_API void Menu_Event(ZVMenu* root, short menu, short item);
+
+/// The same for a known entry: its check mark follows, then event 15 is sent. The menu may be gone
+/// afterwards.
+ZV_API void Choose_Menu(ZVMenu* menu);
+
 // The native seam: what the logic asks of the desktop layer.
 
 ZV_API long Make_SysWindow(ZVWindow* window, ZVPalette* palette);  ///< 1 when it is there.
@@ -441,6 +479,25 @@ ZV_API void OffsetWindowToClient(ZVPalette const* palette, long* x, long* y);
 ZV_API void Draw_Mark(ZVPalette* palette);  ///< The frame of one that is marked, or its place without.
 
 ZV_API long Menu_Bar_Height();  ///< Of the strip at the top of the main monitor that windows leave free.
+
+ZV_API void Make_MenuBar();                         ///< Shows the menus of the environment as they are now.
+ZV_API void Free_SysMenus();                        ///< Takes the bar down.
+ZV_API void Delete_Item(ZVMenu const* menu);        ///< It is about to be freed or moved.
+ZV_API void Update_Item_State(ZVMenu const* menu);  ///< Its text, style, check mark or state has changed.
+ZV_API void Disable_All_Menus();  ///< Nothing opens, and an open menu closes. For modal palettes.
+ZV_API void Reenable_All_Menus();
+
+/// Lights the title in the bar of a menu of the top level; null lights none.
+ZV_API void Mac_Hilite_Menu(ZVMenu const* menu);
+
+/// Opens a menu with its corner at that point of the screen and waits until the user has chosen, the press
+/// that led here being over. Callbacks run meanwhile.
+/// @return  the entry; null for none, also when menus have been freed meanwhile
+ZV_API ZVMenu* Make_Popup_Menu(ZVMenu* menu, long x, long y);
+
+/// The same with what an opened menu means for the mouse: nothing holds it any more, and the cursor is shown
+/// anew afterwards.
+ZV_API ZVMenu* Select_From_Menu(ZVMenu* menu, long x, long y);
 
 ZV_API void Move_Sliders(ZVWindow* window);  ///< Brings the scroll bars to their edges and values.
 ZV_API void Enable_Sliders(ZVWindow* window, long enabled);
@@ -694,6 +751,61 @@ void Merge_Fields_With_Opacity(Buffer const* source, Buffer* destination, ZVClip
 /// The clip's alpha convention to straight alpha, in place, inside the area (right and bottom exclusive).
 template <typename Buffer, typename Pixel>
 void Interpret_Alpha(Buffer* bitmap, ZVClip* clip, long left, long top, long right, long bottom);
+
+// ---- dialogs ----------------------------------------------------------------------------------------------
+//
+// The dialogs of the media half, which stand above the clips and formats that ask by them. Each is modal and
+// starts from what its choice holds; a choice that is given up stays as it was. Only with an interface.
+
+/// What is to become of a series of files.
+struct ZVSequenceChoice {
+    bool IsWhole;      ///< load the series, and not the one file that was pointed at; not read
+    long First, Last;  ///< frames of the series
+    double FrameRate;
+    double PixelAspect;
+    uint8_t FieldOrder;
+};
+
+/// @param frames  of the whole series, at least 1
+/// @return  false with error 21 when the user gives up, with error 1 when memory runs out
+ZV_API bool Ask_Sequence(long frames, ZVSequenceChoice* choice);
+ZV_API void Sequence_Handler(ZVEvent* event);  ///< The callback of that dialog.
+
+/// How the pictures of a movie are compressed; see ZVMovieOptions.
+struct ZVVideoChoice {
+    uint32_t Codec;
+    long Depth;  ///< bits of a pixel, 32 with alpha, else 24
+    long Quality;
+    long KeyFrameInterval;
+    long BytesPerSecond;
+    double FrameRate;
+    bool HasFixedRate;  ///< the rate is not to be chosen
+    bool IsStreamed;    ///< offer only what can be streamed
+};
+ZV_API bool Ask_Video_Settings(ZVVideoChoice* choice);
+
+/// How the sound of a movie is compressed.
+struct ZVSoundChoice {
+    uint32_t Codec;        ///< 0 keeps the samples as they are
+    ZVAudioFormat Format;  ///< one or two channels of one or two bytes
+    bool IsStreamed;
+};
+ZV_API bool Ask_Sound_Settings(ZVSoundChoice* choice);
+
+/// How a movie is cut into packets to be streamed.
+struct ZVStreamChoice {
+    long PacketBytes;         ///< of a packet at most; shown
+    long PacketMilliseconds;  ///< of sound in a packet; 0 for the least
+    bool HasSound;
+};
+ZV_API bool Ask_Stream_Settings(ZVStreamChoice* choice);
+
+/// The dialog of the streaming format, from which those for compression and streaming are opened.
+ZV_API void Ask_Stream_Options(ZVClip* clip, bool isSound);
+ZV_API void Handle_Options(ZVEvent* event);  ///< The callback of that dialog.
+
+/// How a picture is compressed.
+ZV_API bool Ask_Picture_Settings(ZVPICTOptions* choice);
 
 // ---- formats ----------------------------------------------------------------------------------------------
 

@@ -55,7 +55,7 @@ enum ZVError : unsigned long {
     ZV_ERR_CLIP_EXCEPTION = 17,  ///< a clip could not be opened by its format module
     ZV_ERR_CLIP = 18,            ///< a clip operation failed for another reason
     ZV_ERR_CLIP_OPEN = 20,       ///< a clip could not be opened and no other error was set
-    ZV_ERR_SEQUENCE = 21,        ///< sequence check failed
+    ZV_ERR_SEQUENCE = 21,        ///< sequence check failed, or the user gave up the dialog of an operation
     ZV_ERR_MOVIE_CLOSE = 25,     ///< closing a movie failed
     ZV_ERR_MOVIE_FRAME = 26,     ///< adding a movie frame failed; the error text may tell why
     ZV_ERR_MOVIE_SIZE = 27       ///< the movie would exceed its size limit

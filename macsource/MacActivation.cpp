@@ -3,6 +3,8 @@
 #include "MacInput.h"
 
 #include "MacFocus.h"
+#include "MacMenu.h"
+#include "MacMenuBar.h"
 #include "MacWindow.h"
 #include "interface/PaletteTree.h"
 
@@ -73,6 +75,7 @@ void Application_Came_Front()
 {
     if (!Display()->Front_Window()) return;
     Mac_Show_Floaters();
+    Show_Menu_Bar(true);
     // At the start all has just been drawn.
     if (std::exchange(wasInBack, false)) RefreshUIZV();
     Follow_Front_Window();
@@ -82,9 +85,13 @@ void Application_Went_Back()
 {
     if (Display()->Front_Window()) return;
     wasInBack = true;
+    Close_Menus();
     Close_Pop_Ups(nullptr);
     // An application of floaters alone would have nothing left to come back by.
-    if (Mac_FrontNonFloatingWindow()) Mac_Hide_Floaters();
+    if (Mac_FrontNonFloatingWindow()) {
+        Mac_Hide_Floaters();
+        Show_Menu_Bar(false);
+    }
     Follow_Front_Window();
 }
 

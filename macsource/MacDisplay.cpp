@@ -133,8 +133,3 @@ long GetWheelScrollLinesZV()
     constexpr long usualLines = 3;
     return display ? display->Wheel_Lines() : usualLines;
 }
-
-long Menu_Bar_Height()
-{
-    return 0;  // no menu is shown yet
-}

@@ -27,5 +27,6 @@ void Compose_Text(std::string_view utf8, int caret);
 /// Event 5 of an item with report bits. The palette may be gone afterwards.
 void Send_Gadget_Event(ZVItem& item, uint32_t reportBits);
 
+/// Move the focus. False when nothing else takes it.
 bool Tab_to_Next_Gad();
 bool Tab_to_Prev_Gad();

@@ -3,6 +3,7 @@
 
 #include "MacFocus.h"
 #include "MacKeys.h"
+#include "MacMenu.h"
 #include "MacWindow.h"
 #include "ZVLibInternal.h"
 
@@ -84,11 +85,14 @@ static bool Is_Holders(HostEventType type)
 void Handle_Host_Event(HostEvent const& event)
 {
     Rebuild_Modifiers(Mac_Keyboard_State());
-    if (Follow_Desktop(event) || (Is_Passed_Over() && !Is_Holders(event.type))) return;
+    if (Follow_Desktop(event) || Take_Menu_Input(event)) return;
+    if (Is_Passed_Over() && !Is_Holders(event.type)) return;
     if (Is_Mouse_Event(event.type)) Take_Pen(event);
     switch (event.type) {
     case HostEventType::MouseMove: Mouse_Moved(event); break;
-    case HostEventType::MouseDown: Mouse_Down(event); break;
+    case HostEventType::MouseDown:
+        if (!Press_Menu_Bar(event)) Mouse_Down(event);
+        break;
     case HostEventType::MouseUp: Mouse_Up(event); break;
     case HostEventType::Wheel: Mouse_Wheel(event); break;
     case HostEventType::KeyDown: Key_Down(event); break;

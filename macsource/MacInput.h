@@ -33,6 +33,10 @@ void Take_Mouse_Point(HostEvent const& event);
 void Release_Lost_Press();
 void Forget_Press();
 
+/// The press ends here although the button may be down: who holds the mouse lets go of it, and no event tells
+/// of the release.
+void End_Press();
+
 /// Begins what starts with a press, be it in the window or on its frame: pop-ups other than this window go. A
 /// null window is the desktop.
 /// @param pressed  the gadget under the mouse, or null; a list that is open for it is its to close

@@ -143,9 +143,11 @@ static bool Focus_Key(KeyStroke const& key, bool isEntered)
     TextField* const field = Focused_Field();
     ZVItem* const listItem = ZVEnv->focusedListItem;
     if (!(field && field->Is_Multi_Line())) {
-        // Where it leads nowhere Tab is a key for the palette.
-        if (key.code == ZV_KEY_TAB && (item || listItem))
-            return key.Has(ZV_MOD_SHIFT) ? Tab_to_Prev_Gad() : Tab_to_Next_Gad();
+        if (key.code == ZV_KEY_TAB && (item || listItem)) {
+            if (key.Has(ZV_MOD_SHIFT) ? Tab_to_Prev_Gad() : Tab_to_Next_Gad()) return true;
+            // A pop-up with a single field, as that of a slider, may know where else to go.
+            return Root_Of((listItem ? listItem : item)->group->palette)->kind != ZV_KIND_TRANSIENT;
+        }
         if (field && (key.code == ZV_KEY_RETURN || key.code == ZV_KEY_ENTER)) return Commit_Key(*item);
     }
     if (field && Text_Key(*item, key, isEntered)) return true;

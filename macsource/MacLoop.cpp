@@ -3,6 +3,7 @@
 // stack, and one that is told to end while another runs inside it does so when it has control again.
 #include "MacInput.h"
 
+#include "MacMenu.h"
 #include "MacNativeItem.h"
 #include "MacWindow.h"
 #include "ZVJob.h"
@@ -52,10 +53,11 @@ private:
     }
     static uint64_t Now() { return Display()->Milliseconds(); }
 
-    Timer timers_[4] = {
+    Timer timers_[5] = {
         {Milliseconds(TickTimerInterval), [] { return true; }, AppTickTimerProcZV},
         {Milliseconds(BusyTimerInterval), [] { return ZVEnv->cursor == ZV_CURSOR_BUSY; }, Do_VBL},
         {Milliseconds(HoldTimerInterval), [] { return Mouse_Holder() != nullptr; }, Follow_Resting_Mouse},
+        {Milliseconds(MenuTimerInterval), Is_Menu_Open, Menu_Tick},
         {Milliseconds(JobTimerInterval),
          [] { return AnyJobsBusyZV() && ZVEnv->jobsBlocked == 0 && ZVEnv->guiLevel == 1; },
          AppJobTimerProcZV},

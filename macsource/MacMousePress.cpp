@@ -194,14 +194,20 @@ void Mouse_Down(HostEvent const& event)
     if (press) Press_Window(event);
 }
 
+/// Who holds the mouse lets go of it there.
+static void Release_Holder(int x, int y)
+{
+    MouseTracker* const holder = Mouse_Holder();
+    if (!holder) return;
+    Hold_Mouse(nullptr);
+    holder->Finish(x, y);
+}
+
 void Mouse_Up(HostEvent const& event)
 {
     if (!press || press->button != event.button) return;
     Press const ended = *std::exchange(press, std::nullopt);
-    if (MouseTracker* const holder = Mouse_Holder()) {
-        Hold_Mouse(nullptr);
-        holder->Finish(event.x, event.y);
-    }
+    Release_Holder(event.x, event.y);
     Take_Mouse_Point(event);
     ZVEnv->modifiers = (ZVEnv->modifiers & ~uint32_t{ZV_MOD_BUTTON}) | ended.control;
     if (ended.isReported) Do_Event(ZV_EVENT_MOUSE_UP, 0);
@@ -217,6 +223,12 @@ void Release_Lost_Press()
     HostEvent release{.type = HostEventType::MouseUp, .button = press->button};
     Display()->Pointer(release.x, release.y);
     Mouse_Up(release);
+}
+
+void End_Press()
+{
+    press.reset();
+    Release_Holder(ZVEnv->pointerX, ZVEnv->pointerY);
 }
 
 void Forget_Press()

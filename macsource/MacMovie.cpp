@@ -162,6 +162,7 @@ HostSoundSettings Sound_Settings(OSMovieSettings const& settings)
     sound.rate = static_cast<int>(settings.sound.Rate);
     sound.channels = static_cast<int>(settings.sound.Channels);
     sound.sampleBytes = static_cast<int>(settings.sound.SampleSize);
+    sound.packetMilliseconds = static_cast<int>(settings.packetMilliseconds);
     return sound;
 }
 
@@ -305,12 +306,25 @@ bool OS_Movie_Write_Still(OSMovieStillSettings const& settings, ZVBitmap const* 
     return error == HostMovieError::None || Fail(Error_Number(error));
 }
 
+static OSMovieCodec Told_Codec(HostCodecAbilities const& known)
+{
+    OSMovieCodec codec{known.code,  known.canWrite, known.alpha,     known.deep,     known.stream,
+                       known.still, known.quality,  known.keyFrames, known.dataRate, {}};
+    Copy_Name(codec.name, known.name);
+    return codec;
+}
+
 OSMovieCodec OS_Movie_Find_Codec(uint32_t codec)
 {
-    HostCodecAbilities const known = Host_Codec_Abilities(codec);
-    OSMovieCodec found{known.canWrite, known.alpha, known.deep, known.stream, known.still, {}};
-    Copy_Name(found.name, known.name);
-    return found;
+    return Told_Codec(Host_Codec_Abilities(codec));
+}
+
+std::vector<OSMovieCodec> OS_Movie_List_Codecs(bool isSound)
+{
+    std::vector<OSMovieCodec> codecs;
+    for (HostCodecAbilities const& known : Host_Movie_Codecs(isSound))
+        codecs.push_back(Told_Codec(known));
+    return codecs;
 }
 
 void OS_Movie_Visit_Extensions(void (*visit)(char const* extension, void* data), void* data)

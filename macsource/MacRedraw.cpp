@@ -1,6 +1,7 @@
 // What of the windows has to be drawn again, and the drawing of it.
 #include "MacDraw.h"
 #include "MacFrame.h"
+#include "MacMenu.h"
 #include "MacNativeItem.h"
 #include "MacWindow.h"
 
@@ -125,10 +126,12 @@ void Mac_Refresh_All()
     for (ZVWindow& window : All_Windows())
         Invalidate(window);
     Refresh_GUI();
+    Draw_Menus();
 }
 
 void Present_Windows()
 {
     for (ZVWindow& window : All_Windows())
         if (window.sysWindow) window.sysWindow->host->Present();
+    Present_Menus();
 }

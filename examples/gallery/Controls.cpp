@@ -7,6 +7,8 @@ namespace {
 constexpr unsigned short first = ZV_Position(ZV_POS_DEFAULT, ZV_POS_DEFAULT);
 constexpr unsigned short below = ZV_Position(ZV_POS_DEFAULT, ZV_POS_AFTER);
 constexpr unsigned short beside = ZV_Position(ZV_POS_AFTER, ZV_POS_ALIGN_START);
+constexpr unsigned short besideProp =
+    ZV_Position(ZV_POS_AFTER, ZV_POS_DEFAULT);  // which begins with its arrow
 
 enum GroupId : short { PropGroup = 1, SliderGroup, TextGroup, SplitGroup, LabelGroup };
 
@@ -21,10 +23,10 @@ void Add_Props()
                 ZV_ITEM_PROP_PAGE, 30, 0);
     AddGadgetZV(TallProp, beside, WideProp, ZV_GAD_VPROP, ZV_SIZE_CUSTOM, "", ZV_ITEM_HEIGHT, 140,
                 ZV_ITEM_PROP_PAGE, 40, ZV_GAP_EXTRA, 1, 0);
-    AddGadgetZV(TallMarkedProp, beside, -1, ZV_GAD_VPROP, ZV_SIZE_CUSTOM, "", ZV_ITEM_HEIGHT, 140,
-                ZV_ITEM_PROP_PAGE, 10, ZV_ITEM_PROP_TRACK, 1, ZV_ITEM_EXTRA, 30, ZV_ITEM_OFFSET_Y, -15, 0);
-    AddGadgetZV(TallDisabledProp, beside, -1, ZV_GAD_VPROP, ZV_SIZE_CUSTOM, "", ZV_ITEM_HEIGHT, 140,
-                ZV_ITEM_PROP_PAGE, 40, ZV_ITEM_OFFSET_Y, -15, 0);
+    AddGadgetZV(TallMarkedProp, besideProp, -1, ZV_GAD_VPROP, ZV_SIZE_CUSTOM, "", ZV_ITEM_HEIGHT, 140,
+                ZV_ITEM_PROP_PAGE, 10, ZV_ITEM_PROP_TRACK, 1, ZV_ITEM_EXTRA, 30, 0);
+    AddGadgetZV(TallDisabledProp, besideProp, -1, ZV_GAD_VPROP, ZV_SIZE_CUSTOM, "", ZV_ITEM_HEIGHT, 140,
+                ZV_ITEM_PROP_PAGE, 40, 0);
     for (unsigned short const id :
          {WideProp, MarkedProp, DisabledProp, TallProp, TallMarkedProp, TallDisabledProp})
         SetGadgetStateZV(id, 25);
@@ -42,9 +44,9 @@ void Add_Sliders()
 {
     InitGroupZV();
     char const* const labels[] = {"Level", "Opacity", "Exposure", "Frame", "Angle", "Disabled"};
-    for (unsigned short id = SliderFirst; id <= SliderLast; ++id)
-        AddGadgetZV(id, id == SliderFirst ? first : below, -1, ZV_GAD_SLIDER, ZV_SIZE_XLARGE,
-                    labels[id - SliderFirst], 0, 0);
+    for (unsigned short id = PlainSlider; id <= DisabledSlider; ++id)
+        AddGadgetZV(id, id == PlainSlider ? first : below, -1, ZV_GAD_SLIDER, ZV_SIZE_XLARGE,
+                    labels[id - PlainSlider], 0, 0);
     SetupSliderZV(PlainSlider, 0, 255, 0, 255, 0);
     SetupSliderZV(PercentSlider, 0, 100, 0, 100, 1);
     Slider(PercentSlider).Unit[0] = '%';
@@ -63,7 +65,7 @@ void Add_Sliders()
     SetGadgetStateZV(TimeSlider, 2250);
     SetGadgetStateZV(RelativeSlider, 45);
     SetGadgetStateZV(DisabledSlider, 5);
-    EndGroupZV(SliderGroup, below, PropGroup, "Sliders", ZV_GRP_BORDER, 1, 0);
+    EndGroupZV(SliderGroup, beside, PropGroup, "Sliders", ZV_GRP_BORDER, 1, 0);
 }
 
 constexpr char const* text =
@@ -80,37 +82,37 @@ void Add_Text_Box()
 {
     InitGroupZV();
     AddGadgetZV(Box, first, 0, ZV_GAD_TEXTBOX, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 300, ZV_ITEM_HEIGHT,
-                140, ZV_ITEM_USER_DATA, text, ZV_ITEM_LINKED, BoxBar, 0);
-    AddGadgetZV(BoxBar, beside, -1, ZV_GAD_VPROP, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_HEIGHT, 140, ZV_GAP_FIXED,
+                110, ZV_ITEM_USER_DATA, text, ZV_ITEM_LINKED, BoxBar, 0);
+    AddGadgetZV(BoxBar, beside, -1, ZV_GAD_VPROP, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_HEIGHT, 110, ZV_GAP_FIXED,
                 -1, 0);
-    EndGroupZV(TextGroup, ZV_Position(ZV_POS_AFTER, ZV_POS_ALIGN_START), PropGroup, "Text box", ZV_GRP_BORDER,
-               1, 0);
+    EndGroupZV(TextGroup, beside, SliderGroup, "Text box", ZV_GRP_BORDER, 1, 0);
 }
 
 void Add_Split()
 {
     static constexpr uint32_t before[] = {SplitLeft, 0}, behind[] = {SplitRight, 0};
     InitGroupZV();
-    AddGadgetZV(SplitLeft, first, 0, ZV_GAD_LIST, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 150, ZV_ITEM_HEIGHT,
+    AddGadgetZV(SplitLeft, first, 0, ZV_GAD_LIST, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 110, ZV_ITEM_HEIGHT,
                 90, ZV_ITEM_ENTRIES_CSV, "One,Two,Three", ZV_ITEM_GROW_WIDTH, 50, ZV_ITEM_MIN_WIDTH, 60, 0);
     AddGadgetZV(Split, beside, -1, ZV_GAD_SEPARATOR, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 7,
                 ZV_ITEM_HEIGHT, 90, ZV_ITEM_USER_DATA, before, ZV_ITEM_LINKED, behind, 0);
-    AddGadgetZV(SplitRight, beside, -1, ZV_GAD_LIST, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 150,
+    AddGadgetZV(SplitRight, beside, -1, ZV_GAD_LIST, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 110,
                 ZV_ITEM_HEIGHT, 90, ZV_ITEM_ENTRIES_CSV, "Four,Five,Six", ZV_ITEM_GROW_WIDTH, 50,
                 ZV_ITEM_MIN_WIDTH, 60, 0);
-    EndGroupZV(SplitGroup, below, TextGroup, "Separator", ZV_GRP_BORDER, 1, 0);
+    EndGroupZV(SplitGroup, beside, TextGroup, "Separator", ZV_GRP_BORDER, 1, 0);
 }
 
 void Add_Labels()
 {
     InitGroupZV();
-    AddGadgetZV(0, first, 0, ZV_GAD_LABEL, ZV_SIZE_LARGE, "Centred", 0, 0);
-    AddGadgetZV(0, below, -1, ZV_GAD_LABEL, ZV_SIZE_LARGE, "At the left", ZV_ITEM_TEXT_LEFT, 1,
+    AddGadgetZV(0, first, 0, ZV_GAD_LABEL, ZV_SIZE_MEDIUM, "Centred", 0, 0);
+    AddGadgetZV(0, beside, -1, ZV_GAD_LABEL, ZV_SIZE_MEDIUM, "At the left", ZV_ITEM_TEXT_LEFT, 1,
                 ZV_ITEM_FONT_BOLD, 1, 0);
-    AddGadgetZV(0, below, -1, ZV_GAD_LABEL, ZV_SIZE_LARGE, "In a colour", ZV_ITEM_TEXT_RIGHT, 1,
+    AddGadgetZV(0, below, -2, ZV_GAD_LABEL, ZV_SIZE_MEDIUM, "In a colour", ZV_ITEM_TEXT_RIGHT, 1,
                 ZV_ITEM_COLOR, 0xCC2200, 0);
-    ItemEnabledZV(AddGadgetZV(0, below, -1, ZV_GAD_LABEL, ZV_SIZE_LARGE, "Disabled", 0, 0), 0);
-    EndGroupZV(LabelGroup, below, SplitGroup, "Labels", ZV_GRP_BORDER, 1, 0);
+    ItemEnabledZV(AddGadgetZV(0, beside, -1, ZV_GAD_LABEL, ZV_SIZE_MEDIUM, "Disabled", 0, 0), 0);
+    EndGroupZV(LabelGroup, ZV_Position(ZV_POS_ALIGN_START, ZV_POS_AFTER), TextGroup, "Labels", ZV_GRP_BORDER,
+               1, 0);
 }
 
 void On_Controls(ZVEvent* event)
@@ -136,5 +138,5 @@ void Show_Controls_Palette()
     Add_Labels();
     EndPaletteZV(ControlsPalette, "Controls", ZV_PAL_CALLBACK, On_Controls, 0);
     DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_FLOATER, ZV_PAL_RELATIVE_TO, MainPalette, ZV_PAL_POSITION,
-                     ZV_Position(ZV_POS_ALIGN_START, ZV_POS_AFTER), 0);
+                     ZV_Position(ZV_POS_ALIGN_CENTER, ZV_POS_BEFORE), 0);
 }

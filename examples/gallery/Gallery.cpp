@@ -77,17 +77,30 @@ void Tell(ZVEvent const* event)
         if (item->type == ZV_GAD_STRING || item->type == ZV_GAD_EDITOR) Tell_Text(item->editText);
         if (item->type == ZV_GAD_FLOAT) std::printf(" value %g", item->realValue);
     }
+    if (type == ZV_EVENT_MENU) {
+        std::printf(" menu %u action %u", Event_Menu(event)->node.id, event->key);
+        Tell_Text(Event_Menu(event)->text);
+        if (Event_Menu(event)->flags & ZV_MENUF_CHECKED) std::printf(" checked");
+    }
+    if (type == ZV_EVENT_ACTION) std::printf(" action %lu", event->item);
     if (type == ZV_EVENT_KEY) std::printf(" key %u", event->key);
     if (type == ZV_EVENT_OPEN_DOC) std::printf(" path %s", reinterpret_cast<char const*>(event->item));
     std::printf(" modifiers %x\n", event->modifiers);
     std::fflush(stdout);
 }
 
-/// The desktop's wish to quit ends the program, as closing the document does.
+/// The desktop's wish to quit ends the program, as closing the document does; files that it hands over are
+/// opened.
 static void On_Event(ZVEvent* event)
 {
     Tell(event);
     if (event->type == ZV_EVENT_CLOSE_APP) ExitZV();
+    if (event->type == ZV_EVENT_OPEN_DOC) {
+        Show_Media_Palette();
+        Open_Media(reinterpret_cast<char const*>(event->item));
+    }
+    if (event->type == ZV_EVENT_MENU) On_Action(event->key);
+    if (event->type == ZV_EVENT_ACTION) On_Action(event->item);
 }
 
 /// False for an option that there is not.
@@ -178,8 +191,10 @@ int main(int count, char** arguments)
         return 2;
     }
     if (screenshot) setenv("ZV_HOST", "headless", 1);
-    if (!InitZV(On_Event, prefsName, nullptr, nullptr, isTiled ? ZV_INIT_ROOT_WINDOW : ZV_TAG_IGNORE, 1, 0))
+    if (!InitZV(On_Event, prefsName, nullptr, nullptr, ZV_INIT_APP_TITLE, "Gallery",
+                isTiled ? ZV_INIT_ROOT_WINDOW : ZV_TAG_IGNORE, 1, 0))
         return 1;
+    Make_Menus();
     Show_Palettes(theme);
     bool isWell = true;
     if (screenshot)
@@ -187,6 +202,8 @@ int main(int count, char** arguments)
     else
         HandleGUIZV();
     if (prefsName) Save_Prefs();
+    CleanUpWindowsZV();
+    Free_Menus();
     CleanUpZV();
     return isWell ? 0 : 1;
 }

@@ -14,6 +14,7 @@ enum PaletteId : unsigned short {
     TextPalette,
     IconPalette,
     LongPalette,
+    MediaPalette,
     TilePalette = 120  ///< and the ones behind it
 };
 
@@ -68,14 +69,12 @@ enum ItemId : unsigned short {
     TallProp,
     TallMarkedProp,
     TallDisabledProp,
-    SliderFirst,
-    PlainSlider = SliderFirst,
+    PlainSlider,
     PercentSlider,
     QuadraticSlider,
     TimeSlider,
     RelativeSlider,
     DisabledSlider,
-    SliderLast = DisabledSlider,
     Box,
     BoxBar,
     SplitLeft,
@@ -97,7 +96,26 @@ enum ItemId : unsigned short {
     AskSave = AskOpen + 4,
     AskSaveLast = AskSave + 3,
     AskDirectory,
-    AskResult
+    AskResult,
+    OpenMedia,
+    OpenSeries,
+    VideoSettings,
+    SoundSettings,
+    StreamSettings,
+    PictureSettings,
+    MediaResult,
+    MenuButton
+};
+
+/// Actions of menus and keys.
+enum ActionId : unsigned short {
+    ActionNew = 1,
+    ActionOpen,
+    ActionSave,
+    ActionPreferences,
+    ActionQuit,
+    ActionGrid,
+    ActionHelp
 };
 
 /// The palettes, each declared and shown.
@@ -109,9 +127,21 @@ void Show_Dialog();
 void Show_Pop_Up();
 void Show_Requesters_Palette();
 void Show_Files_Palette();
+void Show_Media_Palette();
+
+/// Opens a file of pictures, and tells in the palette of media what it holds.
+void Open_Media(char const* spec);
 
 /// Fills the root window with pseudo-windows and their palettes.
 void Show_Tiles();
+
+/// The menu bar, and the menu of the swatch and of the menu gadget.
+void Make_Menus();
+void Free_Menus();
+ZVMenu* Swatch_Menu();
+
+/// What menus and their keys do.
+void On_Action(unsigned long action);
 
 /// Writes an event to standard output, when the gallery was started to tell them.
 void Tell(ZVEvent const* event);

@@ -110,6 +110,7 @@ void Add_Actions()
     AddGadgetZV(OpenRequesters, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Requesters", 0, 0);
     AddGadgetZV(OpenControls, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Controls", 0, 0);
     AddGadgetZV(OpenChoices, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Choices", 0, 0);
+    AddGadgetZV(OpenMedia, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Media", 0, 0);
     AddGadgetZV(MoreRows, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "More rows", 0, 0);
     AddTextZV(0, beside, -1, "Theme", ZV_GAP_EXTRA, 1, ZV_ITEM_CENTER_TEXT, 1, 0);
     AddGadgetZV(LightTheme, ZV_Position(ZV_POS_AFTER, ZV_POS_ALIGN_START), MoreRows, ZV_GAD_RADIO,
@@ -118,6 +119,8 @@ void Add_Actions()
     SetItemExclusionZV(LightTheme, DarkTheme);
     AddGadgetZV(Swatch, beside, -1, ZV_GAD_CUSTOM, ZV_SIZE_CUSTOM, "", ZV_ITEM_CUSTOM_FUNC, Swatch_Gadget,
                 ZV_ITEM_WIDTH, 60, ZV_ITEM_HEIGHT, ZVEnv->style->gadgetHeight, ZV_GAP_EXTRA, 1, 0);
+    AddGadgetZV(MenuButton, beside, -1, ZV_GAD_MENU, ZV_SIZE_DEFAULT, nullptr, ZV_ITEM_SELECTED,
+                Swatch_Menu(), 0);
     AddGadgetZV(OpenFiles, below, OpenDialog, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "File dialogs", 0, 0);
     EndGroupZV(ActionGroup, below, ListGroup, "", 0, 0);
 }
@@ -135,6 +138,7 @@ void On_Main(ZVEvent* event)
     case OpenFiles: Show_Files_Palette(); break;
     case OpenControls: Show_Controls_Palette(); break;
     case OpenChoices: Show_Choices(); break;
+    case OpenMedia: Show_Media_Palette(); break;
     case LightTheme: SetPenPresetZV(1); break;
     case DarkTheme: SetPenPresetZV(2); break;
     case MoreRows: ModifyItemZV(RowList, ZV_ITEM_ADD_ENTRY, "Another row", 0); break;

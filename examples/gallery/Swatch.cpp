@@ -44,7 +44,8 @@ long Swatch_Gadget(ZVCustomEvent* event)
     case ZV_CUSTOM_DRAW_STATE: Draw(item, isDisabled); break;
     case ZV_CUSTOM_DRAW_DISABLED: Draw(item, true); break;
     case ZV_CUSTOM_MOUSE_DOWN:
-        if (isDisabled) break;
+        // The other button asks for the menu.
+        if (isDisabled || ZVEnv->buttonState & ZV_MOD_CONTEXTUAL) break;
         item->pressed = 1;
         Follow(event, ZV_MOD_PRESS);
         break;
@@ -53,6 +54,9 @@ long Swatch_Gadget(ZVCustomEvent* event)
         break;
     case ZV_CUSTOM_MOUSE_UP:
         if (std::exchange(item->pressed, 0)) Follow(event, ZV_MOD_RELEASE);
+        break;
+    case ZV_CUSTOM_MENU:
+        if (!isDisabled) DisplayContextualMenuZV(Swatch_Menu());
         break;
     default: break;
     }

@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr double UnknownRate = -1.0;
+
 using ClipHolder = std::unique_ptr<ZVClip, Released_By<FreeClipZV>>;
 
 /// Frees the clip, then stores the number: nothing that freeing does hides the cause.
@@ -95,7 +97,7 @@ bool Choose_Format(ZVClip* clip, TagItem* tags)
 /// Lets the module and the sequence scan fill in the clip. False with the error number set.
 bool Fill_In(ZVClip* clip, TagItem* tags)
 {
-    clip->FileFrameRate = -1.0;
+    clip->FileFrameRate = UnknownRate;
     clip->PixelAspect = 0.0;
     if (auto const* rate = Tag_Data<double const*>(ZV_OPEN_FRAME_RATE, tags, nullptr))
         clip->FileFrameRate = *rate;
@@ -114,16 +116,12 @@ bool Fill_In(ZVClip* clip, TagItem* tags)
     return true;
 }
 
-/// Rate and aspect that the module did not know come from the footage presets, or from the size alone.
+/// Rate and aspect that the module did not know.
 void Fill_In_Rates(ZVClip* clip)
 {
-    double rate, aspect;
-    if (!FindFootagePresetsZV(clip->Width, clip->Height, nullptr, nullptr, &rate, &aspect, nullptr)) {
-        rate = clip->Width < 2048 ? 30.0 : 24.0;
-        aspect = 1.0;
-    }
-    if (std::fabs(clip->PixelAspect) <= 0.000005) clip->PixelAspect = aspect;
-    if (clip->FileFrameRate == -1.0) clip->FileFrameRate = rate;
+    UsualRates const usual = Usual_Rates(*clip);
+    if (Lacks_Aspect(*clip)) clip->PixelAspect = usual.aspect;
+    if (Lacks_Rate(*clip)) clip->FileFrameRate = usual.rate;
     clip->FrameRate = clip->BaseFrameRate = clip->FileFrameRate;
 }
 
@@ -154,6 +152,25 @@ bool Name_First_File(ZVClip* clip)
 }
 
 }  // namespace
+
+UsualRates Usual_Rates(ZVClip const& clip)
+{
+    UsualRates usual{true, clip.Width < 2048 ? 30.0 : 24.0, 1.0};
+    double rate, aspect;
+    usual.isPreset = FindFootagePresetsZV(clip.Width, clip.Height, nullptr, nullptr, &rate, &aspect, nullptr);
+    if (usual.isPreset) usual = {true, rate, aspect};
+    return usual;
+}
+
+bool Lacks_Rate(ZVClip const& clip)
+{
+    return clip.FileFrameRate == UnknownRate;
+}
+
+bool Lacks_Aspect(ZVClip const& clip)
+{
+    return std::fabs(clip.PixelAspect) <= 0.000005;
+}
 
 ZVClip* OpenClipZV(char const* spec, TagItem* tags)
 {

@@ -19,3 +19,14 @@ long Open_Module(ZVClip* clip, TagItem* tags);
 
 /// Puts back into `clip` what CloneClipZV copied from it into `saved`, and frees `saved`. Needs no memory.
 void Restore_Clip(ZVClip* clip, ZVClip* saved);
+
+/// What a clip most likely has by its size, when its module does not know.
+struct UsualRates {
+    bool isPreset;  ///< it is one of the footage presets
+    double rate, aspect;
+};
+UsualRates Usual_Rates(ZVClip const& clip);
+
+/// Whether that is what is left to find out.
+bool Lacks_Rate(ZVClip const& clip);
+bool Lacks_Aspect(ZVClip const& clip);

@@ -48,7 +48,9 @@ long LoadIconFileZV(char const* name)
 {
     if (!name || !ZVEnv || FindTagItem(ZV_INIT_NO_GUI, ZVEnv->initTags)) return 0;
     SpecBlock const spec(MakeFileSpecZV((std::string(ZVEnv->homeDir) + name).c_str()));
-    ClipBlock const file(spec ? OpenClipZV(spec.get(), ZV_OPEN_NO_ALPHA_GUESS, 0) : nullptr);
+    // A number in the name makes no series of it that anybody would be asked about.
+    ClipBlock const file(spec ? OpenClipZV(spec.get(), ZV_OPEN_NO_ALPHA_GUESS, 0, ZV_OPEN_SINGLE_FRAME, 0)
+                              : nullptr);
     if (!file) return 0;
     long number = 0;
     for (Node const* layer = List_First(&file->Layers); layer; layer = List_Next(layer)) {

@@ -1,6 +1,6 @@
 // Which files belong to the clip of a format that holds one picture in a file: the other files of the series
-// that the user pointed into.
-#include "ClipMemory.h"
+// that the user pointed into, or what he makes of them in a dialog.
+#include "ClipRecord.h"
 #include "foundation/HeapBlock.h"
 
 #include "ZVLibInternal.h"
@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -102,6 +103,83 @@ long Take_Sequence(ZVClip& clip, char const* directory, Scan const& scan)
     return 1;
 }
 
+/// Gives the clip the name of a file in place of the mask; false with error 1.
+bool Name_One_File(ZVClip& clip, char const* spec)
+{
+    char* const name = CopyFileSpecZV(spec);
+    if (!name) return false;
+    FreeFileSpecZV(std::exchange(clip.FileName, name));
+    Stay_One_Frame(clip);
+    return true;
+}
+
+/// The one frame that is left of the series is the file of that number, which the module has to read in place
+/// of the one that was pointed at.
+bool Keep_One_Frame(ZVClip& clip, long number)
+{
+    char spec[ZV_SPEC_SIZE];
+    std::strcpy(spec, clip.FileName);
+    if (!SequenceNumberToNameValidateZV(spec, number)) {
+        SetError(ZV_ERR_NOT_FOUND);
+        return false;
+    }
+    if (!Name_One_File(clip, spec)) return false;
+    ZVFormatDesc const* const module = std::exchange(clip.OpenModule, nullptr);
+    if (!module) return true;
+    if (module->Close) module->Close(&clip);
+    return Open_Module(&clip, nullptr);
+}
+
+/// Keeps a part of the frames; false with the error number set.
+bool Keep_Frames(ZVClip& clip, long first, long last)
+{
+    long const count = last - first + 1;
+    if (count == clip.RawFrames) return true;
+    long* const table = clip.SequenceNumbers;
+    if (count == 1) return Keep_One_Frame(clip, table ? table[first] : first);
+    if (table) {
+        std::copy(table + first, table + last + 1, table);
+    } else {
+        clip.SequenceNumbers = Alloc_Zeroed<long>(count);
+        if (!clip.SequenceNumbers) {
+            SetError(ZV_ERR_MEMORY);
+            return false;
+        }
+        std::iota(clip.SequenceNumbers, clip.SequenceNumbers + count, first);
+    }
+    clip.RawFrames = count;
+    return true;
+}
+
+/// What the dialog starts from: a clip of a usual size most likely has the rate that goes with it, and what
+/// applications know goes before all.
+ZVSequenceChoice First_Choice(ZVClip const& clip)
+{
+    UsualRates const usual = Usual_Rates(clip);
+    ZVSequenceChoice choice{true,          0, clip.RawFrames - 1, clip.FileFrameRate, clip.PixelAspect,
+                            ZV_FIELDS_NONE};
+    if (usual.isPreset || Lacks_Rate(clip)) choice.FrameRate = usual.rate;
+    if (Lacks_Aspect(clip)) choice.PixelAspect = usual.aspect;
+    if (ZVEnv->seqRateSet) choice.FrameRate = ZVEnv->seqRate;
+    if (ZVEnv->seqAspectSet) choice.PixelAspect = ZVEnv->seqAspect;
+    if (ZVEnv->seqFieldsSet) choice.FieldOrder = ZVEnv->seqFields;
+    return choice;
+}
+
+/// Lets the user choose what of the series is loaded. 0 with the error number set, 21 when he gives up.
+/// @param chosen  spec of the file that he pointed at
+long Choose_Frames(ZVClip& clip, char const* chosen)
+{
+    ZVSequenceChoice choice = First_Choice(clip);
+    if (!Ask_Sequence(clip.RawFrames, &choice)) return 0;
+    if (!choice.IsWhole) return Name_One_File(clip, chosen);
+    if (!Keep_Frames(clip, choice.First, choice.Last)) return 0;
+    clip.FileFrameRate = choice.FrameRate;
+    clip.PixelAspect = choice.PixelAspect;
+    clip.FieldOrder = choice.FieldOrder;
+    return 1;
+}
+
 }  // namespace
 
 long SequenceCheckZV(ZVClip* clip, TagItem* tags)
@@ -124,8 +202,11 @@ long SequenceCheckZV(ZVClip* clip, TagItem* tags)
             return 1;
         }
         std::ranges::sort(scan.numbers);
-        // The series is taken as found until the user can be asked.
-        return Take_Sequence(*clip, directory, scan);
+        std::string const chosen = clip->FileName;
+        if (!Take_Sequence(*clip, directory, scan)) return 0;
+        // Of a series that is gone there is nothing to choose.
+        bool const asks = clip->RawFrames > 0 && !FindTagItem(ZV_OPEN_NO_SEQUENCE_DIALOG, tags);
+        return asks && Has_Interface() ? Choose_Frames(*clip, chosen.c_str()) : 1;
     } catch (std::bad_alloc const&) {
         SetError(ZV_ERR_MEMORY);
         return 0;

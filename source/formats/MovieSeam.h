@@ -43,18 +43,21 @@ struct OSMovieSettings {
     long bytesPerSecond;    ///< 0: by quality
     double pixelAspect;     ///< 0: square
     uint8_t fieldOrder;
-    ZVAudioFormat sound;  ///< Flags are not read: words in the machine's order, bytes unsigned
-    uint32_t soundCodec;  ///< 0 for samples as they are
-    bool isHinted;        ///< with tracks for streaming, and the index in front
+    ZVAudioFormat sound;      ///< Flags are not read: words in the machine's order, bytes unsigned
+    uint32_t soundCodec;      ///< 0 for samples as they are
+    bool isHinted;            ///< with tracks for streaming, and the index in front
+    long packetMilliseconds;  ///< of sound in a packet for streaming; 0 for the least
 };
 
-/// What a codec can hold.
+/// What a codec can hold, and which settings it heeds.
 struct OSMovieCodec {
+    uint32_t code;
     bool canWrite;
     bool hasAlpha;
     bool isDeep;
     bool canStream;
     bool isStill;  ///< OS_Movie_Write_Still takes it
+    bool hasQuality, hasKeyFrames, hasDataRate;
     char name[64];
 };
 
@@ -108,6 +111,9 @@ bool OS_Movie_Write_Still(OSMovieStillSettings const& settings, ZVBitmap const* 
                           std::vector<uint8_t>& bytes);
 
 OSMovieCodec OS_Movie_Find_Codec(uint32_t codec);
+
+/// The codecs of pictures or of sound that can be written. Of sound, only `canStream` and the name are told.
+std::vector<OSMovieCodec> OS_Movie_List_Codecs(bool isSound);
 
 /// Calls `visit` with each extension of a movie or sound file that can be read.
 void OS_Movie_Visit_Extensions(void (*visit)(char const* extension, void* data), void* data);

@@ -49,6 +49,12 @@ enum VideoOption : long {
 };
 
 inline constexpr uint32_t NoSoundCompression = ZV_FourCC("NONE");
+inline constexpr uint32_t RawSound = ZV_FourCC("raw ");  ///< the same
+
+/// Settings of streaming: bytes of a packet, which the movie layer does not let us choose, and the most
+/// milliseconds of sound in one.
+inline constexpr long StreamPacketBytes = 1450;
+inline constexpr long LongestPacket = 1000;
 
 /// Offsets in a block of audio options.
 enum AudioOption : long {
@@ -81,6 +87,26 @@ bool Make_Audio_Defaults(ZVClip* clip);
 
 /// Fills in what a block of defaults leaves to the clip that it is used for, and its image description.
 void Complete_Video_Options(ZVClip* clip);
+
+/// What the dialogs start from, by the clip's block, and what the user made of it.
+ZVVideoChoice Video_Choice(ZVClip const* clip);
+ZVSoundChoice Sound_Choice(ZVClip const* clip);
+void Take_Video_Choice(ZVClip* clip, ZVVideoChoice const& choice);
+void Take_Sound_Choice(ZVClip* clip, ZVSoundChoice const& choice);
+
+/// Let the user choose, in the clip's block or in a new one. False when he gives up, and with error 1; the
+/// clip is as it was then.
+bool Ask_Video_Options(ZVClip* clip);
+bool Ask_Audio_Options(ZVClip* clip);
+
+/// Puts settings of streaming behind each block that there is; a block that has some keeps them unless they
+/// are to be replaced. 0 without a block, and without memory (error 1), the blocks then being as they were.
+long Set_Streaming(ZVClip* clip, long milliseconds, bool replaces);
+
+/// Of sound in a packet, by the settings behind the blocks of a clip; 0 for the least.
+long Stream_Packet_Milliseconds(ZVClip const* clip);
+
+uint32_t Fixed_Rate(double rate);  ///< As blocks store it, 16.16.
 
 void QuickTime_VideoOptions(ZVClip* clip, bool silent);
 void QuickTime_AudioOptions(ZVClip* clip, bool silent);

@@ -5,6 +5,8 @@
 //   audio    0 mark   4 codec   8 sound description, 36 bytes   44, 48, 52 as above   56 the settings
 #include "QuickTimeModule.h"
 
+#include "foundation/BigEndian.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -38,6 +40,7 @@ enum ImageField : long {
 constexpr uint32_t ImageDescriptionSize = 86;
 constexpr uint32_t SoundDescriptionSize = 36;
 constexpr uint32_t Dots72 = 72u << 16;
+constexpr uint32_t DepthWithAlpha = 32, DepthWithoutAlpha = 24;
 
 uint8_t* Bytes_Of(ZVFormatParams* params)
 {
@@ -96,11 +99,6 @@ bool Is_Untouched(ZVFormatParams const* params)
     return Get_Option(params, IMAGE_VENDOR) == DefaultVendor && Get_Option(params, IMAGE_SIZE) == 0;
 }
 
-uint32_t Fixed_Rate(double rate)
-{
-    return rate > 0 ? static_cast<uint32_t>(std::llround(std::min(rate, 32767.0) * 65536.0)) : 0;
-}
-
 void Swap_Option(ZVFormatParams* params, long offset)
 {
     Set_Option(params, offset, __builtin_bswap32(Get_Option(params, offset)));
@@ -111,6 +109,15 @@ bool Is_Sound_Format(ZVAudioFormat const& format)
 {
     return format.Rate > 0 && (format.Channels == 1 || format.Channels == 2) &&
            (format.SampleSize == 1 || format.SampleSize == 2);
+}
+
+/// Fills in the sound description.
+void Describe_Sound(ZVFormatParams* params, ZVAudioFormat const& format)
+{
+    Set_Option(params, AUDIO_SOUND_DESCRIPTION, SoundDescriptionSize);
+    Set_Option16(params, AUDIO_CHANNELS, static_cast<uint32_t>(format.Channels));
+    Set_Option16(params, AUDIO_SAMPLE_BITS, static_cast<uint32_t>(format.SampleSize * 8));
+    Set_Option(params, AUDIO_RATE, static_cast<uint32_t>(std::min(format.Rate, 65535UL) << 16));
 }
 
 }  // namespace
@@ -138,6 +145,11 @@ void Set_Option16(ZVFormatParams* params, long offset, uint32_t value)
 {
     auto const narrow = static_cast<uint16_t>(value);
     std::memcpy(Bytes_Of(params) + offset, &narrow, sizeof narrow);
+}
+
+uint32_t Fixed_Rate(double rate)
+{
+    return rate > 0 ? static_cast<uint32_t>(std::llround(std::min(rate, 32767.0) * 65536.0)) : 0;
 }
 
 ZVFormatParams* New_Video_Options()
@@ -174,7 +186,7 @@ bool Make_Video_Defaults(ZVClip* clip)
     uint32_t const codec = Is_Hinted(clip) ? DefaultStreamCodec : DefaultCodec;
     bool const hasAlpha = clip->AlphaType == ZV_ALPHA_CHANNEL && OS_Movie_Find_Codec(codec).hasAlpha;
     Set_Option(params, VIDEO_CODEC, codec);
-    Set_Option16(params, VIDEO_DEPTH, hasAlpha ? 32 : 24);
+    Set_Option16(params, VIDEO_DEPTH, hasAlpha ? DepthWithAlpha : DepthWithoutAlpha);
     Set_Option(params, VIDEO_SPATIAL_QUALITY, NormalQuality);
     Set_Option(params, VIDEO_FRAME_RATE, Fixed_Rate(clip->FrameRate));
     Set_Option(params, IMAGE_VENDOR, DefaultVendor);
@@ -190,25 +202,27 @@ bool Make_Audio_Defaults(ZVClip* clip)
     ZVAudioFormat const format =
         Is_Sound_Format(clip->AudioFormat) ? clip->AudioFormat : ZVAudioFormat{44100, 2, 2, 0};
     Set_Option(params, AUDIO_CODEC, NoSoundCompression);
-    Set_Option(params, AUDIO_SOUND_DESCRIPTION, SoundDescriptionSize);
-    Set_Option16(params, AUDIO_CHANNELS, static_cast<uint32_t>(format.Channels));
-    Set_Option16(params, AUDIO_SAMPLE_BITS, static_cast<uint32_t>(format.SampleSize * 8));
-    Set_Option(params, AUDIO_RATE, static_cast<uint32_t>(std::min(format.Rate, 65535UL) << 16));
+    Describe_Sound(params, format);
     clip->AudioParams = params;
     return true;
 }
 
-void Complete_Video_Options(ZVClip* clip)
+/// Of the pictures of a movie to be written.
+static uint32_t Depth_Of(ZVClip const* clip)
+{
+    ZVFormatParams const* params = clip->VideoParams;
+    if (!Is_Untouched(params)) return Get_Option16(params, VIDEO_DEPTH);
+    bool const hasAlpha =
+        clip->AlphaType == ZV_ALPHA_CHANNEL && OS_Movie_Find_Codec(Get_Option(params, VIDEO_CODEC)).hasAlpha;
+    return hasAlpha ? DepthWithAlpha : DepthWithoutAlpha;
+}
+
+/// Fills in the image description from the block and its clip.
+static void Describe_Image(ZVClip* clip)
 {
     ZVFormatParams* params = clip->VideoParams;
-    uint32_t const codec = Get_Option(params, VIDEO_CODEC);
+    uint32_t const codec = Get_Option(params, VIDEO_CODEC), depth = Get_Option16(params, VIDEO_DEPTH);
     OSMovieCodec const known = OS_Movie_Find_Codec(codec);
-    if (Is_Untouched(params)) {
-        bool const hasAlpha = clip->AlphaType == ZV_ALPHA_CHANNEL && known.hasAlpha;
-        Set_Option16(params, VIDEO_DEPTH, hasAlpha ? 32 : 24);
-        Set_Option(params, VIDEO_FRAME_RATE, Fixed_Rate(clip->FrameRate));
-    }
-    uint32_t const depth = Get_Option16(params, VIDEO_DEPTH);
     Set_Option(params, IMAGE_SIZE, ImageDescriptionSize);
     Set_Option(params, IMAGE_CODEC, codec);
     Set_Option(params, IMAGE_TEMPORAL_QUALITY, Get_Option(params, VIDEO_TEMPORAL_QUALITY));
@@ -227,38 +241,153 @@ void Complete_Video_Options(ZVClip* clip)
     Set_Option16(params, IMAGE_COLOUR_TABLE, 0xFFFF);
 }
 
-// The dialogs that choose other settings belong to an interface; without one the defaults are what is chosen.
-
-/// Settings of streaming: a container of one atom, the bytes that a packet holds at most. Big-endian, as
-/// atoms are.
-constexpr uint8_t StreamingSettings[] = {0, 0, 0, 44, 's', 'e', 'a', 'n', 0,  0,   0,   1,   0,   0,   0,
-                                         1, 0, 0, 0,  0,   0,   0,   0,   24, 'p', 'k', 's', 'z', 0,   0,
-                                         0, 1, 0, 0,  0,   0,   0,   0,   0,  0,   0,   0,   5,   0xAA};
-
-/// The block with the usual settings behind it; the block itself when it has some. Null with error 1.
-static ZVFormatParams* With_Streaming(ZVFormatParams* old, long size, long flagOffset)
+void Complete_Video_Options(ZVClip* clip)
 {
-    if (Get_Option(old, flagOffset)) return old;
-    ZVFormatParams* made = New_Block(size + static_cast<long>(sizeof StreamingSettings));
+    ZVFormatParams* params = clip->VideoParams;
+    if (Is_Untouched(params)) {
+        Set_Option16(params, VIDEO_DEPTH, Depth_Of(clip));
+        Set_Option(params, VIDEO_FRAME_RATE, Fixed_Rate(clip->FrameRate));
+    }
+    Describe_Image(clip);
+}
+
+ZVVideoChoice Video_Choice(ZVClip const* clip)
+{
+    ZVFormatParams const* params = clip->VideoParams;
+    double const rate =
+        clip->FrameRate > 0 ? clip->FrameRate : Get_Option(params, VIDEO_FRAME_RATE) / 65536.0;
+    return {Get_Option(params, VIDEO_CODEC),
+            static_cast<long>(Depth_Of(clip)),
+            static_cast<long>(Get_Option(params, VIDEO_SPATIAL_QUALITY)),
+            static_cast<long>(Get_Option(params, VIDEO_KEY_FRAME_RATE)),
+            static_cast<long>(Get_Option(params, VIDEO_DATA_RATE)),
+            rate,
+            clip->PullDown != 0,  // the movie has the rate of the file then
+            Is_Hinted(clip)};
+}
+
+void Take_Video_Choice(ZVClip* clip, ZVVideoChoice const& choice)
+{
+    ZVFormatParams* params = clip->VideoParams;
+    if (!choice.HasFixedRate) clip->FrameRate = choice.FrameRate;
+    Set_Option(params, VIDEO_CODEC, choice.Codec);
+    Set_Option16(params, VIDEO_DEPTH, static_cast<uint32_t>(choice.Depth));
+    Set_Option(params, VIDEO_SPATIAL_QUALITY, static_cast<uint32_t>(choice.Quality));
+    Set_Option(params, VIDEO_TEMPORAL_QUALITY, static_cast<uint32_t>(choice.Quality));
+    Set_Option(params, VIDEO_FRAME_RATE, Fixed_Rate(clip->FrameRate));
+    Set_Option(params, VIDEO_KEY_FRAME_RATE, static_cast<uint32_t>(choice.KeyFrameInterval));
+    Set_Option(params, VIDEO_DATA_RATE, static_cast<uint32_t>(choice.BytesPerSecond));
+    Describe_Image(clip);
+}
+
+ZVSoundChoice Sound_Choice(ZVClip const* clip)
+{
+    ZVFormatParams const* params = clip->AudioParams;
+    uint32_t const codec = Get_Option(params, AUDIO_CODEC);
+    ZVAudioFormat format = clip->AudioFormat;
+    if (!Is_Sound_Format(format)) {
+        format.Rate = Get_Option(params, AUDIO_RATE) >> 16;
+        format.Channels = Get_Option16(params, AUDIO_CHANNELS);
+        format.SampleSize = Get_Option16(params, AUDIO_SAMPLE_BITS) / 8u;
+    }
+    return {codec == NoSoundCompression || codec == RawSound ? 0 : codec, format, Is_Hinted(clip)};
+}
+
+void Take_Sound_Choice(ZVClip* clip, ZVSoundChoice const& choice)
+{
+    clip->AudioFormat = choice.Format;
+    Set_Option(clip->AudioParams, AUDIO_CODEC, choice.Codec ? choice.Codec : NoSoundCompression);
+    Describe_Sound(clip->AudioParams, choice.Format);
+}
+
+// ---- streaming --------------------------------------------------------------------------------------------
+//
+// Settings of streaming are a container of atoms, each with its size, type, id, count of children and a
+// value. Big-endian, as atoms are.
+
+namespace {
+
+constexpr long ContainerSize = 20, AtomSize = 24, ValueOffset = 20;
+constexpr uint32_t ContainerType = ZV_FourCC("sean");
+constexpr uint32_t PacketBytesType = ZV_FourCC("pksz"), PacketTimeType = ZV_FourCC("pkms");
+
+void Put_Atom(uint8_t* at, long size, uint32_t type, uint16_t children)
+{
+    Store_Big32(at, static_cast<uint32_t>(size));
+    Store_Big32(at + 4, type);
+    Store_Big32(at + 8, 1);
+    Store_Big16(at + 14, children);
+}
+
+void Put_Value(uint8_t* at, uint32_t type, long value)
+{
+    Put_Atom(at, AtomSize, type, 0);
+    Store_Big32(at + ValueOffset, static_cast<uint32_t>(value));
+}
+
+/// The block with settings behind it in place of those that it has. Null with error 1.
+ZVFormatParams* With_Streaming(ZVFormatParams const* old, long size, long flagOffset, long milliseconds)
+{
+    uint16_t const count = milliseconds > 0 ? 2 : 1;
+    long const settingsSize = ContainerSize + count * AtomSize;
+    ZVFormatParams* made = New_Block(size + settingsSize);
     if (!made) return nullptr;
-    std::memcpy(Bytes_Of(made), Bytes_Of(old), static_cast<std::size_t>(size));
-    std::memcpy(Bytes_Of(made) + size, StreamingSettings, sizeof StreamingSettings);
+    std::memcpy(Bytes_Of(made), old->Data, static_cast<std::size_t>(size));
+    uint8_t* const settings = Bytes_Of(made) + size;
+    Put_Atom(settings, settingsSize, ContainerType, count);
+    Put_Value(settings + ContainerSize, PacketBytesType, StreamPacketBytes);
+    if (count == 2) Put_Value(settings + ContainerSize + AtomSize, PacketTimeType, milliseconds);
     Set_Option(made, flagOffset, 1);
-    Set_Option(made, flagOffset + 4, sizeof StreamingSettings);
+    Set_Option(made, flagOffset + 4, static_cast<uint32_t>(settingsSize));
     // Once an address, which only tells now that there is something.
     Set_Option(made, flagOffset + 8, static_cast<uint32_t>(size));
     return made;
 }
 
-long Quicktime_StreamingOptions(ZVClip* clip, bool)
+/// Whether a block, of whatever form, has settings behind it.
+bool Has_Streaming(ZVFormatParams const* params, long size, long flagOffset)
+{
+    return params && params->Data && params->Size >= size && Get_Option(params, 0) == MovieOptionsMark &&
+           Get_Option(params, flagOffset) && Get_Option(params, flagOffset + 4) <= params->Size - size;
+}
+
+/// The time of a packet in the settings behind a block; 0 when they do not tell.
+long Packet_Time(ZVFormatParams const* params, long size, long flagOffset)
+{
+    long const end = size + static_cast<long>(Get_Option(params, flagOffset + 4));
+    auto const* const bytes = static_cast<uint8_t const*>(params->Data);
+    for (long at = size + ContainerSize; at + AtomSize <= end;) {
+        uint32_t const length = Load_Big32(bytes + at);
+        if (Load_Big32(bytes + at + 4) == PacketTimeType)
+            return static_cast<long>(std::min(Load_Big32(bytes + at + ValueOffset), uint32_t{LongestPacket}));
+        if (length < 8) break;
+        at += length;
+    }
+    return 0;
+}
+
+}  // namespace
+
+long Stream_Packet_Milliseconds(ZVClip const* clip)
+{
+    if (Has_Streaming(clip->VideoParams, VideoOptionsSize, VIDEO_STREAMING))
+        return Packet_Time(clip->VideoParams, VideoOptionsSize, VIDEO_STREAMING);
+    if (Has_Streaming(clip->AudioParams, AudioOptionsSize, AUDIO_STREAMING))
+        return Packet_Time(clip->AudioParams, AudioOptionsSize, AUDIO_STREAMING);
+    return 0;
+}
+
+long Set_Streaming(ZVClip* clip, long milliseconds, bool replaces)
 {
     if (!clip->VideoParams && !clip->AudioParams) return 0;
     if (clip->VideoParams && !Upgrade_Video_Options(clip)) return 0;
     if (clip->AudioParams && !Upgrade_Audio_Options(clip)) return 0;
     ZVFormatParams* video = clip->VideoParams;
     ZVFormatParams* audio = clip->AudioParams;
-    if (video) video = With_Streaming(video, VideoOptionsSize, VIDEO_STREAMING);
-    if (audio) audio = With_Streaming(audio, AudioOptionsSize, AUDIO_STREAMING);
+    if (video && (replaces || !Get_Option(video, VIDEO_STREAMING)))
+        video = With_Streaming(video, VideoOptionsSize, VIDEO_STREAMING, milliseconds);
+    if (audio && (replaces || !Get_Option(audio, AUDIO_STREAMING)))
+        audio = With_Streaming(audio, AudioOptionsSize, AUDIO_STREAMING, milliseconds);
     if (!video != !clip->VideoParams || !audio != !clip->AudioParams) {
         if (video != clip->VideoParams) FreeMemZV(video);
         if (audio != clip->AudioParams) FreeMemZV(audio);
@@ -267,29 +396,6 @@ long Quicktime_StreamingOptions(ZVClip* clip, bool)
     if (video) Replace(clip->VideoParams, video, clip->AudioParams);
     if (audio) Replace(clip->AudioParams, audio, clip->VideoParams);
     return 1;
-}
-
-void QuickTime_VideoOptions(ZVClip* clip, bool silent)
-{
-    bool const isNew = !clip->VideoParams;
-    if (!Make_Video_Defaults(clip)) return;
-    if (!isNew) Set_Option(clip->VideoParams, VIDEO_FRAME_RATE, Fixed_Rate(clip->FrameRate));
-    if (!silent) Complete_Video_Options(clip);
-}
-
-void QuickTime_AudioOptions(ZVClip* clip, bool)
-{
-    Make_Audio_Defaults(clip);
-}
-
-void Video_Options_Stub(ZVClip* clip, bool)
-{
-    if (Make_Video_Defaults(clip) && Make_Audio_Defaults(clip)) Quicktime_StreamingOptions(clip, true);
-}
-
-void Audio_Options_Stub(ZVClip* clip, bool silent)
-{
-    Video_Options_Stub(clip, silent);
 }
 
 /// The mark, the component and the image description stay: they are filled in anew before they are used.

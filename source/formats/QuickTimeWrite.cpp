@@ -10,16 +10,25 @@ namespace {
 
 constexpr uint32_t FileType = ZV_FourCC("MooV");
 constexpr uint32_t Creator = ZV_FourCC("TVOD");
-constexpr uint32_t RawCompression = ZV_FourCC("raw ");
 constexpr long DepthWithAlpha = 32;
 constexpr double LargestRate = 10000.0;
 constexpr unsigned long SoundPiece = 16384;  // frames of sound that are turned at once
+
+/// Gives the clip options when it has none: the user's, where there is one to ask. False with the error
+/// number set.
+bool Provide_Options(ZVClip* clip, bool isNew, bool (*ask)(ZVClip*), bool (*make)(ZVClip*))
+{
+    if (!isNew || !Has_Interface()) return make(clip);
+    if (ask(clip)) return true;
+    if (GetErrorZV() == ZV_ERR_NONE) SetError(ZV_ERR_SEQUENCE);
+    return false;
+}
 
 /// Takes the settings of the pictures from the clip's options. False with the error number set.
 bool Take_Video_Settings(ZVClip* clip, OSMovieSettings& settings)
 {
     bool const isNew = !clip->VideoParams;
-    if (!Make_Video_Defaults(clip)) return false;
+    if (!Provide_Options(clip, isNew, Ask_Video_Options, Make_Video_Defaults)) return false;
     Complete_Video_Options(clip);
     ZVFormatParams const* params = clip->VideoParams;
     if (isNew && clip->FrameRate <= 0) clip->FrameRate = Get_Option(params, VIDEO_FRAME_RATE) / 65536.0;
@@ -49,7 +58,7 @@ bool Take_Video_Settings(ZVClip* clip, OSMovieSettings& settings)
 
 bool Take_Sound_Settings(ZVClip* clip, OSMovieSettings& settings)
 {
-    if (!Make_Audio_Defaults(clip)) return false;
+    if (!Provide_Options(clip, !clip->AudioParams, Ask_Audio_Options, Make_Audio_Defaults)) return false;
     ZVFormatParams const* params = clip->AudioParams;
     ZVAudioFormat& format = clip->AudioFormat;
     if (format.Rate == 0) {
@@ -67,7 +76,7 @@ bool Take_Sound_Settings(ZVClip* clip, OSMovieSettings& settings)
     format.Flags = ZV_AUDIO_UNSIGNED | ZV_AUDIO_SWAPPED;
     settings.sound = format;
     uint32_t const codec = Get_Option(params, AUDIO_CODEC);
-    settings.soundCodec = codec == NoSoundCompression || codec == RawCompression ? 0 : codec;
+    settings.soundCodec = codec == NoSoundCompression || codec == RawSound ? 0 : codec;
     return true;
 }
 
@@ -86,6 +95,7 @@ long QuickTime_Create(ZVClip* clip, unsigned long)
     settings.isHinted = Is_Hinted(clip);
     if ((clip->Media & ZV_MEDIA_VIDEO) && !Take_Video_Settings(clip, settings)) return 0;
     if ((clip->Media & ZV_MEDIA_AUDIO) && !Take_Sound_Settings(clip, settings)) return 0;
+    if (settings.isHinted) settings.packetMilliseconds = Stream_Packet_Milliseconds(clip);
     ZVQuickTimeState* state = Attach_Movie_State(clip);
     if (!state) return 0;
     state->Output = OS_Movie_Create(clip->FileName, &settings);

@@ -197,6 +197,7 @@ void CleanUpZV()
     Cleanup_OS();
     Free_Format_Modules();
     CleanUpWindowsZV();
+    ClearMenuBarZV();
     Mac_Close_Display();
     CleanupKeySectionZV(ZVEnv->keySection);
     Cleanup_Clip();

@@ -18,7 +18,7 @@ enum class PropMode : int32_t { None, Thumb = 1, Paging = 2, Marker = 4 };
 
 /// Of a track, in its item's `object` while it is on screen.
 struct PropState {
-    int32_t Range;      ///< positions beyond the first, at least 0
+    int64_t Range;      ///< positions beyond the first, at least 0
     int32_t ThumbSize;  ///< pixels
     int32_t ThumbPos;   ///< as it was drawn last; -1 before that
     int32_t LastThumbSize;
@@ -68,7 +68,7 @@ void Track::Measure() const
     long const range = std::max(limits - page, 0L);
     long const seen = range > 0 ? limits : item.state - long{item.minInt} + page;
     long const size = seen > 0 ? page * length / seen : length;
-    state.Range = static_cast<int32_t>(std::min<long>(range, INT32_MAX));
+    state.Range = range;
     state.ThumbSize = static_cast<int32_t>(std::min(std::max(size, Breadth()), length));
 }
 
@@ -217,22 +217,21 @@ void Press(ZVCustomEvent* event, Track const& track)
     }
 }
 
-/// The position for a thumb that is dragged to a place.
+/// The position for a thumb that is dragged to a place. A thumb that stays where it is keeps its position,
+/// since a pixel can stand for many of them.
 long Dragged_Position(Track const& track, long place)
 {
     ZVItem const& item = track.item;
     track.Measure();
     long const range = track.state.Range, room = track.Length() - track.state.ThumbSize;
     if (room <= 0) return item.minInt;
-    long const half = range ? room / range / 2 : 0;  // of the way to the next position
-    long const thumb = std::clamp(place - track.state.GrabOffset + half, 0L, track.Length());
-    if (range) {
-        long const position = range * thumb / room + item.minInt;
-        long const last = item.minInt + range;
-        // A position beyond the last, where a call has put it, is not lost by moving on.
-        return position > last ? std::max<long>(last, item.state) : position;
-    }
-    return std::min(item.minInt + (long{item.state} - item.minInt) * thumb / room, long{item.state});
+    long const thumb = std::clamp(place - track.state.GrabOffset, 0L, track.Length());
+    if (thumb == track.Thumb().from) return item.state;
+    if (range == 0)
+        return std::min(item.minInt + (long{item.state} - item.minInt) * thumb / room, long{item.state});
+    long const position = (range * thumb + room / 2) / room + item.minInt, last = item.minInt + range;
+    // A position beyond the last, where a call has put it, is not lost by moving on.
+    return position > last ? std::max<long>(last, item.state) : position;
 }
 
 void Drag_Thumb(ZVCustomEvent* event, Track const& track, long place)

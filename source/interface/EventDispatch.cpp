@@ -12,7 +12,7 @@
 static constexpr uint32_t reportBits = ZV_MOD_PRESS | ZV_MOD_CHANGE | ZV_MOD_RELEASE;
 static constexpr uint32_t oneEventBits = reportBits | ZV_MOD_REPEAT | ZV_MOD_KEY_UP;
 
-static ZVEvent Make_Event(uint16_t type)
+ZVEvent Make_Event(uint16_t type)
 {
     ZVEvent event{};
     event.type = type;

@@ -12,6 +12,7 @@ static void Run_Modal_Loop()
     int32_t const suspended = std::exchange(ZVEnv->eventsSuspended, 0);
     int32_t const thirdParty = std::exchange(ZVEnv->thirdPartyDialog, 0);
     Activate_First_Gadget(palette);
+    Disable_All_Menus();
     Mac_Flush_Events();
     Mac_Run_Modal_Loop(palette);
     Mac_Flush_Events();
@@ -28,6 +29,10 @@ long HandleGUIZV()
     else
         Mac_Run_Application_Loop();
     --ZVEnv->guiLevel;
+    if (ZVEnv->modalDepth == 0) {
+        Reenable_All_Menus();
+        MakeMenuBarZV();
+    }
     return 1;
 }
 

@@ -4,6 +4,9 @@
 #include "ZVEvent.h"
 #include "ZVList.h"
 
+/// An event with what the environment tells of the mouse, the keyboard and the time.
+ZVEvent Make_Event(uint16_t type);
+
 /// Calls the callback, or without one that of the application, if there is any.
 void Call_Back(void (*callback)(ZVEvent*), ZVEvent& event);
 

@@ -18,6 +18,7 @@ GadgetFunction Function_Of_Type(ZVGadgetType type)
     case ZV_GAD_CYCLE: return CycleCustomFunc;
     case ZV_GAD_SEPARATOR: return SeparatorCustomFunc;
     case ZV_GAD_LABEL: return ZVLib_LabelCustomFunc;
+    case ZV_GAD_MENU: return MenuGadCustomFunc;
     default: return nullptr;
     }
 }

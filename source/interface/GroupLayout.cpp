@@ -292,11 +292,12 @@ static void Find_Natural_Size(GroupLayout& layout, long width, long height)
     Share_Out(heights, palette, originY, layout.naturalHeight, layout.freeHeight);
 }
 
-/// The tab bar lies outside the margins.
+/// The tab bar lies outside the margins, along the whole width of the palette.
 static void Move_Tab_Bar(ZVPalette const& palette, ZVGroup& bar)
 {
     bar.x = bar.innerX = -palette.marginLeft;
     bar.y = bar.innerY = -ZVEnv->style->tabHeight - palette.marginTop;
+    bar.width = bar.innerWidth = palette.width;
 }
 
 static void Store_Extents(ZVPalette& palette, GroupLayout const& layout)

@@ -1,5 +1,6 @@
 // From a key to the action that it is bound to, and on to whoever takes actions.
 #include "KeyFile.h"
+#include "MenuTree.h"
 
 #include "ZVLibInternal.h"
 
@@ -41,13 +42,33 @@ Hit Find_In_Chain(ZVKeySection const* section, long key)
     return {};
 }
 
-/// The menu title of an action, lit while its event is on its way.
-class ActionMenuTitle {
+/// The menu entry of an action, whose title in the bar is lit while its event is on its way.
+class ActionMenu {
 public:
-    /// There are no menus yet, so no action has an item, nothing is lit and nothing can be disabled.
-    ActionMenuTitle(long, ZVKeySection const&) {}
+    ActionMenu(long action, ZVKeySection const& section) : menu_(Find_ActionID(action, &section)) {}
+    ~ActionMenu()
+    {
+        if (isLit_) Mac_Hilite_Menu(nullptr);
+    }
+    ActionMenu(ActionMenu const&) = delete;
+    ActionMenu& operator=(ActionMenu const&) = delete;
 
-    bool Is_Item_Disabled() const { return false; }
+    /// With a menu around it everything in it is disabled.
+    bool Is_Disabled() const
+    {
+        for (ZVMenu const* menu = menu_; menu; menu = menu->parent)
+            if (menu->flags & ZV_MENUF_DISABLED) return true;
+        return false;
+    }
+    void Light()
+    {
+        isLit_ = menu_;
+        if (menu_) Mac_Hilite_Menu(&Top_Of(*menu_));
+    }
+
+private:
+    ZVMenu const* menu_;  ///< or null; not followed once the event is on its way
+    bool isLit_ = false;
 };
 
 /// A section's own callback in the place of the application's, for the time of an action.
@@ -70,8 +91,9 @@ private:
 /// Sends the action, unless its menu item is disabled: then the key is taken and nothing happens.
 static void Send_Action(Hit hit)
 {
-    ActionMenuTitle const title(hit.action, *hit.section);
-    if (title.Is_Item_Disabled()) return;
+    ActionMenu menu(hit.action, *hit.section);
+    if (menu.Is_Disabled()) return;
+    menu.Light();
     SectionCallback const callback(*hit.section);
     Do_Event(ZV_EVENT_ACTION, static_cast<unsigned long>(hit.action));
 }

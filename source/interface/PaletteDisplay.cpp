@@ -155,7 +155,7 @@ static void Take_Saved_Size(Display& display)
     if (palette.forcedWidth == -1 && (palette.flags & (ZV_PALF_SIZE_BOTH | ZV_PALF_SIZE_X)))
         Take_Saved_Length(display.width, width, desktop.width);
     if (palette.forcedHeight == -1 && (palette.flags & (ZV_PALF_SIZE_BOTH | ZV_PALF_SIZE_Y)))
-        Take_Saved_Length(display.height, height - display.Bar_Height(), desktop.height);
+        Take_Saved_Length(display.height, height, desktop.height);
     // A pseudo-window that there is no more leaves the palette the place that it is declared with.
     if (pseudoId == 0) {
         palette.flags &= ~ZV_PALF_PSEUDO;
@@ -185,7 +185,7 @@ static void Settle_Size(Display& display)
         display.pseudoWindow = Find_Record<ZVWindow>(ZVEnv->windows, display.pseudoId);
     if (!display.pseudoWindow) return;
     if (display.width == -1) display.width = display.pseudoWindow->width;
-    if (display.height == -1) display.height = display.pseudoWindow->height - display.Bar_Height();
+    if (display.height == -1) display.height = display.pseudoWindow->height;
 }
 
 /// Gives a floater the bar with the tabs of its window. False when memory runs out. An error that declaring
@@ -249,7 +249,7 @@ static ZVRectT<long> Place_In_Pseudo_Window(Display const& display)
         GetParentSysWindow(other, &dx, &dy);
         reference = {other->x + dx, other->y + dy, other->width, other->height};
     }
-    ZVRectT<long> place{0, 0, palette.width, palette.height};
+    ZVRectT<long> place{0, 0, palette.width, palette.height + display.Bar_Height()};
     GetElementPlacement(palette.position, &place, &reference, &parent, display.gap, &place.x, &place.y);
     place.Offset(display.offsetX - parent.x, display.offsetY - parent.y);
     return place;

@@ -1,14 +1,13 @@
 // Requesters: small modal dialogs that state a message and wait for an answer. They are declared like any
 // other palette, in the middle of whatever the caller is doing, and their display returns when they have been
 // answered.
-#include "interface/PaletteTree.h"
+#include "interface/Interruption.h"
 
 #include "Locale/ZVLibStr.h"
 #include "foundation/Message.h"
 
 #include <algorithm>
 #include <new>
-#include <optional>
 #include <utility>
 
 namespace {
@@ -34,7 +33,7 @@ bool Is_Line_End(char c)
     return c == '\r' || c == '\n';
 }
 
-/// Takes a text apart into lines of a width that can be shown.
+/// Takes a text apart into lines of a width that can be shown, and of a length that an item draws.
 class MessageLines {
 public:
     MessageLines(char const* text, long width) : rest_(text ? text : ""), width_(width) {}
@@ -46,10 +45,11 @@ public:
 private:
     bool Fits(std::size_t length);
     std::size_t Longest_Fit(std::size_t length);
+    bool Is_Inside(std::size_t place) const { return (rest_[place] & 0xC0) == 0x80; }  ///< A character.
 
     char const* rest_;
     long width_;
-    char line_[MessageSize] = "";
+    char line_[256] = "";
 };
 
 /// Makes that much of the rest the line.
@@ -63,17 +63,16 @@ bool MessageLines::Fits(std::size_t length)
 /// The most whole characters of so many bytes that fit, at least one.
 std::size_t MessageLines::Longest_Fit(std::size_t length)
 {
-    auto const isInside = [this](std::size_t place) { return (rest_[place] & 0xC0) == 0x80; };
     std::size_t fitting = 0, tooLong = length;
     while (fitting + 1 < tooLong) {
         std::size_t const middle = (fitting + tooLong) / 2;
         (Fits(middle) ? fitting : tooLong) = middle;
     }
-    while (fitting > 0 && isInside(fitting))
+    while (fitting > 0 && Is_Inside(fitting))
         --fitting;
     if (fitting == 0) do
             ++fitting;
-        while (fitting < length && isInside(fitting));
+        while (fitting < length && Is_Inside(fitting));
     return fitting;
 }
 
@@ -81,14 +80,17 @@ bool MessageLines::Next()
 {
     if (!*rest_) return false;
     std::size_t const whole = std::strcspn(rest_, "\r\n");
-    std::size_t const length = std::min(whole, sizeof line_ - 1);
+    std::size_t length = std::min(whole, sizeof line_ - 1);
+    while (length > 0 && length < whole && Is_Inside(length))
+        --length;
     if (length == whole && Fits(length)) {
         rest_ += length;
         if (Is_Line_End(*rest_)) ++rest_;
         return true;
     }
     std::size_t fitting = Fits(length) ? length : Longest_Fit(length);
-    // The break is at the last blank that fits, if there is one; the blanks there go.
+    // The break is at the last blank that fits, if there is one; the blanks there go, and so does an end of
+    // the line behind them.
     std::size_t end = fitting;
     while (end > 0 && rest_[end] != ' ')
         --end;
@@ -98,6 +100,7 @@ bool MessageLines::Next()
     Fits(fitting);
     rest_ += fitting;
     rest_ += std::strspn(rest_, " ");
+    if (Is_Line_End(*rest_)) ++rest_;
     return true;
 }
 
@@ -137,66 +140,11 @@ struct Room {
     long width, height;
 };
 
-// ---- what a requester interrupts --------------------------------------------------------------------------
-
-/// Sets aside what the caller has under way, and brings it back.
-class Interruption {
-public:
-    Interruption();
-    ~Interruption();
-    Interruption(Interruption const&) = delete;
-    Interruption& operator=(Interruption const&) = delete;
-
-    void Keep_Error() { error_ = GetErrorZV(); }  ///< The present one stays, in place of the caller's.
-
-private:
-    static std::optional<LivingPalette> Watch(ZVPalette* palette);
-
-    CurrentPalette current_;
-    std::optional<LivingPalette> groupOwner_;
-    ZVGroup* group_;
-    ZVPalette* building_;
-    int32_t lastPaletteId_, busyLevel_;
-    unsigned long error_;
-};
-
-std::optional<LivingPalette> Interruption::Watch(ZVPalette* palette)
-{
-    return palette ? std::optional<LivingPalette>(palette) : std::nullopt;
-}
-
-Interruption::Interruption()
-    : current_(ZVEnv->currentPalette),
-      groupOwner_(Watch(ZVEnv->currentGroup ? ZVEnv->currentGroup->palette : nullptr)),
-      group_(std::exchange(ZVEnv->currentGroup, nullptr)),
-      building_(std::exchange(ZVEnv->buildingPalette, nullptr)), lastPaletteId_(ZVEnv->lastPaletteId),
-      busyLevel_(ZVEnv->busyLevel), error_(GetErrorZV())
-{
-    while (ZVEnv->busyLevel > 0)
-        NotBusyZV();
-}
-
-Interruption::~Interruption()
-{
-    // A palette under construction that is set aside is out of everybody's reach, so it is still there.
-    ZVEnv->buildingPalette = building_;
-    ZVEnv->currentGroup = groupOwner_ && groupOwner_->Is_Known() ? group_ : nullptr;
-    ZVEnv->lastPaletteId = lastPaletteId_;
-    while (ZVEnv->busyLevel < busyLevel_)
-        BusyZV();
-    SetError(error_);
-}
-
 // ---- building and running ---------------------------------------------------------------------------------
 
 bool Are_Silenced()
 {
     return ZVEnv && ZVEnv->errorMode & (ZV_ERRORMODE_YES | ZV_ERRORMODE_NO);
-}
-
-bool Can_Be_Shown()
-{
-    return ZVEnv && !ZVEnv->isStarting && Mac_Is_Interface_Thread();
 }
 
 /// A text of the string table, which an application may not have.
@@ -340,6 +288,11 @@ void Answer(ZVEvent& event, int32_t answer)
 
 }  // namespace
 
+bool Has_Interface()
+{
+    return ZVEnv && !ZVEnv->isStarting && Mac_Is_Interface_Thread();
+}
+
 long Dummy_Gad(ZVCustomEvent*)
 {
     return 1;
@@ -364,7 +317,7 @@ void scrollTextReqHandler(ZVEvent* event)
 long User_Req(long, long twoButtons, char const* text, char const* firstText, char const* secondText)
 {
     if (Are_Silenced()) return !(ZVEnv->errorMode & ZV_ERRORMODE_NO);
-    if (!Can_Be_Shown()) {
+    if (!Has_Interface()) {
         Write_Message(text);
         return 0;
     }
@@ -374,7 +327,7 @@ long User_Req(long, long twoButtons, char const* text, char const* firstText, ch
 
 void UserScrollMessageZV(char const* heading, char* body)
 {
-    if (Are_Silenced() || (Can_Be_Shown() && Show_Scrolling(heading, body ? body : ""))) return;
+    if (Are_Silenced() || (Has_Interface() && Show_Scrolling(heading, body ? body : ""))) return;
     Write_Message(heading);
     Write_Message_Lines(body);
 }

@@ -186,6 +186,7 @@ TEST(IncludeRules, TheRulesTellRightFromWrong)
             << row.from << ' ' << row.what;
     EXPECT_TRUE(May_Use_Own_Header({"source", "formats"}, {"source", "clips"}));
     EXPECT_FALSE(May_Use_Own_Header({"source", "pixels"}, {"source", "clips"}));
+    EXPECT_FALSE(May_Use_Own_Header({"source", "formats"}, {"source", "dialogs"}));
 }
 
 TEST(IncludeRules, LinesThatIncludeAreKnown)

@@ -171,6 +171,12 @@ TEST_F(Font, MeasuresGrowEvenlyWithTheSize)
     GetCursorAdvanceZV('W', font, nullptr, nullptr);
 }
 
+TEST_F(Font, AnEmptyTextHasNoWidthBehindALongOne)
+{
+    EXPECT_GT(Text_Width(std::string(1000, 'w').c_str()), 1000);
+    EXPECT_EQ(Text_Width(""), 0);
+}
+
 TEST_F(Font, StylesChooseTheirFaces)
 {
     double const plain = Advance(Open(100), 'n');

@@ -120,7 +120,7 @@ TEST_F(PseudoWindows, NeedARootWindowAndAnId)
 
 TEST_F(PseudoWindows, PalettesLiveInThemThroughTheRootWindow)
 {
-    ZVWindow* const left = AddPseudoWindowZV(1, 0, 0, 200, 100, nullptr);
+    ZVWindow* const left = AddPseudoWindowZV(1, 0, 0, 200, 200, nullptr);
     ZVWindow* const right = AddPseudoWindowZV(2, beside, -1, 300, 100, nullptr);
     TagItem second[] = {{ZV_PAL_PSEUDO_WINDOW, Tag_Word(right)}, {}};
     ZVPalette* const one = DesktopTest::Show(1, ZV_KIND_FLOATER, 0, 0, {{ZV_PAL_PSEUDO_WINDOW_ID, 1}});
@@ -128,7 +128,7 @@ TEST_F(PseudoWindows, PalettesLiveInThemThroughTheRootWindow)
     ZVPalette* const three = Show(3, ZV_KIND_FIXED, second);
     EXPECT_EQ(one->window, left);
     EXPECT_EQ(one->width, 200);
-    EXPECT_EQ(one->y + one->height, 100) << "with its tabs it fills the pseudo-window";
+    EXPECT_EQ(one->y + one->height, 200) << "with its tabs it fills the pseudo-window";
     EXPECT_EQ(right->activePalette, three);
     EXPECT_TRUE(three->flags & ZV_PALF_PSEUDO);
     long dx = 0, dy = -1;

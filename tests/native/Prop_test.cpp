@@ -115,7 +115,7 @@ TEST_F(Props, ThumbShowsThePartInView)
         {"a view larger than the range", 0, 100, 200, 0, {0, 170}},
         {"a view that reaches beyond the end", 0, 100, 200, 100, {57, 113}},
         {"limits below zero", -100, 100, 100, 0, {85, 85}},
-        {"limits of all numbers", INT32_MIN, INT32_MAX, 1, 0, {76, 16}},
+        {"limits of all numbers", INT32_MIN, INT32_MAX, 1, 0, {77, 16}},
     };
     for (ZVGadgetType const type : bothTypes) {
         Show_Prop(type);
@@ -271,13 +271,14 @@ TEST_F(Props, WithoutMemoryNothingIsMade)
     InitPaletteZV();
     InitGroupZV();
     List const& items = ZVEnv->currentGroup->items;
-    TagItem tags[] = {{ZV_ITEM_CURSOR, 2}, {ZV_GAP_WIDE, 1}, {ZV_ITEM_PROP_PAGE, 5}, {}};
+    TagItem tags[] = {
+        {ZV_ITEM_CURSOR, 2}, {ZV_ITEM_WIDTH, 100}, {ZV_GAP_WIDE, 1}, {ZV_ITEM_PROP_PAGE, 5}, {}};
     long after = 0;
     for (ZVItem const* made = nullptr; !made; ++after) {
         SetError(0);
         {
             FailingHeap const heap(after);
-            made = AddGadgetZV(1, 0, 0, ZV_GAD_HPROP, ZV_SIZE_LARGE, "label", tags);
+            made = AddGadgetZV(1, 0, 0, ZV_GAD_HPROP, ZV_SIZE_CUSTOM, "label", tags);
         }
         if (made) break;
         EXPECT_TRUE(List_Empty(&items)) << after;

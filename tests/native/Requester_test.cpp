@@ -112,6 +112,7 @@ TEST_F(Requesters, FitTheScreen)
         char const* last;
     } const rows[] = {{"many words", words, "w\303\266rd199 "},
                       {"a word without end", std::string(2000, 'x'), nullptr},
+                      {"narrow letters", std::string(2000, 'i') + "\nend", "end"},
                       {"many lines", lines, "..."}};
     for (auto const& row : rows) {
         Take_Steps({[&row](ZVPalette* palette) {
@@ -122,8 +123,10 @@ TEST_F(Requesters, FitTheScreen)
             auto const items = Lines(palette);
             EXPECT_GT(items.size(), 1U) << row.why;
             std::string shown;
-            for (ZVItem const* item : items)
+            for (ZVItem const* item : items) {
                 shown += item->text;
+                EXPECT_LT(std::strlen(item->text), 256U) << "as much as is drawn: " << row.why;
+            }
             std::string const end = row.last ? row.last : std::string(2000, 'x');
             EXPECT_TRUE(shown.ends_with(end)) << row.why;
             HeadlessKeyZV('c');
@@ -269,13 +272,15 @@ TEST_F(Requesters, ALongTextScrolls)
         body += "Line " + std::to_string(i) + "\n";
     Take_Steps({[](ZVPalette* palette) {
                     EXPECT_EQ(Lines(palette).size(), 1U);
-                    ZVItem const *const box = FindItem2ZV(palette, 1000), *const bar =
-                                                                              FindItem2ZV(palette, 1001);
+                    ZVItem const* const box = FindItem2ZV(palette, 1000);
+                    ZVItem* const bar = FindItem2ZV(palette, 1001);
                     EXPECT_EQ(box->width, 500);
                     EXPECT_EQ(box->height, 300);
                     EXPECT_EQ(bar->x, box->x + box->width - 1) << "they touch";
-                    EXPECT_EQ(bar->y, box->y);
-                    EXPECT_EQ(bar->height, 300);
+                    EXPECT_EQ(bar->y + bar->height / 2, box->y + 150) << "between its arrows";
+                    bar->state = 30;
+                    Do_Event(ZV_EVENT_GADGET, Tag_Word(bar));
+                    EXPECT_EQ(box->state, 30) << "the text follows the bar";
                 },
                 Press(1)});
     UserScrollMessageZV("Heading", body.data());

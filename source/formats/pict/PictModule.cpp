@@ -5,6 +5,7 @@
 #include "PictWriter.h"
 
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -108,8 +109,15 @@ bool Make_Picture_Options(ZVClip* clip)
     return true;
 }
 
-/// There is no dialog: an application sets the block itself.
-void Picture_Options(ZVClip* clip, bool)
+void Picture_Options(ZVClip* clip, bool silent)
 {
-    Make_Picture_Options(clip);
+    bool const isNew = !clip->VideoParams;
+    if (!Make_Picture_Options(clip) || silent || !Has_Interface()) return;
+    ZVPICTOptions options = Options_Of(clip);
+    ZVFormatParams* const params = clip->VideoParams;
+    // A block of some other form is not one to write to.
+    if (Ask_Picture_Settings(&options) && params->Data && params->Size >= OptionsSize)
+        std::memcpy(params->Data, &options, sizeof options);
+    else if (isNew)
+        FreeMemZV(std::exchange(clip->VideoParams, nullptr));
 }

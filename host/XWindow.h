@@ -1,0 +1,19 @@
+// Windows of SDL as the X server knows them, for what SDL takes many round trips to the server for.
+#pragma once
+
+#include <cstdint>
+
+struct SDL_Window;
+
+struct XWindow {
+    struct _XDisplay* display = nullptr;  ///< SDL's connection; null for a window that is not on X
+    unsigned long window = 0;
+};
+XWindow X_Window_Of(SDL_Window* window);
+
+/// The sizes that the user can give to the window, in pixels; a largest one of 0 is none. False when the
+/// window is not on X.
+bool X_Set_Size_Limits(SDL_Window* window, int minWidth, int minHeight, int maxWidth, int maxHeight);
+
+/// Moves a window that is not shown. False when it is not on X.
+bool X_Move_Hidden(SDL_Window* window, int x, int y);
