@@ -22,8 +22,8 @@ enum Group : short { PathGroup = 1, PlacesGroup, ListGroup, FieldGroup, ButtonGr
 constexpr long Gap = 8;
 
 /// Rows and characters of the list: the fewest, and those of a new window.
-constexpr long LeastRows = 8, UsualRows = 18;
-constexpr long LeastColumns = 52, UsualColumns = 76;
+constexpr long LeastRows = 8, UsualRows = 24;
+constexpr long LeastColumns = 52, UsualColumns = 100;
 
 long List_Height(long rows)
 {
@@ -35,8 +35,7 @@ bool showsHidden = false;  // as the user left it
 }  // namespace
 
 FileDialog::FileDialog(FileQuestion& question)
-    : question_(question), listing_(question.mode == FileDialogMode::Open && question.kinds.Current > 0,
-                                    [this](FileEntry const& entry) { return Is_Wanted(entry); }),
+    : question_(question), listing_([this](FileEntry const& entry) { return Is_Wanted(entry); }),
       rows_(listing_, FileDialogIds::Bar),
       keyboard_(question.mode == FileDialogMode::Save ? Keyboard::Name : Keyboard::List),
       selectsStem_(question.mode == FileDialogMode::Save)
@@ -297,7 +296,7 @@ void FileDialog::On_Tick()
             SetTextEditorPropertiesZV(name, &properties);
         }
     }
-    if (listing_.State() != FileReading::Running || !listing_.Advance()) return;
+    if (!listing_.Is_Busy() || !listing_.Advance()) return;
     rows_.Show_Listing();
     Select_Expected();
     Update_Buttons();

@@ -83,7 +83,7 @@ void FilePath::Draw()
     if (!draw) return;
     Place_Parts();
     SetFontZV(draw.get(), GetItemFont(item_));
-    SetPenZV(draw.get(), ZV_PEN_TEXT_FIELD);
+    SetPenZV(draw.get(), ZV_PEN_FACE);
     FillRectZV(draw.get(), 0, 0, item_->width - 1, item_->height - 1);
     DrawIShineBorderZV(draw.get(), 0, 0, item_->width, item_->height);
     SetClipRectZV(draw.get(), Margin, Margin, item_->width - 2 * Margin, item_->height - 2 * Margin);
