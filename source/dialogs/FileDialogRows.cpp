@@ -162,7 +162,7 @@ void FileRows::Draw_Rows(ZVDrawInfo* draw, Area const& area) const
         Draw_Row(draw, area, columns, row);
     if (listing_.Row_Count() > 0) return;
     std::string const message = Message();
-    SetPenZV(draw, DisableColorZV(ZV_PEN_TEXT));
+    SetPenZV(draw, ZV_PEN_TEXT);
     long const width = GetTextWidthZV(draw, message.c_str());
     long const left = std::max((item_->width - width) / 2, area.left + CellMargin);
     Draw_Fitted_Text(draw, message, left, area.top, area.right - left, (area.bottom - area.top) / 2);
