@@ -158,25 +158,29 @@ struct OSDirectoryEntry {
 ZV_API bool OS_List_Directory(char const* spec, bool wantsCodes,
                               bool (*visit)(OSDirectoryEntry const&, void*), void* data);
 
-/// An entry of a directory with what a browser shows of it. A link counts as what it leads to.
+/// An entry of a directory, for a browser. A link counts as what it leads to.
 struct OSBrowsedEntry {
-    char const* name;  ///< as in a spec; valid during the visit
+    char const* name;        ///< as in a spec; this and the next are valid during the visit
+    char const* nativeName;  ///< as in the file system
     bool isDirectory;
-    bool isLink;
-    bool isHidden;     ///< begins with a dot, or is marked invisible
-    int64_t size;      ///< bytes
-    int64_t modified;  ///< seconds since 1 January 1970
-    uint32_t type;     ///< of a file, when codes are wanted
+    bool isHidden;  ///< begins with a dot, or is marked invisible
+    uint32_t type;  ///< of a file
     uint32_t creator;
 };
 enum class OSBrowseResult : uint8_t { Done, Missing, Denied, Failed };
 
 /// Calls `visit` for each directory and file of a directory, in the order of the file system, until it
-/// answers false. May run on any thread, beside anything, and does not touch the error number.
+/// answers false. Like the next call it may run on any thread, beside anything, and does not touch the error
+/// number.
 /// @param path  native
 /// @return  Done also when `visit` ended it; Failed too when memory runs out
-ZV_API OSBrowseResult OS_Browse_Directory(char const* path, bool wantsCodes,
-                                          bool (*visit)(OSBrowsedEntry const&, void*), void* data);
+ZV_API OSBrowseResult OS_Browse_Directory(char const* path, bool (*visit)(OSBrowsedEntry const&, void*),
+                                          void* data);
+
+/// Bytes of a file, and the time of its last change in seconds since 1 January 1970. False when it is not
+/// there.
+/// @param path  native
+ZV_API bool OS_Measure_File(char const* path, int64_t* size, int64_t* modified);
 
 /// What the file system tells of a file or directory; of what it leads to for a link.
 struct OSFileStatus {

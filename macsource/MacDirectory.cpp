@@ -190,27 +190,17 @@ bool OS_List_Directory(char const* spec, bool wantsCodes, bool (*visit)(OSDirect
 namespace {
 
 /// What a browser shows of an entry. False for one that is neither a file nor a directory.
-/// @param path  of the directory with a closing slash; the entry's name is written behind its first `size`
-///              bytes
-bool Look_At_Entry(int directory, dirent const& entry, std::string& path, std::size_t size, bool wantsCodes,
-                   OSBrowsedEntry& shown)
+/// @param path  of the entry
+bool Look_At_Entry(int directory, dirent const& entry, char const* path, OSBrowsedEntry& shown)
 {
-    struct stat info;
-    if (fstatat(directory, entry.d_name, &info, 0) != 0) return false;
-    OSEntryKind const kind = Kind_Of_Mode(info.st_mode);
+    OSEntryKind const kind = Kind_Of_Entry(directory, entry);
     if (kind == OSEntryKind::Other) return false;
-    path.replace(size, path.npos, entry.d_name);
-    shown.name = entry.d_name;
+    MacFileMarks const marks = Mac_Read_Marks(path);
+    shown.nativeName = shown.name = entry.d_name;
     shown.isDirectory = kind == OSEntryKind::Directory;
-    shown.isLink = Is_Link(directory, entry);
-    shown.isHidden = entry.d_name[0] == '.' || Mac_Read_Flags(path.c_str()) & ZV_FINDER_INVISIBLE;
-    shown.size = info.st_size;
-    shown.modified = info.st_mtime;
-    bool const hasCodes = wantsCodes && !shown.isDirectory;
-    ZVCreatorPair const codes =
-        hasCodes ? Mac_Read_Codes(path.c_str()) : ZVCreatorPair{ZV_BLANK_CODE, ZV_BLANK_CODE};
-    shown.type = codes.type;
-    shown.creator = codes.creator;
+    shown.isHidden = entry.d_name[0] == '.' || marks.flags & ZV_FINDER_INVISIBLE;
+    shown.type = shown.isDirectory ? ZV_BLANK_CODE : marks.codes.type;
+    shown.creator = shown.isDirectory ? ZV_BLANK_CODE : marks.codes.creator;
     return true;
 }
 
@@ -228,8 +218,7 @@ OSBrowseResult Result_Of(int error)
 
 }  // namespace
 
-OSBrowseResult OS_Browse_Directory(char const* path, bool wantsCodes,
-                                   bool (*visit)(OSBrowsedEntry const&, void*), void* data)
+OSBrowseResult OS_Browse_Directory(char const* path, bool (*visit)(OSBrowsedEntry const&, void*), void* data)
 try {
     std::unique_ptr<DIR, int (*)(DIR*)> const directory(opendir(path), &closedir);
     if (!directory) return Result_Of(errno);
@@ -242,8 +231,9 @@ try {
         dirent const* const entry = readdir(directory.get());
         if (!entry) return Result_Of(errno);
         if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) continue;
+        full.replace(size, full.npos, entry->d_name);
         OSBrowsedEntry shown;
-        if (!Look_At_Entry(dirfd(directory.get()), *entry, full, size, wantsCodes, shown)) continue;
+        if (!Look_At_Entry(dirfd(directory.get()), *entry, full.c_str(), shown)) continue;
         if (std::strpbrk(shown.name, ":\\")) {
             spelled = Mac_Name_To_Spec(shown.name);
             shown.name = spelled.c_str();
@@ -252,6 +242,15 @@ try {
     }
 } catch (std::bad_alloc const&) {
     return OSBrowseResult::Failed;
+}
+
+bool OS_Measure_File(char const* path, int64_t* size, int64_t* modified)
+{
+    struct stat info;
+    if (stat(path, &info) != 0) return false;
+    *size = info.st_size;
+    *modified = info.st_mtime;
+    return true;
 }
 
 bool OS_Get_Status(char const* spec, OSFileStatus* status)

@@ -90,11 +90,12 @@ Lookup Read_Info(char const* path, FinderInfo& info)
     return size < 8 ? Lookup::Absent : Lookup::Found;
 }
 
-Lookup Read_Stored_Codes(char const* path, ZVCreatorPair& codes)
+Lookup Read_Stored_Codes(char const* path, ZVCreatorPair& codes, uint16_t& flags)
 {
     FinderInfo info{};
     Lookup const lookup = Read_Info(path, info);
     if (lookup != Lookup::Found) return lookup;
+    flags = static_cast<uint16_t>(info[8] << 8 | info[9]);
     codes = {Load_Code(&info[0]), Load_Code(&info[4])};
     // Others leave zeros in an attribute that they keep for its flags.
     return codes.type == 0 && codes.creator == 0 ? Lookup::Absent : Lookup::Found;
@@ -122,24 +123,30 @@ bool Mac_Has_Codes(char const* path, ZVCreatorPair codes)
 {
     if (!Is_Regular(path)) return false;
     ZVCreatorPair stored;
-    switch (Read_Stored_Codes(path, stored)) {
+    uint16_t flags;
+    switch (Read_Stored_Codes(path, stored, flags)) {
     case Lookup::Found: return Same(stored, codes);
     case Lookup::Absent: return Same(codes, BlankCodes) || Same(codes, Codes_Of_Extension(path));
     default: return false;
     }
 }
 
+MacFileMarks Mac_Read_Marks(char const* path)
+{
+    MacFileMarks marks = {BlankCodes, 0};
+    if (Read_Stored_Codes(path, marks.codes, marks.flags) == Lookup::Absent)
+        marks.codes = Codes_Of_Extension(path);
+    return marks;
+}
+
 ZVCreatorPair Mac_Read_Codes(char const* path)
 {
-    ZVCreatorPair codes = BlankCodes;
-    return Read_Stored_Codes(path, codes) == Lookup::Absent ? Codes_Of_Extension(path) : codes;
+    return Mac_Read_Marks(path).codes;
 }
 
 uint16_t Mac_Read_Flags(char const* path)
 {
-    FinderInfo info{};
-    return Read_Info(path, info) == Lookup::Found ? static_cast<uint16_t>(info[8] << 8 | info[9])
-                                                  : uint16_t{0};
+    return Mac_Read_Marks(path).flags;
 }
 
 void Get_FileInfo(char const* spec, uint32_t* creator, uint32_t* type)

@@ -145,8 +145,9 @@ static bool Focus_Key(KeyStroke const& key, bool isEntered)
     if (!(field && field->Is_Multi_Line())) {
         if (key.code == ZV_KEY_TAB && (item || listItem)) {
             if (key.Has(ZV_MOD_SHIFT) ? Tab_to_Prev_Gad() : Tab_to_Next_Gad()) return true;
-            // A pop-up with a single field, as that of a slider, may know where else to go.
-            return Root_Of((listItem ? listItem : item)->group->palette)->kind != ZV_KIND_TRANSIENT;
+            // A pop-up or dialog with a single field may know where else to go.
+            uint32_t const kind = Root_Of((listItem ? listItem : item)->group->palette)->kind;
+            return kind != ZV_KIND_TRANSIENT && kind != ZV_KIND_MODAL;
         }
         if (field && (key.code == ZV_KEY_RETURN || key.code == ZV_KEY_ENTER)) return Commit_Key(*item);
     }

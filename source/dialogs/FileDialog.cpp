@@ -22,8 +22,8 @@ enum Group : short { PathGroup = 1, PlacesGroup, ListGroup, FieldGroup, ButtonGr
 constexpr long Gap = 8;
 
 /// Rows and characters of the list: the fewest, and those of a new window.
-constexpr long LeastRows = 8, UsualRows = 18;
-constexpr long LeastColumns = 52, UsualColumns = 76;
+constexpr long LeastRows = 8, UsualRows = 24;
+constexpr long LeastColumns = 52, UsualColumns = 100;
 
 long List_Height(long rows)
 {
@@ -35,8 +35,7 @@ bool showsHidden = false;  // as the user left it
 }  // namespace
 
 FileDialog::FileDialog(FileQuestion& question)
-    : question_(question), listing_(question.mode == FileDialogMode::Open && question.kinds.Current > 0,
-                                    [this](FileEntry const& entry) { return Is_Wanted(entry); }),
+    : question_(question), listing_([this](FileEntry const& entry) { return Is_Wanted(entry); }),
       rows_(listing_, FileDialogIds::Bar),
       keyboard_(question.mode == FileDialogMode::Save ? Keyboard::Name : Keyboard::List),
       selectsStem_(question.mode == FileDialogMode::Save)
@@ -108,11 +107,12 @@ void FileDialog::Add_Kinds(std::vector<std::string> const& names, unsigned short
     SetGadgetStateZV(FileDialogIds::Kinds, question_.kinds.Current);
 }
 
-void FileDialog::Add_Field_Group()
+/// False when the question needs none.
+bool FileDialog::Add_Field_Group()
 {
     bool const isSaving = question_.mode == FileDialogMode::Save;
     std::vector<std::string> const kinds = File_Kind_Names(question_.kinds);
-    if (!isSaving && kinds.empty()) return;
+    if (!isSaving && kinds.empty()) return false;
     long const width = 24 * GetAveCharWidthZV(nullptr);
     InitGroupZV();
     if (isSaving) {
@@ -125,9 +125,10 @@ void FileDialog::Add_Field_Group()
         Add_Kinds(kinds, isSaving ? BelowPlace : FirstPlace, isSaving ? FileDialogIds::Name : 0, width);
     EndGroupZV(FieldGroup, BelowPlace, PlacesGroup, nullptr, ZV_GRP_FULL_WIDTH, 1, ZV_MARGIN_NONE, 1,
                ZV_GAP_FIXED, Gap, 0);
+    return true;
 }
 
-void FileDialog::Add_Button_Group()
+void FileDialog::Add_Button_Group(bool hasFields)
 {
     static constexpr unsigned long labels[] = {ZVSTR_DIALOG_OPEN, ZVSTR_DIALOG_SAVE, ZVSTR_DIALOG_CHOOSE};
     InitGroupZV();
@@ -138,8 +139,8 @@ void FileDialog::Add_Button_Group()
                 ZV_GAP_NORMAL_FLEX, 1, 0);
     AddGadgetZV(FileDialogIds::Accept, BesidePlace, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM,
                 labels[static_cast<int>(question_.mode)], ZV_ITEM_FONT_BOLD, 1, ZV_GAP_WIDE, 1, 0);
-    EndGroupZV(ButtonGroup, BelowPlace, -1, nullptr, ZV_GRP_FULL_WIDTH, 1, ZV_MARGIN_NONE, 1, ZV_GAP_FIXED,
-               Gap, 0);
+    EndGroupZV(ButtonGroup, BelowPlace, hasFields ? FieldGroup : PlacesGroup, nullptr, ZV_GRP_FULL_WIDTH, 1,
+               ZV_MARGIN_NONE, 1, ZV_GAP_FIXED, Gap, 0);
 }
 
 /// As large as is useful, where the screen has room for it.
@@ -167,8 +168,7 @@ bool FileDialog::Declare()
 try {
     Add_Path_Group();
     Add_List_Groups();
-    Add_Field_Group();
-    Add_Button_Group();
+    Add_Button_Group(Add_Field_Group());
     return true;
 } catch (std::bad_alloc const&) {
     hasFailed_ = true;
@@ -297,7 +297,7 @@ void FileDialog::On_Tick()
             SetTextEditorPropertiesZV(name, &properties);
         }
     }
-    if (listing_.State() != FileReading::Running || !listing_.Advance()) return;
+    if (!listing_.Is_Busy() || !listing_.Advance()) return;
     rows_.Show_Listing();
     Select_Expected();
     Update_Buttons();

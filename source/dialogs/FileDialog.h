@@ -42,8 +42,8 @@ private:
     bool Declare();
     void Add_Path_Group();
     void Add_List_Groups();
-    void Add_Field_Group();
-    void Add_Button_Group();
+    bool Add_Field_Group();
+    void Add_Button_Group(bool hasFields);
     void Add_Kinds(std::vector<std::string> const& names, unsigned short position, short reference,
                    long width);
     long Show(ZVPalette* palette);

@@ -38,7 +38,7 @@ void FileListing::Open(std::string const& path)
     rows_.clear();
     filtered_ = 0;
     state_ = FileReading::Running;
-    reader_ = new DirectoryReader(path, wantsCodes_);
+    reader_ = new DirectoryReader(path);
     reader_->Wait_For_End(WaitTime);
     Advance();
 }
@@ -47,14 +47,20 @@ bool FileListing::Advance()
 {
     FileReading const oldState = State();
     std::size_t const oldRows = rows_.size();
-    if (reader_ && state_ == FileReading::Running) state_ = reader_->Take(entries_);
+    DirectoryReader::News news;
+    if (reader_) {
+        news = reader_->Take(entries_);
+        state_ = news.names;
+        if (news.isEverything) DirectoryReader::Retire(std::exchange(reader_, nullptr));
+    }
     uint64_t const start = OS_Microseconds();
     for (; filtered_ < entries_.size(); ++filtered_) {
         if (filtered_ % FilterStep == 0 && OS_Microseconds() - start > FilterTime) break;
         if (filter_(entries_[filtered_])) rows_.push_back(static_cast<uint32_t>(filtered_));
     }
-    Sort_From(oldRows);
-    return rows_.size() != oldRows || State() != oldState;
+    bool const isOrderNew = news.areMeasured && order_.column != FileColumn::Name;
+    Sort_From(isOrderNew ? 0 : oldRows);
+    return rows_.size() != oldRows || State() != oldState || news.areMeasured;
 }
 
 void FileListing::Filter_Again()

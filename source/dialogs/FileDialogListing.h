@@ -21,13 +21,13 @@ class FileListing {
 public:
     using Filter = std::function<bool(FileEntry const&)>;
 
-    FileListing(bool wantsCodes, Filter filter) : wantsCodes_(wantsCodes), filter_(std::move(filter)) {}
+    explicit FileListing(Filter filter) : filter_(std::move(filter)) {}
     ~FileListing() { DirectoryReader::Retire(reader_); }
     FileListing(FileListing const&) = delete;
     FileListing& operator=(FileListing const&) = delete;
 
     /// Begins to read a directory, and waits a moment for it, so that an ordinary one is there at once.
-    /// @param path  native
+    /// @param path  native, with a closing slash
     void Open(std::string const& path);
 
     /// Takes what has been read meanwhile, as far as the time for it goes. True when there is more to see.
@@ -37,8 +37,9 @@ public:
     void Set_Order(FileOrder order);
     FileOrder Order() const { return order_; }
 
-    /// Running until all that was read is in the rows too.
+    /// Running until all names are in the rows.
     FileReading State() const { return filtered_ < entries_.size() ? FileReading::Running : state_; }
+    bool Is_Busy() const { return reader_ || State() == FileReading::Running; }  ///< There is more to come.
     bool Has_Entries() const { return !entries_.empty(); }
 
     long Row_Count() const { return static_cast<long>(rows_.size()); }
@@ -56,7 +57,6 @@ private:
     bool Goes_Before(uint32_t a, uint32_t b) const;
     void Sort_From(std::size_t first);
 
-    bool const wantsCodes_;
     Filter const filter_;
     DirectoryReader* reader_ = nullptr;
     FileReading state_ = FileReading::Done;

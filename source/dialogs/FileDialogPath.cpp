@@ -45,8 +45,21 @@ std::string FilePath::Pressed() const
     return isThere ? parts_[static_cast<std::size_t>(item_->state)].spec : std::string();
 }
 
+/// The present directory is in bold.
+void FilePath::Choose_Font(ZVDrawInfo* draw, std::size_t part) const
+{
+    SetFontZV(draw,
+              part + 1 == parts_.size() ? static_cast<unsigned short>(ZV_FONT_BOLD) : GetItemFont(item_));
+}
+
+long FilePath::Natural_Width(ZVDrawInfo* draw, std::size_t part) const
+{
+    Choose_Font(draw, part);
+    return GetTextWidthZV(draw, parts_[part].name.c_str()) + 2 * CellMargin;
+}
+
 /// From the last one back, as far as there is room; the last one is cut when it has to be.
-void FilePath::Place_Parts()
+void FilePath::Place_Parts(ZVDrawInfo* draw)
 {
     long const room = item_->width - 2 * Margin;
     long total = 0;
@@ -54,18 +67,18 @@ void FilePath::Place_Parts()
     for (Part& part : parts_)
         part.left = part.right = 0;
     while (first > 0) {
-        long const width = GetTextWidthZV(nullptr, parts_[first - 1].name.c_str()) + 2 * CellMargin + Chevron;
+        long const width = Natural_Width(draw, first - 1) + Chevron;
         bool const isLast = first == parts_.size();
-        long const needed = total + width + (first > 1 ? Chevron : 0);
-        if (needed > room && !isLast) break;
+        long const chevron = first > 1 ? Chevron : 0;
+        if (total + width + chevron > room && !isLast) break;
         total += width;
         --first;
     }
     long x = Margin + (first > 0 ? Chevron : 0);
     for (std::size_t i = first; i < parts_.size(); ++i) {
         parts_[i].left = x;
-        x += GetTextWidthZV(nullptr, parts_[i].name.c_str()) + 2 * CellMargin;
-        parts_[i].right = std::min(x, item_->width - Margin);
+        x += Natural_Width(draw, i);
+        parts_[i].right = std::min<long>(x, item_->width - Margin);
         x += Chevron;
     }
 }
@@ -81,9 +94,8 @@ void FilePath::Draw()
 {
     DrawContext const draw(DrawBeginZV(item_));
     if (!draw) return;
-    Place_Parts();
-    SetFontZV(draw.get(), GetItemFont(item_));
-    SetPenZV(draw.get(), ZV_PEN_TEXT_FIELD);
+    Place_Parts(draw.get());
+    SetPenZV(draw.get(), ZV_PEN_FACE);
     FillRectZV(draw.get(), 0, 0, item_->width - 1, item_->height - 1);
     DrawIShineBorderZV(draw.get(), 0, 0, item_->width, item_->height);
     SetClipRectZV(draw.get(), Margin, Margin, item_->width - 2 * Margin, item_->height - 2 * Margin);
@@ -101,8 +113,7 @@ void FilePath::Draw()
             FillRectZV(draw.get(), part.left, Margin, part.right - 1, item_->height - Margin - 1);
         }
         SetPenZV(draw.get(), isLit ? SelectedText : static_cast<unsigned long>(ZV_PEN_TEXT));
-        bool const isLast = i + 1 == parts_.size();
-        if (isLast) SetFontZV(draw.get(), ZV_FONT_BOLD);
+        Choose_Font(draw.get(), i);
         Draw_Fitted_Text(draw.get(), part.name, part.left + CellMargin, 0,
                          part.right - part.left - CellMargin, item_->height);
     }

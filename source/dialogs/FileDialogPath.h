@@ -2,6 +2,7 @@
 // pressed to go there.
 #pragma once
 
+#include "ZVDraw.h"
 #include "ZVEvent.h"
 #include "ZVItem.h"
 
@@ -27,7 +28,9 @@ private:
         long left = 0, right = 0;  ///< as drawn; nothing when there is no room for it
     };
 
-    void Place_Parts();
+    void Choose_Font(ZVDrawInfo* draw, std::size_t part) const;
+    long Natural_Width(ZVDrawInfo* draw, std::size_t part) const;
+    void Place_Parts(ZVDrawInfo* draw);
     long Part_At(long x) const;  ///< -1 for none
     void Draw();
     void Follow(long part);

@@ -85,7 +85,7 @@ void FilePlaces::Draw() const
     DrawContext const draw(DrawBeginZV(item_));
     if (!draw) return;
     SetFontZV(draw.get(), GetItemFont(item_));
-    SetPenZV(draw.get(), ZV_PEN_TEXT_FIELD);
+    SetPenZV(draw.get(), ZV_PEN_FACE);
     FillRectZV(draw.get(), Border, Border, item_->width - Border - 1, item_->height - Border - 1);
     Draw_List_Frame(draw.get(), *item_, hasKeyboard_);
     SetClipRectZV(draw.get(), Border, Border, item_->width - 2 * Border, item_->height - 2 * Border);

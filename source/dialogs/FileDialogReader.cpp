@@ -20,11 +20,11 @@ std::vector<DirectoryReader*>& Retired()
 
 }  // namespace
 
-DirectoryReader::DirectoryReader(std::string path, bool wantsCodes)
-    : path_(std::move(path)), wantsCodes_(wantsCodes)
+DirectoryReader::DirectoryReader(std::string path) : path_(std::move(path))
 {
+    if (path_.empty() || path_.back() != '/') Assert_Fail(__FILE__, __LINE__);
     if (Start()) return;
-    state_ = FileReading::Failed;
+    Tell(FileReading::Failed, true);
     end_.Set();
 }
 
@@ -33,13 +33,22 @@ void DirectoryReader::Wait_For_End(unsigned long milliseconds)
     end_.WaitFor(milliseconds);
 }
 
-FileReading DirectoryReader::Take(std::vector<FileEntry>& entries)
+DirectoryReader::News DirectoryReader::Take(std::vector<FileEntry>& entries)
 {
     std::lock_guard const lock(mutex_);
     entries.insert(entries.end(), std::make_move_iterator(ready_.begin()),
                    std::make_move_iterator(ready_.end()));
     ready_.clear();
-    return state_;
+    for (Measure const& measure : readyMeasures_) {
+        FileEntry& entry = entries[measure.index];
+        entry.isMeasured = true;
+        entry.size = measure.size;
+        entry.modified = measure.modified;
+    }
+    News news = state_;
+    news.areMeasured = !readyMeasures_.empty();
+    readyMeasures_.clear();
+    return news;
 }
 
 void DirectoryReader::Retire(DirectoryReader* reader)
@@ -61,25 +70,32 @@ void DirectoryReader::Retire(DirectoryReader* reader)
 
 // ---- on the thread ----------------------------------------------------------------------------------------
 
+/// Names first, as these can be shown at once and measures cost a call of the system each.
 /// @return  0, which ends the thread
 long DirectoryReader::Run()
 {
-    FileReading const state = Read();
-    {
-        std::lock_guard const lock(mutex_);
-        state_ = state;
-    }
+    FileReading const names = Read_Names();
+    Tell(names, names != FileReading::Done);
+    if (names == FileReading::Done) Measure_Files();
+    Tell(names, true);
     end_.Set();
     return 0;
 }
 
-FileReading DirectoryReader::Read()
+void DirectoryReader::Tell(FileReading names, bool isEverything)
+{
+    std::lock_guard const lock(mutex_);
+    state_.names = names;
+    state_.isEverything = isEverything;
+}
+
+FileReading DirectoryReader::Read_Names()
 try {
     auto const visit = [](OSBrowsedEntry const& entry, void* data) {
         return static_cast<DirectoryReader*>(data)->Visit(entry);
     };
     batchStart_ = GetTimeZV();
-    OSBrowseResult const result = OS_Browse_Directory(path_.c_str(), wantsCodes_, visit, this);
+    OSBrowseResult const result = OS_Browse_Directory(path_.c_str(), visit, this);
     if (result == OSBrowseResult::Done) Hand_Over();
     switch (result) {
     case OSBrowseResult::Done: return FileReading::Done;
@@ -94,10 +110,30 @@ try {
 bool DirectoryReader::Visit(OSBrowsedEntry const& entry)
 {
     if (!isWanted_) return false;
-    batch_.push_back({entry.name, Sort_Key_Of_Name(entry.name), entry.size, entry.modified, entry.type,
-                      entry.creator, entry.isDirectory, entry.isHidden});
-    if (GetTimeZV() - batchStart_ >= BatchTime) Hand_Over();
+    nativeNames_.emplace_back(entry.nativeName);
+    batch_.push_back({entry.name, Sort_Key_Of_Name(entry.name), entry.type, entry.creator, entry.isDirectory,
+                      entry.isHidden});
+    Hand_Over_Late();
     return true;
+}
+
+/// A file that has vanished meanwhile stays without measures, and so do all without memory.
+void DirectoryReader::Measure_Files()
+try {
+    for (std::size_t i = 0; i < nativeNames_.size() && isWanted_; ++i) {
+        Measure measure{i, 0, 0};
+        if (!OS_Measure_File((path_ + nativeNames_[i]).c_str(), &measure.size, &measure.modified)) continue;
+        measures_.push_back(measure);
+        Hand_Over_Late();
+    }
+    Hand_Over();
+} catch (std::bad_alloc const&) {
+    return;
+}
+
+void DirectoryReader::Hand_Over_Late()
+{
+    if (GetTimeZV() - batchStart_ >= BatchTime) Hand_Over();
 }
 
 void DirectoryReader::Hand_Over()
@@ -105,6 +141,8 @@ void DirectoryReader::Hand_Over()
     std::lock_guard const lock(mutex_);
     ready_.insert(ready_.end(), std::make_move_iterator(batch_.begin()),
                   std::make_move_iterator(batch_.end()));
+    readyMeasures_.insert(readyMeasures_.end(), measures_.begin(), measures_.end());
     batch_.clear();
+    measures_.clear();
     batchStart_ = GetTimeZV();
 }

@@ -16,6 +16,7 @@ namespace {
 
 constexpr long Border = 2;
 constexpr long WheelNotch = 40;
+constexpr long ArrowRoom = 14;       ///< of the column by which rows are sorted
 constexpr uint32_t TypingTime = 60;  ///< ticks after which a character begins a new name
 
 /// What the widest size and date look like.
@@ -24,8 +25,7 @@ constexpr char const* WidestDate = "0000-00-00  00:00";
 
 long Column_Width(ZVDrawInfo const* draw, char const* widest, unsigned long titleId)
 {
-    constexpr long arrow = 14;
-    return std::max(GetTextWidthZV(draw, widest), GetTextWidthZV(draw, titleId) + arrow) + 2 * CellMargin;
+    return std::max(GetTextWidthZV(draw, widest), GetTextWidthZV(draw, titleId) + ArrowRoom) + 2 * CellMargin;
 }
 
 std::string Utf8_Of(unsigned long character)
@@ -104,9 +104,13 @@ void FileRows::Draw_Head(ZVDrawInfo* draw, Area const& area) const
         SetPenZV(draw, ZV_PEN_SHADOW);
         DrawLineZV(draw, cell.right - 1, Border, cell.right - 1, area.top - 2);
         SetPenZV(draw, ZV_PEN_TEXT);
-        Draw_Fitted_Text(draw, GetStringZV(cell.title), cell.left + CellMargin, Border,
-                         cell.right - cell.left - 2 * CellMargin, area.rowHeight);
-        if (cell.column == order.column)
+        bool const hasArrow = cell.column == order.column;
+        long const right = cell.right - CellMargin - (hasArrow ? ArrowRoom : 0);
+        long left = cell.left + CellMargin;
+        // Above numbers, which stand at the right.
+        if (cell.column == FileColumn::Size) left = std::max(left, right - GetTextWidthZV(draw, cell.title));
+        Draw_Fitted_Text(draw, GetStringZV(cell.title), left, Border, right - left, area.rowHeight);
+        if (hasArrow)
             Draw_Arrow(draw, cell.right - CellMargin - 4, Border + area.rowHeight / 2, order.isDescending);
     }
     SetPenZV(draw, ZV_PEN_DARK_EDGE);
@@ -118,7 +122,7 @@ void FileRows::Draw_Row(ZVDrawInfo* draw, Area const& area, Columns const& colum
     long const y = area.top + (row - top_) * area.rowHeight;
     bool const isThere = row < listing_.Row_Count();
     bool const isSelected = isThere && listing_.Entry_Of_Row(row) == selected_;
-    SetPenZV(draw, isSelected ? ZV_PEN_MARKED : ZV_PEN_TEXT_FIELD);
+    SetPenZV(draw, isSelected ? ZV_PEN_MARKED : ZV_PEN_FACE);
     FillRectZV(draw, area.left, y, area.right - 1, y + area.rowHeight - 1);
     if (!isThere) return;
     FileEntry const& entry = listing_.Row(row);
@@ -128,6 +132,7 @@ void FileRows::Draw_Row(ZVDrawInfo* draw, Area const& area, Columns const& colum
                    area.left + CellMargin, y + (area.rowHeight - icon) / 2, icon);
     SetPenZV(draw, isSelected ? SelectedText : static_cast<unsigned long>(ZV_PEN_TEXT));
     Draw_Fitted_Text(draw, name, textLeft, y, columns.sizeLeft - CellMargin - textLeft, area.rowHeight);
+    if (!entry.isMeasured) return;
     if (!entry.isDirectory) {
         std::string const size = Size_Text(entry.size);
         long const width = GetTextWidthZV(draw, size.c_str());
@@ -157,7 +162,7 @@ void FileRows::Draw_Rows(ZVDrawInfo* draw, Area const& area) const
         Draw_Row(draw, area, columns, row);
     if (listing_.Row_Count() > 0) return;
     std::string const message = Message();
-    SetPenZV(draw, DisableColorZV(ZV_PEN_TEXT));
+    SetPenZV(draw, ZV_PEN_TEXT);
     long const width = GetTextWidthZV(draw, message.c_str());
     long const left = std::max((item_->width - width) / 2, area.left + CellMargin);
     Draw_Fitted_Text(draw, message, left, area.top, area.right - left, (area.bottom - area.top) / 2);

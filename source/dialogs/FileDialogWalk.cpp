@@ -23,9 +23,7 @@ std::string Existing_Directory(std::string spec)
         FSSpec place;
         char spelled[ZV_SPEC_SIZE];
         if (GetFSSpecZV(spec.c_str(), &place) == 0 && GetDOSPathZV(spelled, &place) == 0) {
-            // A link to a directory stays what the user has gone through.
-            bool const isDirectory = std::string_view(spelled).ends_with('\\');
-            if (isDirectory) return spelled;
+            if (std::string_view(spelled).ends_with('\\')) return spelled;
         }
         spec = Parent_Of(spec);
     }
@@ -40,7 +38,9 @@ void FileDialog::Go_To(std::string spec, std::string selected)
     if (!OS_Native_Path(directory.c_str(), native, sizeof native)) return;
     spec_ = std::move(directory);
     expected_ = std::move(selected);
-    listing_.Open(native);
+    std::string path = native;
+    if (!path.ends_with('/')) path += '/';
+    listing_.Open(path);
     rows_.Show_New_Listing();
     path_.Show(spec_);
     places_.Mark(spec_);
