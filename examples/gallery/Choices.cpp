@@ -28,8 +28,8 @@ void Show_Choice(unsigned short id, char const* name, long priority)
 {
     EndPaletteZV(id, name, ZV_PAL_CALLBACK, On_Choice, 0);
     DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_FLOATER, ZV_PAL_WINDOW_OF, TextPalette, ZV_PAL_TAB_PRIORITY,
-                     priority, ZV_PAL_RELATIVE_TO, ToolsPalette,
-                     ZV_PAL_POSITION, ZV_Position(ZV_POS_ALIGN_START, ZV_POS_AFTER), 0);
+                     priority, ZV_PAL_RELATIVE_TO, ToolsPalette, ZV_PAL_POSITION,
+                     ZV_Position(ZV_POS_ALIGN_START, ZV_POS_AFTER), 0);
 }
 
 void Show_Texts()

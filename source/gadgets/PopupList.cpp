@@ -31,7 +31,7 @@ struct OpenList {
     long tickCount = 0;              ///< ticks until what was typed is forgotten
     int32_t wheelRest = 0;
 };
-OpenList open;
+OpenList openList;
 
 ListState& State_Of_List(ZVItem const& list)
 {
@@ -117,9 +117,9 @@ static void Draw_Arrow(ZVDrawInfo* draw, ZVItem const& list, long top, long bott
 /// The scroll gadget shows which rows are in view.
 static void Show_View(ListState const& state)
 {
-    if (!open.ScrollGad) return;
-    ModifyItemZV(open.ScrollGad, ZV_ITEM_PROP_PAGE, state.VisibleRows, 0);
-    SetGadgetStateZV(open.ScrollGad, state.TopRow);
+    if (!openList.ScrollGad) return;
+    ModifyItemZV(openList.ScrollGad, ZV_ITEM_PROP_PAGE, state.VisibleRows, 0);
+    SetGadgetStateZV(openList.ScrollGad, state.TopRow);
 }
 
 static void Draw_Rows(ZVItem& list, bool withFrame)
@@ -280,8 +280,8 @@ static void Release(ZVCustomEvent* event)
 
 static void Turn_Wheel(ZVCustomEvent const& event)
 {
-    ZVItem const* const bar = open.ScrollGad;
-    long const steps = Wheel_Steps(event.deltaY, open.wheelRest);
+    ZVItem const* const bar = openList.ScrollGad;
+    long const steps = Wheel_Steps(event.deltaY, openList.wheelRest);
     if (!bar || steps == 0) return;
     long const lines = GetWheelScrollLinesZV(), page = bar->page;
     long const top = bar->state + steps * (lines == -1 ? page : lines);
@@ -306,7 +306,7 @@ static void Clean_Up(ZVItem& list)
         cycle->ListItem = nullptr;
     }
     FreeMemZV(std::exchange(list.object, nullptr));
-    open = {};
+    openList = {};
 }
 
 static void Set_Size(ZVItem& list)
@@ -318,10 +318,10 @@ static void Set_Size(ZVItem& list)
     list.height = state.RowHeight * state.VisibleRows + static_cast<int32_t>(2 * frame);
 }
 
-static void Take_State(ZVCustomEvent& event)
+static void Take_State(ZVItem& list)
 {
-    ZVItem& list = *event.item;
-    list.state = std::clamp(list.state, 0, std::max(State_Of_List(list).TotalRows - 1, 0));
+    ListState& state = State_Of_List(list);
+    state.CurrentRow = list.state = std::clamp(list.state, 0, std::max(state.TotalRows - 1, 0));
 }
 
 long ListCustomFunc(ZVCustomEvent* event)
@@ -344,7 +344,7 @@ long ListCustomFunc(ZVCustomEvent* event)
     case ZV_CUSTOM_MOUSE_UP: Release(event); break;
     case ZV_CUSTOM_TICK: Scroll_On(*event); break;
     case ZV_CUSTOM_SET_SIZE: Set_Size(list); break;
-    case ZV_CUSTOM_SET_STATE: Take_State(*event); break;
+    case ZV_CUSTOM_SET_STATE: Take_State(list); break;
     case ZV_CUSTOM_WHEEL: Turn_Wheel(*event); break;
     default: break;
     }
@@ -369,9 +369,9 @@ static void Add_Typed(uint32_t character)
         utf8[2] = tail(0);
     }
     std::size_t const length = std::strlen(utf8);
-    if (open.typeAheadIndex + length >= sizeof open.typeAhead) return;
-    std::strcpy(open.typeAhead + open.typeAheadIndex, utf8);
-    open.typeAheadIndex += length;
+    if (openList.typeAheadIndex + length >= sizeof openList.typeAhead) return;
+    std::strcpy(openList.typeAhead + openList.typeAheadIndex, utf8);
+    openList.typeAheadIndex += length;
 }
 
 /// The row that what was typed stands for: the first one that begins with it, or the last one before its
@@ -381,7 +381,7 @@ static long Typed_Row(ListState const& state)
     long found = -1, row = 0;
     for (Node const* entry; (entry = Entry_Of_Row(state, row)); ++row) {
         if (!entry->name || Is_Separator(*entry) || Has_Icon(*entry)) continue;
-        int const order = strncasecmp(entry->name, open.typeAhead, open.typeAheadIndex);
+        int const order = strncasecmp(entry->name, openList.typeAhead, openList.typeAheadIndex);
         if (order <= 0) found = row;
         if (order == 0) break;
     }
@@ -393,16 +393,16 @@ static void Type_Ahead(ZVItem& list, ZVEvent const& event)
     uint32_t const character = event.item ? static_cast<uint32_t>(event.item) : event.key;
     if (character < ' ' || character == 0x7F) return;
     Add_Typed(character);
-    open.tickCount = searchTicks;
+    openList.tickCount = searchTicks;
     long const row = Typed_Row(State_Of_List(list));
     if (row >= 0) Center_List_Row(list, row);
 }
 
 static void Forget_Typed()
 {
-    if (open.tickCount == 0 || --open.tickCount > 0) return;
-    open.typeAheadIndex = 0;
-    open.typeAhead[0] = 0;
+    if (openList.tickCount == 0 || --openList.tickCount > 0) return;
+    openList.typeAheadIndex = 0;
+    openList.typeAhead[0] = 0;
 }
 
 static void Step(ZVItem& list, int32_t way)
@@ -443,8 +443,8 @@ void ListPaletteHandler(ZVEvent* event)
     if (!list || !list->object) return;
     switch (event->type) {
     case ZV_EVENT_GADGET:
-        if (Event_Item(event) == open.ScrollGad && !(event->modifiers & ZV_MOD_RELEASE))
-            Scroll_To(*list, open.ScrollGad->state);
+        if (Event_Item(event) == openList.ScrollGad && !(event->modifiers & ZV_MOD_RELEASE))
+            Scroll_To(*list, openList.ScrollGad->state);
         break;
     case ZV_EVENT_TICK: Forget_Typed(); break;
     case ZV_EVENT_KEY: Take_Key(*list, *event); break;
@@ -502,7 +502,7 @@ static ZVItem* Declare_List(ZVItem& cycle, Plan const& plan)
                     plan.visible, ZV_ITEM_WIDTH, plan.width, 0);
     if (!list || !list->object) return nullptr;
     if (plan.Scrolls())
-        open.ScrollGad = AddGadgetZV(
+        openList.ScrollGad = AddGadgetZV(
             scrollId, ZV_Position(ZV_POS_AFTER, ZV_POS_DEFAULT), listId, ZV_GAD_CUSTOM, ZV_SIZE_SMALL,
             nullptr, ZV_ITEM_CUSTOM_FUNC, VProp_Gad, ZV_ITEM_WIDTH, scrollWidth, ZV_ITEM_HEIGHT, list->height,
             ZV_GAP_NONE, 0, ZV_ITEM_MIN, 0, ZV_ITEM_MAX, plan.total - 1, ZV_ITEM_PROP_PAGE, plan.visible, 0);
@@ -521,7 +521,7 @@ void Open_Pop_Up(ZVItem& cycle)
     ClosePaletteZV(CyclePopUpPalette);
     ZVPalette* const palette = InitPaletteZV();
     if (!palette) return;
-    open = {};
+    openList = {};
     ZVItem* const list = Declare_List(cycle, plan);
     if (!list) {
         Free_Palette(palette);

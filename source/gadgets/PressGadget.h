@@ -9,9 +9,11 @@
 #include "ZVItem.h"
 
 using DrawContext = std::unique_ptr<ZVDrawInfo, Released_By<DrawEndZV>>;
-using NativeBitmap =
-    std::unique_ptr<ZVNativeBitmap, Released_By<[](ZVNativeBitmap* bitmap) { FreeBitmapZV(bitmap); }>>;
-using Bitmap = std::unique_ptr<ZVBitmap, Released_By<[](ZVBitmap* bitmap) { FreeBitmapZV(bitmap); }>>;
+struct FreedBitmap {
+    template <typename Record> void operator()(Record* bitmap) const { FreeBitmapZV(bitmap); }
+};
+using NativeBitmap = std::unique_ptr<ZVNativeBitmap, FreedBitmap>;
+using Bitmap = std::unique_ptr<ZVBitmap, FreedBitmap>;
 
 inline bool Is_Inside(ZVItem const& item)
 {

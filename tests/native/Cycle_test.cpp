@@ -3,6 +3,7 @@
 
 #include <ZVKey.h>
 
+#include <algorithm>
 #include <optional>
 
 namespace {
@@ -83,13 +84,22 @@ protected:
         HeadlessRunZV(0);
     }
 
+    /// Times that the application was told of a choice since the last call.
+    static long Told()
+    {
+        Strings const told = Log();
+        return std::count_if(told.begin(), told.end(),
+                             [](std::string const& line) { return line.rfind("1:5", 0) == 0; });
+    }
+
     static uint32_t Pixel(ZVItem const& item, long x, long y)
     {
         ZVDrawInfo* const draw = DrawBeginZV(const_cast<ZVItem*>(&item));
         ZVRGB pixel{};
         ReadPixelZV(draw, x, y, &pixel);
         DrawEndZV(draw);
-        return static_cast<uint32_t>((pixel.R & 0xFF) << 16 | (pixel.G & 0xFF) << 8 | (pixel.B & 0xFF));
+        return static_cast<uint32_t>((pixel.red & 0xFF) << 16 | (pixel.green & 0xFF) << 8 |
+                                     (pixel.blue & 0xFF));
     }
 
     /// Pixels inside the bevel and left of the arrows that are not the background.
@@ -107,15 +117,14 @@ struct DragCase {
     char const* why;
     long row;  ///< -1 is beside everything, -2 back on the cycle
     long state;
-    bool isOpen;
-    Strings events;
+    bool isOpen, isTold;
 };
 DragCase const drags[] = {
-    {"an entry", 3, 4, false, {"1:4/128", "1:5/128"}},
-    {"the entry that is chosen already", 0, 1, false, {"1:4/128", "1:5/128"}},
-    {"a separator", 1, 1, false, {"1:4/128"}},
-    {"beside the list", -1, 1, false, {"A:4/128"}},
-    {"back on the gadget", -2, 1, true, {"1:4/128"}},
+    {"an entry", 3, 4, false, true},
+    {"the entry that is chosen already", 0, 1, false, true},
+    {"a separator", 1, 1, false, false},
+    {"beside the list", -1, 1, false, false},
+    {"back on the gadget", -2, 1, true, false},
 };
 
 TEST_F(CycleTest, OnePressGoesOnIntoTheListAndChooses)
@@ -124,27 +133,14 @@ TEST_F(CycleTest, OnePressGoesOnIntoTheListAndChooses)
         Show(someEntries);
         Press_Cycle();
         ASSERT_TRUE(Is_Open()) << row.why;
-        if (row.row == -2) {
-            Move_To_Row(4);
-            Move_To_Cycle();
-        } else if (row.row == -1) {
-            HeadlessMoveZV(20, 20);
-        } else {
-            Move_To_Row(row.row);
-            EXPECT_EQ(List().state, row.row) << row.why;
-        }
-        HeadlessRunZV(0);
-        Log();
+        Move_To_Row(row.row >= 0 ? row.row : 4);
+        EXPECT_EQ(List().state, row.row >= 0 ? row.row : 4) << row.why;
+        if (row.row == -1) HeadlessMoveZV(20, 20);
+        if (row.row == -2) Move_To_Cycle();
         Release();
         EXPECT_EQ(Cycle().state, row.state) << row.why;
         EXPECT_EQ(Is_Open(), row.isOpen) << row.why;
-        if (row.row >= -1) {
-            Strings told = Log();
-            std::erase_if(told, [](std::string const& line) { return line.find(":4") != line.npos; });
-            Strings wanted = row.events;
-            std::erase_if(wanted, [](std::string const& line) { return line.find(":4") != line.npos; });
-            EXPECT_EQ(told, wanted) << row.why;
-        }
+        EXPECT_EQ(Told(), row.isTold) << row.why;
         ClosePaletteZV(1);
         EXPECT_FALSE(Is_Open()) << "it goes with its gadget";
     }
@@ -241,15 +237,14 @@ TEST_F(CycleTest, KeysGoToTheOpenList)
         }
         EXPECT_EQ(highlighted, row.row) << row.why;
         EXPECT_EQ(Is_Open(), !row.state) << row.why;
-        if (row.state) EXPECT_EQ(Cycle().state, *row.state) << row.why;
+        EXPECT_EQ(Cycle().state, row.state.value_or(1)) << row.why;
         ClosePaletteZV(9000);
     }
     Log();
     Click_Cycle();
     HeadlessKeyZV(ZV_KEY_RETURN);
     HeadlessRunZV(0);
-    Strings const told = Log();
-    EXPECT_EQ(std::count(told.begin(), told.end(), "1:5"), 1) << "the choice is told";
+    EXPECT_EQ(Told(), 1);
 }
 
 struct PlaceCase {
@@ -280,7 +275,6 @@ TEST_F(CycleTest, TheListStandsWhereThereIsRoom)
         EXPECT_EQ(place.width, Width) << row.why;
         EXPECT_EQ(place.y, row.isAbove ? top - height : top + Cycle().height) << row.why;
         EXPECT_EQ(Bar() != nullptr, row.scrolls) << row.why;
-        if (row.scrolls) EXPECT_EQ(Bar()->height, height) << row.why;
         ClosePaletteZV(1);
     }
     Show("Short,This entry is far longer than the gadget is wide");
@@ -358,7 +352,7 @@ TEST_F(CycleTest, TheWheelGoesFromEntryToEntry)
         HeadlessWheelZV(0, turn.up);
         HeadlessRunZV(0);
         EXPECT_EQ(Cycle().state, turn.state) << number;
-        EXPECT_EQ(Log(), turn.isTold ? Strings{"1:5"} : Strings()) << number++;
+        EXPECT_EQ(Told(), turn.isTold) << number++;
     }
     Click_Cycle();
     HeadlessWheelZV(0, -1);
@@ -393,8 +387,7 @@ TEST_F(CycleTest, DisabledEntriesAreMarkedAndCanBeChosen)
     HeadlessKeyZV(ZV_KEY_RETURN);
     Log();
     HeadlessRunZV(0);
-    Strings const told = Log();
-    EXPECT_EQ(std::count(told.begin(), told.end(), "1:5"), 1);
+    EXPECT_EQ(Told(), 1);
 }
 
 /// As the environment's list of icons has them; the list owns both.
@@ -434,7 +427,7 @@ TEST_F(CycleTest, LooksAreThoseOfTheTheme)
     for (long const theme : {1, 2}) {
         SetPenPresetZV(theme);
         Show("One,Two");
-        uint32_t const text = GetColorZV(ZV_PEN_TEXT), face = GetColorZV(ZV_PEN_FACE);
+        auto const text = GetColorZV(ZV_PEN_TEXT), face = GetColorZV(ZV_PEN_FACE);
         long const middle = (Cycle().height - 8) / 2;
         EXPECT_EQ(Pixel(Cycle(), Width - 7, middle), text);
         EXPECT_EQ(Pixel(Cycle(), Width - 8, middle), face);

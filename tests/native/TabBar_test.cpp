@@ -29,8 +29,12 @@ protected:
 
     static void Move_To_Tab(ZVPalette const* palette, long x = 8, long y = 8)
     {
-        ZVWindow const& window = *palette->window;
-        HeadlessMoveZV(window.left + palette->tabLeft + x, window.top + y);
+        x += palette->tabLeft;
+        for (ZVWindow const* window = palette->window; window; window = window->parent) {
+            x += window->left;
+            y += window->top;
+        }
+        HeadlessMoveZV(x, y);
     }
     static void Press_Tab(ZVPalette const* palette)
     {
@@ -185,7 +189,7 @@ TEST_F(TabBarTest, AnOutlineFollowsTheMouse)
     HeadlessMoveZV(900, 600);
     HeadlessRunZV(0);
     long const left = 900 - 8 - 6, top = 600 - 8, tab = ZVEnv->style->tabHeight;
-    uint32_t const pen = GetColorZV(ZV_PEN_TEXT);
+    auto const pen = GetColorZV(ZV_PEN_TEXT);
     EXPECT_EQ(Pixel(left + 6 + two->tabWidth / 2, top - 1), pen) << "above the tab";
     EXPECT_EQ(Pixel(left - 1, top + tab + two->height / 2), pen);
     EXPECT_EQ(Pixel(left + two->width / 2, top + tab + two->height), pen);
@@ -210,8 +214,8 @@ TEST_F(TabBarTest, PalettesMayCloseDuringADrag)
         {"all of them", [] { CleanUpWindowsZV(); }, false},
     };
     for (Case const& row : cases) {
-        for (unsigned short id : {1, 2, 3})
-            ClosePaletteZV(id);
+        for (int id = 1; id <= 3; ++id)
+            ClosePaletteZV(static_cast<unsigned short>(id));
         SetUp();
         Press_Tab(two);
         HeadlessMoveZV(three->window->left + 100, three->window->top + 10);
@@ -240,22 +244,66 @@ TEST_F(TabBarTest, PalettesMayCloseDuringADrag)
     EXPECT_TRUE(FindPaletteZV(1));
 }
 
-TEST_F(TabBarTest, TwoClicksTakeAPaletteHomeAndOutAgain)
+/// Two pseudo-windows with a floater each, which are at home there.
+class TiledTabsTest : public TabBarTest {
+protected:
+    void SetUp() override
+    {
+        CleanUpZV();
+        InitZV(Callback, nullptr, nullptr, nullptr, ZV_INIT_ROOT_WINDOW, 1, 0);
+        left =
+            AddPseudoWindowZV(7, ZV_Position(ZV_POS_PARENT_START, ZV_POS_PARENT_START), 0, 300, 200, nullptr);
+        right = AddPseudoWindowZV(8, ZV_Position(ZV_POS_AFTER, ZV_POS_ALIGN_START), -1, 260, 240, nullptr);
+        one = Floater(1, "Layers", nullptr, {{ZV_PAL_PSEUDO_WINDOW_ID, 7}});
+        two = Floater(2, "Colours", nullptr, {{ZV_PAL_PSEUDO_WINDOW, Tag_Word(right)}});
+        HeadlessRunZV(0);
+    }
+    static void Double_Click_Tab(ZVPalette const* palette)
+    {
+        Press_Tab(palette);
+        HeadlessReleaseZV(ZV_HEADLESS_LEFT);
+        HeadlessPressZV(ZV_HEADLESS_LEFT);
+        Release();
+    }
+
+    ZVWindow *left, *right;
+};
+
+TEST_F(TiledTabsTest, TwoClicksTakeAPaletteHomeAndOutAgain)
 {
-    ZVPalette* const app = DesktopTest::Show(9, ZV_KIND_APP, 0, 0, {{ZV_PAL_FORCE_WIDTH, 500}, {ZV_PAL_FORCE_HEIGHT, 500}});
-    ASSERT_EQ(ZVEnv->rootWindow, app->window);
-    ZVWindow* const tile = AddPseudoWindowZV(7, 0x0A0A, 0, 200, 150, nullptr);
-    ASSERT_TRUE(tile);
-    ZVPalette* const four = Floater(4, "At home", nullptr, {{ZV_PAL_PSEUDO_WINDOW_ID, 7}});
-    HeadlessRunZV(0);
-    ASSERT_EQ(four->window, tile);
-    auto const doubleClick = [&] {
-        HeadlessPauseZV(1000);
-        long const x = GadToScreenX(Gadget(four)) - Gadget(four)->x, y = 0;
-        (void)x;
-        (void)y;
-    };
-    (void)doubleClick;
+    ASSERT_EQ(one->window, left);
+    ASSERT_EQ(two->window, right);
+    long const x = GadToScreenX(Gadget(one)), y = GadToScreenY(Gadget(one));
+    int32_t const width = one->width, height = one->height;
+    Double_Click_Tab(one);
+    ASSERT_TRUE(one->window && one->window->sysWindow);
+    EXPECT_FALSE(one->flags & ZV_PALF_PSEUDO);
+    EXPECT_TRUE(IsPaletteVisibleZV(one));
+    EXPECT_EQ(GadToScreenX(Gadget(one)), x) << "it stays where it was";
+    EXPECT_EQ(GadToScreenY(Gadget(one)), y);
+    EXPECT_EQ(one->width, width);
+    EXPECT_EQ(one->height, height);
+    Double_Click_Tab(one);
+    EXPECT_EQ(one->window, left);
+    EXPECT_TRUE(one->flags & ZV_PALF_PSEUDO);
+    EXPECT_EQ(one->width, width);
+    EXPECT_EQ(one->height, height);
+    EXPECT_EQ(GadToScreenX(Gadget(one)), x);
+    Click(one, Gadget(one));
+    Strings const told = Log();
+    EXPECT_EQ(std::count(told.begin(), told.end(), "G1:107"), 1);
+}
+
+TEST_F(TiledTabsTest, TabsGoFromTileToTile)
+{
+    Drag_Tab(one, right->left + 100, right->top + 8);
+    EXPECT_EQ(one->window, right);
+    EXPECT_EQ(right->activePalette, one);
+    EXPECT_TRUE(List_Empty(&left->palettes)) << "a pseudo-window stays when it is empty";
+    Drag_Tab(one, left->left + 100, left->top + 150);
+    EXPECT_EQ(one->window, left) << "anywhere in the one where it is at home";
+    Drag_Tab(two, left->left + 100, left->top + 150);
+    EXPECT_TRUE(two->window->sysWindow) << "another one leaves it alone, but for the bar";
 }
 
 }  // namespace
