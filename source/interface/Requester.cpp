@@ -310,7 +310,9 @@ void scrollTextReqHandler(ZVEvent* event)
 {
     unsigned long const gadget = Gadget_Of(*event);
     uint32_t const key = Key_Of(*event);
-    if (gadget == ScrollBar) SetGadgetStateZV(ScrollBox, reinterpret_cast<ZVItem const*>(event->item)->state);
+    // Lines of the box count from 1, positions of the bar from 0.
+    if (gadget == ScrollBar)
+        SetGadgetStateZV(ScrollBox, reinterpret_cast<ZVItem const*>(event->item)->state + 1.0);
     if (gadget == FirstButton || Is_Accept_Key(key) || key == ZV_KEY_ESCAPE) Answer(*event, 1);
 }
 

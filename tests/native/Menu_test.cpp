@@ -1,6 +1,8 @@
 // Menus as users meet them: the bar, pop-up menus and the menu gadget, by mouse and keys.
 #include "DesktopTest.h"
 
+#include "foundation/HeapBlock.h"
+
 #include <ZVKey.h>
 
 namespace {
