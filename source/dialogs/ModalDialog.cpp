@@ -24,9 +24,10 @@ bool Run_Modal_Palette(unsigned long titleId, void (*callback)(ZVEvent*), void* 
     if (ZVPalette* const palette = InitPaletteZV()) {
         LivingPalette const watch(palette);
         palette->object = object;
+        palette->callback = callback;  // from now on: what cannot be declared is nothing of the application's
         try {
             declare();
-            isDeclared = EndPaletteZV(0, titleId, ZV_PAL_CALLBACK, callback, 0);
+            isDeclared = EndPaletteZV(0, titleId, nullptr);
             if (isDeclared)
                 isShown = DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_MODAL, ZV_PAL_FLAGS, ZV_PALF_NO_PREFS, 0);
         } catch (std::bad_alloc const&) {
