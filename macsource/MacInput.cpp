@@ -11,8 +11,8 @@
 #include <cmath>
 #include <cstring>
 
-/// Nobody is told while an application holds events back, while a dialog of someone else's has them, and while
-/// another window is in front of the modal palette's.
+/// Nobody is told while an application holds events back, while a dialog of someone else's has them, and
+/// while another window is in front of the modal palette's.
 static bool Is_Passed_Over()
 {
     if (ZVEnv->eventsSuspended || ZVEnv->thirdPartyDialog) return true;

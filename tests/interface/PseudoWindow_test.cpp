@@ -109,14 +109,14 @@ TEST_F(PseudoWindows, NeedARootWindowAndAnId)
 
 TEST_F(PseudoWindows, PalettesLiveInThemThroughTheRootWindow)
 {
-    ZVWindow* const left = AddPseudoWindowZV(1, 0, 0, 200, 200, nullptr);
+    ZVWindow* const left = AddPseudoWindowZV(1, 0, 0, 300, 200, nullptr);
     ZVWindow* const right = AddPseudoWindowZV(2, beside, -1, 300, 100, nullptr);
     TagItem second[] = {{ZV_PAL_PSEUDO_WINDOW, Tag_Word(right)}, {}};
     ZVPalette* const one = DesktopTest::Show(1, ZV_KIND_FLOATER, 0, 0, {{ZV_PAL_PSEUDO_WINDOW_ID, 1}}, true);
     ZVPalette* const two = Show(2, ZV_KIND_FLOATER, second);
     ZVPalette* const three = Show(3, ZV_KIND_FIXED, second);
     EXPECT_EQ(one->window, left);
-    EXPECT_EQ(one->width, 200);
+    EXPECT_EQ(one->width, 300);
     EXPECT_EQ(one->y + one->height, 200) << "with its tabs it fills the pseudo-window";
     EXPECT_EQ(right->activePalette, three);
     EXPECT_TRUE(three->flags & ZV_PALF_PSEUDO);
@@ -145,7 +145,7 @@ TEST_F(PseudoWindows, PalettesLiveInThemThroughTheRootWindow)
     EXPECT_EQ(Count("3:8"), 1);
     EXPECT_EQ(FindPaletteZV(3), nullptr);
     HeadlessRunZV(0);
-    EXPECT_EQ(Pixel(210, 50, root), GetColorZV(ZV_PEN_ROOT)) << "nothing is left of it";
+    EXPECT_EQ(Pixel(310, 50, root), GetColorZV(ZV_PEN_ROOT)) << "nothing is left of it";
     ClosePaletteZV(one);
     EXPECT_EQ(List_Entries(&ZVEnv->windows), 2) << "the window stays without palettes, and so does the root";
     DeletePseudoWindowZV(root);
