@@ -183,8 +183,8 @@ public:
     virtual HostWindow* Window_At(int x, int y) const = 0;
     virtual HostWindow* Front_Window() const = 0;  ///< that gets keys
 
-    /// Those that are shown, from the front to the back.
-    virtual std::vector<HostWindow*> Windows() const = 0;
+    /// Of those that are shown, the one behind another; null begins with the front one, and ends the row.
+    virtual HostWindow* Next_Window(HostWindow const* front) const = 0;
 
     /// The next event; waits for it so long, or not at all for 0. In memory the clock moves on by the wait.
     virtual std::optional<HostEvent> Next_Event(double seconds) = 0;

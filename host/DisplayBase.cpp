@@ -61,12 +61,15 @@ HostWindow* DisplayBase::Window_At(int x, int y) const
     return found == placed_.rend() ? nullptr : found->window;
 }
 
-std::vector<HostWindow*> DisplayBase::Windows() const
+HostWindow* DisplayBase::Next_Window(HostWindow const* front) const
 {
-    std::vector<HostWindow*> windows;
-    for (auto placed = placed_.rbegin(); placed != placed_.rend(); ++placed)
-        windows.push_back(placed->window);
-    return windows;
+    auto placed = placed_.rbegin();
+    if (front) {
+        placed = std::find_if(placed, placed_.rend(),
+                              [front](Placed const& each) { return each.window == front; });
+        if (placed != placed_.rend()) ++placed;
+    }
+    return placed == placed_.rend() ? nullptr : placed->window;
 }
 
 void DisplayBase::Place_In_Front(HostWindow& window, HostWindowKind kind)

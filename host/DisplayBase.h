@@ -10,7 +10,7 @@ class DisplayBase : public HostDisplay {
 public:
     HostWindow* Window_At(int x, int y) const override;
     HostWindow* Front_Window() const override { return front_; }
-    std::vector<HostWindow*> Windows() const override;
+    HostWindow* Next_Window(HostWindow const* front) const override;
     HostModifiers Modifiers() const override { return modifiers_; }
     bool Is_Button_Down() const override { return buttons_ != 0; }
     void Pointer(int& x, int& y) const override;

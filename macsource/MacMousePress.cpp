@@ -74,7 +74,7 @@ static int Layer_Of(ZVWindow const& window)
 static bool Is_In_Front(ZVWindow const& window)
 {
     if (!Display()->Front_Window()) return false;
-    for (HostWindow const* host : Display()->Windows()) {
+    for (HostWindow const* host = nullptr; (host = Display()->Next_Window(host));) {
         ZVWindow const* const other = Window_Of(host);
         if (other && Layer_Of(*other) == Layer_Of(window)) return other == &window;
     }

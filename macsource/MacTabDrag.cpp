@@ -154,7 +154,7 @@ void TabDrag::Finish(long x, long y)
 /// The library's front window at a point, by its frame too; the outline is none of them.
 ZVWindow* Window_At(ZVPlace point)
 {
-    for (HostWindow const* host : Display()->Windows()) {
+    for (HostWindow const* host = nullptr; (host = Display()->Next_Window(host));) {
         HostRect const client = host->Client();
         HostFrame const frame = host->Frame();
         HostRect const all{client.left - frame.left, client.top - frame.top, client.right + frame.right,

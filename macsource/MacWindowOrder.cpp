@@ -22,7 +22,7 @@ bool Is_Floating(ZVWindow const& window)
 ZVWindow* Mac_FrontNonFloatingWindow()
 {
     if (!Display()) return nullptr;
-    for (HostWindow const* host : Display()->Windows())
+    for (HostWindow const* host = nullptr; (host = Display()->Next_Window(host));)
         if (ZVWindow* window = Window_Of(host); window && !Is_Floating(*window)) return window;
     return nullptr;
 }

@@ -107,10 +107,6 @@ void Add_Actions()
     InitGroupZV();
     AddGadgetZV(OpenDialog, first, 0, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Dialog...", 0, 0);
     AddGadgetZV(OpenPopUp, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Pop-up", 0, 0);
-    AddGadgetZV(OpenRequesters, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Requesters", 0, 0);
-    AddGadgetZV(OpenControls, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Controls", 0, 0);
-    AddGadgetZV(OpenChoices, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Choices", 0, 0);
-    AddGadgetZV(OpenMedia, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Media", 0, 0);
     AddGadgetZV(MoreRows, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "More rows", 0, 0);
     AddTextZV(0, beside, -1, "Theme", ZV_GAP_EXTRA, 1, ZV_ITEM_CENTER_TEXT, 1, 0);
     AddGadgetZV(LightTheme, ZV_Position(ZV_POS_AFTER, ZV_POS_ALIGN_START), MoreRows, ZV_GAD_RADIO,
@@ -121,7 +117,11 @@ void Add_Actions()
                 ZV_ITEM_WIDTH, 60, ZV_ITEM_HEIGHT, ZVEnv->style->gadgetHeight, ZV_GAP_EXTRA, 1, 0);
     AddGadgetZV(MenuButton, beside, -1, ZV_GAD_MENU, ZV_SIZE_DEFAULT, nullptr, ZV_ITEM_SELECTED,
                 Swatch_Menu(), 0);
-    AddGadgetZV(OpenFiles, below, OpenDialog, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "File dialogs", 0, 0);
+    AddGadgetZV(OpenRequesters, below, OpenDialog, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Requesters", 0, 0);
+    AddGadgetZV(OpenControls, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Controls", 0, 0);
+    AddGadgetZV(OpenChoices, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Choices", 0, 0);
+    AddGadgetZV(OpenMedia, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Media", 0, 0);
+    AddGadgetZV(OpenFiles, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "File dialogs", 0, 0);
     EndGroupZV(ActionGroup, below, ListGroup, "", 0, 0);
 }
 

@@ -265,7 +265,7 @@ class Names:
     def __init__(self, header):
         self.numbers = {}
         with open(header, encoding="utf-8") as file:
-            enumerations = re.findall(r"enum \w+ : unsigned short \{(.*?)\}", file.read(), re.DOTALL)
+            enumerations = re.findall(r"enum (?:Palette|Item)Id : unsigned short \{(.*?)\}", file.read(), re.DOTALL)
         for body in enumerations:
             number = -1
             for entry in body.split(","):
