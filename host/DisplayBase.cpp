@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 #include <utility>
 
 namespace {
@@ -136,7 +137,11 @@ void DisplayBase::Add_Event(HostEvent event)
 {
     if (event.milliseconds == 0) event.milliseconds = Milliseconds();
     if (event.type == HostEventType::MouseDown) event.clicks = Count_Clicks(event);
-    events_.push_back(std::move(event));
+    try {
+        events_.push_back(std::move(event));
+    } catch (std::bad_alloc const&) {
+        // An event that there is no memory for is lost; windows that go must not fail.
+    }
 }
 
 void DisplayBase::Follow(HostEvent const& event)

@@ -55,7 +55,7 @@ struct ZVDrawInfo {
 
 /// A context with pen 7 on pen 1, font 0 and no clip. It keeps the colours that pens have now.
 /// @return  null when nothing can be drawn: without an environment, in a hidden palette, on an item that has
-///          no system control, on a bitmap that did not come from AllocNativeBitmapZV
+///          no system control, on a bitmap that did not come from AllocNativeBitmapZV; and without memory
 ZV_API ZVDrawInfo* DrawBeginZV(ZVWindow* window);    ///< Null is the main window.
 ZV_API ZVDrawInfo* DrawBeginZV(ZVPalette* palette);  ///< Null is the main window.
 ZV_API ZVDrawInfo* DrawBeginZV(ZVGroup* group);

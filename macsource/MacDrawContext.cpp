@@ -2,6 +2,8 @@
 #include "MacDraw.h"
 #include "ZVLibInternal.h"
 
+#include "interface/Records.h"
+
 #include <new>
 
 // ---- contexts ---------------------------------------------------------------------------------------------
@@ -21,7 +23,8 @@ static uint32_t To_Color(ZVPortColor const& color)
 ZVDrawInfo* Begin_Drawing(ZVPort* port, ZVDevice* device, long originX, long originY)
 {
     if (!ZVEnv || !port) return nullptr;
-    auto* const draw = static_cast<ZVDrawInfo*>(AllocMemZV(sizeof(ZVDrawInfo), ZV_MEM_CLEAR));
+    auto* const draw = New_Record<ZVDrawInfo>();
+    if (!draw) return nullptr;
     draw->OriginX = static_cast<int32_t>(originX);
     draw->OriginY = static_cast<int32_t>(originY);
     draw->Port = port;

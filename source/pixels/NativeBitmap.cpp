@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <new>
 
 // ---- allocation -------------------------------------------------------------------------------------------
 
@@ -25,7 +26,12 @@ ZVNativeBitmap* AllocNativeBitmapZV(long width, long height, long depth)
     long const rowBytes = isInRange ? (width * packSize + rowAlignment - 1) / rowAlignment * rowAlignment : 0;
     bool const fits = isInRange && rowBytes <= limit && rowBytes * height <= limit;
     auto const size = static_cast<unsigned long>(fits ? rowBytes * height : 0);
-    auto* const bitmap = static_cast<ZVNativeBitmap*>(AllocMemZV(sizeof(ZVNativeBitmap), ZV_MEM_CLEAR));
+    void* const record = Alloc_Aligned(sizeof(ZVNativeBitmap), alignof(ZVNativeBitmap));
+    if (!record) {
+        SetError(ZV_ERR_MEMORY);
+        return nullptr;
+    }
+    auto* const bitmap = new (record) ZVNativeBitmap{};
     void* const pixels = fits ? Alloc_Aligned(std::max(size, 1UL), rowAlignment) : nullptr;
     if (pixels) std::memset(pixels, 0, size);
     bitmap->Pixels = static_cast<unsigned char*>(pixels);
