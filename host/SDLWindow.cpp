@@ -19,6 +19,9 @@ Uint32 Flags_Of(HostWindowRequest const& request)
     return flags;
 }
 
+/// What X can make of a window.
+constexpr int LargestSize = 16384;
+
 /// A hint for as long as this exists.
 class PassingHint {
 public:
@@ -132,6 +135,9 @@ void SDLWindow::Set_Client(HostRect const& client)
     int const unit = display_.Unit();
     if (client_.Width() != old.Width() || client_.Height() != old.Height()) {
         pixels_.Resize(client_.Width(), client_.Height());
+        // SDL would hold the size within the limits, which are for the user alone.
+        if (!limits_.Allow(client_.Width(), client_.Height()))
+            Set_Size_Limits(1, 1, LargestSize, LargestSize);
         SDL_SetWindowSize(window_, client_.Width() * unit, client_.Height() * unit);
     }
     if (client_.left != old.left || client_.top != old.top) Move_To(client_.left, client_.top);

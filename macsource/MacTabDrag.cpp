@@ -60,7 +60,7 @@ void Outline::Add(HostRect const& place)
     // A side that cannot be had is left out: the drag works without it.
     std::unique_ptr<HostWindow> window = Display()->Make_Window(request);
     if (!window) return;
-    window->Surface().Fill(window->Surface().Bounds(), Pen_Color(ZV_PEN_TEXT));
+    window->Surface().Fill(window->Surface().Bounds(), Pen_Color(ZV_PEN_MARKED));
     window->Show();
     window->Present();
     strips_.push_back({place, std::move(window)});

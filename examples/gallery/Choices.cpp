@@ -70,7 +70,12 @@ void Show_Many()
 
 void Show_Choices()
 {
-    if (!FindIconZV(101)) LoadIconFileZV("icons.tif");
+    static bool hasIcons = false;
+    if (!hasIcons) {
+        hasIcons = true;
+        InitFormatModulesZV(nullptr);
+        LoadIconFileZV("icons.tif");
+    }
     if (!FindPaletteZV(TextPalette)) Show_Texts();
     if (!FindPaletteZV(IconPalette)) Show_Icons();
     if (!FindPaletteZV(LongPalette)) Show_Many();

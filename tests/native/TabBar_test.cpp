@@ -206,7 +206,7 @@ TEST_F(TabBarTest, ATabThatIsHeldComesOff)
 TEST_F(TabBarTest, AnOutlineFollowsTheMouse)
 {
     long const left = 900 - 8 - 6, top = 600 - 8, tab = ZVEnv->style->tabHeight;
-    auto const pen = GetColorZV(ZV_PEN_TEXT);
+    auto const pen = GetColorZV(ZV_PEN_MARKED);
     int looks = 0;
     During_Drag([&] {
         ++looks;
