@@ -144,7 +144,8 @@ void SDLWindow::Set_Client(HostRect const& client)
     if (client_.Width() != old.Width() || client_.Height() != old.Height()) {
         pixels_.Resize(client_.Width(), client_.Height());
         // SDL would hold the size within the limits, which are for the user alone.
-        Set_Size_Limits(1, 1, LargestSize, LargestSize);
+        if (!limits_.Allow(client_.Width(), client_.Height()))
+            Set_Size_Limits(1, 1, LargestSize, LargestSize);
         SDL_SetWindowSize(window_, client_.Width() * unit, client_.Height() * unit);
     }
     if (client_.left != old.left || client_.top != old.top) Move_To(client_.left, client_.top);

@@ -48,6 +48,10 @@ private:
     struct SizeLimits {
         int minWidth = 0, minHeight = 0, maxWidth = 0, maxHeight = 0;
         bool operator==(SizeLimits const&) const = default;
+        bool Allow(int width, int height) const
+        {
+            return width >= minWidth && height >= minHeight && width <= maxWidth && height <= maxHeight;
+        }
     };
 
     SDLDisplay& display_;
