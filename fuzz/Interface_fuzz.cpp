@@ -71,6 +71,10 @@ void Add_Item()
     case ZV_ITEM_CHARS: break;
     default: tags[0].tag = ZV_ITEM_USER_DATA; break;
     }
+    // What these two read there is a text, and ids.
+    static constexpr uint32_t neighbours[] = {1, 2, 3, 0};
+    if (tags[0].tag == ZV_ITEM_USER_DATA && type == ZV_GAD_TEXTBOX) tags[0].data = Tag_Word(text.c_str());
+    if (tags[0].tag == ZV_ITEM_USER_DATA && type == ZV_GAD_SEPARATOR) tags[0].data = Tag_Word(neighbours);
     if (type != ZV_GAD_CUSTOM) tags[4] = {};
     switch (input->Next() % 5) {
     case 0: AddTextZV(id, position, reference, text.c_str(), nullptr); break;
