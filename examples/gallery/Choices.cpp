@@ -74,6 +74,7 @@ void Show_Choices()
     if (!hasIcons) {
         hasIcons = true;
         InitFormatModulesZV(nullptr);
+        Add_Library_Formats(nullptr);  // The icons are the pages of a TIFF file.
         LoadIconFileZV("icons.tif");
     }
     if (!FindPaletteZV(TextPalette)) Show_Texts();
