@@ -62,6 +62,22 @@ struct ListedFace {
     auto Style_Key() const { return std::tie(width, slant, weight, face.style); }
 };
 
+/// Whether a match has to be made bold or italic. The configuration of fontconfig can tell how to do that,
+/// and then describes the match as if it were done.
+bool Lacks_Bold(FcPattern* match)
+{
+    FcBool isToEmbolden = FcFalse;
+    FcPatternGetBool(match, FC_EMBOLDEN, 0, &isToEmbolden);
+    return isToEmbolden || Get_Integer(match, FC_WEIGHT, FC_WEIGHT_REGULAR) < FC_WEIGHT_DEMIBOLD;
+}
+
+bool Lacks_Italic(FcPattern* match)
+{
+    FcMatrix* slope = nullptr;
+    return FcPatternGetMatrix(match, FC_MATRIX, 0, &slope) == FcResultMatch ||
+           Get_Integer(match, FC_SLANT, FC_SLANT_ROMAN) == FC_SLANT_ROMAN;
+}
+
 constexpr int NamedInstanceShift = 16;  // above the index of the face, counted from 1
 constexpr int FaceIndexMask = 0xFFFF;
 
@@ -201,9 +217,8 @@ private:
     {
         FcChar8* file = nullptr;
         if (!match || FcPatternGetString(match, FC_FILE, 0, &file) != FcResultMatch) return nullptr;
-        FontSynthesis const synthesis{
-            request.bold && Get_Integer(match, FC_WEIGHT, FC_WEIGHT_REGULAR) < FC_WEIGHT_DEMIBOLD,
-            request.italic && Get_Integer(match, FC_SLANT, FC_SLANT_ROMAN) == FC_SLANT_ROMAN};
+        FontSynthesis const synthesis{request.bold && Lacks_Bold(match),
+                                      request.italic && Lacks_Italic(match)};
         return Open_File(reinterpret_cast<char const*>(file), Get_Integer(match, FC_INDEX, 0),
                          request.pixelSize, synthesis, std::move(substitutes));
     }

@@ -7,10 +7,10 @@ namespace {
 
 constexpr double Size = 24;
 
-std::unique_ptr<HostFont> Open(char const* family)
+std::unique_ptr<HostFont> Open(char const* family, bool bold = false, bool italic = false)
 {
     static std::unique_ptr<HostFonts> const fonts = Make_Host_Fonts();
-    return fonts->Open({family, Size});
+    return fonts->Open({family, Size, bold, italic});
 }
 
 /// Images of a text's glyphs, from left to right.
@@ -56,6 +56,15 @@ TEST(Fonts, WhatNoFontHasIsDrawnAllTheSame)
         text += "\U000F0000\xFF";  // of private use, and no character at all
     EXPECT_EQ(font->Shape(text).glyphs.size(), 1000U);
     EXPECT_FALSE(font->Glyph_Image(font->Shape("\U000F0000").glyphs[0].index).coverage.empty());
+}
+
+TEST(Fonts, StylesThatAreNotInstalledAreMade)
+{
+    for (char const* family : {"DejaVu Sans", "DejaVu Serif", "DejaVu Sans Mono", "sans"}) {
+        auto const plain = Images(*Open(family), "l");
+        EXPECT_NE(Images(*Open(family, true), "l"), plain) << family;
+        EXPECT_NE(Images(*Open(family, false, true), "l"), plain) << family;
+    }
 }
 
 }  // namespace
