@@ -10,6 +10,8 @@
 #include "interface/PaletteTree.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 static constexpr int TitleMargin = 9;  ///< beside the text of a title
 static constexpr char HelpTitle[] = "Help";
@@ -240,27 +242,29 @@ static void Fit_Root_Window(int oldTop)
     Move_Window(*root, client);
 }
 
-/// A window whose title would be under the bar could not be moved by it any more.
+int Way_Below_Menu_Bar(HostRect const& frame)
+{
+    if (!bar) return 0;
+    HostRect const strip = bar->window->Client();
+    return Intersection(frame, strip).IsEmpty() ? 0 : strip.bottom - frame.top;
+}
+
 static void Uncover_Windows()
 {
-    if (!bar) return;
-    HostRect const strip = bar->window->Client();
-    std::vector<ZVWindow*> covered;
+    std::vector<std::pair<ZVWindow*, int>> covered;
     for (ZVWindow& window : All_Windows()) {
+        if (!window.sysWindow || window.kind == ZV_KIND_ROOT) continue;
         ZVRectT<long> frame;
         GetWindowRectZV(&window, &frame);
-        bool const isMovable = window.sysWindow && window.kind != ZV_KIND_ROOT;
-        if (isMovable && frame.y < strip.bottom && frame.Bottom() >= strip.top && frame.x < strip.right &&
-            frame.Right() >= strip.left)
-            covered.push_back(&window);
+        int const left = static_cast<int>(frame.x), top = static_cast<int>(frame.y);
+        int const way = Way_Below_Menu_Bar(
+            {left, top, left + static_cast<int>(frame.width), top + static_cast<int>(frame.height)});
+        if (way) covered.emplace_back(&window, way);
     }
-    for (ZVWindow* const window : covered) {
+    for (auto const& [window, way] : covered) {
         if (!Is_Window(window) || !window->sysWindow) continue;
-        ZVRectT<long> frame;
-        GetWindowRectZV(window, &frame);
-        int const down = strip.bottom - static_cast<int>(frame.y);
         HostRect const client = window->sysWindow->host->Client();
-        Move_Window(*window, {client.left, client.top + down, client.right, client.bottom + down});
+        Move_Window(*window, {client.left, client.top + way, client.right, client.bottom + way});
     }
 }
 

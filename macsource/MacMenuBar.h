@@ -24,5 +24,9 @@ void Light_Title(int title);    ///< NoTitle for none.
 void Draw_Menu_Bar();
 void Present_Menu_Bar();
 
+/// How far down a window with that frame has to go; 0 when its frame is clear of the bar. A title under the
+/// bar could not be taken to move the window.
+int Way_Below_Menu_Bar(HostRect const& frame);
+
 /// The bar shows while the application is in front.
 void Show_Menu_Bar(bool isShown);

@@ -1,5 +1,6 @@
 // System windows: made for a palette, fitted to it, and taken down.
 #include "MacWindow.h"
+#include "MacMenuBar.h"
 
 #include "ZVLibInternal.h"
 #include "ZVPalette.h"
@@ -137,6 +138,19 @@ ZVSysWindow::~ZVSysWindow()
     if (ZVEnv && ZVEnv->savedPort == &port) ZVEnv->savedPort = nullptr;
 }
 
+/// The client area of a new window, which goes down as far as its title would be under the menu bar.
+static HostRect Clear_Of_Bar(ZVWindow& window, HostWindowRequest const& request)
+{
+    if (request.hasFrame && window.kind != ZV_KIND_ROOT) {
+        HostRect frame = Host_Client(window);
+        HostFrame const edges = Display()->Frame_Of(request);
+        frame = {frame.left - edges.left, frame.top - edges.top, frame.right + edges.right,
+                 frame.bottom + edges.bottom};
+        window.top += Way_Below_Menu_Bar(frame);
+    }
+    return Host_Client(window);
+}
+
 long Make_SysWindow(ZVWindow* window, ZVPalette* palette)
 {
     if (window->sysWindow) return 1;
@@ -144,7 +158,7 @@ long Make_SysWindow(ZVWindow* window, ZVPalette* palette)
     window->flags = Usable_Flags(window->kind, window->flags);
     if (palette) palette->flags = Usable_Flags(palette->kind, palette->flags);
     HostWindowRequest request = Request_Of(window->kind, window->flags);
-    request.client = Host_Client(*window);
+    request.client = Clear_Of_Bar(*window, request);
     request.title = Title_For(*window, palette);
     std::unique_ptr<HostWindow> host = Display()->Make_Window(request);
     if (!host) return 0;

@@ -73,7 +73,7 @@ ffmpeg -v error -y -i titled.mov -vf fps=5,scale=213:-1,tile=3x3 -frames:v 1 con
 
 echo "== The interface: all gadgets in both themes"
 for theme in light dark; do
-    ZV_HEADLESS_SIZE=1280x1024 "$gallery" --theme "$theme" --screenshot "gallery-$theme.png"
+    "$gallery" --theme "$theme" --screenshot "gallery-$theme.png"
 done
 rm -rf home
 

@@ -476,6 +476,8 @@ TEST_F(Menu, WindowsMakeRoomForTheBar)
     GetWindowRectZV(high->window, &rect);
     EXPECT_EQ(rect.y, bar);
     EXPECT_EQ(low->window->top, top);
+    GetWindowRectZV(Show(3, ZV_KIND_DOCUMENT, 300, 10)->window, &rect);
+    EXPECT_EQ(rect.y, bar) << "a new one too";
     uint32_t const face = Pixel(1500, bar / 2);
     EXPECT_EQ(face, GetColorZV(ZV_PEN_FACE) & 0xFFFFFF);
     HeadlessLeaveZV();
