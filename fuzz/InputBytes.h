@@ -1,6 +1,8 @@
 // The bytes of a fuzzer's input as numbers, ids and texts.
 #pragma once
 
+#include <ZVLibInternal.h>
+
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -30,3 +32,13 @@ private:
     uint8_t const* data_;
     std::size_t size_;
 };
+
+/// Starts the library's interface on the desktop in memory, once.
+inline void Start_Headless(void (*callback)(ZVEvent*))
+{
+    static bool const isStarted = [callback] {
+        setenv("ZV_HOST", "headless", 1);
+        return InitZV(callback, nullptr, nullptr, nullptr, nullptr) != nullptr;
+    }();
+    if (!isStarted) std::abort();
+}

@@ -120,11 +120,7 @@ void Act()
 extern "C" __attribute__((visibility("default"))) int LLVMFuzzerTestOneInput(uint8_t const* data,
                                                                              std::size_t size)
 {
-    static bool const isStarted = [] {
-        setenv("ZV_HOST", "headless", 1);
-        return InitZV(On_Event, nullptr, nullptr, nullptr, nullptr) != nullptr;
-    }();
-    if (!isStarted) std::abort();
+    Start_Headless(On_Event);
     Bytes bytes(data, size);
     input = &bytes;
     depth = copies = 0;

@@ -462,19 +462,8 @@ long Add_EIDI_Format(ZVScanDesc*)
 {
     constexpr ZVTypePair readTypes[] = {{FileType, ZV_BLANK_CODE}};
     constexpr uint32_t readExtensions[] = {ZV_FourCC("ei\0\0")};
-    ZVFormatDesc* desc = Make_Format_Desc(
-        {Format_Name(ZVSTR_FORMAT_EIDI, "EIDI"), FileType, Creator, readTypes, 1, readExtensions, 1});
-    if (!desc) return 0;
-    desc->Open = EIDI_Open;
-    desc->Close = EIDI_Close;
-    desc->Create = EIDI_Create;
-    desc->BeginIO = Always_Ready;
-    desc->EndIO = Always_Ready;
-    desc->GetFrame = EIDI_GetFrame;
-    desc->AddFrame = EIDI_AddFrame;
-    desc->CanLoad = Standard_CanLoad;
-    desc->GetImportProperties = Import_Properties<Properties>;
-    desc->GetExportProperties = Export_Properties<Properties>;
-    AddTail(&ZVEnv->formats, &desc->Node);
-    return 1;
+    return Add_File_Format(
+               {Format_Name(ZVSTR_FORMAT_EIDI, "EIDI"), FileType, Creator, readTypes, 1, readExtensions, 1},
+               {EIDI_Open, EIDI_Close, EIDI_Create, EIDI_GetFrame, EIDI_AddFrame,
+                Import_Properties<Properties>, Export_Properties<Properties>}) != nullptr;
 }

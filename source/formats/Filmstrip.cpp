@@ -252,19 +252,9 @@ long Add_Filmstrip_Format(ZVScanDesc*)
 {
     constexpr ZVTypePair readTypes[] = {{FileType, ZV_BLANK_CODE}};
     constexpr uint32_t readExtensions[] = {ZV_FourCC("flm\0")};
-    ZVFormatDesc* desc = Make_Format_Desc({Format_Name(ZVSTR_FORMAT_FILMSTRIP, "Filmstrip"), FileType,
-                                           ZV_BLANK_CODE, readTypes, 1, readExtensions, 1});
-    if (!desc) return 0;
-    desc->Open = Filmstrip_Open;
-    desc->Close = Filmstrip_Close;
-    desc->Create = Filmstrip_Create;
-    desc->BeginIO = Always_Ready;
-    desc->EndIO = Always_Ready;
-    desc->GetFrame = Filmstrip_GetFrame;
-    desc->AddFrame = Filmstrip_AddFrame;
-    desc->CanLoad = Standard_CanLoad;
-    desc->GetImportProperties = Import_Properties<Properties>;
-    desc->GetExportProperties = Export_Properties<Properties>;
-    AddTail(&ZVEnv->formats, &desc->Node);
-    return 1;
+    return Add_File_Format({Format_Name(ZVSTR_FORMAT_FILMSTRIP, "Filmstrip"), FileType, ZV_BLANK_CODE,
+                            readTypes, 1, readExtensions, 1},
+                           {Filmstrip_Open, Filmstrip_Close, Filmstrip_Create, Filmstrip_GetFrame,
+                            Filmstrip_AddFrame, Import_Properties<Properties>,
+                            Export_Properties<Properties>}) != nullptr;
 }

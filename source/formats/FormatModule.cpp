@@ -59,3 +59,21 @@ BitmapBlock Stored_Frame(ZVClip const* clip, ZVBitmap const* bitmap, ZVRectT<lon
     if (stored) InterpretAlphaZV(clip, bitmap, stored.get(), region);
     return stored;
 }
+
+ZVFormatDesc* Add_File_Format(ZVBuiltinFormat const& format, FileEntries const& entries)
+{
+    ZVFormatDesc* const desc = Make_Format_Desc(format);
+    if (!desc) return nullptr;
+    desc->Open = entries.open;
+    desc->Close = entries.close;
+    desc->Create = entries.create;
+    desc->BeginIO = Always_Ready;
+    desc->EndIO = Always_Ready;
+    desc->GetFrame = entries.getFrame;
+    desc->AddFrame = entries.addFrame;
+    desc->CanLoad = Standard_CanLoad;
+    desc->GetImportProperties = entries.importProperties;
+    desc->GetExportProperties = entries.exportProperties;
+    AddTail(&ZVEnv->formats, &desc->Node);
+    return desc;
+}

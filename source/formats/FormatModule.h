@@ -24,6 +24,20 @@ template <long properties> long Export_Properties(ZVFormatDesc*, ZVClip*)
     return properties;
 }
 
+/// What a module that reads and writes files by itself has of its own.
+struct FileEntries {
+    decltype(ZVFormatDesc::Open) open;
+    decltype(ZVFormatDesc::Close) close;
+    decltype(ZVFormatDesc::Create) create;
+    decltype(ZVFormatDesc::GetFrame) getFrame;
+    decltype(ZVFormatDesc::AddFrame) addFrame;
+    decltype(ZVFormatDesc::GetImportProperties) importProperties;
+    decltype(ZVFormatDesc::GetExportProperties) exportProperties;
+};
+
+/// Adds such a module to the list: always ready, and claiming files by the usual rule. Null without memory.
+ZVFormatDesc* Add_File_Format(ZVBuiltinFormat const& format, FileEntries const& entries);
+
 /// The string that names a module in dialogs, or `fallback` when the string file lacks it: a nameless entry
 /// could not be picked.
 char const* Format_Name(unsigned long stringId, char const* fallback);

@@ -79,20 +79,10 @@ long Add_PICS_Format(ZVScanDesc*)
 {
     constexpr ZVTypePair readTypes[] = {{FileType, ZV_BLANK_CODE}};
     constexpr uint32_t readExtensions[] = {ZV_FourCC("pcs\0"), ZV_FourCC("pics")};
-    ZVFormatDesc* desc = Make_Format_Desc(
-        {Format_Name(NameString, "PICS"), FileType, PictureCreator, readTypes, 1, readExtensions, 2});
-    if (!desc) return 0;
-    desc->Open = PICS_Open;
-    desc->Close = PICS_Close;
-    desc->Create = PICS_Create;
-    desc->BeginIO = Always_Ready;
-    desc->EndIO = Always_Ready;
-    desc->GetFrame = PICS_GetFrame;
-    desc->AddFrame = PICS_AddFrame;
-    desc->Options = Picture_Options;
-    desc->CanLoad = Standard_CanLoad;
-    desc->GetImportProperties = Import_Properties<Properties>;
-    desc->GetExportProperties = Export_Properties<Properties>;
-    AddTail(&ZVEnv->formats, &desc->Node);
-    return 1;
+    ZVFormatDesc* const desc = Add_File_Format(
+        {Format_Name(NameString, "PICS"), FileType, PictureCreator, readTypes, 1, readExtensions, 2},
+        {PICS_Open, PICS_Close, PICS_Create, PICS_GetFrame, PICS_AddFrame, Import_Properties<Properties>,
+         Export_Properties<Properties>});
+    if (desc) desc->Options = Picture_Options;
+    return desc != nullptr;
 }

@@ -76,20 +76,10 @@ long Add_PICT_Format(ZVScanDesc*)
 {
     constexpr ZVTypePair readTypes[] = {{PictureType, ZV_BLANK_CODE}};
     constexpr uint32_t readExtensions[] = {ZV_FourCC("pct\0"), ZV_FourCC("pict")};
-    ZVFormatDesc* desc = Make_Format_Desc(
-        {Format_Name(NameString, "PICT"), PictureType, PictureCreator, readTypes, 1, readExtensions, 2});
-    if (!desc) return 0;
-    desc->Open = PICT_Open;
-    desc->Close = PICT_Close;
-    desc->Create = PICT_Create;
-    desc->BeginIO = Always_Ready;
-    desc->EndIO = Always_Ready;
-    desc->GetFrame = PICT_GetFrame;
-    desc->AddFrame = PICT_AddFrame;
-    desc->Options = Picture_Options;
-    desc->CanLoad = Standard_CanLoad;
-    desc->GetImportProperties = Import_Properties<Properties>;
-    desc->GetExportProperties = Export_Properties<Properties>;
-    AddTail(&ZVEnv->formats, &desc->Node);
-    return 1;
+    ZVFormatDesc* const desc = Add_File_Format(
+        {Format_Name(NameString, "PICT"), PictureType, PictureCreator, readTypes, 1, readExtensions, 2},
+        {PICT_Open, PICT_Close, PICT_Create, PICT_GetFrame, PICT_AddFrame, Import_Properties<Properties>,
+         Export_Properties<Properties>});
+    if (desc) desc->Options = Picture_Options;
+    return desc != nullptr;
 }

@@ -234,20 +234,10 @@ long Add_VPB_Format(ZVScanDesc*)
 {
     constexpr ZVTypePair readTypes[] = {{FileType, ZV_BLANK_CODE}};
     constexpr uint32_t readExtensions[] = {ZV_FourCC("vpb\0")};
-    ZVFormatDesc* desc = Make_Format_Desc(
-        {Format_Name(NameString, "VPB"), FileType, ZV_BLANK_CODE, readTypes, 1, readExtensions, 1});
-    if (!desc) return 0;
-    desc->Open = VPB_Open;
-    desc->Close = VPB_Close;
-    desc->Create = VPB_Create;
-    desc->BeginIO = Always_Ready;
-    desc->EndIO = Always_Ready;
-    desc->GetFrame = VPB_GetFrame;
-    desc->AddFrame = VPB_AddFrame;
-    desc->GetFrameDataReference = VPB_GetFrameDataReference;
-    desc->CanLoad = Standard_CanLoad;
-    desc->GetImportProperties = Import_Properties<Properties>;
-    desc->GetExportProperties = Export_Properties<Properties>;
-    AddTail(&ZVEnv->formats, &desc->Node);
-    return 1;
+    ZVFormatDesc* const desc = Add_File_Format(
+        {Format_Name(NameString, "VPB"), FileType, ZV_BLANK_CODE, readTypes, 1, readExtensions, 1},
+        {VPB_Open, VPB_Close, VPB_Create, VPB_GetFrame, VPB_AddFrame, Import_Properties<Properties>,
+         Export_Properties<Properties>});
+    if (desc) desc->GetFrameDataReference = VPB_GetFrameDataReference;
+    return desc != nullptr;
 }
