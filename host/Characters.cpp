@@ -1,5 +1,6 @@
 #include "Characters.h"
 
+#include <fribidi.h>
 #include <hb.h>
 
 HostCharacterKind Character_Kind(char32_t character)
@@ -27,4 +28,11 @@ HostCharacterKind Character_Kind(char32_t character)
     case HB_UNICODE_GENERAL_CATEGORY_UPPERCASE_LETTER: return HostCharacterKind::Letter;
     default: return HostCharacterKind::Sign;
     }
+}
+
+HostDirection Character_Direction(char32_t character)
+{
+    FriBidiCharType const type = fribidi_get_bidi_type(character);
+    if (!FRIBIDI_IS_LETTER(type)) return HostDirection::Neutral;
+    return FRIBIDI_IS_RTL(type) ? HostDirection::RightToLeft : HostDirection::LeftToRight;
 }

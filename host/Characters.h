@@ -13,3 +13,12 @@ enum class HostCharacterKind : uint8_t {
 
 /// @param character  code point; one that is none is a Control
 HostCharacterKind Character_Kind(char32_t character);
+
+/// How a character runs, or a line as a whole.
+enum class HostDirection : uint8_t {
+    Neutral,  ///< a character that goes with those around it; a line that runs as its first other one does
+    LeftToRight,
+    RightToLeft
+};
+
+HostDirection Character_Direction(char32_t character);

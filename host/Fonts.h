@@ -3,6 +3,7 @@
 // service and its fonts.
 #pragma once
 
+#include "Characters.h"
 #include "Mask.h"
 
 #include <cstdint>
@@ -46,8 +47,15 @@ struct HostTextRun {
         uint32_t index;  ///< for Glyph_Image
         int x, y;        ///< origin, whole pixels from the start of the text and down from the base line
     };
+    /// Characters that are drawn together.
+    struct Cluster {
+        uint32_t start, end;  ///< in the bytes of the text
+        int left, right;
+        bool isRightToLeft;
+    };
     std::vector<Glyph> glyphs;
-    int width = 0;  ///< where the next text would start
+    std::vector<Cluster> clusters;  ///< from left to right
+    int width = 0;                  ///< where the next text would start
 };
 
 struct HostPoint {
@@ -72,8 +80,10 @@ public:
     /// A text for the screen, with kerning and ligatures. Each advance is a whole number of pixels, so that
     /// equal letters stand at equal distances. Characters that the font does not have come from other
     /// installed fonts. Valid until the next call.
-    /// @param text  UTF-8; bytes that are none count as the replacement character
-    virtual HostTextRun const& Shape(std::string_view text) = 0;
+    /// @param text       UTF-8; bytes that are none count as the replacement character
+    /// @param direction  of the line as a whole; parts that run the other way stand in it as they are read
+    virtual HostTextRun const& Shape(std::string_view text, HostDirection direction) = 0;
+    HostTextRun const& Shape(std::string_view text) { return Shape(text, HostDirection::Neutral); }
 
     /// The image of a glyph, antialiased and fitted to whole rows. Valid until the next call.
     virtual HostMask const& Glyph_Image(uint32_t glyph) = 0;

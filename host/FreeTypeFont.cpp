@@ -3,8 +3,10 @@
 #include FT_OUTLINE_H
 #include <hb-ft.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <new>
 #include <utility>
 
 static constexpr double FixedOne = 64.0;  // lengths are in 26.6 fixed point
@@ -60,6 +62,7 @@ void FreeTypeFont::Shape_Buffer(bool hasLigatures)
     hb_buffer_guess_segment_properties(buffer_.get());
     hb_shape(font_.get(), buffer_.get(), features.data(),
              hasLigatures ? 0U : static_cast<unsigned>(features.size()));
+    if (!hb_buffer_allocation_successful(buffer_.get())) throw std::bad_alloc();
 }
 
 bool FreeTypeFont::Has_Character(uint32_t character) const
@@ -85,10 +88,39 @@ unsigned FreeTypeFont::Font_For(uint32_t character)
     return fontOfMissing_[character] = number;
 }
 
-void FreeTypeFont::Shape_Stretch(std::span<uint32_t const> characters, uint32_t mark, HostTextRun& run)
+// ---- lines ------------------------------------------------------------------------------------------------
+
+/// The characters of a line; bytes that are none are the replacement character.
+struct FreeTypeFont::LineText {
+    LineText(hb_buffer_t* buffer, std::string_view text);
+
+    std::vector<uint32_t> characters;
+    std::vector<uint32_t> offsets;  ///< in its bytes, and where it ends
+};
+
+FreeTypeFont::LineText::LineText(hb_buffer_t* buffer, std::string_view text)
+{
+    hb_buffer_clear_contents(buffer);
+    hb_buffer_add_utf8(buffer, text.data(), static_cast<int>(text.size()), 0, -1);
+    if (!hb_buffer_allocation_successful(buffer)) throw std::bad_alloc();
+    unsigned count = 0;
+    hb_glyph_info_t const* const infos = hb_buffer_get_glyph_infos(buffer, &count);
+    characters.reserve(count);
+    offsets.reserve(count + 1);
+    for (unsigned i = 0; i < count; ++i) {
+        characters.push_back(infos[i].codepoint);
+        offsets.push_back(infos[i].cluster);
+    }
+    offsets.push_back(static_cast<uint32_t>(text.size()));
+}
+
+void FreeTypeFont::Shape_Stretch(LineText const& line, Stretch const& stretch, bool isRightToLeft,
+                                 HostTextRun& run)
 {
     hb_buffer_clear_contents(buffer_.get());
-    hb_buffer_add_utf32(buffer_.get(), characters.data(), static_cast<int>(characters.size()), 0, -1);
+    hb_buffer_add_utf32(buffer_.get(), line.characters.data(), static_cast<int>(line.characters.size()),
+                        static_cast<unsigned>(stretch.start), static_cast<int>(stretch.end - stretch.start));
+    hb_buffer_set_direction(buffer_.get(), isRightToLeft ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
     Shape_Buffer(true);
     unsigned count = 0;
     hb_glyph_info_t const* infos = hb_buffer_get_glyph_infos(buffer_.get(), &count);
@@ -96,24 +128,24 @@ void FreeTypeFont::Shape_Stretch(std::span<uint32_t const> characters, uint32_t 
     auto const rounded = [](hb_position_t length) {
         return static_cast<int>(std::lround(length / FixedOne));
     };
+    std::size_t const first = run.clusters.size();
     for (unsigned i = 0; i < count; ++i) {
-        run.glyphs.push_back({(infos[i].codepoint & GlyphMask) | mark,
-                              run.width + rounded(positions[i].x_offset), -rounded(positions[i].y_offset)});
+        int const left = run.width;
+        run.glyphs.push_back({(infos[i].codepoint & GlyphMask) | stretch.font << FontShift,
+                              left + rounded(positions[i].x_offset), -rounded(positions[i].y_offset)});
         run.width += rounded(positions[i].x_advance);
+        uint32_t const start = line.offsets[infos[i].cluster];
+        if (run.clusters.size() > first && run.clusters.back().start == start)
+            run.clusters.back().right = run.width;
+        else
+            run.clusters.push_back({start, 0, left, run.width, isRightToLeft});
     }
-}
-
-/// The characters of a text; bytes that are none are the replacement character.
-static std::vector<uint32_t> Characters_Of(hb_buffer_t* buffer, std::string_view text)
-{
-    hb_buffer_clear_contents(buffer);
-    hb_buffer_add_utf8(buffer, text.data(), static_cast<int>(text.size()), 0, -1);
-    unsigned count = 0;
-    hb_glyph_info_t const* const infos = hb_buffer_get_glyph_infos(buffer, &count);
-    std::vector<uint32_t> characters(count);
-    for (unsigned i = 0; i < count; ++i)
-        characters[i] = infos[i].codepoint;
-    return characters;
+    // A cluster ends where the next one begins, which stands on its left when they run from right to left.
+    std::span const made = std::span(run.clusters).subspan(first);
+    for (std::size_t i = 0; i < made.size(); ++i) {
+        std::size_t const next = isRightToLeft ? i - 1 : i + 1;
+        made[i].end = next < made.size() ? made[next].start : line.offsets[stretch.end];
+    }
 }
 
 /// Whether a character is drawn together with the one ahead of it.
@@ -128,29 +160,55 @@ static bool Is_Mark(uint32_t character)
     }
 }
 
-HostTextRun FreeTypeFont::Make_Run(std::string_view text)
+static bool Has_Script(hb_script_t script)
 {
-    std::vector<uint32_t> const characters = Characters_Of(buffer_.get(), text);
-    HostTextRun run;
-    for (std::size_t start = 0; start < characters.size();) {
-        unsigned const font = Font_For(characters[start]);
-        std::size_t end = start + 1;
-        while (end < characters.size() && (Is_Mark(characters[end]) || Font_For(characters[end]) == font))
-            ++end;
-        Font_Of(font).Shape_Stretch(std::span(characters).subspan(start, end - start), font << FontShift,
-                                    run);
-        start = end;
+    return script != HB_SCRIPT_COMMON && script != HB_SCRIPT_INHERITED && script != HB_SCRIPT_UNKNOWN;
+}
+
+/// The font and the script that a part of a line begins with, as far as they go.
+FreeTypeFont::Stretch FreeTypeFont::Stretch_From(std::span<uint32_t const> characters, std::size_t start,
+                                                 std::size_t end)
+{
+    unsigned const font = Font_For(characters[start]);
+    hb_script_t script = HB_SCRIPT_COMMON;
+    std::size_t at = start;
+    for (; at < end; ++at) {
+        if (at > start && Is_Mark(characters[at])) continue;
+        hb_script_t const own = hb_unicode_script(hb_unicode_funcs_get_default(), characters[at]);
+        bool const isOther = Has_Script(script) && Has_Script(own) && own != script;
+        if (isOther || (at > start && Font_For(characters[at]) != font)) break;
+        if (Has_Script(own)) script = own;
     }
+    return {start, at, font};
+}
+
+void FreeTypeFont::Add_Part(LineText const& line, DirectionRun const& part, HostTextRun& run)
+{
+    std::vector<Stretch> stretches;
+    for (std::size_t at = part.start; at < part.end; at = stretches.back().end)
+        stretches.push_back(Stretch_From(line.characters, at, part.end));
+    if (part.isRightToLeft) std::ranges::reverse(stretches);
+    for (Stretch const& stretch : stretches)
+        Font_Of(stretch.font).Shape_Stretch(line, stretch, part.isRightToLeft, run);
+}
+
+HostTextRun FreeTypeFont::Make_Run(std::string_view text, HostDirection direction)
+{
+    LineText const line(buffer_.get(), text);
+    HostTextRun run;
+    for (DirectionRun const& part : Direction_Runs(line.characters, direction))
+        Add_Part(line, part, run);
     return run;
 }
 
-HostTextRun const& FreeTypeFont::Shape(std::string_view text)
+HostTextRun const& FreeTypeFont::Shape(std::string_view text, HostDirection direction)
 {
-    if (text.size() > LongestKeptText) return longRun_ = Make_Run(text);
+    if (text.size() > LongestKeptText) return longRun_ = Make_Run(text, direction);
+    auto& runs = runs_[static_cast<std::size_t>(direction)];
     std::string const key(text);
-    if (auto const known = runs_.find(key); known != runs_.end()) return known->second;
-    if (runs_.size() >= MostRuns) runs_.clear();
-    return runs_[key] = Make_Run(text);
+    if (auto const known = runs.find(key); known != runs.end()) return known->second;
+    if (runs.size() >= MostRuns) runs.clear();
+    return runs.emplace(key, Make_Run(text, direction)).first->second;
 }
 
 double FreeTypeFont::Advance(std::span<uint32_t const> characters)
@@ -181,15 +239,22 @@ void FreeTypeFont::Apply_Synthesis(FT_Outline& outline, double unitsPerPixel) co
     }
 }
 
+/// Throws when it is for want of memory: images are kept, and an empty one must not be.
+static bool Fails(FT_Error error)
+{
+    if (error == FT_Err_Out_Of_Memory) throw std::bad_alloc();
+    return error != 0;
+}
+
 HostMask FreeTypeFont::Make_Image(uint32_t glyph)
 {
     HostMask mask;
     FT_GlyphSlot const slot = face_->glyph;
     // Fitted in height alone: rows come out crisp, and the letters keep their shapes.
-    if (FT_Load_Glyph(face_.get(), glyph, FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP) != 0) return mask;
+    if (Fails(FT_Load_Glyph(face_.get(), glyph, FT_LOAD_TARGET_LIGHT | FT_LOAD_NO_BITMAP))) return mask;
     if (slot->format != FT_GLYPH_FORMAT_OUTLINE) return mask;
     Apply_Synthesis(slot->outline, FixedOne);
-    if (FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL) != 0) return mask;
+    if (Fails(FT_Render_Glyph(slot, FT_RENDER_MODE_NORMAL))) return mask;
     FT_Bitmap const& bitmap = slot->bitmap;
     mask.left = slot->bitmap_left;
     mask.top = -slot->bitmap_top;

@@ -2,12 +2,14 @@
 #pragma once
 
 #include "CallDelete.h"
+#include "Directions.h"
 #include "Fonts.h"
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #include <hb.h>
 
+#include <array>
 #include <functional>
 #include <unordered_map>
 
@@ -37,18 +39,29 @@ public:
     bool Has_Character(uint32_t character) const;
 
     HostFontMetrics Metrics() const override;
-    HostTextRun const& Shape(std::string_view text) override;
+    using HostFont::Shape;
+    HostTextRun const& Shape(std::string_view text, HostDirection direction) override;
     HostMask const& Glyph_Image(uint32_t glyph) override;
     double Advance(std::span<uint32_t const> characters) override;
     std::vector<HostPathStep> Outline(uint32_t character) override;
 
 private:
+    struct LineText;
+
+    /// Part of a line that one font draws, in one script and direction.
+    struct Stretch {
+        std::size_t start, end;  ///< in the characters of the line
+        unsigned font;
+    };
+
     /// Fills the buffer with the glyphs of what it holds as text.
     void Shape_Buffer(bool hasLigatures);
-    HostTextRun Make_Run(std::string_view text);
+    HostTextRun Make_Run(std::string_view text, HostDirection direction);
+    Stretch Stretch_From(std::span<uint32_t const> characters, std::size_t start, std::size_t end);
+    void Add_Part(LineText const& line, DirectionRun const& part, HostTextRun& run);
 
     /// Adds the glyphs of a stretch that this font draws, each with a mark of the font.
-    void Shape_Stretch(std::span<uint32_t const> characters, uint32_t mark, HostTextRun& run);
+    void Shape_Stretch(LineText const& line, Stretch const& stretch, bool isRightToLeft, HostTextRun& run);
 
     /// The font that draws a character: 0 is this one, others count the substitutes from 1.
     unsigned Font_For(uint32_t character);
@@ -64,7 +77,7 @@ private:
     ShapingBuffer buffer_;
     std::unordered_map<uint32_t, HostMask> images_;
     std::size_t imageBytes_ = 0;
-    std::unordered_map<std::string, HostTextRun> runs_;
+    std::array<std::unordered_map<std::string, HostTextRun>, 3> runs_;  // by HostDirection
     HostTextRun longRun_;  ///< of the last text that was too long to be kept
 
     SubstituteFinder findSubstitute_;

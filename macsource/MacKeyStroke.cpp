@@ -71,10 +71,19 @@ static std::optional<bool> Do_Command(TextField& field, KeyStroke const& key)
     }
 }
 
+static bool Is_Caret_Key(unsigned code)
+{
+    return (code >= ZV_KEY_LEFT && code <= ZV_KEY_DOWN) || code == ZV_KEY_HOME || code == ZV_KEY_END ||
+           code == ZV_KEY_PAGE_UP || code == ZV_KEY_PAGE_DOWN;
+}
+
 /// Keys that move the caret or change the text. Nothing for another key, else whether the text has changed.
 static std::optional<bool> Edit(TextField& field, KeyStroke const& key, bool isEntered)
 {
-    if (field.Move(key.code, key.Has(ZV_MOD_SHIFT), key.Has(ZV_MOD_CONTROL))) return false;
+    if (Is_Caret_Key(key.code)) {
+        field.Move(key.code, key.Has(ZV_MOD_SHIFT), key.Has(ZV_MOD_CONTROL));
+        return false;
+    }
     switch (key.code) {
     case ZV_KEY_BACKSPACE: return field.Erase(false);
     case ZV_KEY_DELETE: return field.Erase(true);
@@ -86,12 +95,6 @@ static std::optional<bool> Edit(TextField& field, KeyStroke const& key, bool isE
     }
     if (!Is_Typed(key.character)) return std::nullopt;
     return !isEntered && field.Type(Utf8_Of(key.character));
-}
-
-static bool Is_Caret_Key(unsigned code)
-{
-    return (code >= ZV_KEY_LEFT && code <= ZV_KEY_DOWN) || code == ZV_KEY_HOME || code == ZV_KEY_END ||
-           code == ZV_KEY_PAGE_UP || code == ZV_KEY_PAGE_DOWN;
 }
 
 /// True when the field has taken the key.

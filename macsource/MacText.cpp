@@ -144,16 +144,22 @@ long TextFont::Leading() const
     return font_ ? Round(font_->Metrics().leading) : 0;
 }
 
-long TextFont::Width(std::string_view text) const
+HostTextRun const* TextFont::Run(std::string_view text, HostDirection direction) const
 {
-    if (font_) return font_->Shape(text).width;
+    return font_ ? &font_->Shape(text, direction) : nullptr;
+}
+
+long TextFont::Width(std::string_view text, HostDirection direction) const
+{
+    if (font_) return font_->Shape(text, direction).width;
     return Round(static_cast<double>(Character_Count(text) * size_) * BareWidth);
 }
 
-void TextFont::Draw(HostSurface& surface, std::string_view text, int x, int baseLine, uint32_t color) const
+void TextFont::Draw(HostSurface& surface, std::string_view text, int x, int baseLine, uint32_t color,
+                    HostDirection direction) const
 {
     if (!font_) return;
-    for (HostTextRun::Glyph const& glyph : font_->Shape(text).glyphs)
+    for (HostTextRun::Glyph const& glyph : font_->Shape(text, direction).glyphs)
         surface.Blend(font_->Glyph_Image(glyph.index), x + glyph.x, baseLine + glyph.y, color);
 }
 

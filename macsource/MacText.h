@@ -18,8 +18,10 @@ public:
     long Ascent() const;
     long Descent() const;
     long Leading() const;  ///< Between the descent of a line and the ascent of the next.
-    long Width(std::string_view text) const;
-    void Draw(HostSurface& surface, std::string_view text, int x, int baseLine, uint32_t color) const;
+    long Width(std::string_view text, HostDirection direction = HostDirection::Neutral) const;
+    void Draw(HostSurface& surface, std::string_view text, int x, int baseLine, uint32_t color,
+              HostDirection direction = HostDirection::Neutral) const;
+    HostTextRun const* Run(std::string_view text, HostDirection direction) const;  ///< Or null.
 
 private:
     HostFont* font_;  ///< or null

@@ -27,8 +27,8 @@ public:
 
     void Select_All();
 
-    /// Arrows, Home, Page Up, End and Page Down. False for another key.
-    bool Move(unsigned code, bool extends, bool byWord);
+    /// Arrows, Home, Page Up, End and Page Down.
+    void Move(unsigned code, bool extends, bool byWord);
 
     // What follows answers whether the text has changed. What the field does not take, it beeps at.
     bool Erase(bool isBehind);
@@ -57,7 +57,7 @@ private:
     void Select_To(int x, int y);
     ZVPlace In_Window(long x, long y) const;
     unsigned Effective_Key(unsigned code, bool byWord) const;
-    std::size_t Side_Step(bool isRight, bool extends, bool byWord) const;
+    TextPlace Side_Step(bool isRight, bool extends, bool byWord) const;
     bool Insert(std::string_view text, bool isTyped);
     bool Accepts(std::string const& text) const;
     std::size_t Capacity() const;

@@ -49,9 +49,8 @@ void TextField::Press(int x, int y, bool reports)
     Count_Press(x, y);
     reportsRelease_ = reports;
     TextBuffer& buffer = view_.buffer;
-    pressed_ = Unit_At(view_.Offset_At(x, y));
+    pressed_ = Unit_At(view_.Place_Near(x, y).at);
     if (pressCount_ == 1 && ZVEnv->modifiers & ZV_MOD_SHIFT) pressed_ = {buffer.Anchor(), buffer.Anchor()};
-    buffer.Select(pressed_.start, pressed_.end);
     Hold_Mouse(this);
     Select_To(x, y);
 }
@@ -59,11 +58,11 @@ void TextField::Press(int x, int y, bool reports)
 /// Selects from what the press took to the point in the window, in units of the press.
 void TextField::Select_To(int x, int y)
 {
-    TextRange const unit = Unit_At(view_.Offset_At(x, y));
-    if (unit.start < pressed_.start)
-        view_.buffer.Select(pressed_.end, unit.start);
-    else
-        view_.buffer.Select(pressed_.start, std::max(unit.end, pressed_.end));
+    TextPlace const place = view_.Place_Near(x, y);
+    TextRange const unit = Unit_At(place.at);
+    bool const isBack = unit.start < pressed_.start;
+    std::size_t const caret = isBack ? unit.start : std::max(unit.end, pressed_.end);
+    view_.Select(isBack ? pressed_.end : pressed_.start, caret == place.at ? place : TextPlace{caret});
     Show_Change();
 }
 
@@ -111,33 +110,35 @@ unsigned TextField::Effective_Key(unsigned code, bool byWord) const
     return code;
 }
 
-/// Where a step to the side leads. Without Shift it closes a selection at that side of it.
-std::size_t TextField::Side_Step(bool isRight, bool extends, bool byWord) const
+/// Where a step to the side leads. Without Shift it closes a selection at that side of it. Words are passed
+/// as they are read, which is to the left in a line that runs from right to left.
+TextPlace TextField::Side_Step(bool isRight, bool extends, bool byWord) const
 {
     std::string const& text = view_.buffer.Text();
-    TextRange const selection = view_.buffer.Selection();
     std::size_t const caret = view_.buffer.Caret();
-    if (byWord) return isRight ? Next_Word_End(text, caret) : Previous_Word_Start(text, caret);
-    if (!selection.IsEmpty() && !extends) return isRight ? selection.end : selection.start;
-    return isRight ? Next_Place(text, caret) : Previous_Place(text, caret);
+    bool const isForward = isRight == (view_.Caret_Direction() == HostDirection::LeftToRight);
+    if (byWord && isForward) return {Next_Word_End(text, caret)};
+    if (byWord) return {Previous_Word_Start(text, caret), true};
+    bool const closes = !view_.buffer.Selection().IsEmpty() && !extends;
+    return closes ? view_.Selection_End(isRight) : view_.Side_Step(isRight);
 }
 
-bool TextField::Move(unsigned code, bool extends, bool byWord)
+void TextField::Move(unsigned code, bool extends, bool byWord)
 {
-    TextBuffer& buffer = view_.buffer;
+    view_.buffer.Compose("", 0);
+    Show_Change();
     switch (Effective_Key(code, byWord)) {
-    case ZV_KEY_LEFT: buffer.Move_To(Side_Step(false, extends, byWord), extends); break;
-    case ZV_KEY_RIGHT: buffer.Move_To(Side_Step(true, extends, byWord), extends); break;
+    case ZV_KEY_LEFT: view_.Move_To(Side_Step(false, extends, byWord), extends); break;
+    case ZV_KEY_RIGHT: view_.Move_To(Side_Step(true, extends, byWord), extends); break;
     case ZV_KEY_UP: view_.Move_By_Lines(-1, extends); break;
     case ZV_KEY_DOWN: view_.Move_By_Lines(1, extends); break;
     case ZV_KEY_HOME:
-    case ZV_KEY_PAGE_UP: buffer.Move_To(0, extends); break;
+    case ZV_KEY_PAGE_UP: view_.Move_To({}, extends); break;
     case ZV_KEY_END:
-    case ZV_KEY_PAGE_DOWN: buffer.Move_To(buffer.Text().size(), extends); break;
-    default: return false;
+    case ZV_KEY_PAGE_DOWN: view_.Move_To({view_.buffer.Text().size(), true}, extends); break;
+    default: break;
     }
     Show_Change();
-    return true;
 }
 
 bool TextField::Erase(bool isBehind)

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "MacText.h"
-#include "MacTextSteps.h"
+#include "MacTextOrder.h"
 
 #include <string>
 #include <vector>
@@ -16,13 +16,27 @@ public:
     int Text_Height() const;  ///< Ascent and descent.
     int Line_Height() const;  ///< With the leading.
 
+    /// That of the text up to its first line break.
+    HostDirection Direction(std::string_view paragraph) const;
+
     /// Width of the beginning of a line. Tabs go to the next multiple of eight blanks.
-    int Width(std::string_view line) const;
-    void Draw(HostSurface& surface, std::string_view line, int x, int baseLine, uint32_t color) const;
+    int Width(std::string_view line, HostDirection direction = HostDirection::LeftToRight) const;
+    void Draw(HostSurface& surface, std::string_view line, int x, int baseLine, uint32_t color,
+              HostDirection direction) const;
+    TextOrder Order(std::string_view line, HostDirection direction) const;
     bool Is_Password() const { return isPassword_; }
 
 private:
-    template <typename Visit> int Visit_Pieces(std::string_view line, Visit&& visit) const;
+    /// What stands between two tabs.
+    struct Piece {
+        std::size_t start, end;
+        int x, width;
+    };
+
+    std::string_view Shown(std::string_view piece, std::string& changed) const;
+    std::vector<Piece> Pieces(std::string_view line, HostDirection direction) const;
+    void Add_Piece(std::string_view line, Piece const& piece, HostDirection direction,
+                   std::vector<TextCell>& cells) const;
 
     FontChoice font_;
     bool isPassword_;
@@ -32,6 +46,7 @@ struct TextLine {
     std::size_t start = 0;
     std::size_t end = 0;   ///< without the line break
     std::size_t next = 0;  ///< start of the next line; the text's size in the last one
+    HostDirection direction = HostDirection::LeftToRight;  ///< of its paragraph
 
     bool operator==(TextLine const&) const = default;
 };
@@ -51,10 +66,9 @@ public:
     TextLine const& operator[](std::size_t line) const { return lines_[line]; }
     std::size_t Line_Of(std::size_t offset) const;
 
-    /// The place nearest to x in a line.
-    std::size_t Place_Near(TextLook const& look, std::string_view text, std::size_t line, int x) const;
-
 private:
+    std::size_t Paragraph_Of(std::size_t line) const;
+
     int width_ = 0;
     std::vector<TextLine> lines_ = {TextLine{}};
 };

@@ -129,6 +129,18 @@ std::size_t Characters_Size(std::string_view text, long count)
     return at;
 }
 
+bool Is_Right_To_Left(std::string_view text)
+{
+    auto direction = HostDirection::Neutral;
+    for (std::size_t at = 0; at < text.size() && direction == HostDirection::Neutral;) {
+        if (Is_Line_Break(text[at])) break;
+        Character const next = Decode(text, at);
+        direction = Character_Direction(next.code);
+        at += next.size;
+    }
+    return direction == HostDirection::RightToLeft;
+}
+
 // ---- words ------------------------------------------------------------------------------------------------
 
 /// Of the place's character; a mark without one ahead of it is part of a word.

@@ -21,6 +21,10 @@ long Count_Places(std::string_view text);                     ///< Steps from it
 /// Size of the first so many characters, marks counted.
 std::size_t Characters_Size(std::string_view text, long count);
 
+/// Whether the paragraph that a text begins with runs from right to left, going by its first character that
+/// runs either way.
+bool Is_Right_To_Left(std::string_view text);
+
 /// The word, the blanks, the signs or the line break that the place lies in or begins. At the end of the
 /// text, or of a line, what lies ahead of it.
 TextRange Word_At(std::string_view text, std::size_t at);

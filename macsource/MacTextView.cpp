@@ -29,10 +29,43 @@ int TextView::Line_Top(std::size_t line) const
     return text_.top + static_cast<int>(static_cast<long>(line) - firstLine_) * look_.Line_Height();
 }
 
-int TextView::X_Of(std::size_t line, std::size_t offset) const
+std::string_view TextView::Line_Text(std::size_t line) const
 {
-    std::size_t const start = lines_[line].start;
-    return text_.left - scrollX_ + look_.Width(std::string_view(shown_).substr(start, offset - start));
+    TextLine const& found = lines_[line];
+    return std::string_view(shown_).substr(found.start, found.end - found.start);
+}
+
+TextOrder TextView::Order_Of(std::size_t line) const
+{
+    return look_.Order(Line_Text(line), lines_[line].direction);
+}
+
+/// A line that runs from right to left begins at the right edge, and leaves room for a caret there.
+int TextView::Line_Left(std::size_t line) const
+{
+    HostDirection const direction = lines_[line].direction;
+    int const left = text_.left - scrollX_;
+    if (direction != HostDirection::RightToLeft) return left;
+    int const room = text_.Width() - 1 - look_.Width(Line_Text(line), direction);
+    return left + (isMultiLine_ ? room : std::max(room, 0));
+}
+
+int TextView::X_Of(std::size_t line, TextPlace const& place) const
+{
+    return Line_Left(line) + Order_Of(line).X_Of({place.at - lines_[line].start, place.isBesideNext});
+}
+
+/// Where a part of the text stands in a line: in several places when some of it runs the other way.
+std::vector<HostRect> TextView::Range_Rects(std::size_t line, TextRange const& range) const
+{
+    TextLine const& drawn = lines_[line];
+    std::size_t const start = std::max(range.start, drawn.start), end = std::min(range.end, drawn.end);
+    std::vector<HostRect> rects;
+    if (start >= end) return rects;
+    int const left = Line_Left(line), top = Line_Top(line);
+    for (TextSpan const& span : Order_Of(line).Spans({start - drawn.start, end - drawn.start}))
+        rects.push_back({left + span.left, top, left + span.right, top + look_.Line_Height()});
+    return rects;
 }
 
 long TextView::Whole_Lines() const
@@ -48,27 +81,51 @@ long TextView::Visible_Lines() const
     return std::min(started, Line_Count() - firstLine_);
 }
 
+TextPlace TextView::Caret() const
+{
+    std::size_t const caret = buffer.Shown_Caret();
+    return caret_.at == caret && buffer.Composition().IsEmpty() ? caret_ : TextPlace{caret};
+}
+
 HostRect TextView::Caret_Rect() const
 {
-    std::size_t const caret = buffer.Shown_Caret(), line = lines_.Line_Of(caret);
+    TextPlace const caret = Caret();
+    std::size_t const line = lines_.Line_Of(caret.at);
     // Blanks at the end of a line that wraps hang over its edge.
     int const x = std::clamp(X_Of(line, caret), text_.left, std::max(text_.right - 1, text_.left));
     int const top = Line_Top(line);
     return {x, top, x + 1, top + look_.Text_Height()};
 }
 
-std::size_t TextView::Offset_At(int x, int y) const
+/// The end of a line that wraps is the start of the next one, and shows there.
+TextPlace TextView::Kept_In_Line(std::size_t line, TextPlace const& place) const
+{
+    TextLine const& found = lines_[line];
+    bool const wraps = found.end == found.next && line + 1 < lines_.Count();
+    if (!wraps || place.at < found.end || found.start == found.end) return place;
+    return {Previous_Place(shown_, found.end), true};
+}
+
+TextPlace TextView::Place_In_Line(std::size_t line, int x) const
+{
+    TextPlace const near = Order_Of(line).Place_Near(x - Line_Left(line));
+    return Kept_In_Line(line, {lines_[line].start + near.at, near.isBesideNext});
+}
+
+TextPlace TextView::Place_Near(int x, int y) const
 {
     int const height = std::max(look_.Line_Height(), 1);
-    if (!isMultiLine_) {
-        int const near = std::clamp(x, text_.left - height, text_.right + height);
-        return lines_.Place_Near(look_, shown_, 0, near - text_.left + scrollX_);
-    }
+    if (!isMultiLine_) return Place_In_Line(0, std::clamp(x, text_.left - height, text_.right + height));
     long const row = y < text_.top ? -1 : std::min<long>((y - text_.top) / height, Whole_Lines());
     long const line = firstLine_ + row;
-    if (line < 0) return 0;
-    if (line >= Line_Count()) return shown_.size();
-    return lines_.Place_Near(look_, shown_, static_cast<std::size_t>(line), x - text_.left + scrollX_);
+    if (line < 0) return {};
+    if (line >= Line_Count()) return {shown_.size(), true};
+    return Place_In_Line(static_cast<std::size_t>(line), x);
+}
+
+HostDirection TextView::Caret_Direction() const
+{
+    return lines_[lines_.Line_Of(buffer.Shown_Caret())].direction;
 }
 
 TextRange TextView::Line_At(std::size_t offset) const
@@ -77,20 +134,48 @@ TextRange TextView::Line_At(std::size_t offset) const
     return {line.start, line.next};
 }
 
+void TextView::Select(std::size_t anchor, TextPlace const& caret)
+{
+    buffer.Select(anchor, caret.at);
+    caret_ = caret;
+}
+
 void TextView::Move_By_Lines(long lines, bool extends)
 {
-    std::size_t const caret = buffer.Caret();
-    auto const line = static_cast<long>(lines_.Line_Of(caret));
-    if (!column_ || columnCaret_ != caret)
-        column_ = X_Of(static_cast<std::size_t>(line), caret) - text_.left + scrollX_;
-    long const wanted = line + lines;
+    TextPlace const caret = Caret();
+    std::size_t const line = lines_.Line_Of(caret.at);
+    if (!column_ || columnCaret_ != caret.at) column_ = X_Of(line, caret) - text_.left;
+    long const wanted = static_cast<long>(line) + lines;
     if (wanted < 0)
-        buffer.Move_To(0, extends);
+        Move_To({}, extends);
     else if (wanted >= Line_Count())
-        buffer.Move_To(shown_.size(), extends);
+        Move_To({shown_.size(), true}, extends);
     else
-        buffer.Move_To(lines_.Place_Near(look_, shown_, static_cast<std::size_t>(wanted), *column_), extends);
+        Move_To(Place_In_Line(static_cast<std::size_t>(wanted), text_.left + *column_), extends);
     columnCaret_ = buffer.Caret();
+}
+
+TextPlace TextView::Side_Step(bool isRight) const
+{
+    TextPlace const caret = Caret();
+    std::size_t const line = lines_.Line_Of(caret.at), start = lines_[line].start;
+    auto const step = Order_Of(line).Step({caret.at - start, caret.isBesideNext}, isRight);
+    if (step) return {start + step->at, step->isBesideNext};
+    // Where a line ends the next one goes on, and the one ahead of it where it begins.
+    bool const isForward = isRight == (lines_[line].direction == HostDirection::LeftToRight);
+    if (isForward) return line + 1 < lines_.Count() ? TextPlace{lines_[line].next} : caret;
+    return line > 0 ? Kept_In_Line(line - 1, {lines_[line - 1].end, true}) : caret;
+}
+
+TextPlace TextView::Selection_End(bool isRight) const
+{
+    auto const [first, last] = buffer.Selection();
+    TextPlace const start{first, true}, end{last};
+    std::size_t const line = lines_.Line_Of(first);
+    bool const isOneLine = lines_.Line_Of(last) == line;
+    bool const startsLeft = isOneLine ? X_Of(line, start) <= X_Of(line, end)
+                                      : lines_[line].direction == HostDirection::LeftToRight;
+    return isRight == startsLeft ? end : start;
 }
 
 // ---- changes ----------------------------------------------------------------------------------------------
@@ -129,6 +214,7 @@ HostRect TextView::Take_Text()
 {
     std::string const old = std::exchange(shown_, buffer.Shown_Text());
     if (old == shown_) return {};
+    caret_ = {};
     std::string_view const shorter = old.size() < shown_.size() ? old : shown_;
     std::string_view const longer = old.size() < shown_.size() ? shown_ : old;
     std::size_t const ahead = Same_Size(shorter.begin(), shorter.end(), longer.begin());
@@ -143,7 +229,7 @@ HostRect TextView::Take_Text()
 /// Answers the lines whose selection, caret or unfinished text has changed.
 HostRect TextView::Take_Marks()
 {
-    Marks const now{buffer.Shown_Selection(), buffer.Composition(), isActive};
+    Marks const now{buffer.Shown_Selection(), buffer.Composition(), Caret(), isActive};
     Marks const old = std::exchange(marks_, now);
     if (now == old) return {};
     std::size_t const first =
@@ -156,12 +242,13 @@ HostRect TextView::Take_Marks()
 void TextView::Follow_Sideways()
 {
     int const width = std::max(text_.Width(), 1);
-    int const caret = look_.Width(std::string_view(shown_).substr(0, buffer.Shown_Caret()));
+    TextOrder const order = Order_Of(0);
+    int const caret = order.X_Of(Caret());
     // At the left edge some of what is erased or selected next is shown as well.
     if (caret < scrollX_) scrollX_ = caret - std::min(width / 4, 2 * look_.Line_Height());
     if (caret >= scrollX_ + width) scrollX_ = caret - width + 1;
     // No more room than the caret needs is left empty behind the text.
-    scrollX_ = std::max(std::min(scrollX_, look_.Width(shown_) + 1 - width), 0);
+    scrollX_ = std::max(std::min(scrollX_, order.Width() + 1 - width), 0);
 }
 
 void TextView::Follow_Caret()

@@ -38,11 +38,22 @@ public:
 
     HostRect Inside() const { return inside_; }
     HostRect Caret_Rect() const;
-    std::size_t Offset_At(int x, int y) const;  ///< Of a point outside, one a little further on.
+    TextPlace Place_Near(int x, int y) const;     ///< Of a point outside, one a little further on.
+    TextRange Line_At(std::size_t offset) const;  ///< With its line break.
+    HostDirection Caret_Direction() const;        ///< Of its line.
+
+    void Select(std::size_t anchor, TextPlace const& caret);
+    void Move_To(TextPlace const& place, bool extends)
+    {
+        Select(extends ? buffer.Anchor() : place.at, place);
+    }
 
     /// Up or down by lines, staying in one column as long as nothing else happens.
     void Move_By_Lines(long lines, bool extends);
-    TextRange Line_At(std::size_t offset) const;  ///< With its line break.
+
+    // Where arrow keys lead: one step on as seen on the screen, and that end of the selection.
+    TextPlace Side_Step(bool isRight) const;
+    TextPlace Selection_End(bool isRight) const;
 
     long Line_Count() const { return static_cast<long>(lines_.Count()); }
     long First_Line() const { return firstLine_; }
@@ -53,13 +64,21 @@ private:
     /// What is drawn beside the text.
     struct Marks {
         TextRange selection, unfinished;
+        TextPlace caret;
         bool isActive = false;
 
         bool operator==(Marks const&) const = default;
     };
 
     int Line_Top(std::size_t line) const;
-    int X_Of(std::size_t line, std::size_t offset) const;
+    TextPlace Caret() const;
+    std::string_view Line_Text(std::size_t line) const;
+    TextOrder Order_Of(std::size_t line) const;
+    int Line_Left(std::size_t line) const;
+    int X_Of(std::size_t line, TextPlace const& place) const;
+    std::vector<HostRect> Range_Rects(std::size_t line, TextRange const& range) const;
+    TextPlace Place_In_Line(std::size_t line, int x) const;
+    TextPlace Kept_In_Line(std::size_t line, TextPlace const& place) const;
     long Whole_Lines() const;
     HostRect Lines_Rect(TextRange const& lines) const;
     HostRect Take_Text();
@@ -79,6 +98,7 @@ private:
     HostRect frame_, inside_, text_;  ///< inside the frame; where lines stand
     int scrollX_ = 0;                 ///< of one line
     long firstLine_ = 0;              ///< of several
+    TextPlace caret_;                 ///< which side the caret is on, as long as it is there
     std::optional<int> column_;       ///< x that Move_By_Lines stays at
     std::size_t columnCaret_ = 0;     ///< and where that left the caret
 };

@@ -31,36 +31,35 @@ void TextView::Draw_Marked(HostSurface& surface, std::size_t line, TextColors co
 {
     TextLine const& drawn = lines_[line];
     TextRange const selection = buffer.Shown_Selection();
-    if (selection.start >= drawn.next || selection.end <= drawn.start) return;
-    std::size_t const start = std::max(selection.start, drawn.start);
+    int const left = Line_Left(line), top = Line_Top(line);
+    for (HostRect const& marked : Range_Rects(line, selection)) {
+        Clipped const clip(surface, marked);
+        surface.Fill(marked, colors.marked);
+        look_.Draw(surface, Line_Text(line), left, top + look_.Ascent(), colors.markedInk, drawn.direction);
+    }
     // A selection that goes on in the next line reaches the edge.
-    bool const goesOn = selection.end >= drawn.next && line + 1 < lines_.Count();
-    int const right = goesOn ? text_.right : X_Of(line, std::min(selection.end, drawn.end));
-    int const top = Line_Top(line);
-    HostRect const marked{X_Of(line, start), top, right, top + look_.Line_Height()};
-    Clipped const clip(surface, marked);
-    surface.Fill(marked, colors.marked);
-    look_.Draw(surface, std::string_view(shown_).substr(drawn.start, drawn.end - drawn.start),
-               X_Of(line, drawn.start), top + look_.Ascent(), colors.markedInk);
+    bool const goesOn =
+        selection.start < drawn.next && selection.end >= drawn.next && line + 1 < lines_.Count();
+    if (!goesOn) return;
+    bool const isRightToLeft = drawn.direction == HostDirection::RightToLeft;
+    int const end = left + look_.Width(Line_Text(line), drawn.direction), bottom = top + look_.Line_Height();
+    surface.Fill(isRightToLeft ? HostRect{text_.left, top, left, bottom}
+                               : HostRect{end, top, text_.right, bottom},
+                 colors.marked);
 }
 
 /// Unfinished text is underlined.
 void TextView::Draw_Underline(HostSurface& surface, std::size_t line, uint32_t color) const
 {
-    TextLine const& drawn = lines_[line];
-    TextRange const unfinished = buffer.Composition();
-    std::size_t const start = std::max(unfinished.start, drawn.start);
-    std::size_t const end = std::min(unfinished.end, drawn.end);
-    if (start >= end) return;
     int const y = Line_Top(line) + look_.Ascent() + 1;
-    surface.Fill(HostRect{X_Of(line, start), y, X_Of(line, end), y + 1}, color);
+    for (HostRect const& part : Range_Rects(line, buffer.Composition()))
+        surface.Fill(HostRect{part.left, y, part.right, y + 1}, color);
 }
 
 void TextView::Draw_Line(HostSurface& surface, std::size_t line, TextColors const& colors) const
 {
-    TextLine const& drawn = lines_[line];
-    look_.Draw(surface, std::string_view(shown_).substr(drawn.start, drawn.end - drawn.start),
-               X_Of(line, drawn.start), Line_Top(line) + look_.Ascent(), colors.ink);
+    look_.Draw(surface, Line_Text(line), Line_Left(line), Line_Top(line) + look_.Ascent(), colors.ink,
+               lines_[line].direction);
     if (isActive) Draw_Marked(surface, line, colors);
     Draw_Underline(surface, line, colors.ink);
 }

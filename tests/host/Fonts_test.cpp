@@ -39,6 +39,37 @@ TEST(Fonts, WhatAFontLacksComesFromAnother)
               serif->Shape("a").width + sans->Shape("\u0628\u062F").width + serif->Shape("z").width);
 }
 
+TEST(Fonts, ALineStandsAsItIsRead)
+{
+    struct OrderCase {
+        char const* why;
+        HostDirection direction;
+        char const *text, *shown;  ///< the latter character by character from the left
+    };
+    static constexpr OrderCase rows[] = {
+        {"from right to left", HostDirection::Neutral, "\u05D0\u05D1", "\u05D1\u05D0"},
+        {"within a text from left to right", HostDirection::Neutral, "a\u05D0\u05D1b", "a\u05D1\u05D0b"},
+        {"numbers keep their digits in order", HostDirection::Neutral, "\u05D012", "12\u05D0"},
+        {"brackets open to the other side", HostDirection::Neutral, "\u05D0(a", "a)\u05D0"},
+        {"a point ends the line at its left", HostDirection::RightToLeft, "ab.", ".ab"},
+        {"or at its right", HostDirection::LeftToRight, "\u05D0.", "\u05D0."},
+    };
+    std::unique_ptr<HostFont> const font = Open("DejaVu Sans");
+    ASSERT_TRUE(font);
+    for (OrderCase const& row : rows) {
+        HostTextRun const run = font->Shape(row.text, row.direction);
+        std::vector<uint32_t> shown, expected;
+        for (HostTextRun::Glyph const& glyph : run.glyphs)
+            shown.push_back(glyph.index);
+        for (std::string_view rest = row.shown; !rest.empty();) {
+            std::size_t const size = rest[0] & 0x80 ? 2 : 1;
+            expected.push_back(font->Shape(rest.substr(0, size)).glyphs[0].index);
+            rest.remove_prefix(size);
+        }
+        EXPECT_EQ(shown, expected) << row.why;
+    }
+}
+
 TEST(Fonts, AMarkStaysWithItsLetter)
 {
     std::unique_ptr<HostFont> const serif = Open("DejaVu Serif"), sans = Open("DejaVu Sans");

@@ -120,6 +120,19 @@ ZVTextEditorProperties FieldTest::Properties(unsigned long id)
     return properties;
 }
 
+long FieldTest::Caret_X()
+{
+    // What the dark half of its blinking takes away.
+    HeadlessRunZV(600);
+    Picture const one(1);
+    HeadlessRunZV(500);
+    Picture const other(1);
+    for (long i = 0; i < one.width * one.height; ++i)
+        if (one.At(i % one.width, i / one.width) != other.At(i % one.width, i / one.width))
+            return i % one.width;
+    return -1;
+}
+
 unsigned short FieldTest::Focus()
 {
     ZVItem const* const item = ZVEnv->focusedTextItem ? ZVEnv->focusedTextItem : ZVEnv->focusedListItem;

@@ -45,6 +45,7 @@ protected:
     static std::string Text(unsigned long id = 1) { return Item(id)->editText; }
     static std::string Marked_Text();  ///< of 1, with "|" for the caret or the selection in brackets
     static ZVTextEditorProperties Properties(unsigned long id = 1);
+    static long Caret_X();          ///< Where it shows in 1; -1 when it does not.
     static unsigned short Focus();  ///< id; 0 for none
 
     /// "change 1" for event 5 of gadget 1 with that report bit, "gadget 1" for one without, "key 65".

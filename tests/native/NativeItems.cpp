@@ -21,7 +21,7 @@ struct BlockFont : HostFont {
     HostMask block{0, -6, 4, 6, std::vector<unsigned char>(24, 255)};
 
     HostFontMetrics Metrics() const override { return {8, 2, 0, 6}; }
-    HostTextRun const& Shape(std::string_view text) override
+    HostTextRun const& Shape(std::string_view text, HostDirection) override
     {
         run = {};
         for (char byte : text)

@@ -216,6 +216,103 @@ TEST_F(TextField, UnfinishedTextIsShownButNotTaken)
     EXPECT_EQ(events, Strings{"change 1"});
 }
 
+// ---- from right to left -----------------------------------------------------------------------------------
+
+/// Whatever runs which way, an arrow key takes the caret past one character to its side, and a click near
+/// where the caret can stand brings it there.
+TEST_F(TextField, TheCaretWalksAsItIsSeen)
+{
+    struct WalkCase {
+        char const* text;
+        std::size_t steps;
+    };
+    static constexpr WalkCase rows[] = {
+        {"abc", 3},   {"אבג", 3},       {"ab אבג cd", 9}, {"אב ab 12, גד!", 13}, {"12 אב", 5},
+        {"a(אב)", 5}, {"كتاب لا x", 9}, {"בְּרֵא b", 5},     {"a\tאב", 4},
+    };
+    Show_Field(ZV_GAD_STRING, "");
+    for (auto const& [text, steps] : rows) {
+        SetTextGadgetStateZV(1, text);
+        Play("<Home>");
+        for (std::size_t i = 0; i < steps; ++i)
+            Play("<Left>");
+        std::vector<long> walk{Caret_X()};
+        for (std::size_t i = 0; i < steps; ++i) {
+            Play("<Right>");
+            walk.push_back(Caret_X());
+            ASSERT_GT(walk[i + 1], walk[i]) << text;
+        }
+        Play("<Right>");
+        EXPECT_EQ(Caret_X(), walk.back()) << text << ": there is no more";
+        for (long const x : walk) {
+            Click(1, x, Place(1).height / 2);
+            HeadlessPauseZV(2000);
+            EXPECT_EQ(Caret_X(), x) << text << ": a click at " << x;
+        }
+    }
+}
+
+EditCase const directionCases[] = {
+    {"left goes on in a text from right to left", "אבג", "<Home><Left>x", "אx|בג"},
+    {"and right goes back", "אבג", "<End><Right>x", "אבx|ג"},
+    {"left of a selection is its end there", "אבג", "<Left>", "אבג|"},
+    {"in the middle of a line too", "ab אב", "<Home><Right><Right><Right><S-End><Left>", "ab אב|"},
+    {"letters from right to left come from the left", "ab אב", "<Home><Right><Right><Right><Right>x",
+     "ab אx|ב"},
+    {"at the right edge the first one was passed", "ab אב", "<Home><Right><Right><Right><Right><Right>x",
+     "ab x|אב"},
+    {"the end is behind all, whatever is there", "ab אב", "<Home><End>x", "ab אבx|"},
+    {"words are passed as they are read", "אב גד", "<Home><C-Left><C-Left><C-Right>", "אב |גד"},
+    {"erasing goes by the text", "אבג", "<End><Back>", "אב|"},
+};
+
+TEST_F(TextField, ArrowsGoToTheirSideInAnyText)
+{
+    for (EditCase const& row : directionCases) {
+        Show_Field(ZV_GAD_STRING, row.text);
+        Play(row.keys);
+        EXPECT_EQ(Marked_Text(), row.result) << row.why;
+        ClosePaletteZV(PaletteId);
+    }
+}
+
+TEST_F(TextField, ASelectionIsMarkedWhereItIs)
+{
+    Show_Field(ZV_GAD_STRING, "ab אבג");
+    long const left = (Place(1).height - Text_Height("")) / 2 + 1;
+    ZVTextEditorProperties const bToAlef{1, 0, 1, 1, 5, 5};
+    SetTextEditorPropertiesZV(Item(1), &bToAlef);
+    HeadlessRunZV(0);
+    Picture const picture(1);
+    std::vector<long> edges;
+    for (long x = 1; x < picture.width - 1; ++x) {
+        // Above the letters, where there is nothing but paper.
+        auto const isMarked = [&](long at) { return picture.At(at, left) == GetColorZV(ZV_PEN_MARKED); };
+        if (isMarked(x) != isMarked(x - 1)) edges.push_back(x - left);
+    }
+    EXPECT_EQ(edges,
+              (std::vector{Text_Width("a"), Text_Width("ab "), Text_Width("ab בג"), Text_Width("ab אבג")}));
+}
+
+TEST_F(TextField, ParagraphsBeginAtTheirSide)
+{
+    Show_Field(ZV_GAD_EDITOR, "ab\nאב\n12 אב ab", {{ZV_ITEM_WIDTH, 150}, {ZV_ITEM_HEIGHT, 90}});
+    Play("<Home>");
+    Play("<Down>");
+    EXPECT_EQ(Properties().caretOffset, 7) << "left in a line from right to left is its end";
+    Play("<Right><Right>");
+    long const right = Caret_X();
+    EXPECT_EQ(right, 150 - 2);
+    Play("<Right>");
+    EXPECT_EQ(Properties().caretOffset, 2) << "ahead of it the line above ends";
+    Play("<Right>");
+    EXPECT_EQ(Caret_X(), right) << "behind that one it begins";
+    Play("<Left><Left><Left>");
+    EXPECT_EQ(Caret_X(), right);
+    Play("x<Back>");
+    EXPECT_EQ(Caret_X(), right) << "a paragraph runs as its first letter does, not its first digit";
+}
+
 // ---- several lines ----------------------------------------------------------------------------------------
 
 TEST_F(TextField, LinesWrapAtWordsAndEndAtBreaks)
@@ -298,9 +395,9 @@ TEST_F(TextField, EditedLinesAreThoseOfTheTextAsAWhole)
         EndGroupZV(1, 0, 0, "", nullptr);
     });
     static constexpr char const* steps[] = {
-        "word ",  "a longer one ", "<Return>",         "<Back>",           "<Delete>", "<Up>",
-        "<Down>", "<C-Left>",      "<C-S-Left><Back>", "<C-S-Right><C-x>", "<C-v>",    "<Home>",
-        "<End>",  "<C-z>",         "<S-Up><C-c>"};
+        "word ",    "a longer one ", "עברית ", "עברית<Return>", "<Return>",         "<Back>",
+        "<Delete>", "<Up>",          "<Down>", "<C-Left>",      "<C-S-Left><Back>", "<C-S-Right><C-x>",
+        "<C-v>",    "<Home>",        "<End>",  "<C-z>",         "<S-Up><C-c>"};
     uint32_t random = 1;
     Activate_First_Gadget(palette);
     for (int round = 0; round < 60; ++round) {
