@@ -34,7 +34,7 @@ ZVFormatDesc* Find_Format(uint32_t type, bool isLast = false)
 void Tell_Result(std::string const& text)
 {
     SetCurrentPaletteZV(MediaPalette);
-    SetTextGadgetStateZV(MediaResult, text.c_str());
+    Show_Result(MediaResult, text.c_str());
 }
 
 /// A clip as it is described before it is written.
@@ -85,7 +85,11 @@ void Ask_For_Options(uint32_t type, bool isLast, void (*ask)(ZVClip*))
     if (clip->VideoParams && GetMovieOptionsZV(clip.get(), &options)) {
         ZVMovieCodec codec{};
         FindMovieCodecZV(options.Codec, &codec);
-        text += std::string(": ") + codec.Name;
+        char settings[500];
+        std::snprintf(settings, sizeof settings, ": %s, quality %ld, key frame %ld, %ld bytes, %.2f fps",
+                      codec.Name, options.Quality, options.KeyFrameInterval, options.BytesPerSecond,
+                      clip->FileFrameRate);
+        text += settings;
     }
     Tell_Result(text);
 }
@@ -119,8 +123,10 @@ void Open_Media(char const* spec)
 {
     Find_Format(0);
     Clip const clip(OpenClipZV(spec, nullptr), FreeClipZV);
-    char text[96] = "Nothing opened";
-    if (clip)
+    char text[96];
+    if (!clip)
+        std::snprintf(text, sizeof text, "Nothing opened: error %lu", GetErrorZV());
+    else
         std::snprintf(text, sizeof text, "%ld frames of %ld x %ld at %.2f", clip->Frames, clip->Width,
                       clip->Height, clip->FrameRate);
     Tell_Result(text);

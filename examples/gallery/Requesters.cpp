@@ -11,7 +11,7 @@ constexpr unsigned short below = ZV_Position(ZV_POS_ALIGN_START, ZV_POS_AFTER);
 
 void Tell_Answer(long answer)
 {
-    SetTextGadgetStateZV(RequestAnswer, answer ? "the first button" : "the second button");
+    Show_Result(RequestAnswer, answer ? "the first button" : "the second button");
 }
 
 void Show_Long_Text()
