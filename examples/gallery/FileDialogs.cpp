@@ -47,7 +47,7 @@ void On_Event(ZVEvent* event)
     if (event->type != ZV_EVENT_GADGET) return;
     unsigned long const id = Event_Item(event)->node.id;
     if (id == AskDirectory) Tell_Choice(AskDirectoryZV(ZV_ASK_DIRECTORY, directory, 0));
-    if (id < AskOpen || id > AskSaveLast) return;
+    if (id < AskOpen || id > AskSaveBoth) return;
     bool const isSaving = id >= AskSave;
     unsigned long const which = id - (isSaving ? AskSave : AskOpen);
     Tell_Choice(Ask(isSaving, which & 1, which & 2));

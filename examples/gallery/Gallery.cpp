@@ -25,8 +25,8 @@ static bool isWritten = false;
 static bool isTiled = false;
 static char const* prefsName = nullptr;
 
-/// Left, top, width and height on the screen, and the largest value, by the ids of a palette and its gadget.
-using Places = std::map<std::pair<unsigned, unsigned>, std::array<long, 5>>;
+/// Left, top, width and height on the screen, state and largest one, by the ids of a palette and its gadget.
+using Places = std::map<std::pair<unsigned, unsigned>, std::array<long, 6>>;
 
 /// The tab of a floater counts as gadget 0.
 static void Add_Tab(Places& places, ZVPalette const& palette)
@@ -35,7 +35,7 @@ static void Add_Tab(Places& places, ZVPalette const& palette)
     GetClientRectZV(palette.window, &client);
     if (palette.kind == ZV_KIND_FLOATER)
         places[{palette.node.id, 0}] = {client.x + palette.tabLeft, client.y, palette.tabWidth,
-                                        ZVEnv->style->tabHeight, 0};
+                                        ZVEnv->style->tabHeight,    0,        0};
 }
 
 static void Add_Gadgets(Places& places, ZVPalette const& palette)
@@ -47,7 +47,8 @@ static void Add_Gadgets(Places& places, ZVPalette const& palette)
             long x = 0, y = 0;
             GetItemScreenPosZV(&item, &x, &y);
             if (item.kind == ZV_ITEM_GADGET)
-                places[{palette.node.id, node->id}] = {x, y, item.width, item.height, item.maxInt};
+                places[{palette.node.id, node->id}] = {x,           y,          item.width,
+                                                       item.height, item.state, item.maxInt};
         }
     }
 }
@@ -69,8 +70,8 @@ static void Tell_Places()
         if (!places.contains(ids)) std::printf("gone %u %u\n", ids.first, ids.second);
     for (auto const& [ids, place] : places)
         if (auto const old = told.find(ids); old == told.end() || old->second != place)
-            std::printf("place %u %u %ld %ld %ld %ld %ld\n", ids.first, ids.second, place[0], place[1],
-                        place[2], place[3], place[4]);
+            std::printf("place %u %u %ld %ld %ld %ld %ld %ld\n", ids.first, ids.second, place[0], place[1],
+                        place[2], place[3], place[4], place[5]);
     told = std::move(places);
     std::fflush(stdout);
 }

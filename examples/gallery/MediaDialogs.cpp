@@ -142,7 +142,8 @@ void Show_Media_Palette()
     AddGadgetZV(SoundSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_LARGE, "Sound...", 0, 0);
     AddGadgetZV(StreamSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_LARGE, "Stream...", 0, 0);
     AddGadgetZV(PictureSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_LARGE, "Picture...", 0, 0);
-    AddGadgetZV(MediaResult, below, -1, ZV_GAD_STRING, ZV_SIZE_XXLARGE, "", 0, 0);
+    AddGadgetZV(MediaResult, below, -1, ZV_GAD_EDITOR, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 250,
+                ZV_ITEM_HEIGHT, 60, ZV_ITEM_MAX_CHARS, 500, 0);
     ItemEnabledZV(MediaResult, 0);
     EndGroupZV(1, first, 0, "", 0, 0);
     EndPaletteZV(MediaPalette, "Media", ZV_PAL_CALLBACK, On_Media, 0);

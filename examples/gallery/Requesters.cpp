@@ -41,7 +41,7 @@ void On_Requesters(ZVEvent* event)
     case RequestButtons: Tell_Answer(AskUser2ZV("Save", "Discard", "\"%s\" has changed.", "Untitled")); break;
     case RequestNested:
         if (AskUserZV("Shall another one be asked from here?"))
-            Tell_Answer(AskUserZV("This is the other one."));
+            Tell_Answer(AskUserZV("This is the other one.\nThere are no more of them."));
         break;
     case RequestWide: Show_Wide_Message(); break;
     case RequestLongText: Show_Long_Text(); break;

@@ -3,8 +3,9 @@
 Input is what xdotool takes, with places among it:
 
     {Item}, {Item:x,y}     moves the mouse to the middle of an item, or to a place in it
+    {Item!}                the same once the item is somewhere else than when it was last pointed at
     <Menu>, <Menu/Entry>   moves it to a title of the menu bar, or to an entry of the last one of the menus
-    [Item], [Item=N]       waits until the item's window has the keyboard, or until the item's largest value is N
+    [Item], [Item=N/M]     waits until the item's window has the keyboard, or until its state is N, of at most M
 
 Items of the library's own dialogs are in LIBRARY. A semicolon ends a text that is typed.
 """
@@ -34,10 +35,11 @@ KEYS = {288: "F1", 290: "F3", 304: "Right", 305: "Up", 306: "Down", 313: "Tab", 
 MARKS = {f"F{number}": 287 + number for number in range(5, 13)}
 
 # Ids of palettes and items that the library makes. A requester inside another dialog has the next id.
-LIBRARY = {"Yes": (32600, 1), "No": (32600, 2), "ScrollBar": (32600, 1001), "InnerYes": (32601, 1),
+LIBRARY = {"Yes": (32600, 1), "No": (32600, 2), "ScrollBox": (32600, 1000), "ScrollBar": (32600, 1001), "InnerYes": (32601, 1),
            "InnerNo": (32601, 2), "FileUp": (64999, 2), "FileRows": (64999, 5), "FileBar": (64999, 6),
            "FileName": (64999, 7), "FileKinds": (64999, 8), "FileCancel": (64999, 10), "FileAccept": (64999, 11),
-           "FirstFrame": (64999, 5), "LastFrame": (64999, 6), "FrameCount": (64999, 8), "Confirm": (64999, 17),
+           "Codec": (64999, 1), "Rate": (64999, 5), "HasKeyFrames": (64999, 6),
+           "KeyFrames": (64999, 7), "FirstFrame": (64999, 5), "LastFrame": (64999, 6), "FrameCount": (64999, 8), "Confirm": (64999, 17),
            "Cancel": (64999, 18), "List": (9000, 1)}
 
 # The entries of the gallery's menus, in the order of the bar; the last two are not in it.
@@ -51,6 +53,7 @@ MENUS = {
     "Swatch": ["Red", "Green", "Blue"],
 }
 TITLES = list(MENUS)[:5]
+FILES = "gallery-files"  # the user's own directory, which is left out of what is told
 MENU_BORDER, MENU_LINE = 3, 7
 
 
@@ -60,10 +63,11 @@ def lines_of(text):
 
 def wait_until(condition, complaint):
     end = time.monotonic() + PATIENCE
-    while not condition():
+    while not (result := condition()):
         if time.monotonic() > end:
             raise RuntimeError(complaint)
         time.sleep(0.005)
+    return result
 
 
 class Names:
@@ -88,7 +92,8 @@ class Names:
         words = iter(line.replace(text[0], "").split() if text else line.split())
         fields = dict(zip(words, words))
         if "result" in fields:
-            return " ".join(["result", self.words["Item", int(fields["result"])], text[1]])
+            told = re.sub(r'^".*\\' + FILES + r"\\", '"', text[1])
+            return " ".join(["result", self.words["Item", int(fields["result"])], told])
         event = [EVENTS.get(int(fields["event"]), fields["event"])]
         if event[0] == "gadget":
             event.append(self.words["Item", int(fields["item"])])
@@ -137,7 +142,8 @@ class Desk:
     def input(self, words):
         """Gives input in pieces: a press ends one, and a semicolon, which ends a text that is typed."""
         for command in re.split(r";|(?<=mousedown 1) |(?<=click \d) |(?<=0 1) ", words.strip()):
-            self.tool(*command.split())
+            if command:
+                self.tool(*command.split())
             repeated = re.search(r"(?:--repeat (\d) .*|click|mousedown) \d$", command)
             for _ in range(int(repeated[1] or 1) if repeated else 0):
                 self.let_manager_see()
@@ -158,13 +164,13 @@ class Desk:
             told = self.tool("search", "--onlyvisible", "--name", f"^{name}$", "getwindowgeometry", "--shell", "%@")
         except subprocess.CalledProcessError:
             return []  # there is none, or one has just gone
-        numbers = [int(number) for number in re.findall(r"^\w+=(\d+)$", told, re.MULTILINE)]
+        numbers = [int(number) for number in re.findall(r"=(\d+)$", told, re.MULTILINE)]
         return [place[1:5] for place in sorted(zip(*[iter(numbers)] * 6))]
 
     def has_keyboard(self, x, y):
         """Whether the window that gets the keys has that point."""
         told = self.tool("getwindowfocus", "getwindowgeometry", "--shell")
-        left, top, width, height = (int(number) for number in re.findall(r"^[XYWH]\w*=(\d+)$", told, re.MULTILINE))
+        left, top, width, height = (int(number) for number in re.findall(r"=(\d+)$", told, re.MULTILINE)[1:5])
         return left <= x < left + width and top <= y < top + height
 
     def pixel(self, x, y):
@@ -186,11 +192,13 @@ class Gallery:
     def __init__(self, desk, program, names):
         self.desk, self.names = desk, names
         self.complaints = tempfile.TemporaryFile("w+")
-        self.process = subprocess.Popen([program, "--events"], env=desk.environment, stdout=subprocess.PIPE,
-                                        stderr=self.complaints, text=True)
+        self.files = os.path.join(desk.home, FILES)
+        os.makedirs(self.files, exist_ok=True)
+        self.process = subprocess.Popen([program, "--events"], env=dict(desk.environment, HOME=self.files),
+                                        stdout=subprocess.PIPE, stderr=self.complaints, text=True)
         self.lines = queue.Queue()
         self.places = {}
-        self.titles = {}
+        self.pointed, self.titles = {}, {}
         self.unread = []
         self.marks = itertools.cycle(MARKS)
         threading.Thread(target=self.read, daemon=True).start()
@@ -226,9 +234,12 @@ class Gallery:
         return next((ids for ids in self.places if ids[1] == number and ("Palette", ids[0]) in self.names.words), None)
 
     def wait_for_place(self, name, is_right):
-        """Left, top, width, height and largest value of an item, once they are right. Events on the way are kept."""
+        """Left, top, width, height, state and largest one of an item, once they are right. Events are kept."""
         while not is_right(place := self.places.get(self.ids(name))):
-            event = self.next_event()
+            try:
+                event = self.next_event()
+            except TimeoutError:
+                raise TimeoutError(f"{name} stays {place}") from None
             if event is None:
                 raise RuntimeError("the gallery has ended")
             self.unread += [self.names.in_words(event)] if event else []
@@ -241,7 +252,9 @@ class Gallery:
     def point(self, place):
         """A place of the input on the screen."""
         name, _, inside = place.partition(":")
-        x, y, width, height = self.place(name)
+        last = self.pointed.get(name[:-1]) if name.endswith("!") else None
+        name = name.rstrip("!")
+        x, y, width, height = self.pointed[name] = self.place(name, old=last)
         inside = map(int, inside.split(",")) if inside else (width // 2, height // 2)
         return [base + offset for base, offset in zip((x, y), inside)]
 
@@ -253,9 +266,10 @@ class Gallery:
         entries = MENUS[menus[-1]]
         row_height = self.desk.windows("Menu bar")[0][3] - 2
         heights = [MENU_LINE if entry == "-" else row_height for entry in entries]
-        is_open = lambda shown: len(shown) == len(menus) and shown[-1][3] == sum(heights) + 2 * MENU_BORDER
-        wait_until(lambda: is_open(self.desk.windows("Menu")), f"the menu of {path} does not open")
-        left, top, width, _ = self.desk.windows("Menu")[-1]
+        is_it = lambda shown: shown[3] == sum(heights) + 2 * MENU_BORDER
+        menu = wait_until(lambda: list(filter(is_it, self.desk.windows("Menu")[len(menus) - 1:])),
+                          f"the menu of {path} does not open")
+        left, top, width, _ = menu[0]
         row = entries.index(name)
         return [left + width // 2, top + MENU_BORDER + sum(heights[:row]) + heights[row] // 2]
 
@@ -263,15 +277,34 @@ class Gallery:
         for piece in re.split(r"(\{.*?\}|<.*?>|\[.*?\])", words):
             place = piece[1:-1]
             if piece.startswith("["):
-                name, _, largest = place.partition("=")
-                x, y, *_ = self.wait_for_place(name, lambda shown: shown and (not largest or shown[4] == int(largest)))
-                if not largest:
+                name, _, state = place.partition("=")
+                wanted = [int(number) for number in state.split("/") if number]
+                x, y, *_ = self.wait_for_place(name, lambda shown: shown and shown[4:][:len(wanted)] == wanted)
+                if not wanted:
                     wait_until(lambda: self.desk.has_keyboard(x, y), f"{name} does not get the keyboard")
             elif piece.startswith(("{", "<")):
                 at = self.point(place) if piece[0] == "{" else self.entry(place)
                 self.desk.input("mousemove {} {}".format(*at))
             elif piece.strip():
                 self.desk.input(piece)
+
+    def learn_titles(self):
+        """The places of the menu bar's titles: each menu opens below its own, and Right goes from one to the next."""
+        left, top, _, height = self.desk.windows("Menu bar")[0]
+        self.desk.input(f"mousemove {left + 4} {top + height // 2} click 1")
+        for title in TITLES:
+            is_next = lambda shown: shown and shown[0][0] not in [x - 4 for x, _ in self.titles.values()]
+            wait_until(lambda: is_next(self.desk.windows("Menu")), f"the menu {title} does not open")
+            self.titles[title] = [self.desk.windows("Menu")[0][0] + 4, top + height // 2]
+            self.desk.input("key Right")
+        self.desk.input("key Escape")
+        self.events_until_mark()
+
+    def follow(self, scenarios, report):
+        for title, words, expected in scenarios:
+            report.title = title
+            self.give(words)
+            report.compare(title, self.events_until_mark(), expected)
 
     def settle(self):
         """Which of the two windows gets the focus first is the window manager's affair. Afterwards it is the main one."""

@@ -260,10 +260,7 @@ def try_resizing(desk, gallery, report):
 
 def drive(desk, gallery, report):
     report.compare("the palettes are shown", gallery.start[:len(lines_of(STARTED))], STARTED)
-    for title, words, expected in SCENARIOS:
-        report.title = title
-        gallery.give(words)
-        report.compare(title, gallery.events_until_mark(), expected)
+    gallery.follow(SCENARIOS, report)
     try_theme(desk, gallery, report)
     try_resizing(desk, gallery, report)
     desk.input("key alt+F4")
