@@ -88,7 +88,7 @@ void Ask_For_Options(uint32_t type, bool isLast, void (*ask)(ZVClip*))
         char settings[500];
         std::snprintf(settings, sizeof settings, ": %s, quality %ld, key frame %ld, %ld bytes, %.2f fps",
                       codec.Name, options.Quality, options.KeyFrameInterval, options.BytesPerSecond,
-                      clip->FileFrameRate);
+                      clip->FrameRate);
         text += settings;
     }
     Tell_Result(text);

@@ -79,28 +79,28 @@ def opened(name, palette):
         tab-activate {palette}"""
 
 
-def asked(palette, button, result=""):
+def asked(palette, button, told=""):
     """The palette that a dialog has come from is active up to then, and the main one afterwards."""
     return f"""
         ? deactivate MainPalette
         ? activate {palette}
         up {palette}
         gadget {button} 0 release
-        {result and "result " + result}
+        {told}
         deactivate {palette}
         activate MainPalette"""
 
 
 def requested(button, answer=""):
-    return asked("RequestersPalette", button, answer and f'RequestAnswer "the {answer} button"')
+    return asked("RequestersPalette", button, answer and f'result RequestAnswer "the {answer} button"')
 
 
 def file_asked(button, answer):
-    return asked("FilesPalette", button, f'AskResult "{answer}"')
+    return asked("FilesPalette", button, f'result AskResult "{answer}"')
 
 
 def media_asked(button, answer):
-    return asked("MediaPalette", button, f'MediaResult "{answer}"')
+    return asked("MediaPalette", button, f'result MediaResult "{answer}"')
 
 
 REQUESTERS = [
@@ -116,11 +116,12 @@ REQUESTERS = [
      requested("RequestNested", "first")),
     ("a long text scrolled to its end and back", "{RequestLongText} click 1 {ScrollBar:8,9} mousedown 1 "
      "{ScrollBar:8,400} [ScrollBar=42/60] [ScrollBox=43] mouseup 1 {ScrollBox} click 4 [ScrollBar=39/60] key Escape",
-     requested("RequestLongText")),
+     asked("RequestersPalette", "RequestLongText", "up dragged")),
 ]
 
-# Number, files and directories of each entry that tells what files are shown; after the second one there is a line.
-KINDS = [(1, 8), (2, 9), (4, 2), (5, 2), (6, 2), (7, 2), (8, 2), (9, 2), (10, 2)]
+# The entries that tell what files are shown, by number, and how many are; two of them look into the files. After the
+# second one there is a line.
+KINDS = [(1, 6), (2, 9), (4, 2), (5, 2), (6, 2), (7, 2), (8, 1), (9, 1), (10, 2)]
 NAMES = ["a.txt", "b.png", "c.pict", "d.pics", "e.fs", "f.eidi", "g.vpb", "h.xyz", "folder/inner.txt"]
 
 
@@ -138,8 +139,6 @@ def through_kinds():
 REPLACING = "keydown ctrl key a keyup ctrl type "
 FILES = [
     ("the file dialogs' palette", "{OpenFiles} click 1", opened("OpenFiles", "FilesPalette")),
-    ("every kind of file", "{AskOpenBoth} click 1 [FileRows] [FileBar=0/8] " + through_kinds() + "key Escape",
-     file_asked("AskOpenBoth", r"cancelled\nKind: VPB Picture")),
     ("a file by a letter and Return", "{AskOpenTable} click 1 [FileRows] [FileBar=0/3] key b key Return",
      file_asked("AskOpenTable", r"b.png\nKind: none chosen")),
     ("a name that is taken: no, and then yes", "{AskSaveTable} click 1 [FileRows] {FileName} click 1 " + REPLACING
@@ -151,9 +150,11 @@ FILES = [
      file_asked("AskDirectory", r"folder\\nKind: none chosen")),
     ("no directory", "{AskDirectory} click 1 [FileRows] key Escape",
      file_asked("AskDirectory", r"cancelled\nKind: none chosen")),
+    ("every kind of file", "{AskOpenBoth} click 1 [FileRows] [FileBar=0/6] " + through_kinds() + "key Escape",
+     file_asked("AskOpenBoth", r"cancelled\nKind: VPB Picture")),
     ("a file in a directory by two clicks each", "{AskOpenTable} click 1 [FileRows] [FileBar=0/3] "
      "{FileRows:60,28} click --repeat 2 --delay 10 1 [FileBar=0/1] key Home {FileAccept} click 1",
-     file_asked("AskOpenTable", r"folder\inner.txt\nKind: none chosen")),
+     file_asked("AskOpenTable", r"folder\inner.txt\nKind: VPB Picture")),
 ]
 
 TABS = [
@@ -178,7 +179,7 @@ TABS = [
         deactivate LongPalette
         activate TextPalette
         tab-activate TextPalette"""),
-    ("a tab", "{IconPalette:15,10} click 1", """
+    ("a tab", "{IconPalette:8,10} click 1", """
         up TextPalette
         tab-deactivate TextPalette
         deactivate TextPalette
@@ -192,7 +193,7 @@ TABS = [
         deactivate TextPalette
         activate IconPalette
         tab-activate IconPalette"""),
-    ("the window that it has left", "{LongPalette:15,10} click 1", """
+    ("the window that it has left", "{LongPalette:19,10} click 1", """
         deactivate IconPalette
         activate TextPalette
         up TextPalette
@@ -200,8 +201,22 @@ TABS = [
         deactivate TextPalette
         activate LongPalette
         tab-activate LongPalette"""),
-    ("back to the other tabs", "{IconPalette!:15,10} mousedown 1 {TextPalette:15,10} mouseup 1", ""),
-    ("where it is one of them", "{IconPalette!:15,10} {TextPalette:15,10} click 1", ""),
+    ("back to the other tabs", "{IconPalette!:15,10} mousedown 1 {TextPalette:25,10} mouseup 1", """
+        deactivate LongPalette
+        activate IconPalette
+        up LongPalette dragged
+        tab-deactivate LongPalette
+        tab-activate IconPalette
+        deactivate IconPalette
+        activate MainPalette"""),
+    ("where it gives way to another one", "{LongPalette!:19,10} click 1", """
+        deactivate MainPalette
+        activate IconPalette
+        up IconPalette
+        tab-deactivate IconPalette
+        deactivate IconPalette
+        activate LongPalette
+        tab-activate LongPalette"""),
 ]
 
 MEDIA = [
@@ -212,9 +227,9 @@ MEDIA = [
      + REPLACING + "8; {LastFrame} click 1 [FrameCount=4] " + REPLACING + "5; {FrameCount} click 1 [FirstFrame=5] "
      "[FrameCount=1] " + REPLACING + "3; key Tab [LastFrame=7] {Confirm} click 1",
      media_asked("OpenSeries", "3 frames of 720 x 576 at 25.00")),
-    ("settings of a movie", "{VideoSettings} click 1 [Confirm] {Codec} click 1 [List=0] key Down [List=1] key Return "
-     "[Codec=2] {HasKeyFrames} click 1 [HasKeyFrames=1] {KeyFrames} click 1 " + REPLACING + "12; {Rate} click 1 "
-     + REPLACING + "12.5; {Confirm} click 1", media_asked("VideoSettings", "Settings chosen: ?")),
+    ("settings of a movie", "{VideoSettings} click 1 [Confirm] {Codec} click 1 [List=0] key m key p key Return "
+     "{HasKeyFrames} click 1 [HasKeyFrames=1] {KeyFrames} click 1 " + REPLACING + "12; {Rate} click 1 "
+     + REPLACING + "12.5; {Confirm} click 1", media_asked("VideoSettings", "Settings chosen: MPEG-4, quality 512, key frame 12, 0 bytes, 12.50 fps")),
     ("no settings", "{SoundSettings} click 1 [Confirm] key Escape", media_asked("SoundSettings", "Nothing chosen")),
 ]
 
