@@ -102,10 +102,10 @@ struct HostEvent {
 
 enum class HostWindowKind : uint8_t {
     Document,  ///< an ordinary window
-    Dialog,
-    Floater,  ///< kept above the documents
-    Popup,    ///< no decoration, above all
-    Root      ///< behind all others of the application
+    Dialog,    ///< kept above documents and floaters
+    Floater,   ///< kept above the documents
+    Popup,     ///< no decoration, above all
+    Root       ///< behind all others of the application
 };
 
 struct HostWindowRequest {

@@ -14,12 +14,12 @@ int Layer_Of(HostWindowKind kind)
 {
     switch (kind) {
     case HostWindowKind::Root: return 0;
-    case HostWindowKind::Document:
-    case HostWindowKind::Dialog: return 1;
+    case HostWindowKind::Document: return 1;
     case HostWindowKind::Floater: return 2;
+    case HostWindowKind::Dialog: return 3;
     case HostWindowKind::Popup: break;
     }
-    return 3;
+    return 4;
 }
 
 unsigned Button_Bit(HostButton button)

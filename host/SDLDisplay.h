@@ -64,6 +64,7 @@ public:
 
 private:
     void Bring_In();
+    void Keep_Layers();
     void Translate(SDL_Event& event);
     void Translate_Window(SDL_WindowEvent const& event);
     void Translate_Motion(SDL_MouseMotionEvent const& event);

@@ -35,6 +35,20 @@ void SDLDisplay::Bring_In()
         Translate(event);
     // When keys go from one window of ours to another, none is without them in between.
     if (isFocusLost_ && !SDL_GetKeyboardFocus()) Give_Keys(nullptr);
+    Keep_Layers();
+}
+
+/// The desktop knows two layers. In the upper one are the dialogs, or without any the floaters, as long as
+/// this application is in front; a press on a floater puts it above what is in its own layer.
+void SDLDisplay::Keep_Layers()
+{
+    bool const hasDialog = std::ranges::any_of(windows_, [](SDLWindow const* window) {
+        return window->IsShown() && window->Request().kind == HostWindowKind::Dialog;
+    });
+    HostWindowKind const upper = hasDialog ? HostWindowKind::Dialog : HostWindowKind::Floater;
+    for (SDLWindow* const window : windows_)
+        if (window->IsShown() && window->Request().kind != HostWindowKind::Popup)
+            window->Keep_On_Top(Front_Window() && window->Request().kind == upper);
 }
 
 std::optional<HostEvent> SDLDisplay::Next_Event(double seconds)

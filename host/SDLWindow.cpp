@@ -13,8 +13,7 @@ Uint32 Flags_Of(HostWindowRequest const& request)
     Uint32 flags = SDL_WINDOW_HIDDEN | SDL_WINDOW_ALLOW_HIGHDPI;
     if (request.canResize) flags |= SDL_WINDOW_RESIZABLE;
     if (!request.hasFrame) flags |= SDL_WINDOW_BORDERLESS;
-    if (request.kind == HostWindowKind::Floater)
-        flags |= SDL_WINDOW_UTILITY | SDL_WINDOW_SKIP_TASKBAR | SDL_WINDOW_ALWAYS_ON_TOP;
+    if (request.kind == HostWindowKind::Floater) flags |= SDL_WINDOW_UTILITY | SDL_WINDOW_SKIP_TASKBAR;
     if (request.kind == HostWindowKind::Popup)
         flags |= SDL_WINDOW_POPUP_MENU | SDL_WINDOW_SKIP_TASKBAR | SDL_WINDOW_BORDERLESS |
                  SDL_WINDOW_ALWAYS_ON_TOP;

@@ -20,6 +20,9 @@ public:
     /// Keeps this window above another one, or above none.
     void Set_Parent(SDLWindow const* parent);
 
+    /// Keeps this window above those of which this does not hold.
+    void Keep_On_Top(bool isOnTop) { SDL_SetWindowAlwaysOnTop(window_, isOnTop ? SDL_TRUE : SDL_FALSE); }
+
     HostSurface& Surface() override { return pixels_.Surface(); }
     void Show() override;
     void Hide() override;

@@ -30,14 +30,14 @@ char* Ask(bool isSaving, bool hasTable, bool hasFormats)
                          ZV_ASK_TYPE_RESULT, &kind, 0);
 }
 
-void Show_Result(char* spec)
+void Tell_Choice(char* spec)
 {
     char text[ZV_SPEC_SIZE + 200];
     std::snprintf(text, sizeof text, "%s\nKind: %s", spec ? spec : "cancelled",
                   kind     ? static_cast<char const*>(kind->Value)
                   : format ? format->Node.name
                            : "none chosen");
-    SetTextGadgetStateZV(AskResult, text);
+    Show_Result(AskResult, text);
     FreeFileSpecZV(spec);
 }
 
@@ -46,11 +46,11 @@ void On_Event(ZVEvent* event)
     Tell(event);
     if (event->type != ZV_EVENT_GADGET) return;
     unsigned long const id = Event_Item(event)->node.id;
-    if (id == AskDirectory) Show_Result(AskDirectoryZV(ZV_ASK_DIRECTORY, directory, 0));
-    if (id < AskOpen || id > AskSaveLast) return;
+    if (id == AskDirectory) Tell_Choice(AskDirectoryZV(ZV_ASK_DIRECTORY, directory, 0));
+    if (id < AskOpen || id > AskSaveBoth) return;
     bool const isSaving = id >= AskSave;
     unsigned long const which = id - (isSaving ? AskSave : AskOpen);
-    Show_Result(Ask(isSaving, which & 1, which & 2));
+    Tell_Choice(Ask(isSaving, which & 1, which & 2));
 }
 
 }  // namespace

@@ -1,9 +1,8 @@
 // The gallery: one program that shows the kinds of palettes and all gadgets there are, in both themes.
 //
 //     gallery                         on the desktop
-//     gallery --events                the same, and writes to standard output each event, and the place of
-//     each
-//                                     item on the screen when that has changed
+//     gallery --events                the same, and writes to standard output each event, what came of
+//                                     dialogs, and where gadgets and tabs are, when that has changed
 //     gallery --screenshot FILE.png   draws itself in memory and writes the picture of its desktop, which
 //                                     ZV_HEADLESS_SIZE makes larger or smaller than 1600x1200
 //     gallery --theme light|dark      with one of the two, the light theme being the usual one
@@ -26,25 +25,54 @@ static bool isWritten = false;
 static bool isTiled = false;
 static char const* prefsName = nullptr;
 
-/// Writes where a gadget stands on the screen, unless it stood there the last time.
-static void Tell_Place(ZVItem const& item)
+/// Left, top, width and height on the screen, state and largest one, by the ids of a palette and its gadget.
+using Places = std::map<std::pair<unsigned, unsigned>, std::array<long, 6>>;
+
+/// The tab of a floater counts as gadget 0.
+static void Add_Tab(Places& places, ZVPalette const& palette)
 {
-    if (item.kind != ZV_ITEM_GADGET) return;
-    using Place = std::array<long, 4>;
-    static std::map<unsigned long, Place> told;
-    Place place{0, 0, item.width, item.height};
-    GetItemScreenPosZV(&item, &place[0], &place[1]);
-    if (std::exchange(told[item.node.id], place) == place) return;
-    std::printf("place %lu %ld %ld %ld %ld\n", static_cast<unsigned long>(item.node.id), place[0], place[1],
-                place[2], place[3]);
+    ZVRectT<long> client;
+    GetClientRectZV(palette.window, &client);
+    if (palette.kind == ZV_KIND_FLOATER)
+        places[{palette.node.id, 0}] = {client.x + palette.tabLeft, client.y, palette.tabWidth,
+                                        ZVEnv->style->tabHeight,    0,        0};
 }
 
-static void Tell_Places(ZVPalette const& palette)
+static void Add_Gadgets(Places& places, ZVPalette const& palette)
 {
-    for (Node const* group = List_First(&palette.groups); group; group = List_Next(group))
-        for (Node const* item = List_First(&reinterpret_cast<ZVGroup const*>(group)->items); item;
-             item = List_Next(item))
-            Tell_Place(*reinterpret_cast<ZVItem const*>(item));
+    for (Node const* group = List_First(&palette.groups); group; group = List_Next(group)) {
+        List const& items = reinterpret_cast<ZVGroup const*>(group)->items;
+        for (Node const* node = List_First(&items); node; node = List_Next(node)) {
+            auto const& item = *reinterpret_cast<ZVItem const*>(node);
+            long x = 0, y = 0;
+            GetItemScreenPosZV(&item, &x, &y);
+            if (item.kind == ZV_ITEM_GADGET)
+                places[{palette.node.id, node->id}] = {x,           y,          item.width,
+                                                       item.height, item.state, item.maxInt};
+        }
+    }
+}
+
+/// Writes the places that have changed since the last time, those of the library's own dialogs too.
+static void Tell_Places()
+{
+    static Places told;
+    Places places;
+    for (Node const* window = List_First(&ZVEnv->windows); window; window = List_Next(window)) {
+        List const& palettes = reinterpret_cast<ZVWindow const*>(window)->palettes;
+        for (Node const* node = List_First(&palettes); node; node = List_Next(node)) {
+            auto const& palette = *reinterpret_cast<ZVPalette const*>(node);
+            Add_Tab(places, palette);
+            if (IsPaletteVisibleZV(&palette)) Add_Gadgets(places, palette);
+        }
+    }
+    for (auto const& [ids, place] : told)
+        if (!places.contains(ids)) std::printf("gone %u %u\n", ids.first, ids.second);
+    for (auto const& [ids, place] : places)
+        if (auto const old = told.find(ids); old == told.end() || old->second != place)
+            std::printf("place %u %u %ld %ld %ld %ld %ld %ld\n", ids.first, ids.second, place[0], place[1],
+                        place[2], place[3], place[4], place[5]);
+    told = std::move(places);
     std::fflush(stdout);
 }
 
@@ -64,10 +92,10 @@ static void Tell_Text(char const* text)
 void Tell(ZVEvent const* event)
 {
     if (!tellsEvents || event->type == ZV_EVENT_MOUSE_MOVE) return;
-    if (event->type == ZV_EVENT_TICK) {
-        if (event->palette) Tell_Places(*event->palette);
-        return;
-    }
+    // The last one of a tick goes to the application.
+    bool const isTick = event->type == ZV_EVENT_TICK;
+    if (event->type == ZV_EVENT_KEY || (isTick && !event->palette)) Tell_Places();
+    if (isTick) return;
     unsigned const type = event->type;
     std::printf("event %u", type);
     if (event->palette) std::printf(" palette %lu", static_cast<unsigned long>(event->palette->node.id));
@@ -80,12 +108,22 @@ void Tell(ZVEvent const* event)
     if (type == ZV_EVENT_MENU) {
         std::printf(" menu %u action %u", Event_Menu(event)->node.id, event->key);
         Tell_Text(Event_Menu(event)->text);
-        if (Event_Menu(event)->flags & ZV_MENUF_CHECKED) std::printf(" checked");
+        std::printf(" state %d", (Event_Menu(event)->flags & ZV_MENUF_CHECKED) != 0);
     }
     if (type == ZV_EVENT_ACTION) std::printf(" action %lu", event->item);
     if (type == ZV_EVENT_KEY) std::printf(" key %u", event->key);
     if (type == ZV_EVENT_OPEN_DOC) std::printf(" path %s", reinterpret_cast<char const*>(event->item));
     std::printf(" modifiers %x\n", event->modifiers);
+    std::fflush(stdout);
+}
+
+void Show_Result(unsigned short id, char const* text)
+{
+    SetTextGadgetStateZV(id, text);
+    if (!tellsEvents) return;
+    std::printf("result %u", id);
+    Tell_Text(text);
+    std::printf("\n");
     std::fflush(stdout);
 }
 

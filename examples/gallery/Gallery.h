@@ -93,8 +93,13 @@ enum ItemId : unsigned short {
     TileQuit,
     OpenFiles,
     AskOpen,
-    AskSave = AskOpen + 4,
-    AskSaveLast = AskSave + 3,
+    AskOpenTable,
+    AskOpenFormats,
+    AskOpenBoth,
+    AskSave,
+    AskSaveTable,
+    AskSaveFormats,
+    AskSaveBoth,
     AskDirectory,
     AskResult,
     OpenMedia,
@@ -145,6 +150,9 @@ void On_Action(unsigned long action);
 
 /// Writes an event to standard output, when the gallery was started to tell them.
 void Tell(ZVEvent const* event);
+
+/// Shows what came of a dialog, in a text gadget of the current palette, and writes it out likewise.
+void Show_Result(unsigned short id, char const* text);
 
 /// Writes the picture that the gallery was started for. False when it was started for none.
 bool Take_Screenshot();

@@ -34,7 +34,7 @@ ZVFormatDesc* Find_Format(uint32_t type, bool isLast = false)
 void Tell_Result(std::string const& text)
 {
     SetCurrentPaletteZV(MediaPalette);
-    SetTextGadgetStateZV(MediaResult, text.c_str());
+    Show_Result(MediaResult, text.c_str());
 }
 
 /// A clip as it is described before it is written.
@@ -85,7 +85,11 @@ void Ask_For_Options(uint32_t type, bool isLast, void (*ask)(ZVClip*))
     if (clip->VideoParams && GetMovieOptionsZV(clip.get(), &options)) {
         ZVMovieCodec codec{};
         FindMovieCodecZV(options.Codec, &codec);
-        text += std::string(": ") + codec.Name;
+        char settings[500];
+        std::snprintf(settings, sizeof settings, ": %s, quality %ld, key frame %ld, %ld bytes, %.2f fps",
+                      codec.Name, options.Quality, options.KeyFrameInterval, options.BytesPerSecond,
+                      clip->FrameRate);
+        text += settings;
     }
     Tell_Result(text);
 }
@@ -119,8 +123,10 @@ void Open_Media(char const* spec)
 {
     Find_Format(0);
     Clip const clip(OpenClipZV(spec, nullptr), FreeClipZV);
-    char text[96] = "Nothing opened";
-    if (clip)
+    char text[96];
+    if (!clip)
+        std::snprintf(text, sizeof text, "Nothing opened: error %lu", GetErrorZV());
+    else
         std::snprintf(text, sizeof text, "%ld frames of %ld x %ld at %.2f", clip->Frames, clip->Width,
                       clip->Height, clip->FrameRate);
     Tell_Result(text);
@@ -136,7 +142,8 @@ void Show_Media_Palette()
     AddGadgetZV(SoundSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_LARGE, "Sound...", 0, 0);
     AddGadgetZV(StreamSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_LARGE, "Stream...", 0, 0);
     AddGadgetZV(PictureSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_LARGE, "Picture...", 0, 0);
-    AddGadgetZV(MediaResult, below, -1, ZV_GAD_STRING, ZV_SIZE_XXLARGE, "", 0, 0);
+    AddGadgetZV(MediaResult, below, -1, ZV_GAD_EDITOR, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 250,
+                ZV_ITEM_HEIGHT, 60, ZV_ITEM_MAX_CHARS, 500, 0);
     ItemEnabledZV(MediaResult, 0);
     EndGroupZV(1, first, 0, "", 0, 0);
     EndPaletteZV(MediaPalette, "Media", ZV_PAL_CALLBACK, On_Media, 0);

@@ -11,7 +11,7 @@ constexpr unsigned short below = ZV_Position(ZV_POS_ALIGN_START, ZV_POS_AFTER);
 
 void Tell_Answer(long answer)
 {
-    SetTextGadgetStateZV(RequestAnswer, answer ? "the first button" : "the second button");
+    Show_Result(RequestAnswer, answer ? "the first button" : "the second button");
 }
 
 void Show_Long_Text()
@@ -41,7 +41,7 @@ void On_Requesters(ZVEvent* event)
     case RequestButtons: Tell_Answer(AskUser2ZV("Save", "Discard", "\"%s\" has changed.", "Untitled")); break;
     case RequestNested:
         if (AskUserZV("Shall another one be asked from here?"))
-            Tell_Answer(AskUserZV("This is the other one."));
+            Tell_Answer(AskUserZV("This is the other one.\nThere are no more of them."));
         break;
     case RequestWide: Show_Wide_Message(); break;
     case RequestLongText: Show_Long_Text(); break;

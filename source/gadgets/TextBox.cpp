@@ -122,16 +122,32 @@ bool Set_Text(ZVItem& item, TextBoxState& state, char const* text)
 
 // ---- the gadget that scrolls ------------------------------------------------------------------------------
 
+/// Null without one.
+ZVItem* Linked_To(ZVItem const& item)
+{
+    ZVItem* const linked = FindItem2ZV(item.group->palette, static_cast<unsigned short>(item.linkedItem));
+    return linked && linked->kind == ZV_ITEM_GADGET && Is_Prop(linked->type) ? linked : nullptr;
+}
+
 /// Gives the linked gadget the number of lines, and a position among them.
 void Set_Linked(ZVItem const& item, int32_t position)
 {
-    ZVItem* const linked = FindItem2ZV(item.group->palette, static_cast<unsigned short>(item.linkedItem));
-    if (!linked || linked->kind != ZV_ITEM_GADGET || !Is_Prop(linked->type)) return;
+    ZVItem* const linked = Linked_To(item);
+    if (!linked) return;
     linked->minInt = 0;
     linked->maxInt = item.maxInt;
     linked->page = State_Of(&item)->VisibleLines;
     linked->state = std::clamp(position, 0, std::max(linked->maxInt - linked->page, 0));
     UpdateGadgetZV(linked);
+}
+
+/// The wheel over the text turns the linked gadget, whose event then scrolls the text.
+void Turn_Linked(ZVCustomEvent* event)
+{
+    ZVItem* const linked = Linked_To(*event->item);
+    if (!linked || !linked->customFunc) return;
+    event->item = linked;
+    linked->customFunc(event);
 }
 
 /// The position that shows what is in view now: lines count from 1, positions from 0.
@@ -221,6 +237,7 @@ long TextBoxCustomFunc(ZVCustomEvent* event)
     case ZV_CUSTOM_DRAW: Draw(item, true, Is_Disabled(*item)); break;
     case ZV_CUSTOM_DRAW_DISABLED: Draw(item, true, true); break;
     case ZV_CUSTOM_DRAW_STATE: Draw(item, false, Is_Disabled(*item)); break;
+    case ZV_CUSTOM_WHEEL: Turn_Linked(event); break;
     default: break;
     }
     return 1;

@@ -56,14 +56,15 @@ TEST(MemoryDisplay, WindowsAreStackedByTheirKind)
     Desk desk;
     HostRect const place{100, 100, 300, 200};
     auto popup = desk.Shown(Kind::Popup, place);
+    auto dialog = desk.Shown(Kind::Dialog, place);
     auto floater = desk.Shown(Kind::Floater, place);
     auto first = desk.Shown(Kind::Document, place);
-    auto second = desk.Shown(Kind::Dialog, place);
+    auto second = desk.Shown(Kind::Document, place);
     auto root = desk.Shown(Kind::Root, {0, 0, 1600, 1200});
     EXPECT_EQ(desk.display.Front_Window(), second.get());
     first->Raise();
     root->Raise();
-    for (auto* const window : {&popup, &floater, &first, &second, &root}) {
+    for (auto* const window : {&popup, &dialog, &floater, &first, &second, &root}) {
         EXPECT_EQ(desk.display.Window_At(150, 150), window->get());
         (*window)->Hide();
     }

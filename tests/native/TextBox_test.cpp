@@ -132,6 +132,10 @@ TEST_F(TextBoxes, KeepALinkedGadgetUpWithTheirLines)
     ItemVisibleZV(1, 0);
     ItemVisibleZV(1, 1);
     EXPECT_EQ(bar->state, 20) << "coming back on screen loses no place";
+    Move(Item(1), 5, 5);
+    HeadlessWheelZV(0, -1);
+    HeadlessRunZV(0);
+    EXPECT_EQ(bar->state, 20 + GetWheelScrollLinesZV()) << "the wheel over the text turns it";
     SetTextBoxGadgetStateZV(1, "short");
     EXPECT_EQ(bar->state, 0);
     EXPECT_EQ(bar->maxInt, 1);
