@@ -22,3 +22,7 @@ enum class HostDirection : uint8_t {
 };
 
 HostDirection Character_Direction(char32_t character);
+
+/// The letter below its accents, as the e of an é. 0 for an accent that is a character of its own, and every
+/// other character itself.
+char32_t Character_Without_Accents(char32_t character);

@@ -6,16 +6,15 @@
 #include "FileDialogText.h"
 
 #include "Locale/ZVLibStr.h"
+#include "foundation/Utf8.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <new>
 #include <utility>
 
 namespace {
 
 constexpr long Border = 2;
-constexpr long WheelNotch = 40;
 constexpr long ArrowRoom = 14;       ///< of the column by which rows are sorted
 constexpr uint32_t TypingTime = 60;  ///< ticks after which a character begins a new name
 
@@ -26,14 +25,6 @@ constexpr char const* WidestDate = "0000-00-00  00:00";
 long Column_Width(ZVDrawInfo const* draw, char const* widest, unsigned long titleId)
 {
     return std::max(GetTextWidthZV(draw, widest), GetTextWidthZV(draw, titleId) + ArrowRoom) + 2 * CellMargin;
-}
-
-std::string Utf8_Of(unsigned long character)
-{
-    auto const tail = [&](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
-    if (character < 0x80) return {static_cast<char>(character)};
-    if (character < 0x800) return {static_cast<char>(0xC0 | character >> 6), tail(0)};
-    return {static_cast<char>(0xE0 | character >> 12), tail(6), tail(0)};
 }
 
 /// A small triangle that points where the larger values are.
@@ -261,7 +252,7 @@ bool FileRows::Find_Typed(unsigned long character)
     if (now - typedAt_ > TypingTime) typed_.clear();
     if (typed_.empty() && character == ' ') return false;
     typedAt_ = now;
-    typed_ += Utf8_Of(character);
+    Append_Character(typed_, static_cast<char32_t>(character));
     long const row = listing_.Row_Of_Prefix(typed_);
     if (row >= 0) Select_Row(row);
     return true;
@@ -331,36 +322,14 @@ void FileRows::Release(ZVCustomEvent* event)
     Report_Use(event, ZV_MOD_RELEASE);
 }
 
-void FileRows::Turn_Wheel(ZVCustomEvent const* event)
+void FileRows::Take_Event(ZVCustomEvent* event)
 {
-    wheelRest_ -= event->deltaY * GetWheelScrollLinesZV();
-    long const rows = wheelRest_ / WheelNotch;
-    wheelRest_ -= rows * WheelNotch;
-    if (rows) Set_Top(top_ + rows);
-}
-
-long FileRows::Gadget(ZVCustomEvent* event)
-try {
-    auto& self = Object_Of<FileRows>(event);
     switch (event->type) {
-    case ZV_CUSTOM_SETUP: self.item_ = event->item; break;
-    case ZV_CUSTOM_CLEANUP: self.item_ = nullptr; break;
-    case ZV_CUSTOM_DRAW:
-    case ZV_CUSTOM_DRAW_STATE:
-    case ZV_CUSTOM_DRAW_DISABLED:
-        // A new size shows other rows.
-        self.top_ = std::clamp(self.top_, 0L, self.Last_Top());
-        self.Draw();
-        self.Update_Bar();
-        break;
-    case ZV_CUSTOM_MOUSE_DOWN: self.Press(event); break;
+    case ZV_CUSTOM_MOUSE_DOWN: Press(event); break;
     case ZV_CUSTOM_MOUSE_MOVE:
-    case ZV_CUSTOM_TICK: self.Follow(event); break;
-    case ZV_CUSTOM_MOUSE_UP: self.Release(event); break;
-    case ZV_CUSTOM_WHEEL: self.Turn_Wheel(event); break;
+    case ZV_CUSTOM_TICK: Follow(event); break;
+    case ZV_CUSTOM_MOUSE_UP: Release(event); break;
+    case ZV_CUSTOM_WHEEL: Set_Top(top_ + Wheel_Rows(*event)); break;
     default: break;
     }
-    return 1;
-} catch (std::bad_alloc const&) {
-    return 1;  // what there is no memory for does not show
 }

@@ -3,9 +3,11 @@
 #include "CycleEntry.h"
 #include "ZVControl.h"
 #include "ZVKey.h"
+#include "foundation/Utf8.h"
 #include "interface/PaletteTree.h"
 
 #include <algorithm>
+#include <cstring>
 #include <strings.h>
 #include <utility>
 
@@ -356,22 +358,11 @@ long ListCustomFunc(ZVCustomEvent* event)
 /// Adds a character of the basic plane to what was typed, as far as there is room.
 static void Add_Typed(uint32_t character)
 {
-    char utf8[4] = {};
-    auto const tail = [&](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
-    if (character < 0x80) {
-        utf8[0] = static_cast<char>(character);
-    } else if (character < 0x800) {
-        utf8[0] = static_cast<char>(0xC0 | character >> 6);
-        utf8[1] = tail(0);
-    } else {
-        utf8[0] = static_cast<char>(0xE0 | character >> 12);
-        utf8[1] = tail(6);
-        utf8[2] = tail(0);
-    }
-    std::size_t const length = std::strlen(utf8);
-    if (openList.typeAheadIndex + length >= sizeof openList.typeAhead) return;
-    std::strcpy(openList.typeAhead + openList.typeAheadIndex, utf8);
-    openList.typeAheadIndex += length;
+    std::string utf8;
+    Append_Character(utf8, character);
+    if (openList.typeAheadIndex + utf8.size() >= sizeof openList.typeAhead) return;
+    std::strcpy(openList.typeAhead + openList.typeAheadIndex, utf8.c_str());
+    openList.typeAheadIndex += utf8.size();
 }
 
 /// The row that what was typed stands for: the first one that begins with it, or the last one before its
@@ -405,10 +396,10 @@ static void Forget_Typed()
     openList.typeAhead[0] = 0;
 }
 
-static void Step(ZVItem& list, int32_t way)
+static void Step(ZVItem& list, long way)
 {
-    int32_t const last = State_Of_List(list).TotalRows - 1;
-    Choose_List_Row(list, std::clamp(list.state + way, 0, std::max(last, 0)));
+    if (ZVItem const* const owner = State_Of_List(list).Owner)
+        Choose_List_Row(list, Entry_From(*owner, list.state, way));
 }
 
 /// As by the mouse, but told by an event of its own.
@@ -468,15 +459,15 @@ struct Plan {
 
 static Plan Plan_List(ZVItem const& cycle)
 {
-    ZVRectT<long> screen;
-    GetScreenRectZV(&screen);
-    long const top = GadToScreenY(&cycle), bottom = top + cycle.height, end = screen.y + screen.height;
+    long const left = GadToScreenX(&cycle), top = GadToScreenY(&cycle), bottom = top + cycle.height;
+    ZVRectT<long> const room = Free_Area_At(left + cycle.width / 2, top + cycle.height / 2);
+    long const end = room.y + room.height;
     long const rowHeight = std::max(GetAveCharHeightZV(nullptr), 1L);
 
     Plan plan{};
     plan.total = plan.visible = List_Entries(&cycle.entries);
-    // No more rows than the screen has room for, on the side of the cycle where there is more of it.
-    long mostRows = (std::max(end - bottom, top - screen.y) - 2 * frame) / rowHeight;
+    // No more rows than the monitor has room for, on the side of the cycle where there is more of it.
+    long mostRows = (std::max(end - bottom, top - room.y) - 2 * frame) / rowHeight;
     if (TagItem const* tag = FindTagItem(ZV_ITEM_ROWS, cycle.tags))
         mostRows = std::min<long>(mostRows, Tag_Number(*tag));
     plan.visible = std::min(plan.visible, std::max(mostRows, fewestRows));
@@ -485,9 +476,12 @@ static Plan Plan_List(ZVItem const& cycle)
     for (Node const& entry : Records<Node>(cycle.entries))
         if (!Is_Separator(entry)) plan.width = std::max(plan.width, Entry_Width(entry) + textRoom);
 
-    long const height = plan.visible * rowHeight + 2 * frame;
-    plan.x = GadToScreenX(&cycle) + cycle.offsetX;
-    plan.y = bottom + height > end ? top - height : bottom;
+    plan.width = std::min(plan.width, room.width - plan.Scroll_Width());
+
+    // Whole on the monitor, although the cycle may not be.
+    long const width = plan.width + plan.Scroll_Width(), height = plan.visible * rowHeight + 2 * frame;
+    plan.x = std::max(std::min(left + cycle.offsetX, room.x + room.width - width), room.x);
+    plan.y = std::max(std::min(bottom + height > end ? top - height : bottom, end - height), room.y);
     return plan;
 }
 

@@ -86,8 +86,14 @@ private:
 /// the palette may be gone afterwards.
 void Palette_Visible(ZVPalette& palette, bool visible);
 
+/// The rectangle around all monitors.
+ZVRectT<long> Desktop_Area();
+
 /// The monitor that holds the mouse; the first one when none does.
 ZVRectT<long> Mouse_Monitor();
+
+/// What the menu bar, which is that of the first monitor, leaves free of the monitor that holds a point.
+ZVRectT<long> Free_Area_At(long x, long y);
 
 /// The title that a window shows.
 char const* Window_Title(ZVWindow const& window);
@@ -108,6 +114,9 @@ void Prepare_Sub_Palettes(ZVPalette& palette);
 /// Lays a palette out, its sub-palettes first; -1 is the natural size. Places of sub-palettes are relative to
 /// the palette's origin until Settle_Palette has been called.
 void Lay_Out_Palette(ZVPalette& palette, long width, long height);
+
+/// The height by which Lay_Out_Palette gives a palette so much room: below a tab bar, which counts.
+long Height_With_Tabs(ZVPalette const& palette, long height);
 
 /// Places the palette in its window, and its sub-palettes with it.
 void Settle_Palette(ZVPalette& palette, long x, long y);

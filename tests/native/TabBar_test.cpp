@@ -1,6 +1,8 @@
 // The tabs of floaters: choosing a palette by its tab, tearing it off and docking it.
 #include "DesktopTest.h"
 
+#include <ZVKey.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -210,6 +212,39 @@ TEST_F(TabBarTest, AnOutlineFollowsTheMouse)
     EXPECT_EQ(two->window->left, left);
     EXPECT_EQ(List_Entries(&ZVEnv->windows), 3);
     EXPECT_NE(Pixel(left - 2, top + tab + two->height / 2), pen) << "the outline is gone";
+}
+
+TEST_F(TabBarTest, EscapeEndsADragAndNothingHasMoved)
+{
+    ZVWindow const* const shared = two->window;
+    ZVRectT<long> const place{shared->left, shared->top, shared->width, shared->height};
+    During_Drag([] { HeadlessKeyZV(ZV_KEY_ESCAPE); });
+    EXPECT_EQ(two->window, shared);
+    EXPECT_EQ(place, (ZVRectT<long>{shared->left, shared->top, shared->width, shared->height}));
+    EXPECT_EQ(shared->activePalette, two);
+    EXPECT_EQ(Pixel(900 - 8 - 6 - 1, 600 + 40), Pixel(1500, 1100)) << "the outline is gone";
+    Strings told = Log();
+    EXPECT_EQ(std::count_if(told.begin(), told.end(),
+                            [](std::string const& line) { return line.find(":1/") != line.npos; }),
+              0)
+        << "nobody has heard of the key";
+    HeadlessKeyZV(ZV_KEY_ESCAPE);
+    HeadlessRunZV(0);
+    EXPECT_FALSE(Log().empty()) << "and the next one is told";
+    Drag_Tab(two, 700, 600);
+    EXPECT_NE(two->window, shared) << "the next drag";
+}
+
+TEST_F(TabBarTest, APaletteBelowItsTabsFillsAWindowThatIsResized)
+{
+    ZVPalette* const wide = Floater(4, "Brushes", nullptr, {{ZV_PAL_FLAGS, ZV_PALF_SIZE_BOTH}});
+    HeadlessRunZV(0);
+    ZVRectT<long> const client{250, 300, 240, 180};
+    HeadlessDragFrameZV(wide->window, &client);
+    HeadlessRunZV(0);
+    EXPECT_EQ(wide->window->height, 180);
+    EXPECT_EQ(wide->width, 240);
+    EXPECT_EQ(wide->height, 180 - ZVEnv->style->tabHeight);
 }
 
 TEST_F(TabBarTest, PalettesMayCloseDuringADrag)
