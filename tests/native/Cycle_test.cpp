@@ -247,11 +247,13 @@ TEST_F(CycleTest, KeysGoToTheOpenList)
     HeadlessRunZV(0);
     EXPECT_EQ(Told(), 1);
     // A separator takes no Return when the mouse is on it, and disabled entries are passed over as well.
-    Click_Cycle();
+    Press_Cycle();
     Move_To_Row(1);
     HeadlessKeyZV(ZV_KEY_RETURN);
     HeadlessRunZV(0);
+    EXPECT_FALSE(Is_Open());
     EXPECT_EQ(Told(), 0);
+    Release();
     ModifyItemZV(&Cycle(), ZV_ITEM_DISABLE_ENTRY, 3, 0);
     ModifyItemZV(&Cycle(), ZV_ITEM_DISABLE_ENTRY, 7, 0);
     Click_Cycle();

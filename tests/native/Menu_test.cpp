@@ -360,7 +360,7 @@ TEST_F(Menu, AMenuThatOpensAtAPointIsWholeAtAllEdges)
     };
     for (Case const& row : cases) {
         HeadlessPauseZV(500);
-        long const x = std::clamp(row.x, 5L, 1590L);
+        long const x = std::clamp(row.x + 10, 10L, 1590L);
         HeadlessClickZV(x, row.top + border + Row_Height() * 3 / 2, ZV_HEADLESS_LEFT);
         ZVMenu const* const chosen = Select_From_Menu(menu, row.x, row.y);
         EXPECT_EQ(chosen ? chosen->node.id : 0, 41U) << row.why;
