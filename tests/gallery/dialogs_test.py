@@ -194,8 +194,10 @@ TABS = [
         activate IconPalette
         tab-activate IconPalette"""),
     ("the window that it has left", "{LongPalette:19,10} click 1", """
-        deactivate IconPalette
-        activate TextPalette
+        ? deactivate IconPalette
+        ? activate TextPalette
+        ? deactivate IconPalette held
+        ? activate TextPalette held
         up TextPalette
         tab-deactivate TextPalette
         deactivate TextPalette
