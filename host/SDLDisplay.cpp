@@ -65,6 +65,7 @@ SDLDisplay::SDLDisplay()
     SDL_EventState(SDL_DROPFILE, SDL_ENABLE);
     if (SDL_GetCurrentVideoDriver() == std::string_view("x11")) {
         errors_.emplace();
+        SDL_EventState(SDL_SYSWMEVENT, SDL_ENABLE);
         unit_ = X_Display_Scale();
         // Pixels go there by shared memory. For a renderer SDL would make each window anew, which costs its
         // type and its parent.

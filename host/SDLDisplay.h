@@ -89,6 +89,7 @@ private:
     bool isFocusLost_ = false;  // since events were last brought in
     bool isPointerHeld_ = false;
     int mouseX_ = 0, mouseY_ = 0;        // on the desktop
+    std::optional<SDL_Point> xPointer_;  // on X, what the last event of the server tells
     int heldRestX_ = 0, heldRestY_ = 0;  // of a point that held movements have made so far
 
     std::array<SDLCursor, SDL_NUM_SYSTEM_CURSORS> systemCursors_;

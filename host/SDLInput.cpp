@@ -1,5 +1,6 @@
 // SDL's events as those of the display.
 #include "SDLWindow.h"
+#include "XWindow.h"
 
 #include <algorithm>
 #include <cmath>
@@ -89,7 +90,12 @@ void SDLDisplay::Flush_Input()
 
 void SDLDisplay::Translate(SDL_Event& event)
 {
+    bool const isMouse = event.type >= SDL_MOUSEMOTION && event.type <= SDL_MOUSEWHEEL;
+    if (isMouse && event.motion.which == SDL_TOUCH_MOUSEID) xPointer_.reset();
     switch (event.type) {
+    case SDL_SYSWMEVENT:
+        if (SDL_Point at; X_Pointer_Of(*event.syswm.msg, at.x, at.y)) xPointer_ = at;
+        break;
     case SDL_QUIT: Add_Event({.type = HostEventType::Quit}); break;
     case SDL_WINDOWEVENT: Translate_Window(event.window); break;
     case SDL_MOUSEMOTION: Translate_Motion(event.motion); break;
@@ -160,15 +166,18 @@ void SDLDisplay::Leave_Window()
     Add_Event(Mouse_Event(HostEventType::MouseMove, nullptr, x, y));
 }
 
+/// While a press is held and windows come and go, SDL takes positions on one window for such on another, and
+/// cuts them to its size. Where the server has told its own, that counts.
 /// @param x  in SDL's units, on the client area of the window, or on the desktop without one
 HostEvent SDLDisplay::Mouse_Event(HostEventType type, SDLWindow* window, int x, int y)
 {
     HostEvent event{.type = type, .window = window, .modifiers = Modifiers_Of(SDL_GetModState())};
     if (!isPointerHeld_) {
-        int left = 0, top = 0;
-        if (window) window->Position(left, top);
-        event.deltaX = Floor_Divided(left + x, unit_) - mouseX_;
-        event.deltaY = Floor_Divided(top + y, unit_) - mouseY_;
+        SDL_Point corner{};
+        if (window) window->Position(corner.x, corner.y);
+        SDL_Point const at = xPointer_.value_or(SDL_Point{corner.x + x, corner.y + y});
+        event.deltaX = Floor_Divided(at.x, unit_) - mouseX_;
+        event.deltaY = Floor_Divided(at.y, unit_) - mouseY_;
         mouseX_ += event.deltaX;
         mouseY_ += event.deltaY;
     }

@@ -33,6 +33,25 @@ bool X_Set_Size_Limits(SDL_Window* window, int minWidth, int minHeight, int maxW
     return true;
 }
 
+bool X_Pointer_Of(SDL_SysWMmsg const& message, int& x, int& y)
+{
+    if (message.subsystem != SDL_SYSWM_X11) return false;
+    XEvent const& event = message.msg.x11.event;
+    auto const take = [&](auto const& pointer) {
+        x = pointer.x_root;
+        y = pointer.y_root;
+        return true;
+    };
+    switch (event.type) {
+    case MotionNotify: return take(event.xmotion);
+    case ButtonPress:
+    case ButtonRelease: return take(event.xbutton);
+    case EnterNotify:
+    case LeaveNotify: return take(event.xcrossing);
+    default: return false;
+    }
+}
+
 bool X_Move_Hidden(SDL_Window* window, int x, int y)
 {
     XWindow const target = X_Window_Of(window);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+struct SDL_SysWMmsg;
 struct SDL_Window;
 
 struct XWindow {
@@ -14,6 +15,10 @@ XWindow X_Window_Of(SDL_Window* window);
 /// The sizes that the user can give to the window, in pixels; a largest one of 0 is none. False when the
 /// window is not on X.
 bool X_Set_Size_Limits(SDL_Window* window, int minWidth, int minHeight, int maxWidth, int maxHeight);
+
+/// Where the pointer was on the desktop, in pixels, when the server sent what the message holds. False when
+/// that tells of no pointer.
+bool X_Pointer_Of(SDL_SysWMmsg const& message, int& x, int& y);
 
 /// Moves a window that is not shown. False when it is not on X.
 bool X_Move_Hidden(SDL_Window* window, int x, int y);

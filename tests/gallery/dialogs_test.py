@@ -52,6 +52,7 @@ MENUS = [
         tab-activate DialogPalette shift
         ? key F3 shift key-up
         ? key F3 key-up
+        ? key F3 DialogPalette shift key-up
         ? key F3 DialogPalette key-up"""),
     ("which they are out of reach from", "key ctrl+n key F1 key Escape", """
         key n DialogPalette control
@@ -66,7 +67,6 @@ MENUS = [
     ("an entry of it", "{Swatch:9,9} click 3 <Swatch/Green> click 1", 'menu "Green" 0'),
     ("the menu of a gadget", "{MenuButton} click 1 key Down key Down key Down key Return", "gadget MenuButton 16 release"),
 ]
-
 
 
 def opened(name, palette):
@@ -194,8 +194,10 @@ TABS = [
         activate IconPalette
         tab-activate IconPalette"""),
     ("the window that it has left", "{LongPalette:19,10} click 1", """
-        deactivate IconPalette
-        activate TextPalette
+        ? deactivate IconPalette
+        ? activate TextPalette
+        ? deactivate IconPalette held
+        ? activate TextPalette held
         up TextPalette
         tab-deactivate TextPalette
         deactivate TextPalette

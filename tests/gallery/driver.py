@@ -264,12 +264,11 @@ class Gallery:
         if not menus:
             return self.titles[name]
         entries = MENUS[menus[-1]]
-        row_height = self.desk.windows("Menu bar")[0][3] - 2
-        heights = [MENU_LINE if entry == "-" else row_height for entry in entries]
+        heights = [MENU_LINE if entry == "-" else self.row_height for entry in entries]
         is_it = lambda shown: shown[3] == sum(heights) + 2 * MENU_BORDER
-        menu = wait_until(lambda: list(filter(is_it, self.desk.windows("Menu")[len(menus) - 1:])),
-                          f"the menu of {path} does not open")
-        left, top, width, _ = menu[0]
+        opened = wait_until(lambda: list(filter(is_it, self.desk.windows("Menu")[len(menus) - 1:])),
+                            f"the menu of {path} does not open")
+        left, top, width, _ = opened[0]
         row = entries.index(name)
         return [left + width // 2, top + MENU_BORDER + sum(heights[:row]) + heights[row] // 2]
 
@@ -290,12 +289,13 @@ class Gallery:
 
     def learn_titles(self):
         """The places of the menu bar's titles: each menu opens below its own, and Right goes from one to the next."""
-        left, top, _, height = self.desk.windows("Menu bar")[0]
+        left, top, _, height = wait_until(lambda: self.desk.windows("Menu bar"), "there is no menu bar")[0]
+        self.row_height = height - 2
         self.desk.input(f"mousemove {left + 4} {top + height // 2} click 1")
         for title in TITLES:
-            is_next = lambda shown: shown and shown[0][0] not in [x - 4 for x, _ in self.titles.values()]
-            wait_until(lambda: is_next(self.desk.windows("Menu")), f"the menu {title} does not open")
-            self.titles[title] = [self.desk.windows("Menu")[0][0] + 4, top + height // 2]
+            is_new = lambda menu: [menu[0] + 4, top + height // 2] not in self.titles.values()
+            opened = wait_until(lambda: list(filter(is_new, self.desk.windows("Menu"))), f"{title} does not open")
+            self.titles[title] = [opened[0][0] + 4, top + height // 2]
             self.desk.input("key Right")
         self.desk.input("key Escape")
         self.events_until_mark()
@@ -392,7 +392,7 @@ def run_part(part, desk, gallery, report):
     try:
         gallery.settle()
         part(desk, gallery, report)
-    except (RuntimeError, TimeoutError) as error:
+    except (RuntimeError, TimeoutError, subprocess.CalledProcessError) as error:
         ended = gallery.process.poll() is not None
         report.fail(report.title, str(error), *(gallery.end() if ended else []))
     finally:
