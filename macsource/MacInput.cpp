@@ -4,12 +4,14 @@
 #include "MacFocus.h"
 #include "MacKeys.h"
 #include "MacMenu.h"
+#include "MacNativeItem.h"
 #include "MacWindow.h"
 #include "ZVLibInternal.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 /// Nobody is told while an application holds events back, while a dialog of someone else's has them, and
 /// while another window is in front of the modal palette's.
@@ -82,10 +84,24 @@ static bool Is_Holders(HostEventType type)
     return Mouse_Holder() && (type == HostEventType::MouseMove || type == HostEventType::MouseUp);
 }
 
+/// Escape breaks off what the mouse is held for, if that can be. Nobody is told of the key then, nor of its
+/// release.
+static bool Breaks_Off(HostEvent const& event)
+{
+    static bool isKeyHeld = false;
+    bool const isPress = event.type == HostEventType::KeyDown;
+    if (event.key != HostKey::Escape || (!isPress && event.type != HostEventType::KeyUp)) return false;
+    if (!isPress) return std::exchange(isKeyHeld, false);
+    if (event.isRepeat) return isKeyHeld;
+    isKeyHeld = Mouse_Holder() && Mouse_Holder()->Break_Off();
+    if (isKeyHeld) Hold_Mouse(nullptr);
+    return isKeyHeld;
+}
+
 void Handle_Host_Event(HostEvent const& event)
 {
     Rebuild_Modifiers(Mac_Keyboard_State());
-    if (Follow_Desktop(event) || Take_Menu_Input(event)) return;
+    if (Follow_Desktop(event) || Take_Menu_Input(event) || Breaks_Off(event)) return;
     if (Is_Passed_Over() && !Is_Holders(event.type)) return;
     if (Is_Mouse_Event(event.type)) Take_Pen(event);
     switch (event.type) {

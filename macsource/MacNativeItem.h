@@ -35,6 +35,9 @@ public:
 
     /// The button went up there; the mouse is free already.
     virtual void Finish(long x, long y) = 0;
+
+    /// Escape was pressed. True when all is as it was before the press; the mouse is free then.
+    virtual bool Break_Off() { return false; }
 };
 
 /// From now on, up to the release of the button, the mouse is this one's, and no event tells of it.

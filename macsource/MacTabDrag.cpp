@@ -85,6 +85,7 @@ public:
     bool Run();  ///< Up to the release. False when the drag was broken off.
     void Track(long x, long y) override;
     void Finish(long x, long y) override;
+    bool Break_Off() override { return true; }  ///< Nothing but the outline has moved.
 
     ZVPlace Mouse() const { return mouse_; }
 

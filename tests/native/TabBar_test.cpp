@@ -1,6 +1,8 @@
 // The tabs of floaters: choosing a palette by its tab, tearing it off and docking it.
 #include "DesktopTest.h"
 
+#include <ZVKey.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -210,6 +212,36 @@ TEST_F(TabBarTest, AnOutlineFollowsTheMouse)
     EXPECT_EQ(two->window->left, left);
     EXPECT_EQ(List_Entries(&ZVEnv->windows), 3);
     EXPECT_NE(Pixel(left - 2, top + tab + two->height / 2), pen) << "the outline is gone";
+}
+
+TEST_F(TabBarTest, EscapeEndsADragAndNothingHasMoved)
+{
+    ZVWindow const* const shared = two->window;
+    ZVRectT<long> const place{shared->left, shared->top, shared->width, shared->height};
+    Press_Tab(two);
+    HeadlessMoveZV(900, 700);
+    HeadlessMoveZV(900, 600);
+    HeadlessPauseZV(500);
+    HeadlessKeyZV(ZV_KEY_ESCAPE);
+    HeadlessMoveZV(950, 650);
+    HeadlessPauseZV(500);
+    Release();
+    EXPECT_EQ(two->window, shared);
+    EXPECT_EQ(place, (ZVRectT<long>{shared->left, shared->top, shared->width, shared->height}));
+    EXPECT_EQ(shared->activePalette, two);
+    EXPECT_EQ(Pixel(900 - 8 - 6 - 1, 600 + 40), Pixel(1500, 1100)) << "the outline is gone";
+    auto const keys = [] {
+        Strings const told = Log();
+        return std::count_if(told.begin(), told.end(), [](std::string const& line) {
+            return line.ends_with(":1") || line.find(":1/") != line.npos;
+        });
+    };
+    EXPECT_EQ(keys(), 0) << "nobody has heard of the key";
+    HeadlessKeyZV(ZV_KEY_ESCAPE);
+    HeadlessRunZV(0);
+    EXPECT_EQ(keys(), 2) << "the next one is told, down and up";
+    Drag_Tab(two, 700, 600);
+    EXPECT_NE(two->window, shared) << "the next drag";
 }
 
 TEST_F(TabBarTest, PalettesMayCloseDuringADrag)
