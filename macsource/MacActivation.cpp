@@ -106,7 +106,7 @@ void Fit_Palette_To_Window(ZVWindow& window)
     bool const isDocument = window.kind == ZV_KIND_DOCUMENT;
     int32_t const erases = std::exchange(ZVEnv->eraseOnDestroy, isDocument ? 0 : ZVEnv->eraseOnDestroy);
     window.sysWindow->port.surface.Set_Quiet(isDocument);
-    Rebuild_SysPalette(palette, window.width, window.height - palette->y);
+    Rebuild_SysPalette(palette, window.width, Height_With_Tabs(*palette, window.height - palette->y));
     ZVEnv->eraseOnDestroy = erases;
     if (!Is_Window(&window) || !window.sysWindow) return;
     window.sysWindow->port.surface.Set_Quiet(false);

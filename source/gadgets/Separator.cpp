@@ -202,7 +202,7 @@ void Release(ZVCustomEvent* event, SeparatorState& state)
     adjust(state.RightIds, -1);
     ZVPalette* const palette = item->group->palette;
     LivingPalette const watch(palette);
-    Rebuild_SysPalette(palette, palette->width, palette->height);
+    Rebuild_SysPalette(palette, palette->width, Height_With_Tabs(*palette, palette->height));
     if (watch.Is_There()) Report_Use(event, ZV_MOD_RELEASE);
 }
 

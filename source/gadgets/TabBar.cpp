@@ -186,8 +186,7 @@ static void Fit_To(ZVWindow const* target, ZVPalette& palette)
         Rebuild_SysPalette(&palette, palette.forcedWidth == -1 ? target->width : palette.forcedWidth,
                            palette.forcedHeight == -1 ? target->height : palette.forcedHeight);
     } else if (!isInPlace) {
-        // The height of a floater counts its tab bar.
-        Rebuild_SysPalette(&palette, palette.width, palette.height + tabHeight);
+        Rebuild_SysPalette(&palette, palette.width, Height_With_Tabs(palette, palette.height));
     }
 }
 

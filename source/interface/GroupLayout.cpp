@@ -261,6 +261,11 @@ static void Extend_By_Sub_Palettes(Bounds& bounds, ZVPalette const& palette)
         if (sub.width > 0 && sub.height > 0) bounds.Extend(sub.x, sub.y, sub.width, sub.height);
 }
 
+long Height_With_Tabs(ZVPalette const& palette, long height)
+{
+    return Is_In_Floater(&palette) ? height + ZVEnv->style->tabHeight : height;
+}
+
 /// The first run, the size to fill, and the shares of the free space.
 static void Find_Natural_Size(GroupLayout& layout, long width, long height)
 {

@@ -109,5 +109,8 @@ void Prepare_Sub_Palettes(ZVPalette& palette);
 /// the palette's origin until Settle_Palette has been called.
 void Lay_Out_Palette(ZVPalette& palette, long width, long height);
 
+/// The height by which Lay_Out_Palette gives a palette so much room: below a tab bar, which counts.
+long Height_With_Tabs(ZVPalette const& palette, long height);
+
 /// Places the palette in its window, and its sub-palettes with it.
 void Settle_Palette(ZVPalette& palette, long x, long y);

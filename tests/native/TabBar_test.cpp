@@ -244,6 +244,18 @@ TEST_F(TabBarTest, EscapeEndsADragAndNothingHasMoved)
     EXPECT_NE(two->window, shared) << "the next drag";
 }
 
+TEST_F(TabBarTest, APaletteBelowItsTabsFillsAWindowThatIsResized)
+{
+    ZVPalette* const wide = Floater(4, "Brushes", nullptr, {{ZV_PAL_FLAGS, ZV_PALF_SIZE_BOTH}});
+    HeadlessRunZV(0);
+    ZVRectT<long> const client{250, 300, 240, 180};
+    HeadlessDragFrameZV(wide->window, &client);
+    HeadlessRunZV(0);
+    EXPECT_GT(wide->window->height, 150);
+    EXPECT_EQ(wide->width, wide->window->width);
+    EXPECT_EQ(wide->height, wide->window->height - ZVEnv->style->tabHeight);
+}
+
 TEST_F(TabBarTest, PalettesMayCloseDuringADrag)
 {
     struct Case {

@@ -141,6 +141,7 @@ TEST_F(Separators, ShareRoomOutAndStopAtTheLeastSize)
 {
     for (bool const isBelow : {false, true}) {
         Show_Split(isBelow);
+        int32_t const height = FindPaletteZV(PaletteId)->height;
         auto const size = [&](unsigned long id) { return isBelow ? Item(id)->height : Item(id)->width; };
         auto const drag = [&](long way) {
             Press(Item(2), 2, 2);
@@ -161,6 +162,7 @@ TEST_F(Separators, ShareRoomOutAndStopAtTheLeastSize)
         drag(10);
         EXPECT_EQ(size(1), 60);
         EXPECT_EQ(Events(), Strings{});
+        EXPECT_EQ(FindPaletteZV(PaletteId)->height, height) << "of the palette below its tabs";
         ClosePaletteZV(PaletteId);
     }
 }
