@@ -158,8 +158,9 @@ struct HostMonitor {
 };
 
 /// A cursor of the desktop by its number in the numbering of cursor codes: 0 arrow, 1 text beam, 2 cross, 3
-/// thick cross, 4 watch; others are the arrow.
-inline constexpr int HostCursorArrow = 0;
+/// thick cross, 4 watch. Those above have no number there; others are the arrow.
+inline constexpr int HostCursorArrow = 0, HostCursorLeftRight = 128, HostCursorUpDown = 129,
+                     HostCursorHand = 130;
 
 /// A cursor of the library's own.
 struct HostCursorImage {

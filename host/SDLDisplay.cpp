@@ -28,6 +28,9 @@ SDL_SystemCursor System_Cursor(int code)
     case 2:
     case 3: return SDL_SYSTEM_CURSOR_CROSSHAIR;
     case 4: return SDL_SYSTEM_CURSOR_WAIT;
+    case HostCursorLeftRight: return SDL_SYSTEM_CURSOR_SIZEWE;
+    case HostCursorUpDown: return SDL_SYSTEM_CURSOR_SIZENS;
+    case HostCursorHand: return SDL_SYSTEM_CURSOR_HAND;
     default: return SDL_SYSTEM_CURSOR_ARROW;
     }
 }

@@ -65,7 +65,11 @@ enum ZVCursor : uint16_t {
     ZV_CURSOR_OWN = 3,  ///< colour cursor 128
     ZV_CURSOR_BUSY = 4,
     ZV_CURSOR_COLOR = 128,
-    ZV_CURSOR_NONE = 1210  ///< the pointer is hidden
+    ZV_CURSOR_SLIDE = 1010,         ///< over a value that is dragged to the left and right
+    ZV_CURSOR_GRAB = 1070,          ///< over what can be taken hold of, as a tab
+    ZV_CURSOR_SPLIT_ACROSS = 1190,  ///< over a line between neighbours that is dragged to the left and right
+    ZV_CURSOR_SPLIT_DOWN = 1200,    ///< and over one that is dragged up and down
+    ZV_CURSOR_NONE = 1210           ///< the pointer is hidden
 };
 
 /// State of a tablet.

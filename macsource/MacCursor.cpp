@@ -9,6 +9,18 @@ static void Show_Pointer()
     Display()->Show_Pointer(!isNone && !ZVEnv->infiniteMouse);
 }
 
+/// The desktop's cursor for a number of the library's, which so looks like the others of that desktop.
+static int Cursor_Of_Desktop(unsigned short code)
+{
+    switch (code) {
+    case ZV_CURSOR_SLIDE:
+    case ZV_CURSOR_SPLIT_ACROSS: return HostCursorLeftRight;
+    case ZV_CURSOR_SPLIT_DOWN: return HostCursorUpDown;
+    case ZV_CURSOR_GRAB: return HostCursorHand;
+    default: return code < ZV_CURSOR_COLOR ? code : HostCursorArrow;
+    }
+}
+
 void Mac_Show_Cursor(unsigned short code)
 {
     if (!Display()) return;
@@ -16,7 +28,7 @@ void Mac_Show_Cursor(unsigned short code)
     if (frame >= 0 && frame < BusyFrames)
         Display()->Set_Cursor(Busy_Cursor(frame));
     else if (code != ZV_CURSOR_NONE)
-        Display()->Set_Cursor(frame < 0 ? code : HostCursorArrow);
+        Display()->Set_Cursor(Cursor_Of_Desktop(code));
     Show_Pointer();
 }
 

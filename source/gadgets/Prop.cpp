@@ -33,7 +33,6 @@ struct PropState {
 constexpr int32_t repeatDelay = 4;
 constexpr long wheelNotch = 40;
 constexpr unsigned long frameColor = 0x000000, markColor = 0xFF0000;
-constexpr uint16_t markCursor = 1010;
 constexpr long markReachBefore = 3, markReachBehind = 4;
 
 /// A span along the track.
@@ -262,7 +261,7 @@ void Move(ZVCustomEvent* event, Track const& track)
         if (!track.Has_Marker()) return;
         long const way = place - track.state.MarkPos;
         track.state.OverMark = way >= -markReachBefore && way <= markReachBehind;
-        track.item.cursor = track.state.OverMark ? markCursor : uint16_t{ZV_CURSOR_ARROW};
+        track.item.cursor = track.state.OverMark ? ZV_CURSOR_SLIDE : ZV_CURSOR_ARROW;
         return;
     }
     if (track.state.Mode == PropMode::Thumb) Drag_Thumb(event, track, place);

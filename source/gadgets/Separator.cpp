@@ -21,7 +21,6 @@ struct SeparatorState {
     uint8_t* Saved;          ///< owned; red, green and blue of the pixels under it, only during a drag
 };
 
-constexpr uint16_t cursorAcross = 1190, cursorDown = 1200;
 constexpr ZVRGB white{0xFFFF, 0xFFFF, 0xFFFF, 1};
 
 bool Moves_Down(ZVItem const& item)
@@ -210,7 +209,9 @@ void Handle(ZVCustomEvent* event, SeparatorState& state)
 {
     ZVItem* const item = event->item;
     switch (event->type) {
-    case ZV_CUSTOM_CREATE: item->cursor = Moves_Down(*item) ? cursorDown : cursorAcross; break;
+    case ZV_CUSTOM_CREATE:
+        item->cursor = Moves_Down(*item) ? ZV_CURSOR_SPLIT_DOWN : ZV_CURSOR_SPLIT_ACROSS;
+        break;
     case ZV_CUSTOM_DESTROY:
         item->pressed = 0;
         state.hasGhost = false;

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr uint32_t entryDelay = 3;  ///< ticks from a click to the field, in which a double click may come
-constexpr uint16_t slideCursor = 1010, entryCursor = 1;
+constexpr uint16_t entryCursor = 1;
 constexpr double coarse = 10, fine = 0.1;
 
 /// A whole number of steps divides back to just under it.
@@ -129,7 +129,7 @@ void Move(ZVCustomEvent* event, SliderState& state)
 {
     ZVItem* const item = event->item;
     if (Is_Disabled(*item)) return;
-    item->cursor = FindPaletteZV(NumEntryPalette) ? entryCursor : slideCursor;
+    item->cursor = FindPaletteZV(NumEntryPalette) ? entryCursor : uint16_t{ZV_CURSOR_SLIDE};
     if (!item->pressed) return;
     InfiniteMouseMovesZV(1);
     Report_Use(event, ZV_MOD_CHANGE);

@@ -21,7 +21,6 @@ constexpr uint32_t holdTicks = 5;  ///< after which a tab that is held comes off
 constexpr double behindShade = 1.3, darkTextShade = 0.7;
 constexpr unsigned long halfBright = 0x808081;  ///< texts below are dark ones
 constexpr unsigned long black = 0x000000;
-constexpr uint16_t dragCursor = 1070;
 
 /// The flag of a palette whose tab stays where it is.
 constexpr uint32_t fixedTab = 0x00000004;
@@ -250,7 +249,7 @@ static void Show_Cursor(ZVCustomEvent const& event)
     ZVPalette const* const active =
         bar.group->palette->window ? bar.group->palette->window->activePalette : nullptr;
     bool const canDrag = active && Comes_Off(*active) && Is_On_Tab(*active, bar, event.x, event.y);
-    uint16_t const cursor = canDrag ? dragCursor : uint16_t{ZV_CURSOR_ARROW};
+    uint16_t const cursor = canDrag ? ZV_CURSOR_GRAB : ZV_CURSOR_ARROW;
     if (bar.cursor != cursor) ModifyItemZV(&bar, ZV_ITEM_CURSOR, cursor, 0);
 }
 
