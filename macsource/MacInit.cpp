@@ -25,18 +25,11 @@ static ZVMonitor const& Chosen_Monitor()
     return ZVEnv->monitors[exists ? tag->data : 0];
 }
 
-static ZVRectT<long> Area_Of(ZVMonitor const& monitor)
-{
-    return {monitor.left, monitor.top, monitor.width, monitor.height};
-}
-
 /// The window behind all palettes, over all monitors; with one monitor the menu bar stays free. False with
 /// error 1 when it cannot be had.
 static bool Make_Root_Window()
 {
-    ZVRectT<long> area = Area_Of(ZVEnv->monitors[0]);
-    for (int i = 1; i < ZVEnv->monitorCount; ++i)
-        area.Union(Area_Of(ZVEnv->monitors[i]));
+    ZVRectT<long> area = Desktop_Area();
     if (ZVEnv->monitorCount == 1) {
         area.y += Menu_Bar_Height();
         area.height -= Menu_Bar_Height();

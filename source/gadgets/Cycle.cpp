@@ -91,17 +91,6 @@ void Follow_Press(ZVCustomEvent* event, CycleState const& state)
     if (isForList) Hand_To_List(event, *state.ListItem);
 }
 
-/// The entry that lies so many steps from an index, or as far as there are entries; separators are passed
-/// over. The index itself when there is none that way.
-long Entry_From(ZVItem const& item, long index, long steps)
-{
-    long const last = List_Entries(&item.entries) - 1, onward = steps < 0 ? -1 : 1;
-    long target = std::clamp(index + steps, 0L, std::max(last, 0L));
-    while (target >= 0 && target <= last && Is_Separator(*List_Entry(&item.entries, target)))
-        target += onward;
-    return target < 0 || target > last ? index : target;
-}
-
 void Turn_Wheel(ZVCustomEvent* event, CycleState& state)
 {
     ZVItem& item = *event->item;

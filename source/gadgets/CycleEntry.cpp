@@ -33,6 +33,18 @@ bool Is_Marked_Disabled(ZVItem const& cycle, long index)
     return state->DisabledMask[index / 32] >> (index % 32) & 1;
 }
 
+long Entry_From(ZVItem const& cycle, long index, long steps)
+{
+    long const last = List_Entries(&cycle.entries) - 1, onward = steps < 0 ? -1 : 1;
+    auto const isPassedOver = [&](long entry) {
+        return Is_Separator(*List_Entry(&cycle.entries, entry)) || Is_Marked_Disabled(cycle, entry);
+    };
+    long target = std::clamp(index + steps, 0L, std::max(last, 0L));
+    while (target >= 0 && target <= last && isPassedOver(target))
+        target += onward;
+    return target < 0 || target > last ? index : target;
+}
+
 void EnableCycleGadEntry(ZVItem* item, unsigned long entryId, long enable)
 {
     CycleState* const state = item ? State_Of_Cycle(*item) : nullptr;

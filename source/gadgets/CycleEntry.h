@@ -23,6 +23,10 @@ long Chosen_Index(ZVItem const& cycle);
 bool Is_Separator(Node const& entry);
 bool Is_Marked_Disabled(ZVItem const& cycle, long index);
 
+/// The entry that lies so many steps from an index, or as far as there are entries; separators and disabled
+/// ones are passed over. The index itself when there is none that way.
+long Entry_From(ZVItem const& cycle, long index, long steps);
+
 /// Room that the content of an entry takes across; 0 for a separator.
 long Entry_Width(Node const& entry);
 

@@ -405,10 +405,10 @@ static void Forget_Typed()
     openList.typeAhead[0] = 0;
 }
 
-static void Step(ZVItem& list, int32_t way)
+static void Step(ZVItem& list, long way)
 {
-    int32_t const last = State_Of_List(list).TotalRows - 1;
-    Choose_List_Row(list, std::clamp(list.state + way, 0, std::max(last, 0)));
+    if (ZVItem const* const owner = State_Of_List(list).Owner)
+        Choose_List_Row(list, Entry_From(*owner, list.state, way));
 }
 
 /// As by the mouse, but told by an event of its own.
@@ -468,15 +468,15 @@ struct Plan {
 
 static Plan Plan_List(ZVItem const& cycle)
 {
-    ZVRectT<long> screen;
-    GetScreenRectZV(&screen);
-    long const top = GadToScreenY(&cycle), bottom = top + cycle.height, end = screen.y + screen.height;
+    long const left = GadToScreenX(&cycle), top = GadToScreenY(&cycle), bottom = top + cycle.height;
+    ZVRectT<long> const room = Free_Area_At(left + cycle.width / 2, top + cycle.height / 2);
+    long const end = room.y + room.height;
     long const rowHeight = std::max(GetAveCharHeightZV(nullptr), 1L);
 
     Plan plan{};
     plan.total = plan.visible = List_Entries(&cycle.entries);
-    // No more rows than the screen has room for, on the side of the cycle where there is more of it.
-    long mostRows = (std::max(end - bottom, top - screen.y) - 2 * frame) / rowHeight;
+    // No more rows than the monitor has room for, on the side of the cycle where there is more of it.
+    long mostRows = (std::max(end - bottom, top - room.y) - 2 * frame) / rowHeight;
     if (TagItem const* tag = FindTagItem(ZV_ITEM_ROWS, cycle.tags))
         mostRows = std::min<long>(mostRows, Tag_Number(*tag));
     plan.visible = std::min(plan.visible, std::max(mostRows, fewestRows));
@@ -485,9 +485,12 @@ static Plan Plan_List(ZVItem const& cycle)
     for (Node const& entry : Records<Node>(cycle.entries))
         if (!Is_Separator(entry)) plan.width = std::max(plan.width, Entry_Width(entry) + textRoom);
 
-    long const height = plan.visible * rowHeight + 2 * frame;
-    plan.x = GadToScreenX(&cycle) + cycle.offsetX;
-    plan.y = bottom + height > end ? top - height : bottom;
+    plan.width = std::min(plan.width, room.width - plan.Scroll_Width());
+
+    // Whole on the monitor, although the cycle may not be.
+    long const width = plan.width + plan.Scroll_Width(), height = plan.visible * rowHeight + 2 * frame;
+    plan.x = std::max(std::min(left + cycle.offsetX, room.x + room.width - width), room.x);
+    plan.y = std::max(std::min(bottom + height > end ? top - height : bottom, end - height), room.y);
     return plan;
 }
 

@@ -123,18 +123,6 @@ static bool Wants_Prefs(Display const& display)
     return !display.overridesPrefs && !(display.palette.flags & ZV_PALF_NO_PREFS);
 }
 
-/// The rectangle around all monitors.
-static ZVRectT<long> Desktop()
-{
-    ZVMonitor const& main = ZVEnv->monitors[0];
-    ZVRectT<long> area{main.left, main.top, main.width, main.height};
-    for (int i = 1; i < ZVEnv->monitorCount; ++i) {
-        ZVMonitor const& monitor = ZVEnv->monitors[i];
-        area.Union({monitor.left, monitor.top, monitor.width, monitor.height});
-    }
-    return area;
-}
-
 /// A saved size as far as the desktop can show it. What is no size leaves things as they are.
 static void Take_Saved_Length(long& length, long saved, long most)
 {
@@ -151,7 +139,7 @@ static void Take_Saved_Size(Display& display)
     if (!Wants_Prefs(display) ||
         !Get_Dest_Window(&palette, &window, &pseudoId, nullptr, nullptr, &width, &height, nullptr))
         return;
-    ZVRectT<long> const desktop = Desktop();
+    ZVRectT<long> const desktop = Desktop_Area();
     if (palette.forcedWidth == -1 && (palette.flags & (ZV_PALF_SIZE_BOTH | ZV_PALF_SIZE_X)))
         Take_Saved_Length(display.width, width, desktop.width);
     if (palette.forcedHeight == -1 && (palette.flags & (ZV_PALF_SIZE_BOTH | ZV_PALF_SIZE_Y)))
@@ -225,16 +213,6 @@ static void Lay_Out(Display& display)
 
 // ---- places -----------------------------------------------------------------------------------------------
 
-ZVRectT<long> Mouse_Monitor()
-{
-    for (int i = ZVEnv->monitorCount; i-- > 0;) {
-        ZVMonitor const& monitor = ZVEnv->monitors[i];
-        ZVRectT<long> const area{monitor.left, monitor.top, monitor.width, monitor.height};
-        if (i == 0 || area.IsIn(ZVEnv->pointerX, ZVEnv->pointerY)) return area;
-    }
-    return {};
-}
-
 /// Where the palette stands in its pseudo-window, its tabs included, which stands in the root window.
 static ZVRectT<long> Place_In_Pseudo_Window(Display const& display)
 {
@@ -287,7 +265,7 @@ static void Take_Saved_Window(Display& display, long& x, long& y, long& activate
     if (!Get_Dest_Window(&palette, &window, &pseudoId, &savedX, &savedY, nullptr, nullptr, &activates))
         return;
     ZVRectT<long> area{savedX, savedY, palette.width, palette.height};
-    if (!pseudoId && area.Intersect(Desktop())) {
+    if (!pseudoId && area.Intersect(Desktop_Area())) {
         x = savedX;
         y = savedY;
     }

@@ -86,8 +86,14 @@ private:
 /// the palette may be gone afterwards.
 void Palette_Visible(ZVPalette& palette, bool visible);
 
+/// The rectangle around all monitors.
+ZVRectT<long> Desktop_Area();
+
 /// The monitor that holds the mouse; the first one when none does.
 ZVRectT<long> Mouse_Monitor();
+
+/// What the menu bar, which is that of the first monitor, leaves free of the monitor that holds a point.
+ZVRectT<long> Free_Area_At(long x, long y);
 
 /// The title that a window shows.
 char const* Window_Title(ZVWindow const& window);

@@ -122,10 +122,10 @@ MessageExtent Measure(char const* text, long width)
 struct Room {
     Room()
     {
-        ZVRectT<long> const monitor = Mouse_Monitor();
+        ZVRectT<long> const area = Free_Area_At(ZVEnv->pointerX, ZVEnv->pointerY);
         long const margins = 2L * ZVEnv->style->paletteMargin;
-        width = monitor.width - margins;
-        height = monitor.height - Menu_Bar_Height() - margins;
+        width = area.width - margins;
+        height = area.height - margins;
     }
 
     long Text_Room() const { return width * 2 / 3; }

@@ -197,16 +197,17 @@ struct KeyCase {
     std::optional<long> state;  ///< when the last key has closed the list
 };
 KeyCase const keyCases[] = {
-    {"down and down", {"Down", "Down"}, 2, {}},
+    {"down over a separator", {"Down"}, 2, {}},
+    {"down and down", {"Down", "Down"}, 3, {}},
+    {"down and up again", {"Down", "Down", "Up", "Up"}, 0, {}},
     {"up stops at the first", {"Up"}, 0, {}},
     {"down stops at the last", Strings(9, "Down"), 6, {}},
-    {"Return takes it", {"Down", "Down", "Return"}, 2, 3},
-    {"Return takes no separator", {"Down", "Return"}, 1, 1},
-    {"Escape takes nothing", {"Down", "Down", "Escape"}, 2, 1},
+    {"Return takes it", {"Down", "Return"}, 2, 3},
+    {"Escape takes nothing", {"Down", "Escape"}, 2, 1},
     {"the first that begins so, in any case", {"C"}, 3, {}},
     {"by more letters", {"c", "h", "e", "r", "U"}, 4, {}},
     {"between two the one before", {"c", "a"}, 2, {}},
-    {"before all nothing moves", {"Down", "1"}, 1, {}},
+    {"before all nothing moves", {"Down", "1"}, 2, {}},
     {"letters in a row are one word", {"b", "d"}, 2, {}},
     {"after a pause they begin another", {"b", "wait", "d"}, 6, {}},
 };
@@ -245,6 +246,24 @@ TEST_F(CycleTest, KeysGoToTheOpenList)
     HeadlessKeyZV(ZV_KEY_RETURN);
     HeadlessRunZV(0);
     EXPECT_EQ(Told(), 1);
+    // A separator takes no Return when the mouse is on it, and disabled entries are passed over as well.
+    Press_Cycle();
+    Move_To_Row(1);
+    HeadlessKeyZV(ZV_KEY_RETURN);
+    HeadlessRunZV(0);
+    EXPECT_FALSE(Is_Open());
+    EXPECT_EQ(Told(), 0);
+    Release();
+    ModifyItemZV(&Cycle(), ZV_ITEM_DISABLE_ENTRY, 3, 0);
+    ModifyItemZV(&Cycle(), ZV_ITEM_DISABLE_ENTRY, 7, 0);
+    Click_Cycle();
+    std::vector<long> rows;
+    for (unsigned long const key : {ZV_KEY_DOWN, ZV_KEY_DOWN, ZV_KEY_DOWN, ZV_KEY_UP, ZV_KEY_UP}) {
+        HeadlessKeyZV(key);
+        HeadlessRunZV(0);
+        rows.push_back(List().state);
+    }
+    EXPECT_EQ(rows, (std::vector<long>{3, 4, 4, 3, 0}));
 }
 
 struct PlaceCase {
@@ -285,6 +304,47 @@ TEST_F(CycleTest, TheListStandsWhereThereIsRoom)
     Click_Cycle();
     EXPECT_GE(Place().y, 0) << "no more rows than the screen holds";
     EXPECT_TRUE(Bar());
+}
+
+TEST_F(CycleTest, TheListIsWholeOnTheMonitorAtAllEdges)
+{
+    struct Case {
+        char const* why;
+        std::string entries;
+        long left, top;
+    };
+    std::string const wide(60, 'M'), far(400, 'M');
+    ZVRectT<long> screen;
+    GetScreenRectZV(&screen);
+    Case const cases[] = {
+        {"wider than the room at its right", wide + ",Short", 1400, 300},
+        {"of a gadget that stands out at the left", wide + ",Short", -40, 300},
+        {"wider than the monitor", far + ",Short", 300, 300},
+        {"higher than it", Many(300), 300, 700},
+        {"at the lower right, with a scroll bar", Many(300) + ',' + wide, 1450, 1150},
+        {"above the upper edge", Many(30), 300, -5},
+        {"below the lower edge", Many(10), 300, 1195},
+    };
+    for (Case const& row : cases) {
+        Show(row.entries, 300);
+        ZVRectT<long> client;
+        GetClientRectZV(FindPaletteZV(1)->window, &client);
+        client.x = row.left;
+        client.y = row.top;
+        HeadlessDragFrameZV(FindPaletteZV(1)->window, &client);
+        HeadlessRunZV(0);
+        ZVCustomEvent press{};
+        press.type = ZV_CUSTOM_MOUSE_DOWN;
+        press.item = &Cycle();
+        CycleCustomFunc(&press);
+        ZVRectT<long> const place = Place();
+        EXPECT_GE(place.x, screen.x) << row.why;
+        EXPECT_GE(place.y, screen.y) << row.why;
+        EXPECT_LE(place.Right(), screen.Right()) << row.why;
+        EXPECT_LE(place.Bottom(), screen.Bottom()) << row.why;
+        EXPECT_EQ(place.width, List().width + (Bar() ? Bar()->width : 0)) << row.why;
+        ClosePaletteZV(1);
+    }
 }
 
 TEST_F(CycleTest, ALongListScrollsByItsArrowsAndItsWheel)

@@ -339,6 +339,35 @@ TEST_F(Menu, AContextualMenuOpensAtTheMouseAndWaits)
     EXPECT_EQ(Told(), "");
 }
 
+TEST_F(Menu, AMenuThatOpensAtAPointIsWholeAtAllEdges)
+{
+    InitMenuZV();
+    AddMenuItemZV(40, "Red", 0, nullptr);
+    AddMenuItemZV(41, "Green", 0, nullptr);
+    ZVMenu* const menu = EndMenuZV(4, "Colours", ZV_MENU_POPUP, 1, 0);
+    struct Case {
+        char const* why;
+        long x, y, top;
+    };
+    long const height = 2 * border + 2 * Row_Height();
+    Case const cases[] = {
+        {"in the middle", 700, 500, 500},
+        {"left of the monitor", -50, 500, 500},
+        {"above it", 700, -50, 0},
+        {"at its right edge", 1595, 500, 500},
+        {"at its lower edge", 700, 1195, 1200 - height},
+        {"beyond its corner", 1700, 1300, 1200 - height},
+    };
+    for (Case const& row : cases) {
+        HeadlessPauseZV(500);
+        long const x = std::clamp(row.x + 10, 10L, 1590L);
+        HeadlessClickZV(x, row.top + border + Row_Height() * 3 / 2, ZV_HEADLESS_LEFT);
+        ZVMenu const* const chosen = Select_From_Menu(menu, row.x, row.y);
+        EXPECT_EQ(chosen ? chosen->node.id : 0, 41U) << row.why;
+    }
+    DelMenuZV(menu);
+}
+
 TEST_F(Menu, TheMenuGadgetTakesTheEntryAsItsState)
 {
     InitMenuZV();
