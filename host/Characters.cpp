@@ -28,3 +28,19 @@ HostCharacterKind Character_Kind(char32_t character)
     default: return HostCharacterKind::Sign;
     }
 }
+
+/// A mark that leaves the letter below it the same one, as an accent does. Those of other scripts can be
+/// vowels.
+static bool Is_Accent(char32_t character)
+{
+    return (character >= 0x300 && character <= 0x36F) || character == 0x3099 || character == 0x309A;
+}
+
+char32_t Character_Without_Accents(char32_t character)
+{
+    hb_unicode_funcs_t* const tables = hb_unicode_funcs_get_default();
+    hb_codepoint_t letter = 0, mark = 0;
+    while (hb_unicode_decompose(tables, character, &letter, &mark) && (mark == 0 || Is_Accent(mark)))
+        character = letter;
+    return Is_Accent(character) ? 0 : character;
+}

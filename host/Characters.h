@@ -13,3 +13,7 @@ enum class HostCharacterKind : uint8_t {
 
 /// @param character  code point; one that is none is a Control
 HostCharacterKind Character_Kind(char32_t character);
+
+/// The letter below its accents, as the e of an é. 0 for an accent that is a character of its own, and every
+/// other character itself.
+char32_t Character_Without_Accents(char32_t character);

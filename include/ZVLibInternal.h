@@ -182,6 +182,10 @@ ZV_API OSBrowseResult OS_Browse_Directory(char const* path, bool (*visit)(OSBrow
 /// @param path  native
 ZV_API bool OS_Measure_File(char const* path, int64_t* size, int64_t* modified);
 
+/// The letter below its accents, as the e of an é, by which names are sorted. 0 for an accent that is a
+/// character of its own, and every other character itself. On any thread.
+ZV_API char32_t OS_Character_Without_Accents(char32_t character);
+
 /// What the file system tells of a file or directory; of what it leads to for a link.
 struct OSFileStatus {
     int64_t size;

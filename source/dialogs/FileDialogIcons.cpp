@@ -152,7 +152,7 @@ FileIcon Icon_Of_File(std::string_view name)
 {
     std::size_t const dot = name.rfind('.');
     if (dot == name.npos || dot + 1 == name.size()) return FileIcon::File;
-    std::string const wanted = ' ' + Small_Letters(name.substr(dot + 1)) + ' ';
+    std::string const wanted = ' ' + Folded(name.substr(dot + 1)) + ' ';
     for (Family const& family : families)
         if (family.extensions.find(wanted) != family.extensions.npos) return family.icon;
     return FileIcon::File;

@@ -17,7 +17,7 @@ constexpr unsigned long WaitTime = 100;
 constexpr uint64_t FilterTime = 30000;
 constexpr std::size_t FilterStep = 16;
 
-/// The name's bytes settle what is the same but for case and leading zeros.
+/// The name's bytes settle what is the same but for case, accents and leading zeros.
 int Compare_Names(FileEntry const& a, FileEntry const& b)
 {
     int const order = a.key.compare(b.key);
@@ -116,8 +116,8 @@ long FileListing::Row_Of_Name(std::string_view name) const
 
 long FileListing::Row_Of_Prefix(std::string_view typed) const
 {
-    std::string const wanted = Small_Letters(typed);
+    std::string const wanted = Folded(typed);
     for (long row = 0; row < Row_Count(); ++row)
-        if (Small_Letters(Shown_Name(Row(row).name)).starts_with(wanted)) return row;
+        if (Folded(Shown_Name(Row(row).name)).starts_with(wanted)) return row;
     return -1;
 }

@@ -50,7 +50,7 @@ public:
     long Row_Of_Entry(long entry) const;
     long Row_Of_Name(std::string_view name) const;
 
-    /// The first row whose name begins so, without case; -1 when there is none.
+    /// The first row whose name begins so, without case and accents; -1 when there is none.
     long Row_Of_Prefix(std::string_view typed) const;
 
 private:

@@ -6,6 +6,7 @@
 #include "FileDialogText.h"
 
 #include "Locale/ZVLibStr.h"
+#include "foundation/Utf8.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -26,14 +27,6 @@ constexpr char const* WidestDate = "0000-00-00  00:00";
 long Column_Width(ZVDrawInfo const* draw, char const* widest, unsigned long titleId)
 {
     return std::max(GetTextWidthZV(draw, widest), GetTextWidthZV(draw, titleId) + ArrowRoom) + 2 * CellMargin;
-}
-
-std::string Utf8_Of(unsigned long character)
-{
-    auto const tail = [&](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
-    if (character < 0x80) return {static_cast<char>(character)};
-    if (character < 0x800) return {static_cast<char>(0xC0 | character >> 6), tail(0)};
-    return {static_cast<char>(0xE0 | character >> 12), tail(6), tail(0)};
 }
 
 /// A small triangle that points where the larger values are.
@@ -261,7 +254,7 @@ bool FileRows::Find_Typed(unsigned long character)
     if (now - typedAt_ > TypingTime) typed_.clear();
     if (typed_.empty() && character == ' ') return false;
     typedAt_ = now;
-    typed_ += Utf8_Of(character);
+    Append_Character(typed_, static_cast<char32_t>(character));
     long const row = listing_.Row_Of_Prefix(typed_);
     if (row >= 0) Select_Row(row);
     return true;

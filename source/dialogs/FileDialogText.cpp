@@ -1,6 +1,9 @@
 // See FileDialogText.h.
 #include "FileDialogText.h"
 
+#include "ZVLibInternal.h"
+#include "foundation/Utf8.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
@@ -8,17 +11,39 @@
 
 namespace {
 
-/// The small letter of a character of two bytes in UTF-8.
-unsigned Small_Letter(unsigned c)
+/// The small letter, of Latin, Greek and Cyrillic.
+char32_t Small_Letter(char32_t c)
 {
-    if (c >= 0xC0 && c <= 0xDE && c != 0xD7) return c + 0x20;
+    bool const isLatin = c >= 0xC0 && c <= 0xDE && c != 0xD7;
+    bool const isOther = (c >= 0x391 && c <= 0x3A9) || (c >= 0x410 && c <= 0x42F);
+    if ((c >= 'A' && c <= 'Z') || isLatin || isOther) return c + 0x20;
     if (c >= 0x100 && c <= 0x177 && c != 0x138 && c != 0x149) {
         bool const areOddCapitals = c >= 0x139 && c <= 0x148;
         return (c % 2 == 1) == areOddCapitals ? c + 1 : c;
     }
-    if ((c >= 0x391 && c <= 0x3A9) || (c >= 0x410 && c <= 0x42F)) return c + 0x20;
-    if (c >= 0x400 && c <= 0x40F) return c + 0x50;
-    return c;
+    return c >= 0x400 && c <= 0x40F ? c + 0x50 : c;
+}
+
+/// What letters stand for that are no letter with a mark on it, and yet belong to one or two others.
+struct Spelling {
+    char32_t letter;
+    char const* spelling;
+};
+constexpr Spelling spellings[] = {{0xDF, "ss"}, {0xE6, "ae"},  {0xF0, "d"},  {0xF8, "o"},
+                                  {0xFE, "th"}, {0x111, "d"},  {0x127, "h"}, {0x131, "i"},
+                                  {0x142, "l"}, {0x153, "oe"}, {0x17F, "s"}, {0x3C2, "\u03c3"}};
+
+void Append_Folded(std::string& folded, char32_t character)
+{
+    // Short i stands in the alphabet behind i, as its code does; it is no i with a mark.
+    bool const isShortI = character == 0x419 || character == 0x439;
+    char32_t const letter = Small_Letter(isShortI ? character : OS_Character_Without_Accents(character));
+    if (letter == 0) return;  // an accent that follows its letter
+    auto const* const known = std::ranges::find(spellings, letter, &Spelling::letter);
+    if (known != std::end(spellings))
+        folded += known->spelling;
+    else
+        Append_Character(folded, letter);
 }
 
 bool Is_Digit(char c)
@@ -39,29 +64,28 @@ void Append_Number(std::string& key, std::string_view digits)
 
 }  // namespace
 
-std::string Small_Letters(std::string_view text)
+std::string Folded(std::string_view text)
 {
-    std::string small(text);
-    for (std::size_t i = 0; i < small.size(); ++i) {
-        auto const c = static_cast<unsigned char>(small[i]);
-        if (c >= 'A' && c <= 'Z') small[i] = static_cast<char>(c + 'a' - 'A');
-        bool const isPair = c >= 0xC3 && c <= 0xDF && i + 1 < small.size() && (small[i + 1] & 0xC0) == 0x80;
-        if (!isPair) continue;
-        unsigned const letter =
-            Small_Letter((c & 0x1FU) << 6 | (static_cast<unsigned>(small[i + 1]) & 0x3FU));
-        small[i] = static_cast<char>(0xC0 | letter >> 6);
-        small[++i] = static_cast<char>(0x80 | (letter & 0x3F));
+    std::string folded;
+    folded.reserve(text.size());
+    while (!text.empty()) {
+        Utf8Character const character = First_Character(text);
+        if (character.size > 1)
+            Append_Folded(folded, character.code);
+        else
+            folded += character.Is_Well_Formed() ? static_cast<char>(Small_Letter(character.code)) : text[0];
+        text.remove_prefix(character.size);
     }
-    return small;
+    return folded;
 }
 
 std::string Sort_Key_Of_Name(std::string_view name)
 {
-    std::string const small = Small_Letters(name);
+    std::string const folded = Folded(name);
     std::string key;
-    key.reserve(small.size() + 4);
-    for (auto place = small.begin(); place != small.end();) {
-        auto const end = std::find_if_not(place, small.end(), Is_Digit);
+    key.reserve(folded.size() + 4);
+    for (auto place = folded.begin(); place != folded.end();) {
+        auto const end = std::find_if_not(place, folded.end(), Is_Digit);
         if (end == place) {
             key += *place++;
             continue;

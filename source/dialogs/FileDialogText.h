@@ -5,10 +5,11 @@
 #include <string>
 #include <string_view>
 
-/// The text with small letters, of Latin, Greek and Cyrillic. Bytes that are no UTF-8 stay.
-std::string Small_Letters(std::string_view text);
+/// The text without case and accents, as people look names up. Bytes that are no UTF-8 stay.
+std::string Folded(std::string_view text);
 
-/// Names in the order of their keys' bytes are in natural order: without case, and numbers by their value.
+/// Names in the order of their keys' bytes are in natural order: without case and accents, and numbers by
+/// their value.
 std::string Sort_Key_Of_Name(std::string_view name);
 
 /// A name of a spec as people know it: with the colons and backslashes that a spec has other characters for,

@@ -3,9 +3,11 @@
 #include "CycleEntry.h"
 #include "ZVControl.h"
 #include "ZVKey.h"
+#include "foundation/Utf8.h"
 #include "interface/PaletteTree.h"
 
 #include <algorithm>
+#include <cstring>
 #include <strings.h>
 #include <utility>
 
@@ -356,22 +358,11 @@ long ListCustomFunc(ZVCustomEvent* event)
 /// Adds a character of the basic plane to what was typed, as far as there is room.
 static void Add_Typed(uint32_t character)
 {
-    char utf8[4] = {};
-    auto const tail = [&](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
-    if (character < 0x80) {
-        utf8[0] = static_cast<char>(character);
-    } else if (character < 0x800) {
-        utf8[0] = static_cast<char>(0xC0 | character >> 6);
-        utf8[1] = tail(0);
-    } else {
-        utf8[0] = static_cast<char>(0xE0 | character >> 12);
-        utf8[1] = tail(6);
-        utf8[2] = tail(0);
-    }
-    std::size_t const length = std::strlen(utf8);
-    if (openList.typeAheadIndex + length >= sizeof openList.typeAhead) return;
-    std::strcpy(openList.typeAhead + openList.typeAheadIndex, utf8);
-    openList.typeAheadIndex += length;
+    std::string utf8;
+    Append_Character(utf8, character);
+    if (openList.typeAheadIndex + utf8.size() >= sizeof openList.typeAhead) return;
+    std::strcpy(openList.typeAhead + openList.typeAheadIndex, utf8.c_str());
+    openList.typeAheadIndex += utf8.size();
 }
 
 /// The row that what was typed stands for: the first one that begins with it, or the last one before its

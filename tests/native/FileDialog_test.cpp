@@ -412,20 +412,34 @@ TEST(FileDialog, NobodyIsAskedWithoutAnInterface)
 
 TEST(FileListing, NamesAreInNaturalOrder)
 {
-    char const* const ordered[] = {"a",
-                                   "A1",
-                                   "a02",
-                                   "a2b",
-                                   "a10",
-                                   "a100",
-                                   "ab",
-                                   "b 1",
-                                   "\xC3\x84",
-                                   "\xC3\xA4"
-                                   "b"};
+    char const* const ordered[] = {
+        "a",
+        "A1",
+        "a02",
+        "a2b",
+        "a10",
+        "a100",
+        "\u00c4a",
+        "ab",
+        "A\u0308c",  // the accent as a character of its own
+        "\u00e6",    // spelt ae
+        "b 1",
+        "\u1ebf\u00f8",  // e with two accents, o with a stroke
+        "E\u0301t\u00e92",
+        "etE10",
+        "na\u00efve",
+        "nz",
+        "\u017b",
+        "\u0451",
+        "\u0415\u0436",  // Cyrillic io counts as ie
+        "\u0418",
+        "\u0439",  // and short i as a letter of its own
+    };
     for (std::size_t i = 1; i < std::size(ordered); ++i)
         EXPECT_LT(Sort_Key_Of_Name(ordered[i - 1]), Sort_Key_Of_Name(ordered[i])) << ordered[i];
-    EXPECT_EQ(Sort_Key_Of_Name("\xD0\x96\xCE\xA3"), Sort_Key_Of_Name("\xD0\xB6\xCF\x83"));
+    EXPECT_EQ(Sort_Key_Of_Name("\u00c9t\u00e9 01"), Sort_Key_Of_Name("ete 1"));
+    EXPECT_EQ(Sort_Key_Of_Name("\u0416\u03a3"), Sort_Key_Of_Name("\u0436\u03c2"));
+    EXPECT_EQ(Folded("\xC3(\xFF"), "\xC3(\xFF") << "no UTF-8";
     EXPECT_EQ(Size_Text(999), "999 bytes");
     EXPECT_EQ(Size_Text(1500), "1.5 KB");
     EXPECT_EQ(Size_Text(999'960), "1.0 MB");
