@@ -21,7 +21,8 @@ void Draw_Bevel(ZVPort& port, HostRect const& rect, uint32_t frame, uint32_t upp
     Draw_Edges(port, Outset(rect, -1), upper, lower);
 }
 
-uint32_t Toward_Grey(uint32_t color)
+/// The colour of a disabled frame: each component half way to the middle of its 16 bits.
+static uint32_t Toward_Grey(uint32_t color)
 {
     uint32_t grey = 0;
     for (int const shift : {16, 8, 0}) {

@@ -13,9 +13,6 @@ void Draw_Bevel(ZVPort& port, HostRect const& rect, uint32_t frame, uint32_t upp
 // Text fields and lists lie in a sunken frame, one pixel wide: the left and upper edges in the dark pen, the
 // right and lower ones in the light pen. Without `flat3D` it is an outline in the dark pen.
 
-/// The colour of what is disabled: each component half way to the middle of its 16 bits.
-uint32_t Toward_Grey(uint32_t color);
-
 /// Just inside a rectangle.
 void FrameRect3D(ZVPort& port, HostRect const& rect);
 void FrameRect3DInv(ZVPort& port, HostRect const& rect);  ///< Of what is disabled, half way to grey.

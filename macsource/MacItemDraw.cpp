@@ -30,11 +30,6 @@ static bool Is_Disabled(ZVItem const& item)
     return item.flags & ZV_ITEMF_DISABLED;
 }
 
-static uint32_t Ink_Of(ZVItem const& item)
-{
-    return Pen_Color(ZV_PEN_TEXT, Is_Disabled(item));
-}
-
 /// Draws an item that shows, and erases a hidden one where it was drawn last.
 template <typename Draw> static void Make(ZVItem& item, Draw draw)
 {
@@ -51,7 +46,8 @@ template <typename Draw> static void Make(ZVItem& item, Draw draw)
 void Make_SysText(ZVItem& item)
 {
     Make(item, [&item](ZVPort& port, HostRect const& box) {
-        port.surface.Fill(box, Pen_Color(ZV_PEN_PALETTE));
+        uint32_t const ground = Pen_Color(ZV_PEN_PALETTE), ink = Pen_Color(ZV_PEN_TEXT);
+        port.surface.Fill(box, ground);
         if (!item.text) return;
         PortClip const clip(port, box);
         TextFont const font = Find_Font({GetItemFont(&item), nullptr});
@@ -59,7 +55,8 @@ void Make_SysText(ZVItem& item)
         long const ascent = font.Ascent(), height = ascent + font.Descent();
         long const x = box.left + (box.Width() - font.Width(text)) / 2;
         long const baseLine = box.top + (box.Height() - height) / 2 + ascent;
-        font.Draw(port.surface, text, static_cast<int>(x), static_cast<int>(baseLine), Ink_Of(item));
+        font.Draw(port.surface, text, static_cast<int>(x), static_cast<int>(baseLine),
+                  Is_Disabled(item) ? Dimmed_Ink(ink, ground) : ink);
     });
 }
 
@@ -78,5 +75,7 @@ void Make_SysImage(ZVItem& item)
 
 void Make_SysLine(ZVItem& item)
 {
-    Make(item, [&item](ZVPort& port, HostRect const& box) { port.surface.Fill(box, Ink_Of(item)); });
+    Make(item, [&item](ZVPort& port, HostRect const& box) {
+        port.surface.Fill(box, Pen_Color(ZV_PEN_TEXT, Is_Disabled(item)));
+    });
 }

@@ -93,15 +93,16 @@ void ListBox::Draw_Row(ZVPort& port, Place const& place, int row) const
     int const top = place.rows.top + (row - bar_.Value()) * place.rowHeight;
     HostRect const box{place.rows.left, top, place.rows.right, top + place.rowHeight};
     bool const isSelected = row == selected_, isDisabled = Is_Disabled(item_);
-    port.surface.Fill(box, Pen_Color(isSelected ? ZV_PEN_MARKED : ZV_PEN_FACE, isDisabled));
+    uint32_t const ground = Pen_Color(isSelected ? ZV_PEN_MARKED : ZV_PEN_FACE, isDisabled);
+    port.surface.Fill(box, ground);
     if (row >= Row_Count()) return;
 
     FontChoice const choice{GetItemFont(&item_), nullptr};
     FittedText const fitted(choice, rows_[static_cast<std::size_t>(row)], box.Width() - 2 * TextInset);
     TextFont const font = Find_Font(choice);
-    unsigned long const ink = isSelected ? SelectedInk : static_cast<unsigned long>(ZV_PEN_TEXT);
+    uint32_t const ink = Pen_Color(isSelected ? SelectedInk : static_cast<unsigned long>(ZV_PEN_TEXT));
     font.Draw(port.surface, fitted.Text(), box.left + TextInset, top + static_cast<int>(font.Ascent()),
-              Pen_Color(ink, isDisabled));
+              isDisabled ? Dimmed_Ink(ink, ground) : ink);
 }
 
 void ListBox::Draw_Rows(ZVPort& port, Place const& place) const

@@ -171,7 +171,8 @@ static void Draw_Title(Title const& title, bool isLit)
     HostRect const box{title.left, 0, title.right, port.surface.Bounds().bottom - 1};
     if (isLit) port.surface.Fill(box, Pen_Color(ZV_PEN_MARKED));
     bool const isDimmed = areMenusDisabled || (title.menu && Is_Dimmed(*title.menu));
-    uint32_t const ink = isLit ? Pen_Color(LitInk) : Pen_Color(ZV_PEN_TEXT, isDimmed);
+    uint32_t const plain = Pen_Color(ZV_PEN_TEXT), dimmed = Dimmed_Ink(plain, Pen_Color(ZV_PEN_FACE));
+    uint32_t const ink = isLit ? Pen_Color(LitInk) : isDimmed ? dimmed : plain;
     TextFont const font = Find_Font(title.menu ? Menu_Font(*title.menu) : FontChoice{});
     font.Draw(port.surface, title.text, box.left + TitleMargin,
               MenuTextMargin + 1 + static_cast<int>(Find_Font({}).Ascent()), ink);

@@ -242,7 +242,8 @@ void MenuPanel::Draw_Row(int row)
     HostRect const box = Box(row);
     PortClip const clip(*port_, View());
     bool const isSelected = row == selected_;
-    port_->surface.Fill(box, Pen_Color(isSelected ? ZV_PEN_MARKED : ZV_PEN_FACE));
+    uint32_t const ground = Pen_Color(isSelected ? ZV_PEN_MARKED : ZV_PEN_FACE);
+    port_->surface.Fill(box, ground);
     MenuRow const& each = At(row);
     if (each.Is_Line()) {
         int const middle = (box.top + box.bottom) / 2;
@@ -250,7 +251,8 @@ void MenuPanel::Draw_Row(int row)
         port_->surface.Fill(HostRect{box.left, middle, box.right, middle + 1}, Pen_Color(ZV_PEN_LIGHT_EDGE));
         return;
     }
-    uint32_t const ink = isSelected ? SelectedInk : Pen_Color(ZV_PEN_TEXT, Is_Dimmed(*each.menu));
+    uint32_t const plain = Pen_Color(isSelected ? SelectedInk : static_cast<unsigned long>(ZV_PEN_TEXT));
+    uint32_t const ink = Is_Dimmed(*each.menu) ? Dimmed_Ink(plain, ground) : plain;
     Draw_Text(row, box, ink);
     if (Is_Marked(*each.menu))
         Draw_Mark(*port_, {box.left, box.top, box.left + MarkRoom, box.bottom}, each.menu->exclusion, ink);

@@ -63,6 +63,13 @@ inline uint32_t Pen_Color(unsigned long colour, bool isDisabled = false)
     return static_cast<uint32_t>(isDisabled ? DisableColorZV(colour) : GetColorZV(colour)) & 0xFFFFFF;
 }
 
+/// The colour of a text that is out of use: half way from its own to that of its ground. The disabled colour
+/// of a light text would get lost on a dark ground.
+inline uint32_t Dimmed_Ink(uint32_t ink, uint32_t ground)
+{
+    return (ink & ground) + ((ink ^ ground) >> 1 & 0x7F7F7F);
+}
+
 /// The port that the platform draws in at present, or null.
 ZVPort* Current_Port();
 void Make_Current(ZVPort* port);

@@ -122,9 +122,9 @@ void TextField::Show_State()
 
 TextColors TextField::Colors() const
 {
-    uint32_t const paper = Pen_Color(ZV_PEN_TEXT_FIELD), ink = Pen_Color(ZV_PEN_TEXT);
-    return {.paper = Is_Disabled() ? Toward_Grey(paper) : paper,
-            .ink = Is_Disabled() ? Toward_Grey(ink) : ink,
+    uint32_t const paper = Pen_Color(ZV_PEN_TEXT_FIELD, Is_Disabled()), ink = Pen_Color(ZV_PEN_TEXT);
+    return {.paper = paper,
+            .ink = Is_Disabled() ? Dimmed_Ink(ink, paper) : ink,
             .marked = Pen_Color(ZV_PEN_MARKED),
             .markedInk = 0};
 }

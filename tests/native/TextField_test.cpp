@@ -350,7 +350,7 @@ TEST_F(TextField, IsSunkenWithWholeLettersInItsMiddle)
     };
     expectColors(0x000000, 0xFFFFFF, 0xE1A899, 0x102030);
     ItemEnabledZV(1, 0);
-    expectColors(0x404040, 0xC0C0C0, 0xB0948C, 0x485058);
+    expectColors(0x404040, 0xC0C0C0, 0xA69591, 0x5B5A60);
 }
 
 TEST_F(TextField, TheCaretBlinksAndTheSelectionIsMarked)
