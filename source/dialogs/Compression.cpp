@@ -9,6 +9,11 @@
 #include <cmath>
 #include <cstring>
 
+CodecList::CodecList(bool isSound, bool isStreamed) : codecs_(OS_Movie_List_Codecs(isSound))
+{
+    if (isStreamed) std::erase_if(codecs_, [](OSMovieCodec const& codec) { return !codec.canStream; });
+}
+
 void CodecList::Add_First(uint32_t code, char const* name)
 {
     OSMovieCodec codec{};

@@ -14,12 +14,16 @@ class CodecList {
 public:
     explicit CodecList(std::vector<OSMovieCodec> codecs) : codecs_(std::move(codecs)) {}
 
+    /// Those for pictures or sound that the movie layer has, of which some cannot be streamed.
+    CodecList(bool isSound, bool isStreamed);
+
     /// Puts one ahead of those that the movie layer has.
     void Add_First(uint32_t code, char const* name);
 
     /// Declares the cycle with the entry of `code`, the first one when that is not offered.
     void Add_Cycle(unsigned short id, uint32_t code) const;
-    OSMovieCodec const& Chosen(unsigned short id) const;
+    OSMovieCodec const& Chosen(unsigned short id) const;  ///< Of a list that is not empty.
+    bool Is_Empty() const { return codecs_.empty(); }
 
 private:
     std::vector<OSMovieCodec> codecs_;

@@ -58,8 +58,9 @@ void FileDialog::Add_Path_Group()
 {
     InitGroupZV();
     AddGadgetZV(FileDialogIds::Path, FirstPlace, 0, ZV_GAD_CUSTOM, ZV_SIZE_CUSTOM, nullptr,
-                ZV_ITEM_CUSTOM_FUNC, FilePath::Gadget, ZV_ITEM_USER_DATA, &path_, ZV_ITEM_WIDTH, 200,
-                ZV_ITEM_HEIGHT, ZVEnv->style->gadgetHeight, ZV_ITEM_GROW_WIDTH, 100, 0);
+                ZV_ITEM_CUSTOM_FUNC, FileDialogGadget::Function, ZV_ITEM_USER_DATA,
+                static_cast<FileDialogGadget*>(&path_), ZV_ITEM_WIDTH, 200, ZV_ITEM_HEIGHT,
+                ZVEnv->style->gadgetHeight, ZV_ITEM_GROW_WIDTH, 100, 0);
     AddGadgetZV(FileDialogIds::Up, BesidePlace, -1, ZV_GAD_BUTTON, ZV_SIZE_SMALL, ZVSTR_DIALOG_UP,
                 ZV_GAP_WIDE, 1, 0);
     if (question_.mode != FileDialogMode::Open)
@@ -73,13 +74,15 @@ void FileDialog::Add_List_Groups()
     long const height = List_Height(LeastRows);
     InitGroupZV();
     AddGadgetZV(FileDialogIds::Places, FirstPlace, 0, ZV_GAD_CUSTOM, ZV_SIZE_CUSTOM, nullptr,
-                ZV_ITEM_CUSTOM_FUNC, FilePlaces::Gadget, ZV_ITEM_USER_DATA, &places_, ZV_ITEM_WIDTH,
-                places_.Natural_Width(), ZV_ITEM_HEIGHT, height, ZV_ITEM_GROW_HEIGHT, 100, 0);
+                ZV_ITEM_CUSTOM_FUNC, FileDialogGadget::Function, ZV_ITEM_USER_DATA,
+                static_cast<FileDialogGadget*>(&places_), ZV_ITEM_WIDTH, places_.Natural_Width(),
+                ZV_ITEM_HEIGHT, height, ZV_ITEM_GROW_HEIGHT, 100, 0);
     EndGroupZV(PlacesGroup, BelowPlace, PathGroup, nullptr, ZV_GRP_GROW_HEIGHT, 100, ZV_MARGIN_NONE, 1,
                ZV_GAP_FIXED, Gap, 0);
     InitGroupZV();
     AddGadgetZV(FileDialogIds::Rows, FirstPlace, 0, ZV_GAD_CUSTOM, ZV_SIZE_CUSTOM, nullptr,
-                ZV_ITEM_CUSTOM_FUNC, FileRows::Gadget, ZV_ITEM_USER_DATA, &rows_, ZV_ITEM_WIDTH,
+                ZV_ITEM_CUSTOM_FUNC, FileDialogGadget::Function, ZV_ITEM_USER_DATA,
+                static_cast<FileDialogGadget*>(&rows_), ZV_ITEM_WIDTH,
                 LeastColumns * GetAveCharWidthZV(nullptr), ZV_ITEM_HEIGHT, height, ZV_ITEM_GROW_WIDTH, 100,
                 ZV_ITEM_GROW_HEIGHT, 100, 0);
     AddGadgetZV(FileDialogIds::Bar, BesidePlace, -1, ZV_GAD_VPROP, ZV_SIZE_DEFAULT, nullptr, ZV_ITEM_MIN, 0,

@@ -72,6 +72,7 @@ private:
     void Open_Selected();
     void Take_File(FileEntry const& entry);
     void Take_Directory();
+    bool Can_Take(std::string const& spec);
     void Save_As(std::string const& text);
     bool May_Replace(std::string const& spec);
     void Make_Folder();

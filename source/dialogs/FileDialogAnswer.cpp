@@ -69,14 +69,20 @@ void FileDialog::Open_Selected()
         return;
     }
     std::string const spec = spec_ + entry.name + '\\';
-    if (spec.size() >= static_cast<std::size_t>(ZV_SPEC_SIZE)) {
-        Tell(ZVSTR_DIALOG_BAD_NAME, Shown_Name(entry.name));
-    } else if (!FileExistsZV(spec.c_str())) {
-        Tell(ZVSTR_DIALOG_NOT_THERE, Shown_Name(entry.name));
-        if (Is_There()) Read_Again();
-    } else {
-        Go_To(spec);
-    }
+    if (Can_Take(spec)) Go_To(spec);
+}
+
+/// Whether a spec has the room that specs have, and what it names is still there. The user is told otherwise,
+/// and shown what is there by now.
+bool FileDialog::Can_Take(std::string const& spec)
+{
+    bool const isTooLong = spec.size() >= static_cast<std::size_t>(ZV_SPEC_SIZE);
+    if (!isTooLong && FileExistsZV(spec.c_str())) return true;
+    std::string_view named = spec;
+    if (named.ends_with('\\')) named.remove_suffix(1);
+    Tell(isTooLong ? ZVSTR_DIALOG_BAD_NAME : ZVSTR_DIALOG_NOT_THERE, Name_Of(named));
+    if (!isTooLong && Is_There()) Read_Again();
+    return false;
 }
 
 void FileDialog::Take_File(FileEntry const& entry)
@@ -86,14 +92,7 @@ void FileDialog::Take_File(FileEntry const& entry)
         return;
     }
     std::string const spec = spec_ + entry.name;
-    if (spec.size() >= static_cast<std::size_t>(ZV_SPEC_SIZE)) {
-        Tell(ZVSTR_DIALOG_BAD_NAME, Shown_Name(entry.name));
-    } else if (!FileExistsZV(spec.c_str())) {
-        Tell(ZVSTR_DIALOG_NOT_THERE, Shown_Name(entry.name));
-        if (Is_There()) Read_Again();
-    } else {
-        Finish(spec);
-    }
+    if (Can_Take(spec)) Finish(spec);
 }
 
 /// The directory that is selected, or the one that is shown.
@@ -101,14 +100,7 @@ void FileDialog::Take_Directory()
 {
     long const row = rows_.Selected_Row();
     std::string const spec = row < 0 ? spec_ : spec_ + listing_.Row(row).name + '\\';
-    if (spec.size() >= static_cast<std::size_t>(ZV_SPEC_SIZE)) {
-        Tell(ZVSTR_DIALOG_BAD_NAME, Name_Of(std::string_view(spec).substr(0, spec.size() - 1)));
-    } else if (!FileExistsZV(spec.c_str())) {
-        Tell(ZVSTR_DIALOG_NOT_THERE, Name_Of(std::string_view(spec).substr(0, spec.size() - 1)));
-        if (Is_There()) Read_Again();
-    } else {
-        Finish(spec);
-    }
+    if (Can_Take(spec)) Finish(spec);
 }
 
 // ---- names ------------------------------------------------------------------------------------------------

@@ -25,9 +25,3 @@ void Draw_Fitted_Text(ZVDrawInfo* draw, std::string const& text, long x, long y,
 
 /// The frame of a list, which marks the one that has the keyboard.
 void Draw_List_Frame(ZVDrawInfo* draw, ZVItem const& item, bool hasKeyboard);
-
-/// The object that a gadget was declared with as its user data.
-template <typename Object> Object& Object_Of(ZVCustomEvent const* event)
-{
-    return *reinterpret_cast<Object*>(event->item->userData);
-}

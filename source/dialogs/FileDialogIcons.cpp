@@ -28,6 +28,11 @@ public:
         SetPenZV(draw_, colour);
         DrawRectZV(draw_, X(left), Y(top), X(right) - 1, Y(bottom) - 1);
     }
+    void Panel(unsigned long colour, long left, long top, long right, long bottom) const
+    {
+        Fill(colour, left, top, right, bottom);
+        Frame(Dark, left, top, right, bottom);
+    }
     void Oval(unsigned long colour, long left, long top, long right, long bottom) const
     {
         SetPenZV(draw_, colour);
@@ -81,11 +86,9 @@ void Draw_Text_Lines(Canvas const& canvas)
 
 void Draw_Picture_File(Canvas const& canvas)
 {
-    canvas.Fill(Paper, 1, 2, 15, 14);
-    canvas.Fill(Blue, 2, 3, 14, 13);
+    canvas.Panel(Blue, 1, 2, 15, 14);
     canvas.Oval(FolderLight, 9, 4, 13, 8);
     canvas.Polygon(Green, true, {2, 13, 2, 11, 6, 7, 10, 11, 12, 9, 14, 11, 14, 13});
-    canvas.Frame(Dark, 1, 2, 15, 14);
 }
 
 void Draw_Movie_File(Canvas const& canvas)
@@ -109,8 +112,7 @@ void Draw_Sound_File(Canvas const& canvas)
 
 void Draw_Home(Canvas const& canvas)
 {
-    canvas.Fill(Paper, 3, 8, 13, 14);
-    canvas.Frame(Dark, 3, 8, 13, 14);
+    canvas.Panel(Paper, 3, 8, 13, 14);
     canvas.Fill(Blue, 7, 10, 9, 14);
     canvas.Polygon(Red, true, {8, 1, 15, 8, 1, 8});
     canvas.Polygon(Dark, false, {8, 1, 14, 8, 1, 8, 8, 1});
@@ -118,8 +120,7 @@ void Draw_Home(Canvas const& canvas)
 
 void Draw_Screen(Canvas const& canvas, unsigned long colour)
 {
-    canvas.Fill(Metal, 1, 2, 15, 12);
-    canvas.Frame(Dark, 1, 2, 15, 12);
+    canvas.Panel(Metal, 1, 2, 15, 12);
     canvas.Fill(colour, 3, 4, 13, 10);
     canvas.Fill(Dark, 7, 12, 9, 14);
     canvas.Fill(Dark, 4, 13, 12, 14);
@@ -127,9 +128,8 @@ void Draw_Screen(Canvas const& canvas, unsigned long colour)
 
 void Draw_Disk(Canvas const& canvas)
 {
-    canvas.Fill(Metal, 1, 5, 15, 12);
+    canvas.Panel(Metal, 1, 5, 15, 12);
     canvas.Fill(Paper, 2, 6, 14, 7);
-    canvas.Frame(Dark, 1, 5, 15, 12);
     canvas.Fill(Dark, 3, 9, 9, 10);
     canvas.Fill(Green, 11, 9, 13, 10);
 }

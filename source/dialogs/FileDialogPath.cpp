@@ -7,7 +7,6 @@
 #include "Locale/ZVLibStr.h"
 
 #include <algorithm>
-#include <new>
 #include <utility>
 
 namespace {
@@ -36,7 +35,7 @@ void FilePath::Show(std::string const& spec)
             {isRoot ? GetStringZV(ZVSTR_DIALOG_COMPUTER) : Shown_Name(name), spec.substr(0, end + 1)});
         start = end + 1;
     }
-    if (item_) Draw();
+    if (item_) Draw_All();
 }
 
 std::string FilePath::Pressed() const
@@ -90,7 +89,7 @@ long FilePath::Part_At(long x) const
     return -1;
 }
 
-void FilePath::Draw()
+void FilePath::Draw_All()
 {
     DrawContext const draw(DrawBeginZV(item_));
     if (!draw) return;
@@ -121,35 +120,28 @@ void FilePath::Draw()
 
 void FilePath::Follow(long part)
 {
-    if (std::exchange(hovered_, part) != part) Draw();
+    if (std::exchange(hovered_, part) != part) Draw_All();
 }
 
-long FilePath::Gadget(ZVCustomEvent* event)
-try {
-    auto& self = Object_Of<FilePath>(event);
+void FilePath::Release(ZVCustomEvent* event)
+{
+    long const pressed = std::exchange(pressed_, -1);
+    Draw_All();
+    if (pressed < 0 || pressed != Part_At(event->x) || !Is_Inside(*item_)) return;
+    item_->state = static_cast<int32_t>(pressed);
+    Report_Use(event, ZV_MOD_RELEASE);
+}
+
+void FilePath::Take_Event(ZVCustomEvent* event)
+{
     switch (event->type) {
-    case ZV_CUSTOM_SETUP: self.item_ = event->item; break;
-    case ZV_CUSTOM_CLEANUP: self.item_ = nullptr; break;
-    case ZV_CUSTOM_DRAW:
-    case ZV_CUSTOM_DRAW_STATE:
-    case ZV_CUSTOM_DRAW_DISABLED: self.Draw(); break;
-    case ZV_CUSTOM_MOUSE_MOVE: self.Follow(self.Part_At(event->x)); break;
-    case ZV_CUSTOM_MOUSE_OUT: self.Follow(-1); break;
+    case ZV_CUSTOM_MOUSE_MOVE: Follow(Part_At(event->x)); break;
+    case ZV_CUSTOM_MOUSE_OUT: Follow(-1); break;
     case ZV_CUSTOM_MOUSE_DOWN:
-        self.pressed_ = self.Part_At(event->x);
-        self.Draw();
+        pressed_ = Part_At(event->x);
+        Draw_All();
         break;
-    case ZV_CUSTOM_MOUSE_UP: {
-        long const pressed = std::exchange(self.pressed_, -1);
-        self.Draw();
-        if (pressed < 0 || pressed != self.Part_At(event->x) || !Is_Inside(*event->item)) break;
-        event->item->state = static_cast<int32_t>(pressed);
-        Report_Use(event, ZV_MOD_RELEASE);
-        break;
-    }
+    case ZV_CUSTOM_MOUSE_UP: Release(event); break;
     default: break;
     }
-    return 1;
-} catch (std::bad_alloc const&) {
-    return 1;  // what there is no memory for does not show
 }

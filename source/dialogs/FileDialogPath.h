@@ -1,23 +1,16 @@
 // Where a file dialog is, a custom gadget: the directories down to the present one, each of which can be
-// pressed to go there.
+// pressed to go there. It reports a directory that was pressed.
 #pragma once
 
+#include "FileDialogGadget.h"
+
 #include "ZVDraw.h"
-#include "ZVEvent.h"
-#include "ZVItem.h"
 
 #include <string>
 #include <vector>
 
-class FilePath {
+class FilePath : public FileDialogGadget {
 public:
-    FilePath() = default;
-    FilePath(FilePath const&) = delete;
-    FilePath& operator=(FilePath const&) = delete;
-
-    /// The gadget's function; its user data is the object. It reports a directory that was pressed.
-    static long Gadget(ZVCustomEvent* event);
-
     void Show(std::string const& spec);  ///< Of a directory, with a closing separator.
     std::string Pressed() const;         ///< Spec of the directory of the report.
 
@@ -32,10 +25,11 @@ private:
     long Natural_Width(ZVDrawInfo* draw, std::size_t part) const;
     void Place_Parts(ZVDrawInfo* draw);
     long Part_At(long x) const;  ///< -1 for none
-    void Draw();
+    void Draw_All() override;
+    void Take_Event(ZVCustomEvent* event) override;
     void Follow(long part);
+    void Release(ZVCustomEvent* event);
 
     std::vector<Part> parts_;
-    ZVItem* item_ = nullptr;  ///< from set-up to clean-up
     long hovered_ = -1, pressed_ = -1;
 };

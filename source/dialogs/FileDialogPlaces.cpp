@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <new>
 #include <utility>
 
 namespace {
@@ -80,10 +79,11 @@ long FilePlaces::Natural_Width() const
     return std::clamp(width, 14 * average, 24 * average) + File_Icon_Size() + 2 * CellMargin + 4 + 2 * Border;
 }
 
-void FilePlaces::Draw() const
+void FilePlaces::Draw_All()
 {
     DrawContext const draw(DrawBeginZV(item_));
     if (!draw) return;
+    top_ = std::min(top_, Last_Top());  // a new size shows other places
     SetFontZV(draw.get(), GetItemFont(item_));
     SetPenZV(draw.get(), ZV_PEN_FACE);
     FillRectZV(draw.get(), Border, Border, item_->width - Border - 1, item_->height - Border - 1);
@@ -110,9 +110,25 @@ void FilePlaces::Set_Marked(long place)
 {
     marked_ = place;
     if (!item_) return;
-    long const page = std::max((item_->height - 2 * Border) / File_Row_Height(), 1L);
-    if (place >= 0) top_ = std::clamp(top_, std::max(place - page + 1, 0L), place);
-    Draw();
+    if (place >= 0) top_ = std::clamp(top_, std::max(place - Page() + 1, 0L), place);
+    Draw_All();
+}
+
+/// Places that have room.
+long FilePlaces::Page() const
+{
+    return std::max((item_->height - 2 * Border) / File_Row_Height(), 1L);
+}
+
+long FilePlaces::Last_Top() const
+{
+    return std::max(static_cast<long>(places_.size()) - Page(), 0L);
+}
+
+void FilePlaces::Turn_Wheel(ZVCustomEvent const& event)
+{
+    long const top = std::clamp(top_ + Wheel_Rows(event), 0L, Last_Top());
+    if (std::exchange(top_, top) != top) Draw_All();
 }
 
 void FilePlaces::Mark(std::string const& spec)
@@ -129,7 +145,7 @@ FilePlace const* FilePlaces::Marked() const
 
 void FilePlaces::Show_Keyboard(bool hasKeyboard)
 {
-    if (std::exchange(hasKeyboard_, hasKeyboard) != hasKeyboard && item_) Draw();
+    if (std::exchange(hasKeyboard_, hasKeyboard) != hasKeyboard && item_) Draw_All();
 }
 
 bool FilePlaces::Key(unsigned code)
@@ -148,19 +164,8 @@ void FilePlaces::Press(ZVCustomEvent* event)
     Report_Use(event, ZV_MOD_PRESS);
 }
 
-long FilePlaces::Gadget(ZVCustomEvent* event)
-try {
-    auto& self = Object_Of<FilePlaces>(event);
-    switch (event->type) {
-    case ZV_CUSTOM_SETUP: self.item_ = event->item; break;
-    case ZV_CUSTOM_CLEANUP: self.item_ = nullptr; break;
-    case ZV_CUSTOM_DRAW:
-    case ZV_CUSTOM_DRAW_STATE:
-    case ZV_CUSTOM_DRAW_DISABLED: self.Draw(); break;
-    case ZV_CUSTOM_MOUSE_DOWN: self.Press(event); break;
-    default: break;
-    }
-    return 1;
-} catch (std::bad_alloc const&) {
-    return 1;  // what there is no memory for does not show
+void FilePlaces::Take_Event(ZVCustomEvent* event)
+{
+    if (event->type == ZV_CUSTOM_MOUSE_DOWN) Press(event);
+    if (event->type == ZV_CUSTOM_WHEEL) Turn_Wheel(*event);
 }

@@ -1,10 +1,9 @@
-// The places of a file dialog, a custom gadget: the user's folders and the file systems.
+// The places of a file dialog, a custom gadget: the user's folders and the file systems. It
+// reports a place that was pressed.
 #pragma once
 
+#include "FileDialogGadget.h"
 #include "FileDialogIcons.h"
-
-#include "ZVEvent.h"
-#include "ZVItem.h"
 
 #include <string>
 #include <vector>
@@ -15,14 +14,9 @@ struct FilePlace {
     std::string spec;  ///< with a closing separator
 };
 
-class FilePlaces {
+class FilePlaces : public FileDialogGadget {
 public:
     FilePlaces();
-    FilePlaces(FilePlaces const&) = delete;
-    FilePlaces& operator=(FilePlaces const&) = delete;
-
-    /// The gadget's function; its user data is the object. It reports a place that was pressed.
-    static long Gadget(ZVCustomEvent* event);
 
     static std::string Home();  ///< Spec of the user's folder, of the root when that cannot be had.
 
@@ -36,11 +30,14 @@ private:
     void Add(FileIcon icon, std::string name, std::string spec);
     void Add_User_Places();
     void Set_Marked(long place);
-    void Draw() const;
+    void Draw_All() override;
+    void Take_Event(ZVCustomEvent* event) override;
+    long Page() const;
+    long Last_Top() const;
     void Press(ZVCustomEvent* event);
+    void Turn_Wheel(ZVCustomEvent const& event);
 
     std::vector<FilePlace> places_;
-    ZVItem* item_ = nullptr;  ///< from set-up to clean-up
     long marked_ = -1;
     long top_ = 0;  ///< first place in view
     bool hasKeyboard_ = false;

@@ -10,13 +10,11 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <new>
 #include <utility>
 
 namespace {
 
 constexpr long Border = 2;
-constexpr long WheelNotch = 40;
 constexpr long ArrowRoom = 14;       ///< of the column by which rows are sorted
 constexpr uint32_t TypingTime = 60;  ///< ticks after which a character begins a new name
 
@@ -324,36 +322,14 @@ void FileRows::Release(ZVCustomEvent* event)
     Report_Use(event, ZV_MOD_RELEASE);
 }
 
-void FileRows::Turn_Wheel(ZVCustomEvent const* event)
+void FileRows::Take_Event(ZVCustomEvent* event)
 {
-    wheelRest_ -= event->deltaY * GetWheelScrollLinesZV();
-    long const rows = wheelRest_ / WheelNotch;
-    wheelRest_ -= rows * WheelNotch;
-    if (rows) Set_Top(top_ + rows);
-}
-
-long FileRows::Gadget(ZVCustomEvent* event)
-try {
-    auto& self = Object_Of<FileRows>(event);
     switch (event->type) {
-    case ZV_CUSTOM_SETUP: self.item_ = event->item; break;
-    case ZV_CUSTOM_CLEANUP: self.item_ = nullptr; break;
-    case ZV_CUSTOM_DRAW:
-    case ZV_CUSTOM_DRAW_STATE:
-    case ZV_CUSTOM_DRAW_DISABLED:
-        // A new size shows other rows.
-        self.top_ = std::clamp(self.top_, 0L, self.Last_Top());
-        self.Draw();
-        self.Update_Bar();
-        break;
-    case ZV_CUSTOM_MOUSE_DOWN: self.Press(event); break;
+    case ZV_CUSTOM_MOUSE_DOWN: Press(event); break;
     case ZV_CUSTOM_MOUSE_MOVE:
-    case ZV_CUSTOM_TICK: self.Follow(event); break;
-    case ZV_CUSTOM_MOUSE_UP: self.Release(event); break;
-    case ZV_CUSTOM_WHEEL: self.Turn_Wheel(event); break;
+    case ZV_CUSTOM_TICK: Follow(event); break;
+    case ZV_CUSTOM_MOUSE_UP: Release(event); break;
+    case ZV_CUSTOM_WHEEL: Set_Top(top_ + Wheel_Rows(*event)); break;
     default: break;
     }
-    return 1;
-} catch (std::bad_alloc const&) {
-    return 1;  // what there is no memory for does not show
 }

@@ -1,24 +1,18 @@
 // The list of a file dialog, a custom gadget: rows of names with sizes and dates under a head by which they
-// are sorted. It draws what is in view alone, so a directory of any length scrolls alike.
+// are sorted. It draws what is in view alone, so a directory of any length scrolls alike. It
+// reports a row that was pressed, and one that is to be opened.
 #pragma once
 
+#include "FileDialogGadget.h"
 #include "FileDialogListing.h"
-
-#include "ZVEvent.h"
 
 #include <algorithm>
 #include <utility>
 
-class FileRows {
+class FileRows : public FileDialogGadget {
 public:
     /// @param barId  id of the proportional gadget beside the list
     FileRows(FileListing& listing, unsigned short barId) : listing_(listing), barId_(barId) {}
-    FileRows(FileRows const&) = delete;
-    FileRows& operator=(FileRows const&) = delete;
-
-    /// The gadget's function; its user data is the object. It reports a row that was pressed, and one that is
-    /// to be opened.
-    static long Gadget(ZVCustomEvent* event);
 
     void Show_New_Listing();   ///< Of another directory: nothing is selected.
     void Show_Listing();       ///< The rows have changed.
@@ -51,6 +45,8 @@ private:
     long Last_Top() const;
     std::string Message() const;
 
+    void Draw_All() override { Show_Listing(); }
+    void Take_Event(ZVCustomEvent* event) override;
     void Draw();
     void Draw_Head(ZVDrawInfo* draw, Area const& area) const;
     void Draw_Rows(ZVDrawInfo* draw, Area const& area) const;
@@ -63,17 +59,14 @@ private:
     void Press(ZVCustomEvent* event);
     void Follow(ZVCustomEvent* event);
     void Release(ZVCustomEvent* event);
-    void Turn_Wheel(ZVCustomEvent const* event);
 
     FileListing& listing_;
     unsigned short const barId_;
-    ZVItem* item_ = nullptr;  ///< from set-up to clean-up
-    long top_ = 0;            ///< first row in view
-    long selected_ = -1;      ///< an entry of the listing
+    long top_ = 0;        ///< first row in view
+    long selected_ = -1;  ///< an entry of the listing
     bool hasKeyboard_ = false;
     bool isPressedTwice_ = false, isOpening_ = false;
     bool isHeadPressed_ = false;
-    long wheelRest_ = 0;
     std::string typed_;
     uint32_t typedAt_ = 0;
 };

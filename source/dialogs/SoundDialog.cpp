@@ -14,19 +14,11 @@ constexpr double SampleRates[] = {8000, 11025, 16000, 22050, 32000, 44100, 48000
 constexpr long SmallestRate = 1000, LargestRate = 65535;  // of the stored options, 16.16
 constexpr ValueChoice RateChoice{RateList, Rate, SampleRates};
 
-CodecList Offered_Codecs(bool isStreamed)
-{
-    std::vector<OSMovieCodec> codecs = OS_Movie_List_Codecs(true);
-    if (isStreamed) std::erase_if(codecs, [](OSMovieCodec const& codec) { return !codec.canStream; });
-    CodecList list(std::move(codecs));
-    list.Add_First(0, GetStringZV(ZVSTR_NO_CODEC));
-    return list;
-}
-
 class SoundDialog : public ModalDialog {
 public:
-    explicit SoundDialog(ZVSoundChoice& choice) : choice_(choice), codecs_(Offered_Codecs(choice.IsStreamed))
+    explicit SoundDialog(ZVSoundChoice& choice) : choice_(choice), codecs_(true, choice.IsStreamed)
     {
+        codecs_.Add_First(0, GetStringZV(ZVSTR_NO_CODEC));
     }
 
 private:

@@ -28,13 +28,6 @@ constexpr long BytesPerKilobyte = 1000;
 constexpr long DepthWithAlpha = 32, DepthWithoutAlpha = 24;
 constexpr ValueChoice RateChoice{RateList, Rate, CommonRates};
 
-std::vector<OSMovieCodec> Offered_Codecs(bool isStreamed)
-{
-    std::vector<OSMovieCodec> codecs = OS_Movie_List_Codecs(false);
-    if (isStreamed) std::erase_if(codecs, [](OSMovieCodec const& codec) { return !codec.canStream; });
-    return codecs;
-}
-
 /// At least one for a data rate that there is.
 long Kilobytes(long bytes)
 {
@@ -43,9 +36,7 @@ long Kilobytes(long bytes)
 
 class VideoDialog : public ModalDialog {
 public:
-    explicit VideoDialog(ZVVideoChoice& choice) : choice_(choice), codecs_(Offered_Codecs(choice.IsStreamed))
-    {
-    }
+    explicit VideoDialog(ZVVideoChoice& choice) : choice_(choice), codecs_(false, choice.IsStreamed) {}
 
 private:
     void Add_Groups() override;
@@ -72,6 +63,10 @@ void Add_Limit(Gadget check, Gadget number, Gadget reference, unsigned long labe
 void VideoDialog::Add_Groups()
 {
     double const noRate = 0;
+    if (codecs_.Is_Empty()) {
+        SetError(ZV_ERR_NO_FORMAT);
+        return;
+    }
     InitGroupZV();
     codecs_.Add_Cycle(Codec, choice_.Codec);
     Add_Labelled_Cycle(Depth, Codec, ZVSTR_DEPTH, ZVSTR_DEPTHS);

@@ -6,7 +6,7 @@
 
 static ZVWindow* Find_PseudoWindow(unsigned short id)
 {
-    ZVWindow* const window = Find_Record<ZVWindow>(ZVEnv->windows, id);
+    ZVWindow* const window = ZVEnv ? Find_Record<ZVWindow>(ZVEnv->windows, id) : nullptr;
     return window && window->parent ? window : nullptr;
 }
 
@@ -85,39 +85,50 @@ void DeletePseudoWindowZV(ZVWindow* window)
 
 void DeletePseudoWindowZV(unsigned short id)
 {
-    if (ZVEnv) DeletePseudoWindowZV(Find_PseudoWindow(id));
+    DeletePseudoWindowZV(Find_PseudoWindow(id));
 }
 
 // ---- places and sizes -------------------------------------------------------------------------------------
 
+namespace {
+using Field = int32_t ZVWindow::*;
+}
+
+static void Set_Fields(unsigned short id, Field first, long firstValue, Field second, long secondValue)
+{
+    ZVWindow* const window = Find_PseudoWindow(id);
+    if (!window) return;
+    window->*first = static_cast<int32_t>(firstValue);
+    window->*second = static_cast<int32_t>(secondValue);
+}
+
+/// 0 for an unknown window.
+static void Get_Field(unsigned short id, Field field, long* value)
+{
+    ZVWindow const* const window = Find_PseudoWindow(id);
+    if (value) *value = window ? window->*field : 0;
+}
+
 void SetPseudoWindowPosZV(unsigned short id, long x, long y)
 {
-    ZVWindow* const window = ZVEnv ? Find_PseudoWindow(id) : nullptr;
-    if (!window) return;
-    window->left = static_cast<int32_t>(x);
-    window->top = static_cast<int32_t>(y);
+    Set_Fields(id, &ZVWindow::left, x, &ZVWindow::top, y);
 }
 
 void GetPseudoWindowPosZV(unsigned short id, long* x, long* y)
 {
-    ZVWindow const* const window = ZVEnv ? Find_PseudoWindow(id) : nullptr;
-    if (x) *x = window ? window->left : 0;
-    if (y) *y = window ? window->top : 0;
+    Get_Field(id, &ZVWindow::left, x);
+    Get_Field(id, &ZVWindow::top, y);
 }
 
 void SetPseudoWindowSizeZV(unsigned short id, long width, long height)
 {
-    ZVWindow* const window = ZVEnv ? Find_PseudoWindow(id) : nullptr;
-    if (!window) return;
-    window->width = static_cast<int32_t>(width);
-    window->height = static_cast<int32_t>(height);
+    Set_Fields(id, &ZVWindow::width, width, &ZVWindow::height, height);
 }
 
 void GetPseudoWindowSizeZV(unsigned short id, long* width, long* height)
 {
-    ZVWindow const* const window = ZVEnv ? Find_PseudoWindow(id) : nullptr;
-    if (width) *width = window ? window->width : 0;
-    if (height) *height = window ? window->height : 0;
+    Get_Field(id, &ZVWindow::width, width);
+    Get_Field(id, &ZVWindow::height, height);
 }
 
 // ---- rows -------------------------------------------------------------------------------------------------
