@@ -96,8 +96,9 @@ TEST_F(ScreenItems, TextsLinesAndImagesShowAreDimmedAndGo)
     EXPECT_EQ(Box(text), (HostRect{left, top, left + 20, top + 10})) << "three blocks and 2 pixels";
     for (bool const isDisabled : {false, true}) {
         GroupEnabledZV(1, !isDisabled);
+        uint32_t const textInk = isDisabled ? Dimmed_Ink(ink, paper) : ink;
         for (int x = left + 1; x < left + 19; x += 6)
-            EXPECT_TRUE(Is_Filled({x, top + 2, x + 4, top + 8}, Pen_Color(ink, isDisabled))) << x;
+            EXPECT_TRUE(Is_Filled({x, top + 2, x + 4, top + 8}, textInk)) << x;
         EXPECT_TRUE(Is_Filled({left + 5, top, left + 7, top + 10}, paper));
         EXPECT_TRUE(Is_Filled(Box(line), Pen_Color(ink, isDisabled)));
         EXPECT_TRUE(Is_Filled(Box(image), Pen_Color(0x4080C0, isDisabled)));
@@ -107,7 +108,7 @@ TEST_F(ScreenItems, TextsLinesAndImagesShowAreDimmedAndGo)
     GroupVisibleZV(1, 0);
     EXPECT_TRUE(Is_Filled({0, 0, 100, 50}, paper));
     GroupVisibleZV(1, 1);
-    EXPECT_TRUE(Is_Filled({left + 41, top + 2, left + 45, top + 8}, Pen_Color(ink, true)))
+    EXPECT_TRUE(Is_Filled({left + 41, top + 2, left + 45, top + 8}, Dimmed_Ink(ink, paper)))
         << "and shows again";
     FreeBitmapZV(picture);
 }

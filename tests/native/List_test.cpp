@@ -166,7 +166,7 @@ TEST_F(Lists, ADisabledListIsDimAndAHiddenOneLeavesNothing)
 {
     Show_Rows(20, 3);
     ItemEnabledZV(item, 0);
-    EXPECT_EQ(Blocks(0, Pen_Color(ZV_PEN_TEXT, true)), 2);
+    EXPECT_EQ(Blocks(0, Dimmed_Ink(Pen_Color(ZV_PEN_TEXT), Pen_Color(ZV_PEN_FACE, true))), 2);
     list->Press(left + 5, top + 5);
     list->Press(right - 8, bottom - 3);
     EXPECT_EQ(Mouse_Holder(), nullptr);
