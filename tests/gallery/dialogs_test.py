@@ -126,11 +126,10 @@ NAMES = ["a.txt", "b.png", "c.pict", "d.pics", "e.fs", "f.eidi", "g.vpb", "h.xyz
 
 
 def through_kinds():
-    """Goes from each entry to the next one by Down, which stops at the line too."""
+    """Goes from each entry to the next one by Down, which passes over the line between them."""
     words, last = "", 1
     for number, shown in KINDS[1:]:
-        steps = "".join(f"key Down [List={state}] " for state in range(last, number))
-        words += "{FileKinds} click 1 [List=%d] " % (last - 1) + steps
+        words += "{FileKinds} click 1 [List=%d] key Down [List=%d] " % (last - 1, number - 1)
         words += f"key Return [FileKinds={number}] [FileBar=0/{shown}] "
         last = number
     return words
