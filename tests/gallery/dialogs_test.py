@@ -184,7 +184,8 @@ TABS = [
         deactivate TextPalette
         activate IconPalette
         tab-activate IconPalette"""),
-    ("a tab that is dragged off", "{IconPalette} mousedown 1 mousemove 300 750 mouseup 1", """
+    ("a tab that is dragged off", "{LongPalette} {IconPalette} mousedown 1 mousemove 300 750 mouseup 1 "
+     "{LongPalette!} {IconPalette!}", """
         up dragged
         deactivate IconPalette
         activate TextPalette
@@ -202,7 +203,8 @@ TABS = [
         deactivate TextPalette
         activate LongPalette
         tab-activate LongPalette"""),
-    ("back to the other tabs", "{IconPalette!:15,10} mousedown 1 {TextPalette:25,10} mouseup 1", """
+    ("back to the other tabs", "{IconPalette:15,10} mousedown 1 {TextPalette:25,10} mouseup 1 "
+     "{IconPalette!}", """
         deactivate LongPalette
         activate IconPalette
         up LongPalette dragged

@@ -224,11 +224,10 @@ class Gallery:
         return ""
 
     def ids(self, name):
-        """Of a palette, whose tab counts as an item of it, of an item in one, or of an item in any."""
-        palette, _, item = name.rpartition(".")
-        number = self.names.numbers.get(item)
+        """A palette and an item in it; the tab of a palette counts as one."""
         if name in LIBRARY:
             return LIBRARY[name]
+        number = self.names.numbers[name]
         if name.endswith("Palette"):
             return number, 0
         return next((ids for ids in self.places if ids[1] == number and ("Palette", ids[0]) in self.names.words), None)
