@@ -20,11 +20,11 @@ public:
     /// Puts a window that is shown to the front of its kind.
     void Place_In_Front(HostWindow& window, HostWindowKind kind);
 
-    /// For a window that is hidden or goes. Keys go to the front one of those that stay.
+    /// For a window that is hidden or goes. Keys go back to whom had them before it.
     void Take_Off(HostWindow& window);
 
-    /// Forgets the waiting events of a window that goes.
-    void Forget_Events(HostWindow const& window);
+    /// Forgets a window that goes, and its waiting events.
+    void Forget_Window(HostWindow const& window);
 
     /// Says whom keys go to, null for another process, with the events that tell it.
     void Give_Keys(HostWindow* window);
@@ -39,6 +39,11 @@ protected:
     /// From the one behind all others to the one in front.
     std::vector<Placed> const& Placed_Windows() const { return placed_; }
 
+    /// The front document or dialog; without any, the front window of another kind.
+    HostWindow* Front_Ordinary() const;
+
+    /// Of the windows that are shown the one that had keys last; when none of them had, the front ordinary
+    /// one.
     HostWindow* Next_For_Keys() const;
 
     /// Adds an event behind those that wait. The time is filled in, and for a press the number of clicks.
@@ -51,11 +56,13 @@ protected:
     void Flush_Events();
 
 private:
+    void Note_Keys(HostWindow const& window);
     void Follow(HostEvent const& event);
     int Count_Clicks(HostEvent const& press);
 
     std::vector<Placed> placed_;
     HostWindow* front_ = nullptr;
+    std::vector<HostWindow const*> hadKeys_;  // in the order of the last time, hidden ones too
     std::deque<HostEvent> events_;
     HostModifiers modifiers_;
     unsigned buttons_ = 0;  // a bit for each that is held
