@@ -58,7 +58,7 @@ protected:
 private:
     void Note_Keys(HostWindow const& window);
     void Follow(HostEvent const& event);
-    int Count_Clicks(HostEvent const& press);
+    void Count_Clicks(HostEvent& mouse);
 
     std::vector<Placed> placed_;
     HostWindow* front_ = nullptr;
