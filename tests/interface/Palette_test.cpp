@@ -76,6 +76,7 @@ TEST_F(Palettes, StalePointersAreComparedAndNotFollowed)
     EXPECT_EQ(Count("9:12"), 1);
     EXPECT_EQ(Windows(), 0);
     ClosePaletteZV(palette);
+    EXPECT_FALSE(IsPaletteVisibleZV(palette));
     EXPECT_EQ(Count("9:8"), 1);
 }
 
