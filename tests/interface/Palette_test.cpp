@@ -91,13 +91,18 @@ TEST_F(Palettes, FloatersShareAWindowInTheOrderOfTheirPriority)
     onEvent = [&](ZVEvent& event) {
         if (event.type == ZV_EVENT_TAB_ACTIVATE && event.palette->node.id == 2) ++activations;
     };
-    ZVPalette* const second = join(2, 0);
-    ZVPalette* const third = join(3, 1);
     ZVWindow* const window = first->window;
+    ZVPalette* const fourth = join(4, 0);
+    ZVPalette* const second = join(2, 0);
+    NewActivePalette(nullptr, fourth, 0, 0, 1);
+    EXPECT_EQ(window->activePalette, first) << "whichever was in front when another one left";
+    ClosePaletteZV(fourth);
+    ActivatePaletteZV(second, 0);
+    ZVPalette* const third = join(3, 1);
     EXPECT_EQ(List_Entry(&window->palettes, 0), &third->node);
     EXPECT_EQ(List_Entry(&window->palettes, 2), &second->node) << "equal ones in order of arrival";
     EXPECT_EQ(window->activePalette, third);
-    EXPECT_EQ(activations, 1);
+    EXPECT_EQ(activations, 2);
     EXPECT_FALSE(IsPaletteVisibleZV(second));
 
     ClosePaletteZV(third);
