@@ -4,6 +4,7 @@
 // nothing.
 #include "interface/Layout.h"
 #include "interface/LayoutTags.h"
+#include "interface/PaletteTree.h"
 
 #include <algorithm>
 #include <climits>
@@ -85,7 +86,7 @@ static void Take_Tag(GroupTags& tags, TagItem const& tag)
 static GroupTags Read_Tags(ZVGroup const& group)
 {
     ZVStyle const& style = *ZVEnv->style;
-    bool const isPseudo = group.palette->flags & ZV_PALF_PSEUDO;
+    bool const isPseudo = Root_Of(*group.palette).flags & ZV_PALF_PSEUDO;
     int32_t const margin = isPseudo ? style.pseudoGroupMargin : style.groupMargin;
     GroupTags tags{.spacing = {isPseudo ? style.pseudoGroupGap : style.groupGap},
                    .margins = {margin, margin, margin, margin}};
