@@ -67,6 +67,15 @@ TEST_F(Palettes, TheWalkGoesThroughSubPalettesFirst)
     EXPECT_EQ(ids, (std::vector<unsigned>{1, 2, 3, 4}));
 }
 
+TEST_F(Palettes, InnerOnesHaveTheFlagsOfTheirTags)
+{
+    InitPaletteZV();
+    ZVPalette const* const inner = InitPaletteZV();
+    EndPaletteZV(2, "", ZV_PAL_FLAGS, ZV_PALF_NO_ACTIVATE, ZV_PAL_FLAGS, ZV_PALF_HILITED);
+    DisplayPaletteZV(nullptr);
+    EXPECT_EQ(inner->flags, ZV_PALF_NO_ACTIVATE | ZV_PALF_HILITED);
+}
+
 TEST_F(Palettes, StalePointersAreComparedAndNotFollowed)
 {
     ZVPalette* const palette = Show(9);
