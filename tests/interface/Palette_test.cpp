@@ -194,6 +194,18 @@ TEST_F(Palettes, WindowsStandWhereTheTagsSay)
     EXPECT_EQ(other->window->left, 1601) << "the monitor with the mouse";
     EXPECT_EQ(other->forcedWidth, 200);
     EXPECT_EQ(other->y, ZVEnv->style->tabHeight);
+
+    TagItem tall[] = {{ZV_PAL_FORCE_WINDOW_HEIGHT, 300}, {}};
+    for (ZVKind kind : {ZV_KIND_FIXED, ZV_KIND_FLOATER}) {
+        InitPaletteZV();
+        InitGroupZV();
+        EndGroupZV(1, 0, 0, "", ZV_GRP_AUTO_SIZE, 0);
+        ZVPalette const* const filled = ZVEnv->buildingPalette;
+        ASSERT_TRUE(DisplayPaletteZV(ZV_PAL_KIND, kind, ZV_TAG_MORE, tall));
+        ZVRectT<long> outside;
+        GetWindowRectZV(filled->window, &outside);
+        EXPECT_EQ(outside.height, 300) << kind;
+    }
 }
 
 TEST_F(Palettes, HooksBelongToTheirPaletteAndMoveWithIt)
