@@ -89,10 +89,3 @@ void Draw_Bars(ZVWindow& window);
 
 /// Whether it is kept above the ordinary windows: floaters and pop-ups.
 bool Is_Floating(ZVWindow const& window);
-
-/// The front window that is no floater; null when there is none.
-ZVWindow* Mac_FrontNonFloatingWindow();
-
-/// Floaters are on screen only while the application is in front.
-void Mac_Show_Floaters();
-void Mac_Hide_Floaters();
