@@ -167,7 +167,7 @@ ZV_API ZVPalette* FindPaletteZV(unsigned short id);
 ZV_API ZVPalette* FindPaletteZV(char const* name);
 
 /// Adds a hook for events of a number that are sent to the palette. Hooks go with the palette's window.
-/// @return  a hook id above 0; 0 without a window or memory
+/// @return  a hook id above 0; 0 without a window, function or memory
 ZV_API unsigned long AddEventHookZV(ZVPalette* palette, unsigned long event,
                                     void (*function)(void*, long, void*), void* user);
 ZV_API void RemoveEventHookZV(ZVPalette* palette, unsigned long id);

@@ -68,7 +68,7 @@ void Custom_Gad_SecondButton(long x, long y)
 
 void IgnoreContextualMenuEventZV()
 {
-    ZVEnv->buttonState &= ~uint32_t{ZV_MOD_CONTEXTUAL};
+    if (ZVEnv) ZVEnv->buttonState &= ~uint32_t{ZV_MOD_CONTEXTUAL};
 }
 
 void Custom_Gad_MouseMove(long x, long y)

@@ -270,7 +270,7 @@ void Parse_KeyFile(char const* spec, ZVKeySection* section)
 
 void Parse_Home_KeyFile(char const* name, ZVKeySection* section)
 {
-    if (!name) return;
+    if (!name || !ZVEnv) return;
     SpecText const spec(ZVEnv->homeDir ? ZVEnv->homeDir : "", name);
     Parse_KeyFile(spec.Text(), section);
 }

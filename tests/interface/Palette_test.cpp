@@ -218,6 +218,7 @@ TEST_F(Palettes, HooksBelongToTheirPaletteAndMoveWithIt)
     EXPECT_EQ(AddEventHookZV(one, 5, hook, nullptr), 1U);
     NewActivePalette(nullptr, one, 0, 0, 1);
     EXPECT_EQ(List_Entries(&one->window->hooks), 2);
+    EXPECT_EQ(AddEventHookZV(one, 5, nullptr, nullptr), 0U);
     EXPECT_EQ(AddEventHookZV(InitPaletteZV(), 5, hook, nullptr), 0U) << "without a window";
 }
 
