@@ -88,9 +88,11 @@ TEST_F(Items, WithoutAnOpenGroupThereIsNoItem)
 
 TEST_F(Items, TagsBehindTheLabelTagAreTheLabels)
 {
-    ZVItem* const item = Add(ZV_GAD_INTEGER, 5, ZV_ITEM_MIN, 3, ZV_ITEM_CURSOR, 9, ZV_ITEM_LABEL_TAGS, 0,
-                             ZV_ITEM_CURSOR, 4, ZV_ITEM_POSITION, 0x0105, ZV_ITEM_IGNORE_IF_HIDDEN, 0);
+    ZVItem* const item =
+        Add(ZV_GAD_INTEGER, 5, ZV_ITEM_MIN, 3, ZV_ITEM_CURSOR, 9, ZV_ITEM_LABEL_TAGS, 0, ZV_ITEM_CURSOR, 4,
+            ZV_ITEM_POSITION, 0x0105, ZV_ITEM_REFERENCE, -1, ZV_ITEM_IGNORE_IF_HIDDEN, 0);
     ASSERT_TRUE(item->aboveLink);
+    EXPECT_EQ(item->aboveLink->reference, 5) << "the gadget is the item before its label";
     EXPECT_EQ(item->cursor, 9);
     EXPECT_EQ(item->minInt, 3);
     EXPECT_EQ(item->flags, 0U);
