@@ -339,7 +339,7 @@ static ZVItem* Finish_Item(NewItem made, unsigned short id, unsigned short posit
     Clean_Position(*made);
     Set_Item_Size(made.get());
     ZVItem* const item = made.release();
-    if (item->kind == ZV_ITEM_LABEL && item->node.id == ZV_LABEL_ID) {
+    if (item->node.id == ZV_LABEL_ID) {
         item->flags |= ZV_ITEMF_ATTACHED;
         if (ZVItem* owner = Find_Record<ZVItem>(item->group->items, item->reference))
             Attach_Label(*owner, *item);

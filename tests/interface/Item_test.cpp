@@ -259,6 +259,16 @@ TEST_F(Items, LabelsShowAndEnableWithTheirGadget)
     EXPECT_FALSE(field->native);
 }
 
+TEST_F(Items, AnImageOrALineCanBeALabel)
+{
+    ZVItem const* const field = Add(ZV_GAD_LIST, 1);
+    ZVItem* const line = AddLineZV(ZV_LABEL_ID, 0x0200, -1, ZV_SIZE_SMALL, 1, nullptr);
+    ZVItem* const image = AddImageZV(ZV_LABEL_ID, 0x0502, -1, 0, nullptr);
+    EXPECT_EQ(field->belowLink, line);
+    EXPECT_EQ(field->afterLink, image) << "-1 passes over labels";
+    EXPECT_TRUE(image->flags & ZV_ITEMF_ATTACHED);
+}
+
 TEST_F(Items, OnlyWhatHasMovedIsMadeAgain)
 {
     for (unsigned short id : std::initializer_list<unsigned short>{1, 2, 3})
