@@ -217,8 +217,8 @@ ZVItem* AddGadgetZV(unsigned short id, unsigned short position, short reference,
                        Tag_Array(first, rest...).data());
 }
 
-/// Adds a text; null for a null one. An id of 65534 makes it a label of the reference, on the side that the
-/// position tells.
+/// Adds a text; null for a null one. An id of 65534 makes it, or an image or line, a label of the reference,
+/// on the side that the position tells.
 ZV_API ZVItem* AddTextZV(unsigned short id, unsigned short position, short reference, char const* text,
                          TagItem* tags);
 ZV_API ZVItem* AddTextZV(unsigned short id, unsigned short position, short reference, unsigned long textId,

@@ -87,7 +87,7 @@ struct ZVMenu {
     uint16_t flags;              ///< ZVMenuFlag
     uint16_t action;             ///< ties it to the key sections; 0 for none
     uint16_t* exclusion;         ///< ids of the radio set that it belongs to, ended by 0; or null
-    uint16_t key;                ///< key and modifiers of its shortcut as in ZVKeyBinding; 0 for none
+    uint16_t key;                ///< key and modifiers of its shortcut as in a binding; 0 for none
     void (*callback)(ZVEvent*);  ///< gets event 15 of it and of what is below it; or null
     ZVKeySection* keySection;    ///< of it and of what is below it; or null
 };

@@ -298,12 +298,14 @@ static void Store(HostRect const& from, ZVRectT<long>* rect)
 
 void GetClientRectZV(ZVWindow const* window, ZVRectT<long>* rect)
 {
+    if (!rect) return;
     *rect = {};
     if (window && window->sysWindow) Store(window->sysWindow->host->Client(), rect);
 }
 
 void GetWindowRectZV(ZVWindow const* window, ZVRectT<long>* rect)
 {
+    if (!rect) return;
     *rect = {};
     if (!window || !window->sysWindow) return;
     HostRect const client = window->sysWindow->host->Client();

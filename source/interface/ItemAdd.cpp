@@ -147,7 +147,8 @@ static void Attach_Label(ZVItem& owner, ZVItem& label)
     label.flags |= owner.flags & ZV_ITEMF_IGNORE_IF_HIDDEN;
 }
 
-/// The label of a gadget whose type has it beside itself, made of what the gadget's tags have for it.
+/// The label of a gadget whose type has it beside itself, with what the gadget's tags have for it, which are
+/// taken when the gadget is on the list: -1 means it then.
 static NewItem Make_Label(ZVItem const& gadget, char const* text)
 {
     TagItem const* tags = gadget.tags;
@@ -160,7 +161,6 @@ static NewItem Make_Label(ZVItem const& gadget, char const* text)
     label->node.id = ZV_LABEL_ID;
     label->position = LeftOfGadget;
     label->reference = static_cast<uint16_t>(gadget.node.id);
-    Take_Adding_Tags(*label);
     return label;
 }
 
@@ -311,6 +311,7 @@ ZVItem* AddGadgetZV(unsigned short id, unsigned short position, short reference,
     ZVItem* const item = made.release();
     Link_Item(*item);
     if (text) {
+        Take_Adding_Tags(*text);
         if (text->node.id == ZV_LABEL_ID) Attach_Label(*item, *text);
         Link_Item(*text.release());
     }
@@ -338,7 +339,7 @@ static ZVItem* Finish_Item(NewItem made, unsigned short id, unsigned short posit
     Clean_Position(*made);
     Set_Item_Size(made.get());
     ZVItem* const item = made.release();
-    if (item->kind == ZV_ITEM_LABEL && item->node.id == ZV_LABEL_ID) {
+    if (item->node.id == ZV_LABEL_ID) {
         item->flags |= ZV_ITEMF_ATTACHED;
         if (ZVItem* owner = Find_Record<ZVItem>(item->group->items, item->reference))
             Attach_Label(*owner, *item);

@@ -190,7 +190,7 @@ void GetGadgetSizeZV(ZVGadgetType type, ZVGadgetSize size, long* width, long* he
     item.kind = ZV_ITEM_GADGET;
     item.type = item.declaredType = type;
     item.gadgetSize = size;
-    GadgetMeasure const measure = Standard_Gadget_Size(item);
+    GadgetMeasure const measure = ZVEnv ? Standard_Gadget_Size(item) : GadgetMeasure{};
     if (width) *width = measure.width;
     if (height) *height = measure.height;
 }

@@ -14,17 +14,17 @@ long Binding_Key(long key, unsigned long modifiers)
 
 long Action_Of_Key(ZVKeySection const& section, long key)
 {
-    ZVKeyBinding const* binding = section.bindings;
-    for (; binding && binding->key; ++binding)
-        if (binding->key == key && binding->action) return binding->action;
+    unsigned short const* binding = section.bindings;
+    for (; binding && binding[BoundKey]; binding += BindingSize)
+        if (binding[BoundKey] == key && binding[BoundAction]) return binding[BoundAction];
     return 0;
 }
 
 long Find_Key(ZVKeySection const* section, long action)
 {
-    ZVKeyBinding const* binding = section ? section->bindings : nullptr;
-    for (; binding && binding->key; ++binding)
-        if (binding->action == action) return binding->key;
+    unsigned short const* binding = section ? section->bindings : nullptr;
+    for (; binding && binding[BoundKey]; binding += BindingSize)
+        if (binding[BoundAction] == action) return binding[BoundKey];
     return 0;
 }
 

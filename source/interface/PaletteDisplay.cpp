@@ -27,13 +27,13 @@ struct Display {
 };
 }  // namespace
 
-/// Size of the frame around the client area of the window that the palette would have.
+/// What the window that the palette would have adds to the size that the palette fills with its tabs.
 static ZVRectT<long> Frame_Size(ZVPalette const& palette)
 {
     ZVRectT<long> frame;
     Get_SysWindowDimFromPalette(&palette, &frame);
     frame.width -= palette.width;
-    frame.height -= palette.height;
+    frame.height -= Height_With_Tabs(palette, palette.height);
     return frame;
 }
 

@@ -88,9 +88,11 @@ TEST_F(Items, WithoutAnOpenGroupThereIsNoItem)
 
 TEST_F(Items, TagsBehindTheLabelTagAreTheLabels)
 {
-    ZVItem* const item = Add(ZV_GAD_INTEGER, 5, ZV_ITEM_MIN, 3, ZV_ITEM_CURSOR, 9, ZV_ITEM_LABEL_TAGS, 0,
-                             ZV_ITEM_CURSOR, 4, ZV_ITEM_POSITION, 0x0105, ZV_ITEM_IGNORE_IF_HIDDEN, 0);
+    ZVItem* const item =
+        Add(ZV_GAD_INTEGER, 5, ZV_ITEM_MIN, 3, ZV_ITEM_CURSOR, 9, ZV_ITEM_LABEL_TAGS, 0, ZV_ITEM_CURSOR, 4,
+            ZV_ITEM_POSITION, 0x0105, ZV_ITEM_REFERENCE, -1, ZV_ITEM_IGNORE_IF_HIDDEN, 0);
     ASSERT_TRUE(item->aboveLink);
+    EXPECT_EQ(item->aboveLink->reference, 5) << "the gadget is the item before its label";
     EXPECT_EQ(item->cursor, 9);
     EXPECT_EQ(item->minInt, 3);
     EXPECT_EQ(item->flags, 0U);
@@ -255,6 +257,16 @@ TEST_F(Items, LabelsShowAndEnableWithTheirGadget)
     MarkItemZV(1, 0);
     ItemVisibleIfMarkedZV(1);
     EXPECT_FALSE(field->native);
+}
+
+TEST_F(Items, AnImageOrALineCanBeALabel)
+{
+    ZVItem const* const field = Add(ZV_GAD_LIST, 1);
+    ZVItem* const line = AddLineZV(ZV_LABEL_ID, 0x0200, -1, ZV_SIZE_SMALL, 1, nullptr);
+    ZVItem* const image = AddImageZV(ZV_LABEL_ID, 0x0502, -1, 0, nullptr);
+    EXPECT_EQ(field->belowLink, line);
+    EXPECT_EQ(field->afterLink, image) << "-1 passes over labels";
+    EXPECT_TRUE(image->flags & ZV_ITEMF_ATTACHED);
 }
 
 TEST_F(Items, OnlyWhatHasMovedIsMadeAgain)

@@ -184,14 +184,14 @@ TEST_F(InputTest, TheWheelTurnsWhatIsUnderIt)
     HeadlessWheelZV(1, -2);
     HeadlessRunZV(0);
     EXPECT_EQ(Log(), (Strings{"1:21", "1:20"}));
-    EXPECT_EQ(palette->vertical.value, 6) << "three lines for a notch";
-    EXPECT_EQ(palette->horizontal.value, 50) << "a tenth of a large view";
+    EXPECT_EQ(palette->scroll[7], 6) << "three lines for a notch";
+    EXPECT_EQ(palette->scroll[3], 50) << "a tenth of a large view";
     for (int i = 0; i < 4; ++i)
         HeadlessWheelZV(0, 0.25);
     HeadlessWheelZV(0, -50);
     HeadlessWheelZV(0, -1);
     HeadlessRunZV(0);
-    EXPECT_EQ(palette->vertical.value, 80);
+    EXPECT_EQ(palette->scroll[7], 80);
     EXPECT_EQ(Log(), (Strings{"1:21", "1:21", "1:21", "1:21"})) << "parts of lines add up, the end is one";
 }
 
