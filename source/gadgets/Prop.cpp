@@ -24,6 +24,7 @@ struct PropState {
     int32_t LastThumbSize;
     PropMode Mode;
     int32_t GrabOffset;   ///< of the press in the thumb
+    int32_t LastPlace;    ///< of the mouse that drags the thumb
     int32_t RepeatDelay;  ///< ticks until paging repeats
     int32_t MarkPos;      ///< first pixel of the marker
     bool OverMark;        ///< the mouse is on the marker
@@ -209,6 +210,7 @@ void Press(ZVCustomEvent* event, Track const& track)
     } else if (thumb.Holds(place)) {
         track.state.Mode = PropMode::Thumb;
         track.state.GrabOffset = static_cast<int32_t>(place - thumb.from);
+        track.state.LastPlace = static_cast<int32_t>(place);
     } else {
         track.state.Mode = PropMode::Paging;
         track.state.RepeatDelay = repeatDelay;
@@ -216,8 +218,7 @@ void Press(ZVCustomEvent* event, Track const& track)
     }
 }
 
-/// The position for a thumb that is dragged to a place. A thumb that stays where it is keeps its position,
-/// since a pixel can stand for many of them.
+/// The position for a thumb that is dragged to a place.
 long Dragged_Position(Track const& track, long place)
 {
     ZVItem const& item = track.item;
@@ -225,7 +226,6 @@ long Dragged_Position(Track const& track, long place)
     long const range = track.state.Range, room = track.Length() - track.state.ThumbSize;
     if (room <= 0) return item.minInt;
     long const dragged = place - track.state.GrabOffset;
-    if (dragged == track.Thumb().from) return item.state;
     long const half = range ? room / range / 2 : 0;  // of the way to the next position
     long const thumb = std::clamp(dragged + half, 0L, track.Length());
     if (range == 0)
@@ -235,8 +235,10 @@ long Dragged_Position(Track const& track, long place)
     return position > last ? std::max<long>(last, item.state) : position;
 }
 
+/// A pixel can stand for many positions, so a mouse that has not moved along the track leaves the position.
 void Drag_Thumb(ZVCustomEvent* event, Track const& track, long place)
 {
+    if (std::exchange(track.state.LastPlace, static_cast<int32_t>(place)) == place) return;
     auto const position = static_cast<int32_t>(Dragged_Position(track, place));
     if (std::exchange(track.item.state, position) == position) return;
     Report_Prop(event, &track.item, ZV_MOD_CHANGE);

@@ -156,6 +156,14 @@ TEST_F(Props, ThumbFollowsTheMouse)
             EXPECT_EQ(track->state, row.stateAfter) << row.state << " to " << row.to;
             EXPECT_EQ(Events(), row.reports) << row.state << " to " << row.to;
         }
+        ModifyItemZV(1, ZV_ITEM_PROP_PAGE, 10, 0);
+        SetGadgetStateZV(1, 0);
+        Press_At(track, 5);
+        Move_To(track, 35);
+        EXPECT_EQ(track->state, 17) << "90 * 30 / 153";
+        Move_To(track, 33);
+        EXPECT_EQ(track->state, 16) << "back to where the thumb was drawn";
+        Release();
         ClosePaletteZV(PaletteId);
     }
 }
