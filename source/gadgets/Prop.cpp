@@ -63,7 +63,7 @@ struct Track {
 /// smaller than the track.
 void Track::Measure() const
 {
-    long const page = std::max(item.page, 0), length = Length();
+    long const page = std::max(item.Page, 0), length = Length();
     long const limits = std::max<long>(long{item.maxInt} - item.minInt, 0);
     long const range = std::max(limits - page, 0L);
     long const seen = range > 0 ? limits : item.state - long{item.minInt} + page;
@@ -182,7 +182,7 @@ bool Page(Track const& track, long place)
     track.Measure();
     Span const thumb = track.Thumb();
     if (thumb.Holds(place)) return false;
-    long const step = item.page < 2 ? 1 : item.page - 1;
+    long const step = item.Page < 2 ? 1 : item.Page - 1;
     if (place > thumb.from) {
         if (item.state >= Last_Position(item)) return false;
         item.state = static_cast<int32_t>(std::min<long>(item.state + step, Last_Position(item)));
@@ -200,13 +200,13 @@ void Press(ZVCustomEvent* event, Track const& track)
     if (Is_Disabled(item)) return;
     Report_Prop(event, &item, ZV_MOD_PRESS);
     item.pressed = 1;
-    item.markDrag = 0;
+    item.MarkDrag = 0;
     long const place = track.axis.Along(event->x, event->y);
     track.Measure();
     Span const thumb = track.Thumb();
     if (track.Has_Marker() && track.state.OverMark) {
         track.state.Mode = PropMode::Marker;
-        item.markDrag = 1;
+        item.MarkDrag = 1;
     } else if (thumb.Holds(place)) {
         track.state.Mode = PropMode::Thumb;
         track.state.GrabOffset = static_cast<int32_t>(place - thumb.from);
@@ -289,7 +289,7 @@ void Turn(ZVCustomEvent* event, Track const& track)
     ZVItem& item = track.item;
     if (Is_Disabled(item)) return;
     long const lines = GetWheelScrollLinesZV();
-    long const positions = lines == -1 ? std::max(item.page, 1) : lines;
+    long const positions = lines == -1 ? std::max(item.Page, 1) : lines;
     int32_t& rest = track.state.WheelRest;
     long turn = (event->deltaY ? -event->deltaY : event->deltaX) * positions;
     if ((turn < 0) == (rest < 0)) turn += rest;
