@@ -136,8 +136,8 @@ void Set_Linked(ZVItem const& item, int32_t position)
     if (!linked) return;
     linked->minInt = 0;
     linked->maxInt = item.maxInt;
-    linked->page = State_Of(&item)->VisibleLines;
-    linked->state = std::clamp(position, 0, std::max(linked->maxInt - linked->page, 0));
+    linked->Page = State_Of(&item)->VisibleLines;
+    linked->state = std::clamp(position, 0, std::max(linked->maxInt - linked->Page, 0));
     UpdateGadgetZV(linked);
 }
 

@@ -192,8 +192,8 @@ bool Take_Gadget_Limit(ZVItem& item, TagItem const& tag)
         return true;
     case ZV_ITEM_SELECTED: item.selected = tag.data; return true;
     case ZV_ITEM_LINKED: item.linkedItem = tag.data; return true;
-    case ZV_ITEM_PROP_PAGE: item.page = Tag_Number(tag); return true;
-    case ZV_ITEM_PROP_STEP: item.lineStep = Tag_Number(tag); return true;
+    case ZV_ITEM_PROP_PAGE: item.Page = Tag_Number(tag); return true;
+    case ZV_ITEM_PROP_STEP: item.LineStep = Tag_Number(tag); return true;
     case ZV_ITEM_EXTRA: item.extra = static_cast<uint32_t>(tag.data); return true;
     case ZV_ITEM_ORDER: item.order = static_cast<uint16_t>(tag.data); return true;
     default: return false;
@@ -256,7 +256,7 @@ static void Settle_Type(ZVItem& item, ZVGadgetType type, ZVGadgetSize size)
     if (Is_Prop(type)) {
         item.minReal = item.minInt = 0;
         item.maxReal = item.maxInt = DefaultPropEnd;
-        item.page = item.lineStep = 1;
+        item.Page = item.LineStep = 1;
     }
     if (Has_Edit_Text(type))
         item.maxChars = type == ZV_GAD_FLOAT ? DefaultFloatCapacity : DefaultTextCapacity;
