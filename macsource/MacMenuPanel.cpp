@@ -274,8 +274,7 @@ void MenuPanel::Draw()
 {
     HostRect const all = port_->surface.Bounds();
     port_->surface.Fill(all, Pen_Color(ZV_PEN_FACE));
-    Draw_Bevel(*port_, all, Pen_Color(ZV_PEN_DARK_EDGE), Pen_Color(ZV_PEN_LIGHT_EDGE),
-               Pen_Color(ZV_PEN_SHADOW));
+    Draw_Raised_Edge(*port_, all);
     HostRect const view = View();
     for (int row = 0; row < Row_Count(); ++row)
         if (!Intersection(Box(row), view).IsEmpty()) Draw_Row(row);
