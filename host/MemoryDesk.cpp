@@ -10,21 +10,37 @@ namespace {
 constexpr uint32_t GroundColor = 0x4F6272, LineColor = 0x303030;
 constexpr uint32_t FrontColor = 0xD6D6D6, BackColor = 0xEBEBEB, FrontText = 0x101010, BackText = 0x808080;
 constexpr double TitleSize = 12;
+constexpr int TitleMargin = 4;  ///< at an end of the bar without a box
 
-/// A title takes the middle of its bar, and as much of it as the boxes leave.
-void Draw_Title(HostSurface& desk, HostRect const& bar, std::string const& title, uint32_t color)
+/// The title, or as many of its characters with an ellipsis as find room.
+std::string Fitted(HostFont& font, std::string title, int room)
+{
+    std::string const ellipsis = "\u2026";
+    if (font.Shape(title).width <= room) return title;
+    do {
+        while (!title.empty() && (title.back() & 0xC0) == 0x80)
+            title.pop_back();
+        if (!title.empty()) title.pop_back();
+    } while (!title.empty() && font.Shape(title + ellipsis).width > room);
+    return title + ellipsis;
+}
+
+/// A title stands in the middle of its bar, or as near to it as the boxes let it.
+void Draw_Title(HostSurface& desk, HostRect const& bar, HostWindowRequest const& window, uint32_t color)
 {
     static std::unique_ptr<HostFont> const font = [] {
         auto const fonts = Make_Host_Fonts();
         return fonts ? fonts->Open({.family = "sans", .pixelSize = TitleSize, .bold = true}) : nullptr;
     }();
     if (!font) return;
-    int const boxes = 2 * bar.Height();
-    HostRect const room{bar.left + boxes, bar.top, bar.right - boxes, bar.bottom};
+    auto const side = [&](bool hasBox) { return hasBox ? bar.Height() : TitleMargin; };
+    HostRect const room{bar.left + side(window.canClose), bar.top, bar.right - side(window.canZoom),
+                        bar.bottom};
     if (room.IsEmpty()) return;
-    HostTextRun const run = font->Shape(title);
+    HostTextRun const run = font->Shape(Fitted(*font, window.title, room.Width()));
     HostFontMetrics const metrics = font->Metrics();
-    int const left = std::max(room.left, (bar.left + bar.right - run.width) / 2);
+    int const left =
+        std::max(room.left, std::min((bar.left + bar.right - run.width) / 2, room.right - run.width));
     int const baseLine =
         bar.top + static_cast<int>(std::lround((bar.Height() + metrics.ascent - metrics.descent) / 2));
     desk.Set_Clip(HostRegion(room));
@@ -61,7 +77,7 @@ void Draw_Frame(HostSurface& desk, DeskFrame const& frame)
     HostRect const bar{frame.client.left, frame.outer.top + 1, frame.client.right, frame.client.top - 1};
     uint32_t const color = frame.isFront ? FrontText : BackText;
     desk.Fill(bar, frame.isFront ? FrontColor : BackColor);
-    Draw_Title(desk, bar, frame.request.title, color);
+    Draw_Title(desk, bar, frame.request, color);
     constexpr int box = 9;
     int const top = bar.top + (bar.Height() - box) / 2, inset = (bar.Height() - box) / 2;
     if (frame.request.canClose) Draw_Box(desk, bar.left + inset, top, box, true, color);

@@ -21,6 +21,12 @@ void Draw_Bevel(ZVPort& port, HostRect const& rect, uint32_t frame, uint32_t upp
     Draw_Edges(port, Outset(rect, -1), upper, lower);
 }
 
+void Draw_Raised_Edge(ZVPort& port, HostRect const& rect)
+{
+    Draw_Bevel(port, rect, Pen_Color(ZV_PEN_DARK_EDGE), Pen_Color(ZV_PEN_LIGHT_EDGE),
+               Pen_Color(ZV_PEN_SHADOW));
+}
+
 /// The colour of a disabled frame: each component half way to the middle of its 16 bits.
 static uint32_t Toward_Grey(uint32_t color)
 {

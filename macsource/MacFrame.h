@@ -10,6 +10,9 @@ void Draw_Edges(ZVPort& port, HostRect const& rect, uint32_t upper, uint32_t low
 /// A frame one pixel wide with such edges inside it.
 void Draw_Bevel(ZVPort& port, HostRect const& rect, uint32_t frame, uint32_t upper, uint32_t lower);
 
+/// That of what lies on top of something: of a menu, and of a window that the desktop gives no frame.
+void Draw_Raised_Edge(ZVPort& port, HostRect const& rect);
+
 // Text fields and lists lie in a sunken frame, one pixel wide: the left and upper edges in the dark pen, the
 // right and lower ones in the light pen. Without `flat3D` it is an outline in the dark pen.
 

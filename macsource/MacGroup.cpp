@@ -7,6 +7,7 @@
 #include "interface/PaletteTree.h"
 
 static constexpr int TitleInset = 10;
+static constexpr int TitleGap = 3;  ///< between the title and the line on both sides of it
 
 /// What items may draw around their rectangles.
 static constexpr int ItemFrame = 2;
@@ -58,8 +59,8 @@ static void Draw_Title(ZVPort& port, HostRect const& area, char const* title, ui
     TextFont const font = Find_Font({});
     int const ascent = static_cast<int>(font.Ascent()), descent = static_cast<int>(font.Descent());
     int const left = area.left + TitleInset, baseLine = area.top + (ascent + descent) / 2 - descent;
-    HostRect const line{left, baseLine - ascent, left + static_cast<int>(font.Width(fitted.Text())),
-                        baseLine + descent};
+    int const right = left + static_cast<int>(font.Width(fitted.Text()));
+    HostRect const line{left - TitleGap, baseLine - ascent, right + TitleGap, baseLine + descent};
     PortClip const clip(port, {area.left, line.top, area.right, line.bottom});
     port.surface.Fill(line, Pen_Color(ZV_PEN_PALETTE));
     font.Draw(port.surface, fitted.Text(), left, baseLine, color);

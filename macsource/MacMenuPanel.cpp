@@ -17,8 +17,9 @@ static constexpr int MarkRoom = 20, ShortcutGap = 24, ArrowRoom = 18;
 static constexpr int LineHeight = 7;
 static constexpr int ScrollArrowHeight = 14;
 
-/// A submenu lies over the edge of the menu that it belongs to.
-static constexpr int Overlap = 3;
+/// A submenu lies over the edge of the menu that it belongs to, and a menu of the bar over the bar's lower
+/// line.
+static constexpr int Overlap = 3, BarLine = 1;
 
 static constexpr unsigned long SelectedInk = 0x000000;
 
@@ -63,7 +64,8 @@ HostRect MenuPanel::Place(MenuSpot const& spot) const
 {
     HostRect const& around = spot.around;
     HostRect area = Menu_Area(around.left, around.top);
-    if (spot.side == MenuSpot::Side::Below) area.top = std::clamp(around.bottom, area.top, area.bottom);
+    if (spot.side == MenuSpot::Side::Below)
+        area.top = std::clamp(around.bottom - BarLine, area.top, area.bottom);
     int const width = std::min(contentWidth_ + 2 * Border, area.Width());
     int const height = std::min(contentHeight_ + 2 * Border, area.Height());
     int left = around.left, top = around.top;
@@ -266,16 +268,16 @@ void MenuPanel::Draw_Arrow(bool isDown)
     HostRect const view = View();
     (isDown ? box.top : box.bottom) = isDown ? view.bottom : view.top;
     bool const isAtEnd = isDown ? scroll_ >= contentHeight_ - view.Height() : scroll_ == 0;
-    port_->surface.Fill(box, Pen_Color(ZV_PEN_FACE));
-    Draw_Triangle(*port_, box, true, isDown, Pen_Color(ZV_PEN_TEXT, isAtEnd));
+    uint32_t const ink = Pen_Color(ZV_PEN_TEXT), ground = Pen_Color(ZV_PEN_FACE);
+    port_->surface.Fill(box, ground);
+    Draw_Triangle(*port_, box, true, isDown, isAtEnd ? Dimmed_Ink(ink, ground) : ink);
 }
 
 void MenuPanel::Draw()
 {
     HostRect const all = port_->surface.Bounds();
     port_->surface.Fill(all, Pen_Color(ZV_PEN_FACE));
-    Draw_Bevel(*port_, all, Pen_Color(ZV_PEN_DARK_EDGE), Pen_Color(ZV_PEN_LIGHT_EDGE),
-               Pen_Color(ZV_PEN_SHADOW));
+    Draw_Raised_Edge(*port_, all);
     HostRect const view = View();
     for (int row = 0; row < Row_Count(); ++row)
         if (!Intersection(Box(row), view).IsEmpty()) Draw_Row(row);

@@ -58,6 +58,8 @@ static void Draw_Background(ZVSysWindow& native, HostRegion const& region)
         HostRect const box = region.Box(i);
         surface.Fill(box, background);
         surface.Fill(Intersection(box, tabs), tabColor);
+        PortClip const clip(native.port, box);
+        Draw_Window_Edge(native);
     }
 }
 

@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <utility>
 
+/// Between the frame of several lines and their sides, as in a list: letters and the caret would touch it.
+static constexpr int SideMargin = 4;
+
 void TextView::Place(HostRect const& frame)
 {
     if (frame == frame_) return;
@@ -12,7 +15,7 @@ void TextView::Place(HostRect const& frame)
     int const height = look_.Line_Height();
     int const inset = isMultiLine_ ? 1 : (frame.Height() - height + 1) / 2;
     // A field that is lower than its line keeps the text in its middle.
-    int const side = std::max(inset, 1);
+    int const side = isMultiLine_ ? inset + SideMargin : std::max(inset, 1);
     inside_ = {frame.left + 1, frame.top + 1, frame.right - 1, frame.bottom - 1};
     text_ = {frame.left + side, frame.top + inset, frame.right - side, frame.bottom - inset};
     if (isMultiLine_ && !isAsWide) lines_.Lay_Out(look_, shown_, std::max(text_.Width(), 1));

@@ -1,5 +1,6 @@
 // System windows: made for a palette, fitted to it, and taken down.
 #include "MacWindow.h"
+#include "MacFrame.h"
 #include "MacMenuBar.h"
 
 #include "ZVLibInternal.h"
@@ -90,6 +91,16 @@ uint32_t Background_Of(ZVWindow const& window)
     return static_cast<uint32_t>(GetColorZV(isBehind ? ZV_PEN_ROOT : ZV_PEN_PALETTE));
 }
 
+static bool Has_Edge(ZVWindow const& window)
+{
+    return window.kind == ZV_KIND_MODAL && window.flags & ZV_PALF_PLAIN;
+}
+
+void Draw_Window_Edge(ZVSysWindow& native)
+{
+    if (Has_Edge(native.window)) Draw_Raised_Edge(native.port, native.port.surface.Bounds());
+}
+
 static WindowLimits Limits_For(ZVWindow const& window, ZVPalette const* palette)
 {
     constexpr int unlimited = 16384;
@@ -164,6 +175,7 @@ long Make_SysWindow(ZVWindow* window, ZVPalette* palette)
     if (!host) return 0;
     window->sysWindow = new ZVSysWindow(*window, std::move(host));
     window->sysWindow->title = request.title;
+    Draw_Window_Edge(*window->sysWindow);
     Make_Bars(*window);
     if (palette) Limit_Size(*window, *palette);
     if (palette) ZVEnv->pendingPalette = palette;
@@ -202,16 +214,21 @@ static void Replace_Native(ZVWindow& window, ZVPalette& palette)
     if (Make_SysWindow(&window, &palette)) Invalidate(window);
 }
 
-/// Background for what the surface has gained; what lies there has to be drawn again.
+/// Background for what the surface has gained; what lies there has to be drawn again. Its edge moves along.
 static void Cover_New_Area(ZVSysWindow& native)
 {
     HostRect const all = native.port.surface.Bounds();
+    if (all.right == native.knownWidth && all.bottom == native.knownHeight) return;
+    uint32_t const ground = Background_Of(native.window);
+    if (Has_Edge(native.window))
+        Draw_Bevel(native.port, {0, 0, native.knownWidth, native.knownHeight}, ground, ground, ground);
     for (HostRect const& strip : {HostRect{native.knownWidth, 0, all.right, all.bottom},
                                   HostRect{0, native.knownHeight, all.right, all.bottom}}) {
         if (strip.IsEmpty()) continue;
-        native.port.surface.Fill(strip, Background_Of(native.window));
+        native.port.surface.Fill(strip, ground);
         Invalidate(native.window, strip);
     }
+    Draw_Window_Edge(native);
     native.knownWidth = all.right;
     native.knownHeight = all.bottom;
 }

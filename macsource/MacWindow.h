@@ -50,6 +50,10 @@ void Present_Windows();
 /// The colour behind a window's palettes.
 uint32_t Background_Of(ZVWindow const& window);
 
+/// Draws the edge of a modal window without a title, which the desktop gives no frame: in its margin, so that
+/// it stands out from the palettes behind it. Nothing for other windows.
+void Draw_Window_Edge(ZVSysWindow& native);
+
 /// Room beside the palette for the grow box and the bars, which is part of the native client area: 0, 15, or
 /// -1 for the line that a palette without grow area gives up.
 struct WindowStrips {

@@ -73,7 +73,7 @@ void Show_Choices()
     static bool hasIcons = false;
     if (!hasIcons) {
         hasIcons = true;
-        InitFormatModulesZV(nullptr);
+        if (List_Empty(&ZVEnv->formats)) InitFormatModulesZV(nullptr);
         Add_Library_Formats(nullptr);  // The icons are the pages of a TIFF file.
         LoadIconFileZV("icons.tif");
     }

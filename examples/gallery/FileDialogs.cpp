@@ -67,12 +67,12 @@ void Show_Files_Palette()
         std::snprintf(open, sizeof open, "Open, %s...", labels[which]);
         std::snprintf(save, sizeof save, "Save, %s...", labels[which]);
         auto const openId = static_cast<unsigned short>(AskOpen + which);
-        AddGadgetZV(openId, which ? below : first, which ? -2 : 0, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, open,
+        AddGadgetZV(openId, which ? below : first, which ? -2 : 0, ZV_GAD_BUTTON, ZV_SIZE_LARGE, open,
                     nullptr);
-        AddGadgetZV(static_cast<unsigned short>(AskSave + which), beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM,
+        AddGadgetZV(static_cast<unsigned short>(AskSave + which), beside, -1, ZV_GAD_BUTTON, ZV_SIZE_LARGE,
                     save, nullptr);
     }
-    AddGadgetZV(AskDirectory, below, -2, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Directory...", nullptr);
+    AddGadgetZV(AskDirectory, below, -2, ZV_GAD_BUTTON, ZV_SIZE_LARGE, "Directory...", nullptr);
     EndGroupZV(ButtonGroup, first, 0, nullptr, ZV_MARGIN_NONE, 1, 0);
     InitGroupZV();
     AddGadgetZV(AskResult, first, 0, ZV_GAD_EDITOR, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 200,

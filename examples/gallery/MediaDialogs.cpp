@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -19,10 +20,9 @@ using Clip = std::unique_ptr<ZVClip, void (*)(ZVClip*)>;
 /// The format of that file type, the first one or the last one; null when it is not there.
 ZVFormatDesc* Find_Format(uint32_t type, bool isLast = false)
 {
-    if (List_Empty(&ZVEnv->formats)) {
-        InitFormatModulesZV(nullptr);
-        Add_QuickTime_Format(nullptr);
-    }
+    static bool hasMovies = false;
+    if (List_Empty(&ZVEnv->formats)) InitFormatModulesZV(nullptr);
+    if (!std::exchange(hasMovies, true)) Add_QuickTime_Format(nullptr);
     ZVFormatDesc* found = nullptr;
     for (Node* node = List_First(&ZVEnv->formats); node; node = List_Next(node)) {
         auto* const format = reinterpret_cast<ZVFormatDesc*>(node);
@@ -137,13 +137,14 @@ void Show_Media_Palette()
     if (FindPaletteZV(MediaPalette)) return ActivatePaletteZV(MediaPalette, 1);
     InitPaletteZV();
     InitGroupZV();
-    AddGadgetZV(OpenSeries, first, 0, ZV_GAD_BUTTON, ZV_SIZE_LARGE, "Series...", 0, 0);
-    AddGadgetZV(VideoSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_LARGE, "Video...", 0, 0);
-    AddGadgetZV(SoundSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_LARGE, "Sound...", 0, 0);
-    AddGadgetZV(StreamSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_LARGE, "Stream...", 0, 0);
-    AddGadgetZV(PictureSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_LARGE, "Picture...", 0, 0);
-    AddGadgetZV(MediaResult, below, -1, ZV_GAD_EDITOR, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH, 250,
-                ZV_ITEM_HEIGHT, 60, ZV_ITEM_MAX_CHARS, 500, 0);
+    AddGadgetZV(OpenSeries, first, 0, ZV_GAD_BUTTON, ZV_SIZE_XLARGE, "Series...", 0, 0);
+    AddGadgetZV(VideoSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_XLARGE, "Video...", 0, 0);
+    AddGadgetZV(SoundSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_XLARGE, "Sound...", 0, 0);
+    AddGadgetZV(StreamSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_XLARGE, "Stream...", 0, 0);
+    AddGadgetZV(PictureSettings, below, -1, ZV_GAD_BUTTON, ZV_SIZE_XLARGE, "Picture...", 0, 0);
+    AddGadgetZV(MediaResult, below, -1, ZV_GAD_EDITOR, ZV_SIZE_CUSTOM, nullptr, ZV_ITEM_WIDTH,
+                GetGadgetWidthZV(ZV_GAD_BUTTON, ZV_SIZE_XLARGE), ZV_ITEM_HEIGHT, 60, ZV_ITEM_MAX_CHARS, 500,
+                0);
     ItemEnabledZV(MediaResult, 0);
     EndGroupZV(1, first, 0, "", 0, 0);
     EndPaletteZV(MediaPalette, "Media", ZV_PAL_CALLBACK, On_Media, 0);

@@ -88,7 +88,7 @@ void Add_Lists()
         "Apple,Banana,Cherry,Date,Elderberry,Fig,Grape,Honeydew melon of considerable length,Iris,Jasmine",
         ZV_ITEM_ROWS, 6, ZV_ITEM_GROW_HEIGHT, 100, 0);
     AddGadgetZV(DisabledList, beside, -1, ZV_GAD_LIST, ZV_SIZE_MEDIUM, nullptr, ZV_ITEM_ENTRIES_CSV,
-                "One,Two,Three", ZV_ITEM_ROWS, 6, ZV_ITEM_GROW_HEIGHT, 100, 0);
+                "One,Two,Three", ZV_ITEM_ROWS, 6, ZV_ITEM_GROW_HEIGHT, 100, ZV_GAP_WIDE, 1, 0);
     SetGadgetStateZV(RowList, 3);
     ItemEnabledZV(DisabledList, 0);
     EndGroupZV(ListGroup, below, CheckGroup, "Lists", ZV_GRP_BORDER, 1, ZV_GRP_GROW_HEIGHT, 100, 0);
@@ -115,8 +115,8 @@ void Add_Actions()
     SetItemExclusionZV(LightTheme, DarkTheme);
     AddGadgetZV(Swatch, beside, -1, ZV_GAD_CUSTOM, ZV_SIZE_CUSTOM, "", ZV_ITEM_CUSTOM_FUNC, Swatch_Gadget,
                 ZV_ITEM_WIDTH, 60, ZV_ITEM_HEIGHT, ZVEnv->style->gadgetHeight, ZV_GAP_EXTRA, 1, 0);
-    AddGadgetZV(MenuButton, beside, -1, ZV_GAD_MENU, ZV_SIZE_DEFAULT, nullptr, ZV_ITEM_SELECTED,
-                Swatch_Menu(), 0);
+    AddGadgetZV(MenuButton, ZV_Position(ZV_POS_AFTER, ZV_POS_ALIGN_CENTER), -1, ZV_GAD_MENU, ZV_SIZE_DEFAULT,
+                nullptr, ZV_ITEM_SELECTED, Swatch_Menu(), 0);
     AddGadgetZV(OpenRequesters, below, OpenDialog, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Requesters", 0, 0);
     AddGadgetZV(OpenControls, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Controls", 0, 0);
     AddGadgetZV(OpenChoices, beside, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM, "Choices", 0, 0);

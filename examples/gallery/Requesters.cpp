@@ -100,7 +100,7 @@ void Show_Requesters_Palette()
     InitPaletteZV();
     InitGroupZV();
     for (auto const& button : buttons)
-        AddGadgetZV(button.id, button.id == RequestMessage ? first : below, -1, ZV_GAD_BUTTON, ZV_SIZE_MEDIUM,
+        AddGadgetZV(button.id, button.id == RequestMessage ? first : below, -1, ZV_GAD_BUTTON, ZV_SIZE_LARGE,
                     button.label, 0, 0);
     EndGroupZV(1, first, 0, "Requesters", ZV_GRP_BORDER, 1, 0);
     InitGroupZV();

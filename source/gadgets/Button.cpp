@@ -120,10 +120,12 @@ void Draw_Label(ZVDrawInfo* draw, ZVItem const& item, unsigned long face, bool i
         if (item.state) SetFontZV(draw, ZV_FONT_ITALIC);
     }
     if (!item.text) return;
-    long x = 0, y = 0;
-    CenterTextZV(draw, item.text, 0, 0, item.width - Strip_Width(item), item.height, &x, &y);
+    long const strip = Strip_Width(item), right = strip > 0 ? item.width - strip : item.width - 2;
+    long x = 0;
+    CenterTextZV(draw, item.text, 0, 0, item.width - strip, item.height, &x, nullptr);
     SetTextTransparencyZV(draw, 1);
-    DrawTextZV(draw, item.text, Text_Left(draw, item, x), y);
+    SetClipRectZV(draw, 2, 2, right - 2, item.height - 4);
+    DrawTextZV(draw, item.text, Text_Left(draw, item, x), Text_Top(draw, item.height));
 }
 
 void Draw_Button(ZVItem* item, bool isDisabled)

@@ -38,13 +38,14 @@ void Draw_Check_Label(ZVDrawInfo* draw, ZVItem const& item, Look look)
     SetPenZV(draw, face);
     FillRectZV(draw, labelLeft + 2, 2, item.width - 3, item.height - 3);
 
+    SetClipRectZV(draw, labelLeft + 2, 2, item.width - labelLeft - 4, item.height - 4);
     SetPenZV(draw, look.Pen(ZV_PEN_TEXT));
     SetBGPenZV(draw, face);
     SetFontZV(draw, GetItemFont(&item));
     SetTextTransparencyZV(draw, 1);
-    long x = 0, y = 0;
-    CenterTextZV(draw, item.text, labelLeft + 2, 2, item.width - 16, item.height - 4, &x, &y);
-    DrawTextZV(draw, item.text, std::clamp(x, 14L, 18L), y);
+    long x = 0;
+    CenterTextZV(draw, item.text, labelLeft + 2, 2, item.width - 16, item.height - 4, &x, nullptr);
+    DrawTextZV(draw, item.text, std::clamp(x, 14L, 18L), 2 + Text_Top(draw, item.height - 4));
 }
 
 void Draw_Check(ZVDrawInfo* draw, ZVItem const& item, Look look)
@@ -53,10 +54,11 @@ void Draw_Check(ZVDrawInfo* draw, ZVItem const& item, Look look)
     Draw_Bevel(draw, 0, 0, box, item.height, look.isSunken, look.isDisabled);
     SetPenZV(draw, look.Pen(Face_Color(item, item.state)));
     FillRectZV(draw, 2, 2, box - 3, item.height - 3);
+    if (item.state) {
+        SetPenZV(draw, look.Pen(ZV_PEN_TEXT));
+        Draw_Check_Mark(draw, box, item.height);
+    }
     if (item.text) Draw_Check_Label(draw, item, look);
-    if (!item.state) return;
-    SetPenZV(draw, look.Pen(ZV_PEN_TEXT));
-    Draw_Check_Mark(draw, box, item.height);
 }
 
 /// The ring inside the outline: one arc to the left and top, the other where 85 percent of the size end.
@@ -86,9 +88,7 @@ void Draw_Radio(ZVDrawInfo* draw, ZVItem const& item, Look look, bool withLabel)
     if (!withLabel || !item.text) return;
     SetFontZV(draw, GetItemFont(&item));
     SetTextTransparencyZV(draw, 1);
-    long y = 0;
-    CenterTextZV(draw, item.text, 0, 0, item.width, size, nullptr, &y);
-    DrawTextZV(draw, item.text, size + 8, y);
+    DrawTextZV(draw, item.text, size + 8, Text_Top(draw, size));
 }
 
 /// @param isWhole  the gadget's rectangle is erased first, and what never changes is drawn too

@@ -52,6 +52,12 @@ inline unsigned long Shown_Color(unsigned long colour, bool isDisabled)
     return isDisabled ? DisableColorZV(colour) : colour;
 }
 
+/// The top of a text whose line stands in the middle of a height, where a text field has its text too.
+inline long Text_Top(ZVDrawInfo const* draw, long height)
+{
+    return (height - GetAveCharHeightZV(draw) + 1) / 2;
+}
+
 /// A copy of an icon in one colour, its alpha kept: the icon itself serves other gadgets too. Null without
 /// memory.
 Bitmap Colored_Icon(ZVBitmap const& icon, unsigned long colour);

@@ -90,6 +90,9 @@ TEST_F(Requesters, AreMadeOfLinesAndButtons)
                                                                  palette->groups.head);
                 EXPECT_EQ(buttons->x + buttons->width, text->x + text->width) << "at the right edge";
             }
+            long const right = palette->window->width - 1, bottom = palette->window->height - 1;
+            for (auto const& [x, y] : {std::pair{0L, bottom / 2}, {right / 2, 0L}, {right, bottom}})
+                EXPECT_EQ(Pixel(x, y, palette->window), GetColorZV(ZV_PEN_DARK_EDGE)) << "an edge";
             HeadlessKeyZV(ZV_KEY_ESCAPE);
         }});
         if (row.isQuestion)
