@@ -4,10 +4,11 @@
 
 #include "Display.h"
 
-#include <deque>
+#include <list>
 
 class DisplayBase : public HostDisplay {
 public:
+    DisplayBase();
     HostWindow* Window_At(int x, int y) const override;
     HostWindow* Front_Window() const override { return front_; }
     HostWindow* Next_Window(HostWindow const* front) const override;
@@ -17,7 +18,8 @@ public:
 
     // ---- for the windows
 
-    /// Puts a window that is shown to the front of its kind.
+    /// Puts a window that is shown to the front of its kind. Throws without memory, all windows being where
+    /// they were.
     void Place_In_Front(HostWindow& window, HostWindowKind kind);
 
     /// For a window that is hidden or goes. Keys go back to whom had them before it.
@@ -47,7 +49,7 @@ protected:
     HostWindow* Next_For_Keys() const;
 
     /// Adds an event behind those that wait. The time is filled in, and for a press the number of clicks.
-    void Add_Event(HostEvent event);
+    void Add_Event(HostEvent event) noexcept;
     std::optional<HostEvent> Take_Event();
     bool Is_Waiting() const { return !events_.empty(); }
     bool Is_Waiting(HostEventType type, HostWindow const* window) const;
@@ -57,13 +59,16 @@ protected:
 
 private:
     void Note_Keys(HostWindow const& window);
+    void Free_Place(std::list<HostEvent>::iterator place);
+    template <typename Test> void Forget_If(Test test);
     void Follow(HostEvent const& event);
     void Count_Clicks(HostEvent& mouse);
 
     std::vector<Placed> placed_;
     HostWindow* front_ = nullptr;
     std::vector<HostWindow const*> hadKeys_;  // in the order of the last time, hidden ones too
-    std::deque<HostEvent> events_;
+    // Places for events lie ready, so that none is lost when memory runs out but in a flood.
+    std::list<HostEvent> events_, freePlaces_;
     HostModifiers modifiers_;
     unsigned buttons_ = 0;  // a bit for each that is held
     int pointerX_ = 0, pointerY_ = 0;

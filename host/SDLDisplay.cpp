@@ -24,7 +24,7 @@ std::size_t Frame_Index(HostWindowKind kind)
 SDL_SystemCursor System_Cursor(int code)
 {
     switch (code) {
-    case 1: return SDL_SYSTEM_CURSOR_IBEAM;
+    case HostCursorText: return SDL_SYSTEM_CURSOR_IBEAM;
     case 2:
     case 3: return SDL_SYSTEM_CURSOR_CROSSHAIR;
     case 4: return SDL_SYSTEM_CURSOR_WAIT;
