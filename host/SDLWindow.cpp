@@ -94,7 +94,8 @@ void SDLWindow::Show()
     HostFrame const frame = wasShown_ ? HostFrame() : display_.Frame_Of(request_);
     int const left = client_.left - frame.left, top = client_.top - frame.top;
     if (!X_Move_Hidden(window_, left * display_.Unit(), top * display_.Unit())) Move_To(left, top);
-    {
+    isAwaited_ = takesKeys && X_Ask_For(window_);
+    if (!isAwaited_) {
         PassingHint const quiet(SDL_HINT_WINDOW_NO_ACTIVATION_WHEN_SHOWN, takesKeys ? "0" : "1");
         SDL_ShowWindow(window_);
     }
@@ -104,9 +105,17 @@ void SDLWindow::Show()
     Expose();
 }
 
+void SDLWindow::Finish_Showing()
+{
+    if (!std::exchange(isAwaited_, false)) return;
+    X_Await(window_);
+    SDL_ShowWindow(window_);
+}
+
 void SDLWindow::Hide()
 {
     if (!isShown_) return;
+    Finish_Showing();
     isShown_ = false;
     SDL_HideWindow(window_);
     display_.Take_Off(*this);
@@ -115,6 +124,7 @@ void SDLWindow::Hide()
 void SDLWindow::Raise()
 {
     if (!isShown_) return;
+    Finish_Showing();
     SDL_RaiseWindow(window_);
     display_.Place_In_Front(*this, request_.kind);
     display_.Give_Keys(this);
@@ -175,8 +185,9 @@ HostFrame SDLWindow::Frame() const
 {
     HostFrame frame;
     if (!request_.hasFrame || request_.kind == HostWindowKind::Popup) return frame;
-    bool const isKnown = isShown_ && SDL_GetWindowBordersSize(window_, &frame.top, &frame.left, &frame.bottom,
-                                                              &frame.right) == 0;
+    bool const isKnown =
+        isShown_ && !isAwaited_ &&
+        SDL_GetWindowBordersSize(window_, &frame.top, &frame.left, &frame.bottom, &frame.right) == 0;
     if (!isKnown || frame.top == 0) return display_.Frame_Of(request_);
     int const unit = display_.Unit();
     for (int* const side : {&frame.left, &frame.top, &frame.right, &frame.bottom})
@@ -203,6 +214,7 @@ void SDLWindow::Present()
 {
     HostRegion touched = pixels_.Surface().Take_Touched();
     if (!isShown_) return;
+    Finish_Showing();
     if (std::exchange(isExposed_, false)) touched = HostRegion(pixels_.Surface().Bounds());
     if (touched.IsEmpty()) return;
     if (!display_.Show_Pixels(window_, pixels_, touched)) Show_By_SDL(touched);
