@@ -92,7 +92,7 @@ void DisplayBase::Place_In_Front(HostWindow& window, HostWindowKind kind)
     placed_.insert(above, {&window, kind});
 }
 
-HostWindow* DisplayBase::Front_Ordinary() const
+HostWindow* DisplayBase::Next_For_Keys() const
 {
     for (bool const isOrdinary : {true, false}) {
         for (auto placed = placed_.rbegin(); placed != placed_.rend(); ++placed)
@@ -101,43 +101,22 @@ HostWindow* DisplayBase::Front_Ordinary() const
     return nullptr;
 }
 
-HostWindow* DisplayBase::Next_For_Keys() const
-{
-    for (auto had = hadKeys_.rbegin(); had != hadKeys_.rend(); ++had) {
-        auto const placed = std::ranges::find(placed_, *had, &Placed::window);
-        if (placed != placed_.end()) return placed->window;
-    }
-    return Front_Ordinary();
-}
-
 void DisplayBase::Take_Off(HostWindow& window)
 {
     std::erase_if(placed_, [&](Placed const& placed) { return placed.window == &window; });
     if (front_ == &window) Give_Keys(Next_For_Keys());
 }
 
-void DisplayBase::Forget_Window(HostWindow const& window)
+void DisplayBase::Forget_Events(HostWindow const& window)
 {
-    std::erase(hadKeys_, &window);
     Forget_If([&](HostEvent const& event) { return event.window == &window; });
     if (lastPress_ && lastPress_->window == &window) lastPress_.reset();
-}
-
-void DisplayBase::Note_Keys(HostWindow const& window)
-{
-    std::erase(hadKeys_, &window);
-    try {
-        hadKeys_.push_back(&window);
-    } catch (std::bad_alloc const&) {
-        // A window that is not noted for want of memory is not come back to; windows that go must not fail.
-    }
 }
 
 void DisplayBase::Give_Keys(HostWindow* window)
 {
     HostWindow* const old = std::exchange(front_, window);
     if (old == window) return;
-    if (window) Note_Keys(*window);
     if (old) Add_Event({.type = HostEventType::WindowBack, .window = old});
     if (!old) Add_Event({.type = HostEventType::AppFront});
     if (window) Add_Event({.type = HostEventType::WindowFront, .window = window});

@@ -22,11 +22,11 @@ public:
     /// they were.
     void Place_In_Front(HostWindow& window, HostWindowKind kind);
 
-    /// For a window that is hidden or goes. Keys go back to whom had them before it.
+    /// For a window that is hidden or goes. Keys go to the front one of those that stay.
     void Take_Off(HostWindow& window);
 
-    /// Forgets a window that goes, and its waiting events.
-    void Forget_Window(HostWindow const& window);
+    /// Forgets the waiting events of a window that goes.
+    void Forget_Events(HostWindow const& window);
 
     /// Says whom keys go to, null for another process, with the events that tell it.
     void Give_Keys(HostWindow* window);
@@ -41,11 +41,6 @@ protected:
     /// From the one behind all others to the one in front.
     std::vector<Placed> const& Placed_Windows() const { return placed_; }
 
-    /// The front document or dialog; without any, the front window of another kind.
-    HostWindow* Front_Ordinary() const;
-
-    /// Of the windows that are shown the one that had keys last; when none of them had, the front ordinary
-    /// one.
     HostWindow* Next_For_Keys() const;
 
     /// Adds an event behind those that wait. The time is filled in, and for a press the number of clicks.
@@ -58,7 +53,6 @@ protected:
     void Flush_Events();
 
 private:
-    void Note_Keys(HostWindow const& window);
     void Free_Place(std::list<HostEvent>::iterator place);
     template <typename Test> void Forget_If(Test test);
     void Follow(HostEvent const& event);
@@ -66,7 +60,6 @@ private:
 
     std::vector<Placed> placed_;
     HostWindow* front_ = nullptr;
-    std::vector<HostWindow const*> hadKeys_;  // in the order of the last time, hidden ones too
     // Places for events lie ready, so that none is lost when memory runs out but in a flood.
     std::list<HostEvent> events_, freePlaces_;
     HostModifiers modifiers_;

@@ -61,7 +61,7 @@ std::unique_ptr<HostWindow> MemoryDisplay::Make_Window(HostWindowRequest const& 
 
 void MemoryDisplay::Forget(MemoryWindow& window)
 {
-    Forget_Window(window);
+    Forget_Events(window);
     std::erase_if(script_, [&](HostEvent const& event) { return event.window == &window; });
     if (pressed_ == &window) pressed_ = nullptr;
     if (framePress_ && framePress_->window == &window) framePress_.reset();

@@ -262,6 +262,7 @@ TEST_F(Requesters, GiveTheKeyboardBackToThePaletteThatAsked)
     };
     Click(document, nullptr);
     Strings const lit = bar();
+    Log();
     Steps const plain{[&](ZVPalette*) { EXPECT_NE(bar(), lit) << "the document is behind the requester"; },
                       Key('o')};
     Steps const nested{[](ZVPalette*) { AskUserZV("Inner"); }, Key('o'), Key('o')};
