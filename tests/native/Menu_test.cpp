@@ -93,6 +93,18 @@ protected:
     }
     std::string Told() { return std::exchange(told, {}); }
 
+    /// Whether the entry "New", all there is in the menu "File", is wider than its text, marks and arrows.
+    static bool Shows_Shortcut()
+    {
+        Click(File(), 5);
+        Keys({ZV_KEY_DOWN});
+        long const end = border + 20 + Text_Width("New") + 18, y = Row(0) - Row_Height() / 2 + 1;
+        EXPECT_TRUE(Is_Lit(end - 2, y));
+        bool const isWider = Is_Lit(end + 2, y);
+        Keys({ZV_KEY_ESCAPE});
+        return isWider;
+    }
+
     static bool Is_Lit(long x, long y) { return Pixel(x, y) == (GetColorZV(ZV_PEN_MARKED) & 0xFFFFFF); }
     /// Whether a menu of the bar hangs there.
     static bool Is_Open(long title) { return Is_Lit(title - titleMargin + 2, Menu_Bar_Height() / 2); }
@@ -221,6 +233,44 @@ TEST_F(Menu, KeysWalkThroughOpenMenus)
         EXPECT_EQ(Told(), expected);
         Keys({escape, escape});
         EXPECT_FALSE(Is_Open(File()) || Is_Open(Edit()));
+    }
+}
+
+TEST_F(Menu, OnlyShortcutsWithACharacterShowAndAllOfThemAct)
+{
+    struct Case {
+        unsigned key;
+        unsigned long modifiers;
+        bool isShown;
+    };
+    std::vector<unsigned long> actions;
+    auto const other = std::exchange(onEvent, [&](ZVEvent& event) {
+        if (event.type == ZV_EVENT_ACTION) actions.push_back(event.item);
+    });
+    for (auto const& [key, modifiers, isShown] : {Case{0, 0, false},
+                                                  {'n', ZV_MOD_CONTROL, true},
+                                                  {' ', ZV_MOD_CONTROL, true},
+                                                  {0xFC, ZV_MOD_ALT, true},
+                                                  {ZV_KEY_F1, 0, false},
+                                                  {ZV_KEY_F1 + 2, ZV_MOD_SHIFT, false},
+                                                  {ZV_KEY_DELETE, ZV_MOD_CONTROL, false},
+                                                  {ZV_KEY_INSERT, 0, false}}) {
+        ZVKeyBinding const bindings[] = {{static_cast<uint16_t>(key | modifiers), 7, 0}, {0, 0, 0}};
+        ZVKeySection section{.bindings = bindings};
+        ZVEnv->keySection = &section;
+        InitMenuZV();
+        AddMenuItemZV(10, "New", 7, nullptr);
+        EndMenuZV(1, "File", nullptr);
+        MakeMenuBarZV();
+        EXPECT_EQ(Shows_Shortcut(), isShown) << key;
+        Show(1, ZV_KIND_DOCUMENT, 400, 400);
+        HeadlessHoldZV(modifiers);
+        if (key != 0) Keys({key});
+        HeadlessHoldZV(0);
+        EXPECT_EQ(std::exchange(actions, {}).size(), key != 0) << key;
+        ClosePaletteZV(1);
+        ClearMenuBarZV();
+        ZVEnv->keySection = nullptr;
     }
 }
 
