@@ -181,8 +181,18 @@ static void Dispose_Native(ZVWindow& window)
     delete std::exchange(window.sysWindow, nullptr);
 }
 
+/// Keys go from a window that is closed to that of the modal palette around it, or else to that of the
+/// palette that is active still, and not to whichever the desktop has in front then.
+static void Hand_Keys_On(ZVWindow const& window)
+{
+    if (!window.sysWindow || Display()->Front_Window() != window.sysWindow->host.get()) return;
+    ZVPalette const* const next = ZVEnv->modalPalette ? ZVEnv->modalPalette : ZVEnv->activePalette;
+    Mac_Select_Window(GetParentSysWindow(next, nullptr, nullptr));
+}
+
 void Free_SysWindow(ZVWindow* window)
 {
+    Hand_Keys_On(*window);
     bool const wasFront = ZVEnv->frontWindow == window;
     Dispose_Native(*window);
     Free_Window(window);

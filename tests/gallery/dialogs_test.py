@@ -80,15 +80,11 @@ def opened(name, palette):
 
 
 def asked(palette, button, told=""):
-    """The palette that a dialog has come from is active up to then, and the main one afterwards."""
+    """The palette that a dialog has come from stays the active one."""
     return f"""
-        ? deactivate MainPalette
-        ? activate {palette}
         up {palette}
         gadget {button} 0 release
-        {told}
-        deactivate {palette}
-        activate MainPalette"""
+        {told}"""
 
 
 def requested(button, answer=""):
@@ -212,12 +208,8 @@ TABS = [
         ? up LongPalette dragged
         ? up LongPalette
         tab-deactivate LongPalette
-        tab-activate IconPalette
-        deactivate IconPalette
-        activate MainPalette"""),
+        tab-activate IconPalette"""),
     ("where it gives way to another one", "{LongPalette!:19,10} click 1", """
-        deactivate MainPalette
-        activate IconPalette
         up IconPalette
         tab-deactivate IconPalette
         deactivate IconPalette

@@ -4,6 +4,7 @@
 
 #include "FailingHeap.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -199,6 +200,45 @@ TEST_F(Requesters, NestFromTicksAndFromOneAnother)
                 Key('o')});
     EXPECT_EQ(AskUserZV("Outer\n\n\n\n\n\n\n"), 1) << "its button lies lower";
     EXPECT_EQ(inner, 0);
+}
+
+TEST_F(Requesters, GiveTheKeyboardBackToThePaletteThatAsked)
+{
+    ZVPalette* const document = Show(1, ZV_KIND_DOCUMENT, 100, 100, {{ZV_PAL_FLAGS, ZV_PALF_VSCROLL}});
+    ZVPalette* const floater = Show(2, ZV_KIND_FIXED, 500, 100);
+    document->vertical = {0, 200, 0, 50};
+    Move_Sliders(document->window);
+    auto const bar = [&] {
+        Strings colors;
+        for (long y = 0; y < 16; ++y)
+            colors.push_back(std::to_string(Pixel(document->window->width + 8, y, document->window)));
+        return colors;
+    };
+    onGadget = [](ZVCustomEvent const& event) {
+        if (event.type == ZV_CUSTOM_MOUSE_UP) AskUserZV("From a floater");
+    };
+    Click(document, nullptr);
+    Strings const lit = bar();
+    Log();
+    Steps const plain{[&](ZVPalette*) { EXPECT_NE(bar(), lit) << "the document is behind the requester"; },
+                      Key('o')};
+    Steps const nested{[](ZVPalette*) { AskUserZV("Inner"); }, Key('o'), Key('o')};
+    Steps const away{[](ZVPalette*) { HeadlessLeaveZV(); }, [](ZVPalette*) { HeadlessReturnZV(); }, Key('o')};
+    for (Steps const& steps : {plain, nested, away}) {
+        Take_Steps(steps);
+        Click(floater, Gadget(floater));
+        HeadlessRunZV(1000);
+        EXPECT_EQ(ZVEnv->modalDepth, 0);
+        EXPECT_EQ(ZVEnv->activePalette, floater);
+        EXPECT_EQ(bar(), lit);
+        Strings const told = Log();
+        EXPECT_EQ(std::count(told.begin(), told.end(), "2:10"), 0) << "it has been active all the time";
+    }
+    // The floater goes while its requester is there.
+    Take_Steps({[](ZVPalette*) { ClosePaletteZV(2); }, Key('o')});
+    Click(floater, Gadget(floater));
+    HeadlessRunZV(1000);
+    EXPECT_EQ(ZVEnv->activePalette, document);
 }
 
 TEST_F(Requesters, LeaveTheirCallerAsItWas)
