@@ -498,6 +498,9 @@ ZV_API void Reenable_All_Menus();
 /// Lights the title in the bar of a menu of the top level; null lights none.
 ZV_API void Mac_Hilite_Menu(ZVMenu const* menu);
 
+/// A key that nobody has taken: F10 by itself opens the first menu of the bar that can be opened.
+ZV_API void Mac_Menu_Key(long key, unsigned long modifiers);
+
 /// Opens a menu with its corner at that point of the screen and waits until the user has chosen, the press
 /// that led here being over. Callbacks run meanwhile.
 /// @return  the entry; null for none, also when menus have been freed meanwhile

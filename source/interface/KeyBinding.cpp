@@ -118,7 +118,9 @@ void Process_Keys(long key, unsigned long modifiers)
     // What lies behind a modal palette is out of reach, its keys included.
     ZVPalette const* const modal = ZVEnv->modalPalette;
     ZVKeySection const* const section = modal ? modal->keySection : ZVEnv->keySection;
-    if (!section) return;
-    long const action = Action_Of_Key(*section, Binding_Key(key, modifiers));
-    if (action) Send_Action({section, action});
+    long const action = section ? Action_Of_Key(*section, Binding_Key(key, modifiers)) : 0;
+    if (action)
+        Send_Action({section, action});
+    else
+        Mac_Menu_Key(key, modifiers);
 }

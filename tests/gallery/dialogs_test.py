@@ -35,6 +35,17 @@ MENUS = [
      "key Left key Right key Escape key Down key Down key Right key End key Return", """
         menu-init held
         menu "All of them" 0"""),
+    ("F10 opens the first menu", "key F10 key Right key Down key Return", """
+        key F10
+        menu-init
+        menu "Open" 0"""),
+    ("F10 and Escape close it", "key F10 key Right key F10 key F10 key Escape key n", """
+        key F10
+        menu-init
+        key F10
+        menu-init
+        key n
+        key n key-up"""),
     ("keys of a section", "key ctrl+n key F1 key ctrl+shift+s", """
         key n control
         action ActionNew control

@@ -3,7 +3,7 @@
 
     gallery_test.py GALLERY HEADER
 
-A scenario gives input and then one of the keys F5 to F12, and compares the events that the gallery tells until it has
+A scenario gives input and then one of the keys F5 to F12 other than F10, and compares the events that the gallery tells until it has
 told of that key with the expected ones. So nothing waits longer than the machine takes.
 """
 import os

@@ -7,6 +7,7 @@
 
 namespace {
 
+constexpr uint16_t barKey = ZV_KEY_F1 + 9;
 constexpr int border = 3, line = 7, titleMargin = 9;
 
 class Menu : public DesktopTest {
@@ -234,6 +235,87 @@ TEST_F(Menu, KeysWalkThroughOpenMenus)
         Keys({escape, escape});
         EXPECT_FALSE(Is_Open(File()) || Is_Open(Edit()));
     }
+}
+
+TEST_F(Menu, AKeyOpensAndClosesTheBar)
+{
+    Make_Bar();
+    ZVPalette* const palette = Show(1, ZV_KIND_DOCUMENT, 400, 400, {}, true);
+    Script_Click(palette, Field(palette));
+    HeadlessRunZV(0);
+    Log();
+    Keys({barKey, ZV_KEY_RETURN});
+    EXPECT_EQ(Told(), "New;");
+    EXPECT_EQ(Log(), (Strings{"A:1", "A:16", "A:15"})) << "all else is the menu's";
+    for (auto const& keys : std::vector<std::vector<unsigned long>>{
+             {barKey}, {ZV_KEY_ESCAPE}, {ZV_KEY_UP, ZV_KEY_UP, ZV_KEY_RIGHT, barKey}}) {
+        Keys({barKey});
+        EXPECT_TRUE(Is_Open(File()));
+        Keys(keys);
+        EXPECT_FALSE(Is_Open(File()));
+    }
+    EXPECT_EQ(ZVEnv->focusedTextItem, Field(palette));
+    HeadlessTypeZV("y");
+    EnableMenuZV(1, 0);
+    Keys({barKey, ZV_KEY_DOWN, ZV_KEY_RETURN});
+    EXPECT_EQ(Told(), "Paste;") << "the first menu that opens";
+    EXPECT_STREQ(Field(palette)->editText, "y");
+    EnableMenuZV(3, 0);
+    Keys({barKey, ZV_KEY_RETURN});
+    EXPECT_EQ(Told(), "");
+    ClearMenuBarZV();
+    Keys({barKey});
+    EXPECT_EQ(Log().back(), "A:1/16384") << "without a bar it is a key like any other";
+}
+
+TEST_F(Menu, TheKeyOfTheBarIsForOthersFirst)
+{
+    Make_Bar();
+    ZVPalette* const palette = Show(1, ZV_KIND_DOCUMENT, 400, 400);
+    auto const is_opened = [] {
+        Keys({barKey});
+        bool const isOpen = Is_Open(File());
+        if (isOpen) Keys({ZV_KEY_ESCAPE});
+        return isOpen;
+    };
+    EXPECT_TRUE(is_opened());
+    ZVKeyBinding const bindings[] = {{barKey, 7, 0}, {0, 0, 0}};
+    ZVKeySection section{.bindings = bindings};
+    ZVEnv->keySection = &section;
+    Log();
+    EXPECT_FALSE(is_opened()) << "an action is bound to it";
+    EXPECT_EQ(Log(), (Strings{"A:1", "A:24", "A:1/16384"}));
+    ZVEnv->keySection = nullptr;
+    auto const others = std::exchange(onEvent, [](ZVEvent& event) {
+        if (event.type == ZV_EVENT_KEY) event.result = 1;
+    });
+    EXPECT_FALSE(is_opened()) << "a callback has taken it";
+    onEvent = others;
+    HeadlessHoldZV(ZV_MOD_SHIFT);
+    EXPECT_FALSE(is_opened());
+    HeadlessHoldZV(0);
+    ZVEnv->modifiers |= ZV_MOD_REPEAT;
+    Do_Event(ZV_EVENT_KEY, barKey);
+    EXPECT_FALSE(Is_Open(File())) << "held down, it does not open what it has just closed";
+
+    Log();
+    Script_Move(palette, Gadget(palette));
+    HeadlessPressZV(ZV_HEADLESS_LEFT);
+    HeadlessKeyZV(barKey);
+    HeadlessReleaseZV(ZV_HEADLESS_LEFT);
+    HeadlessRunZV(0);
+    Strings const lines = Log();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "G1:107"), 1) << "the release is the gadget's";
+    EXPECT_FALSE(Is_Open(File()));
+
+    bool isAsked = false;
+    onEvent = [&](ZVEvent& event) {
+        if (event.type != ZV_EVENT_TICK || !ZVEnv->modalPalette || std::exchange(isAsked, true)) return;
+        EXPECT_FALSE(is_opened());
+        ClosePaletteZV(7);
+    };
+    Show(7, ZV_KIND_MODAL, 500, 300);
+    EXPECT_TRUE(isAsked);
 }
 
 TEST_F(Menu, OnlyShortcutsWithACharacterShowAndAllOfThemAct)
