@@ -202,6 +202,46 @@ TEST_F(Requesters, NestFromTicksAndFromOneAnother)
     EXPECT_EQ(inner, 0);
 }
 
+TEST_F(Requesters, OpenFromMenusAndFromThePalettesBehindThem)
+{
+    InitMenuZV();
+    AddMenuItemZV(10, "Ask", 0, nullptr);
+    EndMenuZV(1, "File", nullptr);
+    MakeMenuBarZV();
+    ZVPalette* const document = Show(1, ZV_KIND_DOCUMENT, 100, 100);
+    HeadlessRunZV(0);
+    std::vector<long> answers;
+    bool isWanted = false;
+    auto const listen = [&](Steps steps) {
+        Take_Steps(std::move(steps));
+        onEvent = [&, take = onEvent](ZVEvent& event) {
+            bool const isTick = event.type == ZV_EVENT_TICK && event.palette == document;
+            if (event.type == ZV_EVENT_MENU || (isTick && std::exchange(isWanted, false)))
+                answers.push_back(AskUserZV("Question"));
+            take(event);
+        };
+    };
+    auto const from_behind = [&](ZVPalette*) { isWanted = true; };
+    auto const choose = [] {
+        HeadlessKeyZV(ZV_KEY_F1 + 9);
+        HeadlessKeyZV(ZV_KEY_RETURN);
+    };
+    // What is typed for the bar answers the requester.
+    for (int round = 0; round < 2; ++round) {
+        listen({from_behind, [&](ZVPalette*) { choose(); }, Key('c')});
+        choose();
+        HeadlessRunZV(1000);
+        EXPECT_EQ(answers, (std::vector<long>{1, 0})) << "the one in front is answered first";
+        EXPECT_EQ(ZVEnv->modalDepth, 0);
+        answers.clear();
+    }
+    listen({Press(2)});
+    isWanted = true;
+    HeadlessRunZV(1000);
+    EXPECT_EQ(answers, std::vector<long>{0});
+    ClearMenuBarZV();
+}
+
 TEST_F(Requesters, GiveTheKeyboardBackToThePaletteThatAsked)
 {
     ZVPalette* const document = Show(1, ZV_KIND_DOCUMENT, 100, 100, {{ZV_PAL_FLAGS, ZV_PALF_VSCROLL}});
