@@ -121,22 +121,25 @@ void DisplayBase::Pointer(int& x, int& y) const
     y = pointerY_;
 }
 
-int DisplayBase::Count_Clicks(HostEvent const& press)
+/// The next press at the place of the last one counts with it, unless the mouse has been elsewhere meanwhile,
+/// as it has when that press was dragged.
+void DisplayBase::Count_Clicks(HostEvent& mouse)
 {
-    bool const isNext =
-        lastPress_ && lastPress_->window == press.window && lastPress_->button == press.button &&
-        press.milliseconds - lastPress_->milliseconds <= Double_Click_Milliseconds() &&
-        std::abs(press.x - lastPress_->x) <= ClickSlack && std::abs(press.y - lastPress_->y) <= ClickSlack;
-    int const clicks = isNext ? lastPress_->clicks + 1 : 1;
-    lastPress_ = press;
-    lastPress_->clicks = clicks;
-    return clicks;
+    bool const isThere = lastPress_ && std::abs(mouse.x - lastPress_->x) <= ClickSlack &&
+                         std::abs(mouse.y - lastPress_->y) <= ClickSlack;
+    if (!isThere) lastPress_.reset();
+    if (mouse.type != HostEventType::MouseDown) return;
+    bool const isNext = lastPress_ && lastPress_->window == mouse.window &&
+                        lastPress_->button == mouse.button &&
+                        mouse.milliseconds - lastPress_->milliseconds <= Double_Click_Milliseconds();
+    mouse.clicks = isNext ? lastPress_->clicks + 1 : 1;
+    lastPress_ = mouse;
 }
 
 void DisplayBase::Add_Event(HostEvent event)
 {
     if (event.milliseconds == 0) event.milliseconds = Milliseconds();
-    if (event.type == HostEventType::MouseDown) event.clicks = Count_Clicks(event);
+    if (Is_Mouse_Event(event.type)) Count_Clicks(event);
     try {
         events_.push_back(std::move(event));
     } catch (std::bad_alloc const&) {

@@ -52,7 +52,7 @@ protected:
 
 private:
     void Follow(HostEvent const& event);
-    int Count_Clicks(HostEvent const& press);
+    void Count_Clicks(HostEvent& mouse);
 
     std::vector<Placed> placed_;
     HostWindow* front_ = nullptr;

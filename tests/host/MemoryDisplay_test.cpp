@@ -124,6 +124,21 @@ TEST(MemoryDisplay, PressesCountAsOneClickByTimeAndPlace)
     EXPECT_EQ(desk.Clicks(), expected);
 }
 
+TEST(MemoryDisplay, APressThatWasDraggedIsNoFirstClick)
+{
+    Desk desk;
+    auto window = desk.Shown(Kind::Document, {0, 100, 400, 400});
+    for (auto const& [way, clicks] : {std::pair(4, 2), {5, 1}, {100, 1}}) {
+        desk.display.Pause(1000);
+        desk.display.Press(50, 150);
+        desk.display.Move(50 + way, 150);
+        desk.display.Move(50, 150);
+        desk.display.Release();
+        desk.display.Click(50, 150);
+        EXPECT_EQ(desk.Clicks(), (std::vector<int>{1, clicks})) << way;
+    }
+}
+
 TEST(MemoryDisplay, TheClockMovesByWaitingAlone)
 {
     Desk desk;

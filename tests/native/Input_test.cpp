@@ -52,6 +52,20 @@ TEST_F(InputTest, APressGoesToWhatIsUnderIt)
     EXPECT_EQ(Log(), (Strings{"G1:108/65", "1:4/64", "G1:107/64"})) << "the second of two quick presses";
 }
 
+TEST_F(InputTest, APressBehindADragIsASingleOne)
+{
+    ZVPalette* const palette = Show(1, ZV_KIND_DOCUMENT, 100, 100);
+    HeadlessRunZV(0);
+    Script_Move(palette, Gadget(palette));
+    HeadlessPressZV(ZV_HEADLESS_LEFT);
+    Script_Move(palette, nullptr);
+    HeadlessReleaseZV(ZV_HEADLESS_LEFT);
+    Script_Click(palette, Gadget(palette));
+    HeadlessRunZV(0);
+    Strings const told = Log();
+    EXPECT_EQ(std::count(told.begin(), told.end(), "G1:108/1"), 2) << "presses, none of them a double click";
+}
+
 TEST_F(InputTest, APressBesideATextFieldCommitsIt)
 {
     ZVPalette* const palette = Show(1, ZV_KIND_DOCUMENT, 100, 100, {}, true);
