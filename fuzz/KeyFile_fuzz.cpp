@@ -12,9 +12,9 @@ static ZVKeyCommand const commands[] = {{"Save", 10}, {"Load", 11}, {"a", 65537}
 static std::size_t Count_Bindings(ZVKeySection const& section)
 {
     std::size_t count = 0;
-    for (auto const* binding = section.bindings; binding && binding->key; ++binding, ++count)
-        for (auto const* earlier = section.bindings; earlier != binding; ++earlier)
-            if (earlier->key == binding->key) std::abort();
+    for (auto const* binding = section.bindings; binding && *binding; binding += BindingSize, ++count)
+        for (auto const* earlier = section.bindings; earlier != binding; earlier += BindingSize)
+            if (*earlier == *binding) std::abort();
     return count;
 }
 

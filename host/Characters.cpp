@@ -52,3 +52,13 @@ char32_t Character_Without_Accents(char32_t character)
         character = letter;
     return Is_Accent(character) ? 0 : character;
 }
+
+std::string Utf8_Of(char32_t character)
+{
+    auto const tail = [&](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
+    auto const head = [&](unsigned mark, int shift) { return static_cast<char>(mark | character >> shift); };
+    if (character < 0x80) return {head(0, 0)};
+    if (character < 0x800) return {head(0xC0, 6), tail(0)};
+    if (character < 0x10000) return {head(0xE0, 12), tail(6), tail(0)};
+    return {head(0xF0, 18), tail(12), tail(6), tail(0)};
+}

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 enum class HostCharacterKind : uint8_t {
     Letter,  ///< digits too, and all that words are made of
@@ -22,6 +23,8 @@ enum class HostDirection : uint8_t {
 };
 
 HostDirection Character_Direction(char32_t character);
+
+std::string Utf8_Of(char32_t character);
 
 /// The letter below its accents, as the e of an é. 0 for an accent that is a character of its own, and every
 /// other character itself.

@@ -136,8 +136,8 @@ public:
     virtual void Raise() = 0;  ///< To the front of its kind, and keys go to it.
     virtual void Set_Title(std::string const& title) = 0;
 
-    virtual HostRect Client() const = 0;  ///< On the desktop.
-    virtual void Set_Client(HostRect const& client) = 0;
+    virtual HostRect Client() const = 0;                  ///< On the desktop.
+    virtual void Set_Client(HostRect const& client) = 0;  ///< Throws without memory, nothing changed.
     virtual HostFrame Frame() const = 0;
 
     /// What the user can make of it by its edges.
@@ -159,8 +159,8 @@ struct HostMonitor {
 
 /// A cursor of the desktop by its number in the numbering of cursor codes: 0 arrow, 1 text beam, 2 cross, 3
 /// thick cross, 4 watch. Those above have no number there; others are the arrow.
-inline constexpr int HostCursorArrow = 0, HostCursorLeftRight = 128, HostCursorUpDown = 129,
-                     HostCursorHand = 130;
+inline constexpr int HostCursorArrow = 0, HostCursorText = 1, HostCursorLeftRight = 128,
+                     HostCursorUpDown = 129, HostCursorHand = 130;
 
 /// A cursor of the library's own.
 struct HostCursorImage {

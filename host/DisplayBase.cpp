@@ -7,6 +7,9 @@
 
 namespace {
 
+/// Events that places lie ready for.
+constexpr std::size_t ReadyPlaces = 64;
+
 /// How far the pointer may move between two presses that belong together.
 constexpr int ClickSlack = 4;
 
@@ -52,6 +55,12 @@ HostRect Outer_Bounds(HostWindow const& window)
             client.bottom + frame.bottom};
 }
 
+DisplayBase::DisplayBase()
+{
+    for (std::size_t i = 0; i < ReadyPlaces; ++i)
+        freePlaces_.push_back({.type = HostEventType::Quit});
+}
+
 // ---- windows ----------------------------------------------------------------------------------------------
 
 HostWindow* DisplayBase::Window_At(int x, int y) const
@@ -75,6 +84,7 @@ HostWindow* DisplayBase::Next_Window(HostWindow const* front) const
 
 void DisplayBase::Place_In_Front(HostWindow& window, HostWindowKind kind)
 {
+    placed_.reserve(placed_.size() + 1);
     std::erase_if(placed_, [&](Placed const& placed) { return placed.window == &window; });
     auto const above = std::find_if(placed_.begin(), placed_.end(), [kind](Placed const& placed) {
         return Layer_Of(placed.kind) > Layer_Of(kind);
@@ -82,7 +92,7 @@ void DisplayBase::Place_In_Front(HostWindow& window, HostWindowKind kind)
     placed_.insert(above, {&window, kind});
 }
 
-HostWindow* DisplayBase::Next_For_Keys() const
+HostWindow* DisplayBase::Front_Ordinary() const
 {
     for (bool const isOrdinary : {true, false}) {
         for (auto placed = placed_.rbegin(); placed != placed_.rend(); ++placed)
@@ -91,22 +101,43 @@ HostWindow* DisplayBase::Next_For_Keys() const
     return nullptr;
 }
 
+HostWindow* DisplayBase::Next_For_Keys() const
+{
+    for (auto had = hadKeys_.rbegin(); had != hadKeys_.rend(); ++had) {
+        auto const placed = std::ranges::find(placed_, *had, &Placed::window);
+        if (placed != placed_.end()) return placed->window;
+    }
+    return Front_Ordinary();
+}
+
 void DisplayBase::Take_Off(HostWindow& window)
 {
     std::erase_if(placed_, [&](Placed const& placed) { return placed.window == &window; });
     if (front_ == &window) Give_Keys(Next_For_Keys());
 }
 
-void DisplayBase::Forget_Events(HostWindow const& window)
+void DisplayBase::Forget_Window(HostWindow const& window)
 {
-    std::erase_if(events_, [&](HostEvent const& event) { return event.window == &window; });
+    std::erase(hadKeys_, &window);
+    Forget_If([&](HostEvent const& event) { return event.window == &window; });
     if (lastPress_ && lastPress_->window == &window) lastPress_.reset();
+}
+
+void DisplayBase::Note_Keys(HostWindow const& window)
+{
+    std::erase(hadKeys_, &window);
+    try {
+        hadKeys_.push_back(&window);
+    } catch (std::bad_alloc const&) {
+        // A window that is not noted for want of memory is not come back to; windows that go must not fail.
+    }
 }
 
 void DisplayBase::Give_Keys(HostWindow* window)
 {
     HostWindow* const old = std::exchange(front_, window);
     if (old == window) return;
+    if (window) Note_Keys(*window);
     if (old) Add_Event({.type = HostEventType::WindowBack, .window = old});
     if (!old) Add_Event({.type = HostEventType::AppFront});
     if (window) Add_Event({.type = HostEventType::WindowFront, .window = window});
@@ -121,26 +152,50 @@ void DisplayBase::Pointer(int& x, int& y) const
     y = pointerY_;
 }
 
-int DisplayBase::Count_Clicks(HostEvent const& press)
+/// The next press at the place of the last one counts with it, unless the mouse has been elsewhere meanwhile,
+/// as it has when that press was dragged.
+void DisplayBase::Count_Clicks(HostEvent& mouse)
 {
-    bool const isNext =
-        lastPress_ && lastPress_->window == press.window && lastPress_->button == press.button &&
-        press.milliseconds - lastPress_->milliseconds <= Double_Click_Milliseconds() &&
-        std::abs(press.x - lastPress_->x) <= ClickSlack && std::abs(press.y - lastPress_->y) <= ClickSlack;
-    int const clicks = isNext ? lastPress_->clicks + 1 : 1;
-    lastPress_ = press;
-    lastPress_->clicks = clicks;
-    return clicks;
+    bool const isThere = lastPress_ && std::abs(mouse.x - lastPress_->x) <= ClickSlack &&
+                         std::abs(mouse.y - lastPress_->y) <= ClickSlack;
+    if (!isThere) lastPress_.reset();
+    if (mouse.type != HostEventType::MouseDown) return;
+    bool const isNext = lastPress_ && lastPress_->window == mouse.window &&
+                        lastPress_->button == mouse.button &&
+                        mouse.milliseconds - lastPress_->milliseconds <= Double_Click_Milliseconds();
+    mouse.clicks = isNext ? lastPress_->clicks + 1 : 1;
+    lastPress_ = mouse;
 }
 
-void DisplayBase::Add_Event(HostEvent event)
+void DisplayBase::Add_Event(HostEvent event) noexcept
 {
     if (event.milliseconds == 0) event.milliseconds = Milliseconds();
-    if (event.type == HostEventType::MouseDown) event.clicks = Count_Clicks(event);
-    try {
-        events_.push_back(std::move(event));
-    } catch (std::bad_alloc const&) {
-        // An event that there is no memory for is lost; windows that go must not fail.
+    if (Is_Mouse_Event(event.type)) Count_Clicks(event);
+    if (freePlaces_.empty()) {
+        try {
+            freePlaces_.push_back(std::move(event));
+        } catch (std::bad_alloc const&) {
+            return;  // lost; windows that go must not fail
+        }
+    } else {
+        freePlaces_.front() = std::move(event);
+    }
+    events_.splice(events_.end(), freePlaces_, freePlaces_.begin());
+}
+
+void DisplayBase::Free_Place(std::list<HostEvent>::iterator place)
+{
+    if (freePlaces_.size() < ReadyPlaces)
+        freePlaces_.splice(freePlaces_.end(), events_, place);
+    else
+        events_.erase(place);
+}
+
+template <typename Test> void DisplayBase::Forget_If(Test test)
+{
+    for (auto place = events_.begin(); place != events_.end();) {
+        auto const each = place++;
+        if (test(*each)) Free_Place(each);
     }
 }
 
@@ -159,7 +214,7 @@ std::optional<HostEvent> DisplayBase::Take_Event()
 {
     if (events_.empty()) return std::nullopt;
     HostEvent event = std::move(events_.front());
-    events_.pop_front();
+    Free_Place(events_.begin());
     Follow(event);
     return event;
 }
@@ -172,7 +227,7 @@ bool DisplayBase::Is_Waiting(HostEventType type, HostWindow const* window) const
 
 void DisplayBase::Flush_Events()
 {
-    std::erase_if(events_, [this](HostEvent const& event) {
+    Forget_If([this](HostEvent const& event) {
         if (!Is_Mouse_Event(event.type) && !Is_Key_Event(event.type)) return false;
         Follow(event);
         return true;

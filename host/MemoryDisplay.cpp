@@ -1,5 +1,6 @@
 #include "MemoryDisplay.h"
 
+#include "Characters.h"
 #include "MemoryDesk.h"
 #include "MemoryWindow.h"
 
@@ -9,6 +10,9 @@
 namespace {
 
 constexpr HostFrame FrameSize{.left = 1, .top = 22, .right = 1, .bottom = 1};
+
+/// Of a key that is held, in milliseconds.
+constexpr uint64_t RepeatDelay = 500, RepeatInterval = 30;
 
 /// Bytes of the UTF-8 character at `place`, and the character itself; a byte that begins none stands for
 /// itself.
@@ -57,7 +61,7 @@ std::unique_ptr<HostWindow> MemoryDisplay::Make_Window(HostWindowRequest const& 
 
 void MemoryDisplay::Forget(MemoryWindow& window)
 {
-    Forget_Events(window);
+    Forget_Window(window);
     std::erase_if(script_, [&](HostEvent const& event) { return event.window == &window; });
     if (pressed_ == &window) pressed_ = nullptr;
     if (framePress_ && framePress_->window == &window) framePress_.reset();
@@ -114,7 +118,14 @@ uint64_t MemoryDisplay::Script_Time() const
 
 HostEvent MemoryDisplay::Scripted(HostEventType type) const
 {
-    return {.type = type, .modifiers = held_, .x = scriptX_, .y = scriptY_};
+    Pen const pen = pen_.value_or(Pen{1.0, false});
+    return {.type = type,
+            .modifiers = held_,
+            .x = scriptX_,
+            .y = scriptY_,
+            .pressure = pen.pressure,
+            .isPen = pen_.has_value(),
+            .isEraser = pen.isEraser};
 }
 
 void MemoryDisplay::Post(HostEvent event)
@@ -167,14 +178,23 @@ void MemoryDisplay::Wheel(double x, double y)
     Post(std::move(event));
 }
 
-void MemoryDisplay::Key(HostKey key, char32_t character)
+void MemoryDisplay::Key(HostKey key, char32_t character, int repeats)
 {
-    for (HostEventType const type : {HostEventType::KeyDown, HostEventType::KeyUp}) {
-        HostEvent event = Scripted(type);
-        event.key = key;
-        event.character = character;
-        Post(std::move(event));
+    HostEvent event = Scripted(HostEventType::KeyDown);
+    event.key = key;
+    event.character = character;
+    if (key == HostKey::Character && character != 0) event.text = Utf8_Of(character);
+    Post(event);
+    for (int i = 0; i < repeats; ++i) {
+        Pause(i == 0 ? RepeatDelay : RepeatInterval);
+        event.milliseconds = 0;
+        event.isRepeat = true;
+        Post(event);
     }
+    event.type = HostEventType::KeyUp;
+    event.milliseconds = 0;
+    event.isRepeat = false;
+    Post(std::move(event));
 }
 
 void MemoryDisplay::Type(std::string const& text)

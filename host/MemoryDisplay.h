@@ -6,6 +6,8 @@
 #include "DisplayBase.h"
 #include "Screenshot.h"
 
+#include <deque>
+
 class MemoryWindow;
 
 class MemoryDisplay : public DisplayBase {
@@ -28,11 +30,18 @@ public:
     void Release(HostButton button = HostButton::Left);
     void Click(int x, int y, HostButton button = HostButton::Left);
     void Wheel(double x, double y);
-    void Key(HostKey key, char32_t character = 0);  ///< down and up
-    void Type(std::string const& text);             ///< UTF-8; a key for each character
+    void Key(HostKey key, char32_t character = 0, int repeats = 0);  ///< down, held that long, and up
+    void Type(std::string const& text);                              ///< UTF-8; a key for each character
 
     /// Held with what is posted from here on.
     void Hold(HostModifiers const& modifiers) { held_ = modifiers; }
+
+    /// A pen moves, presses and releases in what is posted from here on; the mouse without one.
+    struct Pen {
+        double pressure;
+        bool isEraser;
+    };
+    void Take_Pen(std::optional<Pen> const& pen) { pen_ = pen; }
 
     /// What is posted from here on comes so much later.
     void Pause(uint64_t milliseconds) { scriptTime_ = Script_Time() + milliseconds; }
@@ -52,7 +61,8 @@ public:
 
     HostPicture Screenshot(HostWindow const& window) const;  ///< the client area as last presented
     HostPicture Screenshot() const;                          ///< of the whole desktop
-    int System_Cursor() const { return cursor_; }            ///< -1 for one of the library's own
+    static constexpr int OwnCursor = -1;
+    int System_Cursor() const { return cursor_; }  ///< OwnCursor for one of the library's own
     bool Is_Pointer_Shown() const { return isPointerShown_; }
     int Beeps() const { return beeps_; }
 
@@ -68,7 +78,7 @@ public:
     uint64_t Milliseconds() const override { return now_; }
     uint64_t Double_Click_Milliseconds() const override { return 500; }
     void Set_Cursor(int systemCursor) override { cursor_ = systemCursor; }
-    void Set_Cursor(HostCursorImage const&) override { cursor_ = -1; }
+    void Set_Cursor(HostCursorImage const&) override { cursor_ = OwnCursor; }
     void Show_Pointer(bool isShown) override { isPointerShown_ = isShown; }
     void Hold_Pointer(bool isHeld) override { isPointerHeld_ = isHeld; }
     std::string Clipboard() override { return clipboard_; }
@@ -110,6 +120,7 @@ private:
     uint64_t now_ = 1;              // 0 stands for no time
     uint64_t scriptTime_ = 0;
     HostModifiers held_;
+    std::optional<Pen> pen_;
     int scriptX_ = 0, scriptY_ = 0;  // where the script has moved the pointer to
     int mouseX_ = 0, mouseY_ = 0;    // where it has got
 

@@ -44,7 +44,7 @@ void MemoryDisplay::Play_Move(HostEvent event)
 {
     event.deltaX = event.x - mouseX_;
     event.deltaY = event.y - mouseY_;
-    if (isPointerHeld_) {
+    if (isPointerHeld_ && !event.isPen) {
         event.x = mouseX_;
         event.y = mouseY_;
     }

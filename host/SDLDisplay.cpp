@@ -24,7 +24,7 @@ std::size_t Frame_Index(HostWindowKind kind)
 SDL_SystemCursor System_Cursor(int code)
 {
     switch (code) {
-    case 1: return SDL_SYSTEM_CURSOR_IBEAM;
+    case HostCursorText: return SDL_SYSTEM_CURSOR_IBEAM;
     case 2:
     case 3: return SDL_SYSTEM_CURSOR_CROSSHAIR;
     case 4: return SDL_SYSTEM_CURSOR_WAIT;
@@ -129,7 +129,7 @@ std::unique_ptr<HostWindow> SDLDisplay::Make_Window(HostWindowRequest const& req
 {
     // A window is kept above its parent: all are above the root, and what serves a document is above it.
     bool const isServant = request.kind == HostWindowKind::Dialog || request.kind == HostWindowKind::Popup;
-    auto* parent = isServant ? static_cast<SDLWindow*>(Next_For_Keys()) : nullptr;
+    auto* parent = isServant ? static_cast<SDLWindow*>(Front_Ordinary()) : nullptr;
     if (!parent && request.kind != HostWindowKind::Root) {
         for (SDLWindow* const window : windows_)
             if (window->Request().kind == HostWindowKind::Root) parent = window;
@@ -151,7 +151,7 @@ void SDLDisplay::Add_Window(SDLWindow& window)
 void SDLDisplay::Remove_Window(SDLWindow& window)
 {
     std::erase(windows_, &window);
-    Forget_Events(window);
+    Forget_Window(window);
 }
 
 PixelRoomMaker SDLDisplay::Room_For(SDL_Window* window)

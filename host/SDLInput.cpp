@@ -30,6 +30,8 @@ int Whole_Points(int& rest, int movement, int unit)
 
 void SDLDisplay::Bring_In()
 {
+    for (SDLWindow* const window : windows_)
+        window->Finish_Showing();
     isFocusLost_ = false;
     SDL_Event event;
     while (SDL_PollEvent(&event))

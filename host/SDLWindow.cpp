@@ -94,7 +94,8 @@ void SDLWindow::Show()
     HostFrame const frame = wasShown_ ? HostFrame() : display_.Frame_Of(request_);
     int const left = client_.left - frame.left, top = client_.top - frame.top;
     if (!X_Move_Hidden(window_, left * display_.Unit(), top * display_.Unit())) Move_To(left, top);
-    {
+    isAwaited_ = takesKeys && X_Ask_For(window_);
+    if (!isAwaited_) {
         PassingHint const quiet(SDL_HINT_WINDOW_NO_ACTIVATION_WHEN_SHOWN, takesKeys ? "0" : "1");
         SDL_ShowWindow(window_);
     }
@@ -104,9 +105,17 @@ void SDLWindow::Show()
     Expose();
 }
 
+void SDLWindow::Finish_Showing()
+{
+    if (!std::exchange(isAwaited_, false)) return;
+    X_Await(window_);
+    SDL_ShowWindow(window_);
+}
+
 void SDLWindow::Hide()
 {
     if (!isShown_) return;
+    Finish_Showing();
     isShown_ = false;
     SDL_HideWindow(window_);
     display_.Take_Off(*this);
@@ -115,6 +124,7 @@ void SDLWindow::Hide()
 void SDLWindow::Raise()
 {
     if (!isShown_) return;
+    Finish_Showing();
     SDL_RaiseWindow(window_);
     display_.Place_In_Front(*this, request_.kind);
     display_.Give_Keys(this);
@@ -138,10 +148,12 @@ void SDLWindow::Move_To(int left, int top)
 
 void SDLWindow::Set_Client(HostRect const& client)
 {
-    HostRect const old = std::exchange(client_, Window_Client(client));
+    HostRect const wanted = Window_Client(client);
+    if (wanted.Width() != client_.Width() || wanted.Height() != client_.Height())
+        pixels_.Resize(wanted.Width(), wanted.Height());
+    HostRect const old = std::exchange(client_, wanted);
     int const unit = display_.Unit();
     if (client_.Width() != old.Width() || client_.Height() != old.Height()) {
-        pixels_.Resize(client_.Width(), client_.Height());
         // SDL would hold the size within the limits, which are for the user alone.
         if (!limits_.Allow(client_.Width(), client_.Height()))
             Set_Size_Limits(1, 1, LargestSize, LargestSize);
@@ -160,11 +172,11 @@ bool SDLWindow::Follow_Bounds(HostEventType& type)
         Move_To(client_.left, client_.top);
         return false;
     }
-    HostRect const old = std::exchange(client_, real);
-    if (client_.Width() != old.Width() || client_.Height() != old.Height()) {
-        pixels_.Resize(client_.Width(), client_.Height());
+    if (real.Width() != client_.Width() || real.Height() != client_.Height()) {
+        pixels_.Resize(real.Width(), real.Height());
         Expose();
     }
+    HostRect const old = std::exchange(client_, real);
     type = isZoomChange && request_.canZoom ? HostEventType::WindowZoom : HostEventType::WindowBounds;
     return isZoomChange || client_ != old;
 }
@@ -173,8 +185,9 @@ HostFrame SDLWindow::Frame() const
 {
     HostFrame frame;
     if (!request_.hasFrame || request_.kind == HostWindowKind::Popup) return frame;
-    bool const isKnown = isShown_ && SDL_GetWindowBordersSize(window_, &frame.top, &frame.left, &frame.bottom,
-                                                              &frame.right) == 0;
+    bool const isKnown =
+        isShown_ && !isAwaited_ &&
+        SDL_GetWindowBordersSize(window_, &frame.top, &frame.left, &frame.bottom, &frame.right) == 0;
     if (!isKnown || frame.top == 0) return display_.Frame_Of(request_);
     int const unit = display_.Unit();
     for (int* const side : {&frame.left, &frame.top, &frame.right, &frame.bottom})
@@ -201,6 +214,7 @@ void SDLWindow::Present()
 {
     HostRegion touched = pixels_.Surface().Take_Touched();
     if (!isShown_) return;
+    Finish_Showing();
     if (std::exchange(isExposed_, false)) touched = HostRegion(pixels_.Surface().Bounds());
     if (touched.IsEmpty()) return;
     if (!display_.Show_Pixels(window_, pixels_, touched)) Show_By_SDL(touched);

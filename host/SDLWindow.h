@@ -40,6 +40,9 @@ public:
     void Expose() { isExposed_ = true; }
     bool Is_Exposed() const { return isExposed_; }
 
+    /// Waits until the desktop has put up a window that is to be shown. It is drawn meanwhile.
+    void Finish_Showing();
+
     /// Follows the bounds that the desktop has given to the window. False when they are known.
     bool Follow_Bounds(HostEventType& type);
 
@@ -66,5 +69,6 @@ private:
     bool isShown_ = false, isZoomed_ = false;
     bool isExposed_ = false;
     bool wasShown_ = false;   // at least once
+    bool isAwaited_ = false;  // the desktop was asked to put it up
     bool isPlacing_ = false;  // shown, and the desktop has not said where yet
 };

@@ -59,3 +59,22 @@ bool X_Move_Hidden(SDL_Window* window, int x, int y)
     XMoveWindow(target.display, target.window, x, y);
     return true;
 }
+
+bool X_Ask_For(SDL_Window* window)
+{
+    XWindow const target = X_Window_Of(window);
+    if (!target.display) return false;
+    XMapRaised(target.display, target.window);
+    XFlush(target.display);
+    return true;
+}
+
+void X_Await(SDL_Window* window)
+{
+    XWindow target = X_Window_Of(window);
+    XEvent event;
+    auto const isThere = [](Display*, XEvent* one, XPointer awaited) {
+        return Bool{one->type == MapNotify && one->xmap.window == *reinterpret_cast<Window*>(awaited)};
+    };
+    XIfEvent(target.display, &event, isThere, reinterpret_cast<XPointer>(&target.window));
+}

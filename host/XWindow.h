@@ -22,3 +22,8 @@ bool X_Pointer_Of(SDL_SysWMmsg const& message, int& x, int& y);
 
 /// Moves a window that is not shown. False when it is not on X.
 bool X_Move_Hidden(SDL_Window* window, int x, int y);
+
+/// Asks for a window that is not shown, and waits until it is there. SDL does both in one, and nothing else
+/// meanwhile. False when the window is not on X.
+bool X_Ask_For(SDL_Window* window);
+void X_Await(SDL_Window* window);

@@ -2,9 +2,9 @@
 // They are declared by AddGadgetZV and driven by the calls of ZVItem.h; what is here is theirs alone.
 //
 // Proportional gadget (ZV_GAD_HPROP, ZV_GAD_VPROP): a track with a thumb between two arrows. `state` is the
-// position of the view in `minInt` to `maxInt`, `page` the part in view and `lineStep` what an arrow moves.
+// position of the view in `minInt` to `maxInt`, `Page` the part in view and `LineStep` what an arrow moves.
 // The limits are 0 and 100, page and step 1, unless tags say otherwise. With ZV_ITEM_PROP_TRACK the track has
-// a marker, at `extra`, that can be dragged; `markDrag` tells that it is. AddGadgetZV answers the track. The
+// a marker, at `extra`, that can be dragged; `MarkDrag` tells that it is. AddGadgetZV answers the track. The
 // arrows are items of their own, attached to it on both sides, and report in its name.
 //
 // Slider (ZV_GAD_SLIDER): a field with a label, a number and a marker. Dragging anywhere on it changes the

@@ -73,6 +73,11 @@ struct ZVMonitor {
     int32_t left, top, width, height;
 };
 
+/// A point of the screen.
+struct ZVScreenPoint {
+    int32_t x, y;
+};
+
 struct ZVCriticalRegion;
 
 /// The record. Application code reads it; fields belong to the call families named beside them.
@@ -149,7 +154,7 @@ struct ZVEnvironment {
     ZVWindow* frontWindow;
     ZVItem* lastClickItem;
     uint32_t lastClickTime;
-    int32_t lastClickX, lastClickY;
+    ZVScreenPoint lastClickPoint;
     ZVItem* trackingItem;
     uint32_t buttonState;
     int32_t dragDistance;

@@ -72,10 +72,10 @@ enum ZVCursor : uint16_t {
     ZV_CURSOR_NONE = 1210           ///< the pointer is hidden
 };
 
-/// State of a tablet.
+/// State of a tablet. By way of SDL no desktop tells of pens: then 65535, always, and no pen is near.
 struct ZVTablet {
-    uint16_t pressure;  ///< 65535 when no pen reports
-    int32_t inProximity;
+    uint16_t pressure;    ///< 65535 when no pen reports
+    int32_t inProximity;  ///< 1 while a pen is near; see HeadlessPenZV
 };
 
 /// What an event function gets; valid during the call.

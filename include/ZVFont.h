@@ -84,7 +84,8 @@ ZV_API ZVFont* CreateFontZV(long fontId, long bold, long italic);
 
 /// Opens the font at a size; an open one is closed first. A style of 100 or above chooses the style node of
 /// that id, and the font's own face when there is none. A bold or italic style chooses that sister of the
-/// face, or makes it out of the face; a named instance stays as it is.
+/// face, or makes it out of the face; a named instance stays as it is. The flags of CreateFontZV count until
+/// the font is opened, and go then.
 /// @param size        points, 1 to 4000
 /// @param widthHint   kept in the record, low 16 bits
 /// @param heightHint  likewise

@@ -57,6 +57,7 @@ struct ZVGroup {
     ZVRectT<int32_t> oldRect;         ///< of the last layout
     int32_t expandShare;              ///< number of neighbours that share free space
     int32_t extraWidth, extraHeight;  ///< its share of free space
+    ZVGroup* beside;  ///< what a reference below 0 meant, whose id need not be its alone; else null
 };
 
 /// Starts a group on the current palette. Null without one, with an error pending, and with error 1 when

@@ -41,10 +41,18 @@ ZV_API void HeadlessClickZV(long x, long y, unsigned long button);
 /// Notches of the wheel: to the right, and away from the user.
 ZV_API void HeadlessWheelZV(double right, double up);
 
+/// A pen in place of the mouse in all that follows, so hard on the tablet (0.0 to 1.0) with its point, or
+/// with its eraser end. A pressure below 0 takes the mouse again.
+ZV_API void HeadlessPenZV(double pressure, long isEraser);
+
 /// A key down and up, by its code in key events (ZVKeyCode, or the lower-case character), and a text as it is
-/// typed: what has a character comes as a key too.
+/// typed. What has a character comes as a key and as a text.
 ZV_API void HeadlessKeyZV(unsigned long code);
 ZV_API void HeadlessTypeZV(char const* utf8);
+
+/// A key that is held until it has repeated so often: for the first time after half a second, then every 30
+/// milliseconds. What follows comes later by that time.
+ZV_API void HeadlessRepeatKeyZV(unsigned long code, long repeats);
 
 /// What an input method shows while it composes, with the characters ahead of its caret. A null or empty text
 /// gives it up; HeadlessCommitZV hands the finished text over.
@@ -85,6 +93,10 @@ ZV_API ZVBitmap* HeadlessPictureZV(ZVWindow* window);
 /// The text of the clipboard, valid until the next call; a text replaces it.
 ZV_API char const* HeadlessClipboardZV();
 ZV_API void HeadlessSetClipboardZV(char const* utf8);
+
+/// The cursor that shows, as a ZVCursor. ZV_CURSOR_BUSY is each frame of the busy cursor, ZV_CURSOR_NONE a
+/// hidden pointer; ZV_CURSOR_SLIDE looks like ZV_CURSOR_SPLIT_ACROSS, which stands for both.
+ZV_API unsigned long HeadlessCursorZV();
 
 ZV_API long HeadlessBeepsZV();                  ///< Beeps since the start.
 ZV_API unsigned long HeadlessMillisecondsZV();  ///< The clock.

@@ -188,9 +188,9 @@ struct ZVItem {
     uint32_t pressed;               ///< armed; of the custom function
     int32_t dragWidth, dragHeight;  ///< added to a growing item's size; a separator moves them
     uint32_t extra;                 ///< of tag 816; the marker of a proportional gadget
-    int32_t page;                   ///< of a proportional gadget: the part of its range in view
-    int32_t lineStep;               ///< and the amount of one arrow press
-    uint32_t markDrag;              ///< and that its marker is being dragged
+    int32_t Page;                   ///< of a proportional gadget: the part of its range in view
+    int32_t LineStep;               ///< and the amount of one arrow press
+    uint32_t MarkDrag;              ///< and that its marker is being dragged
     ZVBitmap* image;                ///< an icon, which belongs to the library
     ZVBitmap* imageOff;             ///< the icon of the on state
     uint32_t imageColor, hasImageColor;
@@ -217,8 +217,8 @@ ZVItem* AddGadgetZV(unsigned short id, unsigned short position, short reference,
                        Tag_Array(first, rest...).data());
 }
 
-/// Adds a text; null for a null one. An id of 65534 makes it a label of the reference, on the side that the
-/// position tells.
+/// Adds a text; null for a null one. An id of 65534 makes it, or an image or line, a label of the reference,
+/// on the side that the position tells.
 ZV_API ZVItem* AddTextZV(unsigned short id, unsigned short position, short reference, char const* text,
                          TagItem* tags);
 ZV_API ZVItem* AddTextZV(unsigned short id, unsigned short position, short reference, unsigned long textId,

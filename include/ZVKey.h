@@ -51,21 +51,16 @@ struct ZVKeyCommandId {
     uint32_t action;
 };
 
-/// A binding. A table ends with a key of 0.
-struct ZVKeyBinding {
-    uint16_t key;  ///< code with the modifiers ZV_MOD_CONTROL, SHIFT, ALT and COMMAND
-    uint16_t action;
-    uint16_t parameter;  ///< the file's number; for the application
-};
-
-/// A section, declared by the application, which owns it.
+/// A section, declared by the application, which owns it. Its bindings are triples of a key (a code with the
+/// modifiers ZV_MOD_CONTROL, SHIFT, ALT and COMMAND), an action and a number for the application; a key of 0
+/// ends them.
 struct ZVKeySection {
     ZVKeySection* next = nullptr;                ///< tried after this one; null ends the chain
     char const* name = nullptr;                  ///< in the file, or null
     uint32_t nameId = 0;                         ///< string id of the name, when that is null
     ZVKeyCommand const* commands = nullptr;      ///< or null
     ZVKeyCommandId const* commandIds = nullptr;  ///< used when `commands` is null
-    ZVKeyBinding const* bindings = nullptr;      ///< of the file, or a table of the application's own
+    unsigned short const* bindings = nullptr;    ///< of the file, or a table of the application's own
     void* block = nullptr;                       ///< holds a file's bindings; of the chain's head
     void (*callback)(ZVEvent*) = nullptr;  ///< gets this section's actions in place of the application's
 };

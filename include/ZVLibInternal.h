@@ -477,6 +477,12 @@ ZV_API void Set_SysWindowName(ZVWindow* window, char const* name);
 ZV_API ZVWindow* GetZVWind_From_SysWind(ZVSysWindow const* window);
 ZV_API void Mac_Select_Window(ZVWindow* window);  ///< To the front.
 
+/// The front window that is no floater; null when there is none.
+ZV_API ZVWindow* Mac_FrontNonFloatingWindow();
+
+ZV_API void Mac_Show_Floaters();  ///< They are on screen only while the application is in front.
+ZV_API void Mac_Hide_Floaters();
+
 /// The library's window at a point of the screen, and the point in its client area. Null when there is none.
 ZV_API ZVWindow* Mac_Find_Window(long x, long y, long* localX, long* localY);
 
@@ -497,6 +503,9 @@ ZV_API void Reenable_All_Menus();
 
 /// Lights the title in the bar of a menu of the top level; null lights none.
 ZV_API void Mac_Hilite_Menu(ZVMenu const* menu);
+
+/// A key that nobody has taken: F10 by itself opens the first menu of the bar that can be opened.
+ZV_API void Mac_Menu_Key(long key, unsigned long modifiers);
 
 /// Opens a menu with its corner at that point of the screen and waits until the user has chosen, the press
 /// that led here being over. Callbacks run meanwhile.
@@ -526,7 +535,23 @@ ZV_API void Mac_Invalidate(ZVWindow* window, ZVRectT<long> const& area);  ///< H
 ZV_API bool
 Mac_Is_Interface_Thread();        ///< A display is open, and the caller is on the thread that opened it.
 ZV_API void Mac_Close_Display();  ///< When all windows are gone.
+
+/// The keyboard goes to the first text field of the palette, or on from the item that has it in a ring of all
+/// that can have it: false when there is no other.
 ZV_API void Activate_First_Gadget(ZVPalette* palette);
+ZV_API bool Tab_to_Next_Gad();
+ZV_API bool Tab_to_Prev_Gad();
+
+/// Makes the press in a text field, or in a list, of the window its own. The point is in the system window.
+/// @param when  the display's clock
+/// @return  1 when there was one
+ZV_API long String_Gad_Check(ZVWindow* window, long x, long y);
+ZV_API long List_Gad_Check(ZVWindow* window, long x, long y, unsigned long when);
+
+/// A key, as `(character << 16) | code`, to the focused field or list, else as event 1.
+/// @param isEntered  the character has been entered already, so a field does not take it from here
+ZV_API void Handle_KeyStroke(unsigned long key, long isEntered);
+
 ZV_API void
 Mac_Drop_Focus(unsigned long reportBits);  ///< Text field or list loses it and reports by event 5.
 

@@ -17,6 +17,10 @@
 // all of whose entries have gone there. In pop-up menus all entries but those of ZV_MENU_ABOUT stand in
 // place.
 //
+// By keys: F10 opens the bar, when no callback takes it and no binding has it; Escape leaves a menu, and F10
+// all of them. The shortcut of an entry shows beside its text when its key has a character; that of a named
+// key, such as F5, acts and does not show.
+//
 // An id of 0 asks for a free one: item ids run from 1000 to 32767, menu ids from the base of
 // SetBaseUniqueMenuID to 234; with none left the id stays 0. Calls by id reach the menus of the bar; those
 // with a ZVMenu* first look below that one, then at itself. Unknown ids and null menus are passed over. Of
@@ -83,7 +87,7 @@ struct ZVMenu {
     uint16_t flags;              ///< ZVMenuFlag
     uint16_t action;             ///< ties it to the key sections; 0 for none
     uint16_t* exclusion;         ///< ids of the radio set that it belongs to, ended by 0; or null
-    uint16_t key;                ///< key and modifiers of its shortcut as in ZVKeyBinding; 0 for none
+    uint16_t key;                ///< key and modifiers of its shortcut as in a binding; 0 for none
     void (*callback)(ZVEvent*);  ///< gets event 15 of it and of what is below it; or null
     ZVKeySection* keySection;    ///< of it and of what is below it; or null
 };

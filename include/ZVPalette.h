@@ -64,11 +64,6 @@ enum ZVPaletteTag : unsigned long {
     ZV_PAL_TAB_PRIORITY = 285     ///< order among the window's palettes, the highest first
 };
 
-/// Range, view and value of a window's scroll bar.
-struct ZVScrollRange {
-    int32_t minimum, maximum, view, value;
-};
-
 /// A palette. On its window's or its parent's list, which owns it.
 struct ZVPalette {
     Node node;            ///< id: of the palette, 16 bits
@@ -89,11 +84,11 @@ struct ZVPalette {
     ZVPalette* parent;                    ///< of a sub-palette
     ZVWindow* window;
     ZVKeySection* keySection;
-    List subPalettes;  ///< ZVPalette
-    void* object;      ///< of the class layer
-    ZVScrollRange horizontal, vertical;
-    uint16_t cursor;  ///< default cursor code
-    uint32_t flags;   ///< ZVPaletteFlag
+    List subPalettes;   ///< ZVPalette
+    void* object;       ///< of the class layer
+    int32_t scroll[8];  ///< of the scroll bars, in the order of ZVScrollTag
+    uint16_t cursor;    ///< default cursor code
+    uint32_t flags;     ///< ZVPaletteFlag
     void (*callback)(ZVEvent*);
     int32_t tabPriority;
     int32_t tabLeft, tabWidth;  ///< of its tab as drawn last, in the tab bar
@@ -172,7 +167,7 @@ ZV_API ZVPalette* FindPaletteZV(unsigned short id);
 ZV_API ZVPalette* FindPaletteZV(char const* name);
 
 /// Adds a hook for events of a number that are sent to the palette. Hooks go with the palette's window.
-/// @return  a hook id above 0; 0 without a window or memory
+/// @return  a hook id above 0; 0 without a window, function or memory
 ZV_API unsigned long AddEventHookZV(ZVPalette* palette, unsigned long event,
                                     void (*function)(void*, long, void*), void* user);
 ZV_API void RemoveEventHookZV(ZVPalette* palette, unsigned long id);

@@ -51,7 +51,7 @@ struct ZVEventHook {
 ZV_API void SetWindowNameZV(ZVWindow* window, char const* name);
 ZV_API void SetWindowNameZV(ZVWindow* window, unsigned long nameId);
 
-/// Frame and client area on the screen.
+/// Frame and client area on the screen; empty without a window.
 ZV_API void GetWindowRectZV(ZVWindow const* window, ZVRectT<long>* rect);
 ZV_API void GetClientRectZV(ZVWindow const* window, ZVRectT<long>* rect);
 

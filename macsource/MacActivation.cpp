@@ -57,9 +57,10 @@ void Window_Came_Front(HostWindow* host)
             Mac_Select_Window(dialog);
             return;
         }
-        Follow_Front_Window();
-        Leave_Field_Behind(*window);
     }
+    // A floater has the keyboard back when the dialog that was in front is gone.
+    Follow_Front_Window();
+    if (!Is_Floating(*window)) Leave_Field_Behind(*window);
     if (Is_Window(window)) Do_WindowActivation(window);
 }
 

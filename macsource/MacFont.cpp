@@ -45,13 +45,11 @@ long OpenFontZV(ZVFont* font, ZVFontStyleTypes style, long size, long widthHint,
         font->Instance = node->Instance;
     }
     bool const canBeStyled = font->Instance == ZV_FONT_NO_INSTANCE;
-    auto const has = [=](int32_t one, uint32_t flag) {
-        bool const isAsked = style == one || style == ZV_FONT_STYLE_BOLD_ITALIC || (font->Flags & flag);
-        return canBeStyled && !node && isAsked;
+    auto const has = [=](int32_t one) {
+        return canBeStyled && !node && (style == one || style == ZV_FONT_STYLE_BOLD_ITALIC);
     };
     std::unique_ptr<HostFont> opened =
-        Open_Face(Find_Face(font->FontId), size, has(ZV_FONT_STYLE_BOLD, ZV_FONT_FLAG_BOLD),
-                  has(ZV_FONT_STYLE_ITALIC, ZV_FONT_FLAG_ITALIC));
+        Open_Face(Find_Face(font->FontId), size, has(ZV_FONT_STYLE_BOLD), has(ZV_FONT_STYLE_ITALIC));
     if (!opened) return 0;
     HostFontMetrics const metrics = opened->Metrics();
     font->TextStyle = new (std::nothrow) ZVTextStyle{std::move(opened)};
@@ -63,7 +61,7 @@ long OpenFontZV(ZVFont* font, ZVFontStyleTypes style, long size, long widthHint,
     font->Metrics = {To_Fixed(metrics.ascent), To_Fixed(metrics.descent), To_Fixed(metrics.leading),
                      To_Fixed(metrics.maxAdvance)};
     font->Encoding = ZV_FONT_ENCODING_UNICODE;
-    font->Flags |= ZV_FONT_FLAG_OPEN;
+    font->Flags = ZV_FONT_FLAG_OPEN;
     return 1;
 }
 

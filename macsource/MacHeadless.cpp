@@ -4,6 +4,7 @@
 #include "ZVHeadless.h"
 #include "ZVKey.h"
 #include "ZVLibInternal.h"
+#include "foundation/Guard.h"
 
 #include "host/MemoryDisplay.h"
 
@@ -18,7 +19,7 @@ static MemoryDisplay* Memory()
 /// Calls `act` with the display, when it is the one in memory.
 template <typename Act> static void With_Memory(Act act)
 {
-    if (MemoryDisplay* memory = Memory()) act(*memory);
+    if (MemoryDisplay* memory = Memory()) Guarded([&] { act(*memory); });
 }
 
 long IsHeadlessZV()
@@ -77,6 +78,16 @@ void HeadlessClickZV(long x, long y, unsigned long button)
     });
 }
 
+void HeadlessPenZV(double pressure, long isEraser)
+{
+    With_Memory([=](MemoryDisplay& memory) {
+        if (pressure >= 0)
+            memory.Take_Pen(MemoryDisplay::Pen{pressure, isEraser != 0});
+        else
+            memory.Take_Pen(std::nullopt);
+    });
+}
+
 void HeadlessWheelZV(double right, double up)
 {
     With_Memory([=](MemoryDisplay& memory) { memory.Wheel(right, up); });
@@ -89,16 +100,24 @@ static constexpr HostKey namedKeys[] = {
     HostKey::PageDown,  HostKey::Escape, HostKey::Return, HostKey::CapsLock, HostKey::Insert};
 static_assert(std::size(namedKeys) == ZV_KEY_INSERT - ZV_KEY_LEFT + 1);
 
+static HostKey Key_Of_Code(unsigned long code)
+{
+    if (code >= ZV_KEY_LEFT && code <= ZV_KEY_INSERT) return namedKeys[code - ZV_KEY_LEFT];
+    if (code >= ZV_KEY_F1 && code < ZV_KEY_LEFT)
+        return static_cast<HostKey>(static_cast<unsigned long>(HostKey::F1) + code - ZV_KEY_F1);
+    return HostKey::Character;
+}
+
 void HeadlessKeyZV(unsigned long code)
 {
-    With_Memory([=](MemoryDisplay& memory) {
-        if (code >= ZV_KEY_LEFT && code <= ZV_KEY_INSERT)
-            memory.Key(namedKeys[code - ZV_KEY_LEFT]);
-        else if (code >= ZV_KEY_F1 && code < ZV_KEY_LEFT)
-            memory.Key(static_cast<HostKey>(static_cast<unsigned long>(HostKey::F1) + code - ZV_KEY_F1));
-        else
-            memory.Key(HostKey::Character, static_cast<char32_t>(code));
-    });
+    HeadlessRepeatKeyZV(code, 0);
+}
+
+void HeadlessRepeatKeyZV(unsigned long code, long repeats)
+{
+    HostKey const key = Key_Of_Code(code);
+    char32_t const character = key == HostKey::Character ? static_cast<char32_t>(code) : 0;
+    With_Memory([=](MemoryDisplay& memory) { memory.Key(key, character, static_cast<int>(repeats)); });
 }
 
 static std::string Text_Or_Empty(char const* text)
@@ -197,14 +216,16 @@ void HeadlessDragFrameZV(ZVWindow* window, ZVRectT<long> const* client)
 
 // ---- pictures ---------------------------------------------------------------------------------------------
 
-/// Of a window or of the desktop, with all that was drawn; empty without the desktop in memory.
+/// Of a window or of the desktop, with all that was drawn; empty without the desktop in memory and, with
+/// error 1, when memory runs out.
 static HostPicture Picture_Of(ZVWindow const* window)
 {
     MemoryDisplay* const memory = Memory();
     if (!memory || (window && !window->sysWindow)) return {};
     Refresh_GUI();
     Present_Windows();
-    return window ? memory->Screenshot(*window->sysWindow->host) : memory->Screenshot();
+    return Guarded(
+        [=] { return window ? memory->Screenshot(*window->sysWindow->host) : memory->Screenshot(); });
 }
 
 long HeadlessScreenshotZV(ZVWindow* window, char const* path)
@@ -242,6 +263,22 @@ char const* HeadlessClipboardZV()
 void HeadlessSetClipboardZV(char const* utf8)
 {
     With_Memory([=](MemoryDisplay& memory) { memory.Set_Clipboard(Text_Or_Empty(utf8)); });
+}
+
+unsigned long HeadlessCursorZV()
+{
+    MemoryDisplay const* const memory = Memory();
+    if (!memory) return ZV_CURSOR_ARROW;
+    if (!memory->Is_Pointer_Shown()) return ZV_CURSOR_NONE;
+    int const cursor = memory->System_Cursor();
+    switch (cursor) {
+    case MemoryDisplay::OwnCursor: return ZV_CURSOR_BUSY;  // one of its frames, there is no other image
+    case HostCursorText: return ZV_CURSOR_TEXT;
+    case HostCursorLeftRight: return ZV_CURSOR_SPLIT_ACROSS;
+    case HostCursorUpDown: return ZV_CURSOR_SPLIT_DOWN;
+    case HostCursorHand: return ZV_CURSOR_GRAB;
+    default: return static_cast<unsigned long>(cursor);
+    }
 }
 
 long HeadlessBeepsZV()

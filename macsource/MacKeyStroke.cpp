@@ -3,6 +3,7 @@
 #include "MacList.h"
 #include "MacTextField.h"
 #include "ZVLibInternal.h"
+#include "host/Characters.h"
 #include "interface/PaletteTree.h"
 
 #include <algorithm>
@@ -45,14 +46,6 @@ static TextField* Focused_Field()
 static bool Is_Typed(char32_t character)
 {
     return character >= ' ' && character != 0x7F;
-}
-
-static std::string Utf8_Of(char32_t character)
-{
-    auto const tail = [&](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
-    if (character < 0x80) return {static_cast<char>(character)};
-    if (character < 0x800) return {static_cast<char>(0xC0 | character >> 6), tail(0)};
-    return {static_cast<char>(0xE0 | character >> 12), tail(6), tail(0)};
 }
 
 // ---- text fields ------------------------------------------------------------------------------------------

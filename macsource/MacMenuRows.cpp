@@ -21,17 +21,8 @@ std::string Make_MenuString(ZVMenu const& menu)
     return text;
 }
 
-/// Names of the keys from ZV_KEY_LEFT on.
-static constexpr char const* keyNames[] = {"Left",      "Right", "Up",     "Down",      "Help", "Del",
-                                           "Backspace", "Enter", "Home",   "End",       "Tab",  "Page Up",
-                                           "Page Down", "Esc",   "Return", "Caps Lock", "Ins"};
-
-static std::string Key_Name(unsigned code)
+static std::string Key_Text(unsigned code)
 {
-    constexpr unsigned functionKeys = 15;
-    if (code >= ZV_KEY_LEFT && code - ZV_KEY_LEFT < std::size(keyNames)) return keyNames[code - ZV_KEY_LEFT];
-    if (code >= ZV_KEY_F1 && code < ZV_KEY_F1 + functionKeys)
-        return "F" + std::to_string(code - ZV_KEY_F1 + 1);
     if (code == ' ') return "Space";
     bool const isSmall = (code >= 'a' && code <= 'z') || (code >= 0xE0 && code <= 0xFE && code != 0xF7);
     unsigned const shown = isSmall ? code - ('a' - 'A') : code;
@@ -42,13 +33,14 @@ static std::string Key_Name(unsigned code)
 std::string Shortcut_Text(unsigned key)
 {
     constexpr unsigned codes = 0x1FF;
-    if ((key & codes) == 0) return {};
+    unsigned const code = key & codes;
+    if (code == 0 || code >= ZV_KEY_F1) return {};
     std::string text;
     if (key & ZV_MOD_CONTROL) text += "Ctrl+";
     if (key & ZV_MOD_ALT) text += "Alt+";
     if (key & ZV_MOD_SHIFT) text += "Shift+";
     if (key & ZV_MOD_COMMAND) text += "Super+";
-    return text + Key_Name(key & codes);
+    return text + Key_Text(code);
 }
 
 FontChoice Menu_Font(ZVMenu const& menu)

@@ -42,7 +42,8 @@ MenuRows Rows_Of_Menus(std::vector<ZVMenu*> const& menus);
 /// more or the entry has ZV_MENUF_ELLIPSIS.
 std::string Make_MenuString(ZVMenu const& menu);
 
-/// "Ctrl+S" or "Shift+F3", for a key with modifiers as in ZVMenu; an empty text for none.
+/// "Ctrl+S", for a key with modifiers as in ZVMenu. Of the keys only those that have a character show: the
+/// text is empty for a function key and the like, and for none.
 std::string Shortcut_Text(unsigned key);
 
 FontChoice Menu_Font(ZVMenu const& menu);

@@ -10,6 +10,7 @@
 #include "MacWindow.h"
 #include "ZVKey.h"
 #include "ZVLibInternal.h"
+#include "foundation/Guard.h"
 #include "interface/MenuTree.h"
 
 #include <algorithm>
@@ -33,6 +34,9 @@ static constexpr uint64_t ClickMilliseconds = 300;
 
 /// Pixels for each timer step over an arrow.
 static constexpr int ScrollStep = 8;
+
+/// F10, by which people open and close the menu bar on this desktop.
+static constexpr unsigned BarKey = ZV_KEY_F1 + 9;
 
 namespace {
 
@@ -66,6 +70,7 @@ public:
 
     bool Open(MenuRows rows, MenuSpot const& spot);  ///< False when it cannot be shown.
     void Open_Title(int title);
+    void Open_Title_By_Key(int title);  ///< With its first entry selected.
 
     void Press(Point at);
     void Release(Point at);
@@ -315,12 +320,16 @@ void OpenMenus::Choose_By_Key()
         Finish(Last().Menu_Of(row));
 }
 
+void OpenMenus::Open_Title_By_Key(int title)
+{
+    Open_Title(title);
+    if (!panels_.empty()) Select_By_Key(Last().Next_Live(MenuPanel::None, 1));
+}
+
 void OpenMenus::Go_To_Title(int step)
 {
     int const count = Title_Count();
-    if (title_ == NoTitle || count == 0) return;
-    Open_Title((title_ + step + count) % count);
-    if (!panels_.empty()) Select_By_Key(Last().Next_Live(MenuPanel::None, 1));
+    if (title_ != NoTitle && count != 0) Open_Title_By_Key((title_ + step + count) % count);
 }
 
 void OpenMenus::Go_Right()
@@ -479,9 +488,47 @@ bool Press_Menu_Bar(HostEvent const& event)
     if (!Is_Menu_Bar_Enabled() || !Display()->Is_Button_Down()) return true;
     int const title = Title_At(event.x, event.y);
     if (title == NoTitle) return true;
-    menus = std::make_unique<OpenMenus>(nullptr, Point{event.x, event.y}, true);
-    menus->Open_Title(title);
+    bool const isOpen = Guarded([&] {
+        menus = std::make_unique<OpenMenus>(nullptr, Point{event.x, event.y}, true);
+        menus->Open_Title(title);
+        return true;
+    });
+    if (!isOpen) Close_Menus();
     return true;
+}
+
+/// The bar is there, nothing is open, and the release of a button that is held would not go to a menu.
+static bool Can_Open_By_Key()
+{
+    return !menus && Menu_Bar_Window() && Is_Menu_Bar_Enabled() && !Display()->Is_Button_Down();
+}
+
+void Mac_Menu_Key(long key, unsigned long modifiers)
+{
+    constexpr unsigned long others =
+        ZV_MOD_CONTROL | ZV_MOD_SHIFT | ZV_MOD_ALT | ZV_MOD_COMMAND | ZV_MOD_REPEAT;
+    if (key != BarKey || modifiers & others || !Can_Open_By_Key()) return;
+    Close_Pop_Ups(nullptr);
+    Do_Event(ZV_EVENT_MENU_INIT, 0);
+    int title = 0;
+    while (title < Title_Count() && !Is_Title_Live(title))
+        ++title;
+    if (title == Title_Count() || !Can_Open_By_Key()) return;
+    Point pointer{};
+    Display()->Pointer(pointer.x, pointer.y);
+    menus = std::make_unique<OpenMenus>(nullptr, pointer, false);
+    menus->Open_Title_By_Key(title);
+}
+
+/// The key that opens the bar closes all menus again.
+static void Take_Menu_Key(HostEvent const& event)
+{
+    heldKey = event.key;
+    auto const code = static_cast<unsigned>(Key_Of(event) & 0xFFFF);
+    if (code != BarKey)
+        menus->Key(code, event.character);
+    else if (!event.isRepeat)
+        Finish(nullptr);
 }
 
 bool Take_Menu_Input(HostEvent const& event)
@@ -497,10 +544,7 @@ bool Take_Menu_Input(HostEvent const& event)
     case HostEventType::MouseDown: menus->Press(at); return true;
     case HostEventType::MouseUp: menus->Release(at); return true;
     case HostEventType::Wheel: menus->Turn_Wheel(at, event.wheelY); return true;
-    case HostEventType::KeyDown:
-        heldKey = event.key;
-        menus->Key(static_cast<unsigned>(Key_Of(event) & 0xFFFF), event.character);
-        return true;
+    case HostEventType::KeyDown: Take_Menu_Key(event); return true;
     case HostEventType::KeyUp:
     case HostEventType::Text:
     case HostEventType::Composition: return true;
@@ -525,9 +569,13 @@ ZVMenu* Make_Popup_Menu(ZVMenu* menu, long x, long y)
     Display()->Pointer(pointer.x, pointer.y);
     int const left = static_cast<int>(std::clamp<long>(x, INT16_MIN, INT16_MAX));
     int const top = static_cast<int>(std::clamp<long>(y, INT16_MIN, INT16_MAX));
-    auto opened = std::make_unique<OpenMenus>(&call, pointer, Display()->Is_Button_Down());
-    if (!opened->Open(Rows_Of_Menu(*menu), {MenuSpot::Side::At, {left, top, left, top}})) return nullptr;
-    menus = std::move(opened);
+    bool const isOpen = Guarded([&] {
+        auto opened = std::make_unique<OpenMenus>(&call, pointer, Display()->Is_Button_Down());
+        if (!opened->Open(Rows_Of_Menu(*menu), {MenuSpot::Side::At, {left, top, left, top}})) return false;
+        menus = std::move(opened);
+        return true;
+    });
+    if (!isOpen) return nullptr;
     Run_While([&call] { return !call.isDone; });
     // ExitZV ends all loops.
     if (menus && menus->call == &call) Close_Menus();

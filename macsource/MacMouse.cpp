@@ -88,32 +88,31 @@ static ListBox* List_Under_Mouse()
 
 /// A tenth of what is seen, so that it is a few lines where values are lines, and a fair way where they are
 /// pixels.
-static double Steps_Of_Notch(ZVScrollRange const& range)
+static double Steps_Of_Notch(BarValues const& bar)
 {
     static constexpr double notchesOfView = 10;
-    return std::max(static_cast<double>(GetWheelScrollLinesZV()), range.view / notchesOfView);
+    return std::max(static_cast<double>(GetWheelScrollLinesZV()), bar.view / notchesOfView);
 }
 
 /// Moves a window's scroll bar as if by its arrows.
-static void Turn_Bar(ZVWindow& window, ZVScrollRange ZVPalette::*which, uint16_t event, double notches)
+static void Turn_Bar(ZVWindow& window, bool isVertical, double notches)
 {
     ZVPalette* const palette = window.activePalette;
     if (notches == 0 || !palette) return;
-    ZVScrollRange& range = palette->*which;
-    long const steps = Whole_Steps(&range, notches * Steps_Of_Notch(range));
-    long const last = std::max<long>(long{range.maximum} - range.view, range.minimum);
-    auto const value = static_cast<int32_t>(std::clamp<long>(range.value + steps, range.minimum, last));
-    if (value == range.value) return;
-    range.value = value;
+    BarValues const bar = Values_Of_Bar(*palette, isVertical);
+    long const steps = Whole_Steps(&bar.value, notches * Steps_Of_Notch(bar));
+    long const last = std::max<long>(long{bar.maximum} - bar.view, bar.minimum);
+    auto const value = static_cast<int32_t>(std::clamp<long>(bar.value + steps, bar.minimum, last));
+    if (value == bar.value) return;
+    bar.value = value;
     Move_Sliders(&window);
-    Do_Event(event, Tag_Word(palette));
+    Do_Event(isVertical ? ZV_EVENT_SCROLL_V : ZV_EVENT_SCROLL_H, Tag_Word(palette));
 }
 
 static void Turn_Window_Bars(ZVWindow& window, HostEvent const& event)
 {
-    if (window.verticalBar) Turn_Bar(window, &ZVPalette::vertical, ZV_EVENT_SCROLL_V, -event.wheelY);
-    if (Is_Window(&window) && window.horizontalBar)
-        Turn_Bar(window, &ZVPalette::horizontal, ZV_EVENT_SCROLL_H, event.wheelX);
+    if (window.verticalBar) Turn_Bar(window, true, -event.wheelY);
+    if (Is_Window(&window) && window.horizontalBar) Turn_Bar(window, false, event.wheelX);
 }
 
 void Mouse_Wheel(HostEvent const& event)

@@ -4,7 +4,7 @@
 
 #include "MacPort.h"
 #include "MacScrollBar.h"
-#include "ZVWindow.h"
+#include "ZVPalette.h"
 #include "host/Display.h"
 
 #include <memory>
@@ -44,8 +44,9 @@ void Invalidate(ZVWindow& window);
 /// Draws what was noted: background, tabs, bars, palettes.
 void Redraw_Window(ZVWindow& window);
 
-/// Shows on the display what was drawn, in all windows.
+/// Shows on the display what was drawn, in all windows or in one; without memory it is shown the next time.
 void Present_Windows();
+void Present(HostWindow& host);
 
 /// The colour behind a window's palettes.
 uint32_t Background_Of(ZVWindow const& window);
@@ -75,6 +76,16 @@ WindowLimits Limits_Of(ZVWindow const& window);
 /// The grow box in the client area; empty for a window without.
 HostRect Grow_Box(ZVWindow const& window);
 
+/// What a palette's scroll values say of one bar.
+struct BarValues {
+    int32_t &minimum, &maximum, &view, &value;
+};
+inline BarValues Values_Of_Bar(ZVPalette& palette, bool isVertical)
+{
+    int32_t* const values = palette.scroll + (isVertical ? ZV_SCROLL_V_MIN - ZV_SCROLL_H_MIN : 0);
+    return {values[0], values[1], values[2], values[3]};
+}
+
 /// Makes the bars that the window's flags ask for.
 void Make_Bars(ZVWindow& window);
 
@@ -83,10 +94,3 @@ void Draw_Bars(ZVWindow& window);
 
 /// Whether it is kept above the ordinary windows: floaters and pop-ups.
 bool Is_Floating(ZVWindow const& window);
-
-/// The front window that is no floater; null when there is none.
-ZVWindow* Mac_FrontNonFloatingWindow();
-
-/// Floaters are on screen only while the application is in front.
-void Mac_Show_Floaters();
-void Mac_Hide_Floaters();

@@ -14,22 +14,20 @@ static constexpr int Overlap = 1;
 static constexpr int GrowSize = 14;
 
 /// The user has moved a bar: the palette takes the value and is told.
-static void Take_Value(ZVWindow& window, ScrollBar const& bar, ZVScrollRange ZVPalette::*range,
-                       uint16_t event)
+static void Take_Value(ZVWindow& window, ScrollBar const& bar, bool isVertical)
 {
     ZVPalette* const palette = window.activePalette;
     if (!palette) return;
-    (palette->*range).value = (palette->*range).minimum + bar.Value();
-    Do_Event(event, Tag_Word(palette));
+    BarValues const values = Values_Of_Bar(*palette, isVertical);
+    values.value = values.minimum + bar.Value();
+    Do_Event(isVertical ? ZV_EVENT_SCROLL_V : ZV_EVENT_SCROLL_H, Tag_Word(palette));
 }
 
 static std::unique_ptr<ZVSysScrollBar> Make_Bar(ZVWindow& window, bool isVertical)
 {
-    auto const range = isVertical ? &ZVPalette::vertical : &ZVPalette::horizontal;
-    uint16_t const event = isVertical ? ZV_EVENT_SCROLL_V : ZV_EVENT_SCROLL_H;
     auto const place = isVertical ? &ZVSysWindow::verticalBar : &ZVSysWindow::horizontalBar;
     return std::unique_ptr<ZVSysScrollBar>(new ZVSysScrollBar{ScrollBar(
-        isVertical, [=, &window] { Take_Value(window, (window.sysWindow->*place)->bar, range, event); })});
+        isVertical, [=, &window] { Take_Value(window, (window.sysWindow->*place)->bar, isVertical); })});
 }
 
 void Make_Bars(ZVWindow& window)
@@ -42,11 +40,11 @@ void Make_Bars(ZVWindow& window)
     Move_Sliders(&window);
 }
 
-static void Take_Range(ScrollBar& bar, ZVScrollRange const& range)
+static void Take_Values(ScrollBar& bar, BarValues const& values)
 {
-    long const last = std::max(static_cast<long>(range.maximum) - range.view, 0L);
-    bar.Set_Range(static_cast<int>(std::max(last - range.minimum, 0L)), std::max(range.view, 1));
-    bar.Set_Value(range.value - range.minimum);
+    long const last = std::max(static_cast<long>(values.maximum) - values.view, 0L);
+    bar.Set_Range(static_cast<int>(std::max(last - values.minimum, 0L)), std::max(values.view, 1));
+    bar.Set_Value(values.value - values.minimum);
 }
 
 void Move_Sliders(ZVWindow* window)
@@ -56,11 +54,11 @@ void Move_Sliders(ZVWindow* window)
     int const edge = ScrollBarWidth - Overlap;
     if (ZVSysScrollBar* bar = window->verticalBar) {
         bar->bar.Place({all.right - edge, -Overlap, all.right + Overlap, all.bottom - GrowSize});
-        if (window->activePalette) Take_Range(bar->bar, window->activePalette->vertical);
+        if (window->activePalette) Take_Values(bar->bar, Values_Of_Bar(*window->activePalette, true));
     }
     if (ZVSysScrollBar* bar = window->horizontalBar) {
         bar->bar.Place({-Overlap, all.bottom - edge, all.right - GrowSize, all.bottom + Overlap});
-        if (window->activePalette) Take_Range(bar->bar, window->activePalette->horizontal);
+        if (window->activePalette) Take_Values(bar->bar, Values_Of_Bar(*window->activePalette, false));
     }
     Enable_Sliders(window, window == ZVEnv->frontWindow);
 }
@@ -101,5 +99,5 @@ void Draw_Bars(ZVWindow& window)
     HostRect const growBox = Grow_Box(window);
     if (!growBox.IsEmpty()) Draw_Grow_Box(native.port, growBox);
     for (ZVSysScrollBar* bar : {window.verticalBar, window.horizontalBar})
-        if (bar) bar->bar.Draw(native.port);
+        if (bar) Paint(&native.port, [&] { bar->bar.Draw(native.port); });
 }

@@ -1,6 +1,7 @@
 // Which window is in front, and when floaters are on screen.
 #include "MacWindow.h"
 
+#include "ZVLibInternal.h"
 #include "interface/Records.h"
 
 void DisableWindowsZV() {}

@@ -85,6 +85,7 @@ enum ItemId : unsigned short {
     RequestStop,
     RequestQuestion,
     RequestButtons,
+    RequestAgain,
     RequestNested,
     RequestWide,
     RequestLongText,

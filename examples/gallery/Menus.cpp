@@ -6,16 +6,19 @@ namespace {
 
 enum MenuId : long { ViewLeft = 10, ViewCenter, ViewRight, ShowGrid, SwatchRed, SwatchGreen, SwatchBlue };
 
-constexpr ZVKeyBinding bindings[] = {
-    {ZV_MOD_CONTROL | 'n', ActionNew, 0},
-    {ZV_MOD_CONTROL | 'o', ActionOpen, 0},
-    {ZV_MOD_CONTROL | ZV_MOD_SHIFT | 's', ActionSave, 0},
-    {ZV_MOD_CONTROL | 'q', ActionQuit, 0},
-    {ZV_MOD_CONTROL | 'g', ActionGrid, 0},
-    {ZV_KEY_F1, ActionHelp, 0},
-    {ZV_MOD_SHIFT | (ZV_KEY_F1 + 2), ActionPreferences, 0},
-    {0, 0, 0},
+// Key, action and parameter of each.
+// clang-format off
+constexpr unsigned short bindings[] = {
+    ZV_MOD_CONTROL | 'n', ActionNew, 0,
+    ZV_MOD_CONTROL | 'o', ActionOpen, 0,
+    ZV_MOD_CONTROL | ZV_MOD_SHIFT | 's', ActionSave, 0,
+    ZV_MOD_CONTROL | 'q', ActionQuit, 0,
+    ZV_MOD_CONTROL | 'g', ActionGrid, 0,
+    ZV_KEY_F1, ActionHelp, 0,
+    ZV_MOD_SHIFT | (ZV_KEY_F1 + 2), ActionPreferences, 0,
+    0,
 };
+// clang-format on
 ZVKeySection keys{.name = "Gallery", .bindings = bindings};
 
 ZVMenu* swatchMenu = nullptr;

@@ -2,16 +2,46 @@
 #include "Gallery.h"
 
 #include <cstdio>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace {
 
 constexpr unsigned short first = ZV_Position(ZV_POS_DEFAULT, ZV_POS_DEFAULT);
 constexpr unsigned short below = ZV_Position(ZV_POS_ALIGN_START, ZV_POS_AFTER);
 
+char const* Name_Of(long answer)
+{
+    return answer ? "the first button" : "the second button";
+}
+
 void Tell_Answer(long answer)
 {
-    Show_Result(RequestAnswer, answer ? "the first button" : "the second button");
+    Show_Result(RequestAnswer, Name_Of(answer));
+}
+
+/// A question that comes up at the next tick, in front of another one that waits for its answer.
+struct Inner {
+    bool isWanted = false;
+    std::optional<long> answer = {};
+};
+Inner inner;
+
+void Ask_Inner()
+{
+    if (std::exchange(inner.isWanted, false)) inner.answer = AskUserZV("Is this one in front?");
+}
+
+void Ask_Nested()
+{
+    inner = {.isWanted = true};
+    long const outer =
+        AskUserZV("Another question comes up in front of this one.\n\n\n\n\n\nHas it been answered?");
+    inner.isWanted = false;
+    std::string told = Name_Of(outer);
+    if (inner.answer) told = std::string(Name_Of(*inner.answer)) + " inside, " + told;
+    Show_Result(RequestAnswer, told.c_str());
 }
 
 void Show_Long_Text()
@@ -33,13 +63,15 @@ void Show_Wide_Message()
 void On_Requesters(ZVEvent* event)
 {
     Tell(event);
+    if (event->type == ZV_EVENT_TICK) Ask_Inner();
     if (event->type != ZV_EVENT_GADGET) return;
     switch (Event_Item(event)->node.id) {
     case RequestMessage: UserMessageZV("The file \"%s\" has been saved.", "Untitled"); break;
     case RequestStop: StopAlertZV("The disk is full.\r\nNothing has been saved."); break;
     case RequestQuestion: Tell_Answer(AskUserZV("Do you want to go on?\nThis cannot be undone.")); break;
     case RequestButtons: Tell_Answer(AskUser2ZV("Save", "Discard", "\"%s\" has changed.", "Untitled")); break;
-    case RequestNested:
+    case RequestNested: Ask_Nested(); break;
+    case RequestAgain:
         if (AskUserZV("Shall another one be asked from here?"))
             Tell_Answer(AskUserZV("This is the other one.\nThere are no more of them."));
         break;
@@ -57,9 +89,9 @@ void Show_Requesters_Palette()
         unsigned short id;
         char const* label;
     } static constexpr buttons[] = {
-        {RequestMessage, "Message"},    {RequestStop, "Stop alert"}, {RequestQuestion, "Question"},
-        {RequestButtons, "Buttons"},    {RequestNested, "Nested"},   {RequestWide, "Wide text"},
-        {RequestLongText, "Long text"},
+        {RequestMessage, "Message"}, {RequestStop, "Stop alert"},    {RequestQuestion, "Question"},
+        {RequestButtons, "Buttons"}, {RequestAgain, "Again"},        {RequestNested, "Nested"},
+        {RequestWide, "Wide text"},  {RequestLongText, "Long text"},
     };
     if (FindPaletteZV(RequestersPalette)) {
         ActivatePaletteZV(RequestersPalette, 1);

@@ -191,7 +191,7 @@ void FileRows::Update_Bar()
     if (!bar) return;
     auto const rows = static_cast<int32_t>(listing_.Row_Count());
     auto const page = static_cast<int32_t>(Rows_Area().Whole_Rows());
-    if (bar->maxInt != rows || bar->page != page)
+    if (bar->maxInt != rows || bar->Page != page)
         ModifyItemZV(bar, ZV_ITEM_MAX, rows, ZV_ITEM_PROP_PAGE, page, 0);
     SetGadgetStateZV(bar, static_cast<double>(top_));
 }

@@ -296,7 +296,7 @@ ZVSoundChoice Sound_Choice(ZVClip const* clip)
 void Take_Sound_Choice(ZVClip* clip, ZVSoundChoice const& choice)
 {
     clip->AudioFormat = choice.Format;
-    Set_Option(clip->AudioParams, AUDIO_CODEC, choice.Codec ? choice.Codec : NoSoundCompression);
+    Set_Option(clip->AudioParams, AUDIO_CODEC, choice.Codec);
     Describe_Sound(clip->AudioParams, choice.Format);
 }
 

@@ -285,7 +285,7 @@ static void Turn_Wheel(ZVCustomEvent const& event)
     ZVItem const* const bar = openList.ScrollGad;
     long const steps = Wheel_Steps(event.deltaY, openList.wheelRest);
     if (!bar || steps == 0) return;
-    long const lines = GetWheelScrollLinesZV(), page = bar->page;
+    long const lines = GetWheelScrollLinesZV(), page = bar->Page;
     long const top = bar->state + steps * (lines == -1 ? page : lines);
     Scroll_To(*event.item, std::clamp(top, 0L, std::max(bar->maxInt - page, 0L)));
 }

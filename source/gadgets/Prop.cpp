@@ -24,6 +24,7 @@ struct PropState {
     int32_t LastThumbSize;
     PropMode Mode;
     int32_t GrabOffset;   ///< of the press in the thumb
+    int32_t LastPlace;    ///< of the mouse that drags the thumb
     int32_t RepeatDelay;  ///< ticks until paging repeats
     int32_t MarkPos;      ///< first pixel of the marker
     bool OverMark;        ///< the mouse is on the marker
@@ -62,7 +63,7 @@ struct Track {
 /// smaller than the track.
 void Track::Measure() const
 {
-    long const page = std::max(item.page, 0), length = Length();
+    long const page = std::max(item.Page, 0), length = Length();
     long const limits = std::max<long>(long{item.maxInt} - item.minInt, 0);
     long const range = std::max(limits - page, 0L);
     long const seen = range > 0 ? limits : item.state - long{item.minInt} + page;
@@ -181,7 +182,7 @@ bool Page(Track const& track, long place)
     track.Measure();
     Span const thumb = track.Thumb();
     if (thumb.Holds(place)) return false;
-    long const step = item.page < 2 ? 1 : item.page - 1;
+    long const step = item.Page < 2 ? 1 : item.Page - 1;
     if (place > thumb.from) {
         if (item.state >= Last_Position(item)) return false;
         item.state = static_cast<int32_t>(std::min<long>(item.state + step, Last_Position(item)));
@@ -199,16 +200,17 @@ void Press(ZVCustomEvent* event, Track const& track)
     if (Is_Disabled(item)) return;
     Report_Prop(event, &item, ZV_MOD_PRESS);
     item.pressed = 1;
-    item.markDrag = 0;
+    item.MarkDrag = 0;
     long const place = track.axis.Along(event->x, event->y);
     track.Measure();
     Span const thumb = track.Thumb();
     if (track.Has_Marker() && track.state.OverMark) {
         track.state.Mode = PropMode::Marker;
-        item.markDrag = 1;
+        item.MarkDrag = 1;
     } else if (thumb.Holds(place)) {
         track.state.Mode = PropMode::Thumb;
         track.state.GrabOffset = static_cast<int32_t>(place - thumb.from);
+        track.state.LastPlace = static_cast<int32_t>(place);
     } else {
         track.state.Mode = PropMode::Paging;
         track.state.RepeatDelay = repeatDelay;
@@ -216,8 +218,7 @@ void Press(ZVCustomEvent* event, Track const& track)
     }
 }
 
-/// The position for a thumb that is dragged to a place. A thumb that stays where it is keeps its position,
-/// since a pixel can stand for many of them.
+/// The position for a thumb that is dragged to a place.
 long Dragged_Position(Track const& track, long place)
 {
     ZVItem const& item = track.item;
@@ -225,7 +226,6 @@ long Dragged_Position(Track const& track, long place)
     long const range = track.state.Range, room = track.Length() - track.state.ThumbSize;
     if (room <= 0) return item.minInt;
     long const dragged = place - track.state.GrabOffset;
-    if (dragged == track.Thumb().from) return item.state;
     long const half = range ? room / range / 2 : 0;  // of the way to the next position
     long const thumb = std::clamp(dragged + half, 0L, track.Length());
     if (range == 0)
@@ -235,8 +235,10 @@ long Dragged_Position(Track const& track, long place)
     return position > last ? std::max<long>(last, item.state) : position;
 }
 
+/// A pixel can stand for many positions, so a mouse that has not moved along the track leaves the position.
 void Drag_Thumb(ZVCustomEvent* event, Track const& track, long place)
 {
+    if (std::exchange(track.state.LastPlace, static_cast<int32_t>(place)) == place) return;
     auto const position = static_cast<int32_t>(Dragged_Position(track, place));
     if (std::exchange(track.item.state, position) == position) return;
     Report_Prop(event, &track.item, ZV_MOD_CHANGE);
@@ -287,7 +289,7 @@ void Turn(ZVCustomEvent* event, Track const& track)
     ZVItem& item = track.item;
     if (Is_Disabled(item)) return;
     long const lines = GetWheelScrollLinesZV();
-    long const positions = lines == -1 ? std::max(item.page, 1) : lines;
+    long const positions = lines == -1 ? std::max(item.Page, 1) : lines;
     int32_t& rest = track.state.WheelRest;
     long turn = (event->deltaY ? -event->deltaY : event->deltaX) * positions;
     if ((turn < 0) == (rest < 0)) turn += rest;
@@ -332,6 +334,9 @@ long Prop_Gad(ZVCustomEvent* event, PropAxis axis)
     item.state = std::max(item.minInt, std::min(item.state, item.maxInt));
     if (event->type == ZV_CUSTOM_CREATE) return Create(item);
     if (event->type == ZV_CUSTOM_DESTROY) FreeMemZV(std::exchange(item.object, nullptr));
+    // What found no memory before may find it now.
+    bool const isWhole = event->type == ZV_CUSTOM_DRAW || event->type == ZV_CUSTOM_DRAW_DISABLED;
+    if (isWhole && !item.object) Create(item);
     if (item.object) Handle(event, {axis, item, *static_cast<PropState*>(item.object)});
     return 1;
 }

@@ -19,7 +19,7 @@ inline constexpr PropAxis across{false}, down{true};
 /// are.
 inline int32_t Last_Position(ZVItem const& prop)
 {
-    long const last = long{prop.maxInt} - prop.page;
+    long const last = long{prop.maxInt} - prop.Page;
     return last > prop.minInt ? static_cast<int32_t>(last) : prop.minInt;
 }
 

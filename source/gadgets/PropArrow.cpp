@@ -72,7 +72,7 @@ void Draw(ZVItem* item, Arrow arrow, bool isPressed, bool isDisabled)
 bool Step(ZVCustomEvent* event, Arrow arrow, ZVItem* track, uint32_t cause)
 {
     LivingPalette const palette(track->group->palette);
-    long const last = Last_Position(*track), step = track->lineStep, state = track->state;
+    long const last = Last_Position(*track), step = track->LineStep, state = track->state;
     if (arrow.isLast && state < last)
         SetGadgetStateZV(track, static_cast<double>(std::min(state + step, last)));
     if (!arrow.isLast && state > track->minInt) SetGadgetStateZV(track, static_cast<double>(state - step));

@@ -12,7 +12,7 @@ namespace {
 
 constexpr uint32_t entryDelay = 3;  ///< ticks from a click to the field, in which a double click may come
 constexpr uint16_t entryCursor = 1;
-constexpr double coarse = 10, fine = 0.1;
+constexpr double coarse = 10;  ///< of a step with shift, and of what control divides it by
 
 /// A whole number of steps divides back to just under it.
 constexpr double countTolerance = 1e-9;
@@ -43,7 +43,7 @@ double Step_Of(ZVCustomEvent const& event, SliderState const& state)
 {
     double step = state.Step;
     if (event.item->pressed && event.modifiers & ZV_MOD_SHIFT) step *= coarse;
-    if (event.item->pressed && event.modifiers & ZV_MOD_CONTROL) step *= fine;
+    if (event.item->pressed && event.modifiers & ZV_MOD_CONTROL) step /= coarse;
     return step;
 }
 

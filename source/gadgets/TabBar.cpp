@@ -189,7 +189,8 @@ static void Fit_To(ZVWindow const* target, ZVPalette& palette)
     }
 }
 
-/// Moves a palette to a window; a null one is a window of its own at that place.
+/// Moves a palette to a window; a null one is a window of its own at that place. Keys go there too, and not
+/// to whatever window is next when that of the palette has gone.
 static void Dock(ZVPalette& palette, ZVWindow* target, long left, long top)
 {
     if (target && target == palette.window) {
@@ -203,8 +204,11 @@ static void Dock(ZVPalette& palette, ZVWindow* target, long left, long top)
     if (!Is_Window(target)) target = nullptr;
     Fit_To(target, palette);
     bool const isDocked = NewActivePalette(target, &palette, left, top, 1);
-    bool const isBack = !isDocked && watch.Is_There() && palette.window->activePalette == &palette;
-    if (isBack) Palette_Visible(palette, true);
+    if (!watch.Is_There() || palette.window->activePalette != &palette) return;
+    if (isDocked)
+        Mac_Select_Window(GetParentSysWindow(&palette, nullptr, nullptr));
+    else
+        Palette_Visible(palette, true);
 }
 
 /// The mouse is free again: the release was not for the bar.

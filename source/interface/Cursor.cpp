@@ -32,6 +32,7 @@ void Set_Cursor(unsigned short code)
 
 void BusyZV()
 {
+    if (!ZVEnv) return;
     if (ZVEnv->busyLevel == 0) ZVEnv->busySteps = busyDelay;
     ++ZVEnv->busyLevel;
     ZVEnv->cursor = ZV_CURSOR_BUSY;
@@ -39,7 +40,7 @@ void BusyZV()
 
 void NotBusyZV()
 {
-    if (ZVEnv->busyLevel == 0) return;
+    if (!ZVEnv || ZVEnv->busyLevel == 0) return;
     if (--ZVEnv->busyLevel == 0) Set_Cursor(ZV_CURSOR_ARROW);
 }
 

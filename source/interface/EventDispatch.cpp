@@ -92,9 +92,9 @@ static void Send_Palette_Event(ZVEvent& event, ZVPalette* palette)
 {
     event.item = Tag_Word(palette);
     if (palette && event.type == ZV_EVENT_SCROLL_H)
-        event.item = static_cast<unsigned long>(palette->horizontal.value);
+        event.item = Tag_Word(palette->scroll[ZV_SCROLL_H_VALUE - ZV_SCROLL_H_MIN]);
     if (palette && event.type == ZV_EVENT_SCROLL_V)
-        event.item = static_cast<unsigned long>(palette->vertical.value);
+        event.item = Tag_Word(palette->scroll[ZV_SCROLL_V_VALUE - ZV_SCROLL_H_MIN]);
     if (event.type == ZV_EVENT_ASK_CLOSE) event.result = 1;
     Send_To_Palette(event, palette);
 }

@@ -22,6 +22,7 @@ static void Run_Modal_Loop()
 
 long HandleGUIZV()
 {
+    if (!ZVEnv) return 1;
     Mac_Drop_Focus(ZV_MOD_RELEASE);
     ++ZVEnv->guiLevel;
     if (ZVEnv->modalDepth > 0)
@@ -48,6 +49,7 @@ void ExitThirdPartyModalDialogZV()
 
 long AdvanceGUIZV(long)
 {
+    if (!ZVEnv) return 0;
     Mac_Handle_Waiting_Events();
     return !ZVEnv->exitRequested;
 }

@@ -19,8 +19,8 @@ static bool Is_Near_Last_Click(long x, long y)
 {
     long const since = static_cast<int32_t>(Mac_Tick_Count() - ZVEnv->lastClickTime);
     return ZVEnv->lastClickTime != 0 && since < Mac_Double_Click_Time() &&
-           std::labs(x - ZVEnv->lastClickX) < doubleClickDistance &&
-           std::labs(y - ZVEnv->lastClickY) < doubleClickDistance;
+           std::labs(x - ZVEnv->lastClickPoint.x) < doubleClickDistance &&
+           std::labs(y - ZVEnv->lastClickPoint.y) < doubleClickDistance;
 }
 
 /// Either by the library's own memory or by the desktop's count of presses. The desktop knows nothing of
@@ -68,7 +68,7 @@ void Custom_Gad_SecondButton(long x, long y)
 
 void IgnoreContextualMenuEventZV()
 {
-    ZVEnv->buttonState &= ~uint32_t{ZV_MOD_CONTEXTUAL};
+    if (ZVEnv) ZVEnv->buttonState &= ~uint32_t{ZV_MOD_CONTEXTUAL};
 }
 
 void Custom_Gad_MouseMove(long x, long y)
@@ -93,8 +93,7 @@ void Custom_Gad_MouseUp(long x, long y)
     ZVItem* const item = std::exchange(ZVEnv->trackingItem, nullptr);
     if (!item) return;
     ZVEnv->lastClickItem = item;
-    ZVEnv->lastClickX = static_cast<int32_t>(x);
-    ZVEnv->lastClickY = static_cast<int32_t>(y);
+    ZVEnv->lastClickPoint = {static_cast<int32_t>(x), static_cast<int32_t>(y)};
     // 0 stands for no click to be continued, as behind a double click, so that a third press starts anew.
     bool const wasDouble = ZVEnv->buttonState & ZV_MOD_DOUBLE_CLICK;
     ZVEnv->lastClickTime = wasDouble ? 0 : std::max(Mac_Tick_Count(), 1U);

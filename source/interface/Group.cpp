@@ -18,14 +18,20 @@ ZVGroup* InitGroupZV()
     return group;
 }
 
+/// The group so many before the last one of the list, which is the one that asks; null beyond the first.
+static ZVGroup* Count_Back(ZVPalette const& palette, long reference)
+{
+    Node* node = palette.groups.tailPred;
+    for (; reference < 0 && node->prev; ++reference)
+        node = node->prev;
+    return node->prev ? reinterpret_cast<ZVGroup*>(node) : nullptr;
+}
+
 short GetGroupRefID(ZVPalette const* palette, short reference)
 {
     if (reference >= 0) return reference;
-    // The last group of the list is the one that asks.
-    Node const* node = palette->groups.tailPred;
-    for (long back = reference; back < 0 && node->prev; ++back)
-        node = node->prev;
-    return node->prev ? static_cast<short>(node->id) : 0;
+    ZVGroup const* const group = Count_Back(*palette, reference);
+    return group ? static_cast<short>(group->node.id) : 0;
 }
 
 void EndGroupZV(short id, unsigned short position, short reference, char const* title, TagItem* tags)
@@ -36,6 +42,7 @@ void EndGroupZV(short id, unsigned short position, short reference, char const* 
     group->node.id = static_cast<uint16_t>(id);
     group->position = position;
     group->reference = static_cast<uint16_t>(GetGroupRefID(group->palette, reference));
+    if (reference < 0) group->beside = Count_Back(*group->palette, reference);
     group->tags = Clone_Tags(tags);
     if (Replace_Text(group->node.name, title)) group->title = group->node.name;
     while (TagItem const* tag = NextTagItem(&tags)) {

@@ -4,6 +4,7 @@
 // nothing.
 #include "interface/Layout.h"
 #include "interface/LayoutTags.h"
+#include "interface/PaletteTree.h"
 
 #include <algorithm>
 #include <climits>
@@ -85,7 +86,7 @@ static void Take_Tag(GroupTags& tags, TagItem const& tag)
 static GroupTags Read_Tags(ZVGroup const& group)
 {
     ZVStyle const& style = *ZVEnv->style;
-    bool const isPseudo = group.palette->flags & ZV_PALF_PSEUDO;
+    bool const isPseudo = Root_Of(*group.palette).flags & ZV_PALF_PSEUDO;
     int32_t const margin = isPseudo ? style.pseudoGroupMargin : style.groupMargin;
     GroupTags tags{.spacing = {isPseudo ? style.pseudoGroupGap : style.groupGap},
                    .margins = {margin, margin, margin, margin}};
@@ -184,6 +185,13 @@ static void Store_Group(ZVGroup& group, ZVRectT<long> const& area, Margins const
     group.innerHeight = group.height - margins.top - margins.bottom;
 }
 
+/// The group beside which another one stands, or null.
+static ZVGroup const* Reference_Of(ZVGroup const& group)
+{
+    bool const isCounted = group.beside && group.beside->node.id == group.reference;
+    return isCounted ? group.beside : Find_Record<ZVGroup>(group.palette->groups, group.reference);
+}
+
 static void Lay_Out_Group(GroupLayout& layout, ZVGroup& group)
 {
     GroupTags const tags = Read_Tags(group);
@@ -191,7 +199,7 @@ static void Lay_Out_Group(GroupLayout& layout, ZVGroup& group)
     if (group.position != 0) {
         Bounds const& known = layout.bounds;
         long const gap = layout.isFinal ? Grown_Gap(tags.spacing, layout.freeWidth) : tags.spacing.gap;
-        ZVGroup const* reference = Find_Record<ZVGroup>(layout.palette.groups, group.reference);
+        ZVGroup const* const reference = Reference_Of(group);
         ZVGroup const& beside = reference ? *reference : group;
         area.x = Place_Group(Horizontal_Half(group.position), reference, beside.x, beside.width, area.width,
                              gap, tags.fullWidth, known.left, known.right);

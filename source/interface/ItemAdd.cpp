@@ -147,7 +147,8 @@ static void Attach_Label(ZVItem& owner, ZVItem& label)
     label.flags |= owner.flags & ZV_ITEMF_IGNORE_IF_HIDDEN;
 }
 
-/// The label of a gadget whose type has it beside itself, made of what the gadget's tags have for it.
+/// The label of a gadget whose type has it beside itself, with what the gadget's tags have for it, which are
+/// taken when the gadget is on the list: -1 means it then.
 static NewItem Make_Label(ZVItem const& gadget, char const* text)
 {
     TagItem const* tags = gadget.tags;
@@ -160,7 +161,6 @@ static NewItem Make_Label(ZVItem const& gadget, char const* text)
     label->node.id = ZV_LABEL_ID;
     label->position = LeftOfGadget;
     label->reference = static_cast<uint16_t>(gadget.node.id);
-    Take_Adding_Tags(*label);
     return label;
 }
 
@@ -192,8 +192,8 @@ bool Take_Gadget_Limit(ZVItem& item, TagItem const& tag)
         return true;
     case ZV_ITEM_SELECTED: item.selected = tag.data; return true;
     case ZV_ITEM_LINKED: item.linkedItem = tag.data; return true;
-    case ZV_ITEM_PROP_PAGE: item.page = Tag_Number(tag); return true;
-    case ZV_ITEM_PROP_STEP: item.lineStep = Tag_Number(tag); return true;
+    case ZV_ITEM_PROP_PAGE: item.Page = Tag_Number(tag); return true;
+    case ZV_ITEM_PROP_STEP: item.LineStep = Tag_Number(tag); return true;
     case ZV_ITEM_EXTRA: item.extra = static_cast<uint32_t>(tag.data); return true;
     case ZV_ITEM_ORDER: item.order = static_cast<uint16_t>(tag.data); return true;
     default: return false;
@@ -256,7 +256,7 @@ static void Settle_Type(ZVItem& item, ZVGadgetType type, ZVGadgetSize size)
     if (Is_Prop(type)) {
         item.minReal = item.minInt = 0;
         item.maxReal = item.maxInt = DefaultPropEnd;
-        item.page = item.lineStep = 1;
+        item.Page = item.LineStep = 1;
     }
     if (Has_Edit_Text(type))
         item.maxChars = type == ZV_GAD_FLOAT ? DefaultFloatCapacity : DefaultTextCapacity;
@@ -295,6 +295,19 @@ static ZVGadgetType Told_Type(ZVGadgetType type, TagItem* tags)
     return type;
 }
 
+/// Takes a gadget that could not be set up off its group again, with its label or null.
+static void Take_Back(ZVItem* item, ZVItem* label)
+{
+    if (item->customFunc) Send_Custom_Event(*item, ZV_CUSTOM_CLEANUP);
+    Clear_Dependencies(*item);
+    Forget_Item_Ids(*item->group->palette);
+    for (ZVItem* const each : {label, item}) {
+        if (!each) continue;
+        Remove(&each->node);
+        Free_New_Item(each);
+    }
+}
+
 ZVItem* AddGadgetZV(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
                     ZVGadgetSize size, char const* label, TagItem* tags)
 {
@@ -306,18 +319,22 @@ ZVItem* AddGadgetZV(unsigned short id, unsigned short position, short reference,
     NewItem text;
     if (label && Has_Attached_Label(made->type) && !(text = Make_Label(*made, label))) return nullptr;
 
-    // Measured before anything is linked, as that can run out of memory too.
-    if (text) Set_Item_Size(text.get());
-    ZVItem* const item = made.release();
+    if (text && !Take_Natural_Size(*text)) return nullptr;
+    ZVItem *const item = made.release(), *const beside = text.release();
     Link_Item(*item);
-    if (text) {
-        if (text->node.id == ZV_LABEL_ID) Attach_Label(*item, *text);
-        Link_Item(*text.release());
+    if (beside) {
+        Take_Adding_Tags(*beside);
+        if (beside->node.id == ZV_LABEL_ID) Attach_Label(*item, *beside);
+        Link_Item(*beside);
     }
     if (item->type == ZV_GAD_CYCLE || item->type == ZV_GAD_MENU) item->type = ZV_GAD_CUSTOM;
-    if (item->customFunc) Send_Custom_Event(*item, ZV_CUSTOM_SETUP);
-    Set_Item_Size(item);
-    return item;
+    bool const isSetUp = Finds_Memory([item] {
+        if (item->customFunc) Send_Custom_Event(*item, ZV_CUSTOM_SETUP);
+        Set_Item_Size(item);
+    });
+    if (isSetUp) return item;
+    Take_Back(item, beside);
+    return nullptr;
 }
 
 ZVItem* AddGadgetZV(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
@@ -336,9 +353,9 @@ static ZVItem* Finish_Item(NewItem made, unsigned short id, unsigned short posit
     Place_New_Item(*made, id, position, reference);
     Take_Adding_Tags(*made);
     Clean_Position(*made);
-    Set_Item_Size(made.get());
+    if (!Take_Natural_Size(*made)) return nullptr;
     ZVItem* const item = made.release();
-    if (item->kind == ZV_ITEM_LABEL && item->node.id == ZV_LABEL_ID) {
+    if (item->node.id == ZV_LABEL_ID) {
         item->flags |= ZV_ITEMF_ATTACHED;
         if (ZVItem* owner = Find_Record<ZVItem>(item->group->items, item->reference))
             Attach_Label(*owner, *item);

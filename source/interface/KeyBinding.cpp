@@ -14,17 +14,17 @@ long Binding_Key(long key, unsigned long modifiers)
 
 long Action_Of_Key(ZVKeySection const& section, long key)
 {
-    ZVKeyBinding const* binding = section.bindings;
-    for (; binding && binding->key; ++binding)
-        if (binding->key == key && binding->action) return binding->action;
+    unsigned short const* binding = section.bindings;
+    for (; binding && binding[BoundKey]; binding += BindingSize)
+        if (binding[BoundKey] == key && binding[BoundAction]) return binding[BoundAction];
     return 0;
 }
 
 long Find_Key(ZVKeySection const* section, long action)
 {
-    ZVKeyBinding const* binding = section ? section->bindings : nullptr;
-    for (; binding && binding->key; ++binding)
-        if (binding->action == action) return binding->key;
+    unsigned short const* binding = section ? section->bindings : nullptr;
+    for (; binding && binding[BoundKey]; binding += BindingSize)
+        if (binding[BoundAction] == action) return binding[BoundKey];
     return 0;
 }
 
@@ -118,7 +118,9 @@ void Process_Keys(long key, unsigned long modifiers)
     // What lies behind a modal palette is out of reach, its keys included.
     ZVPalette const* const modal = ZVEnv->modalPalette;
     ZVKeySection const* const section = modal ? modal->keySection : ZVEnv->keySection;
-    if (!section) return;
-    long const action = Action_Of_Key(*section, Binding_Key(key, modifiers));
-    if (action) Send_Action({section, action});
+    long const action = section ? Action_Of_Key(*section, Binding_Key(key, modifiers)) : 0;
+    if (action)
+        Send_Action({section, action});
+    else
+        Mac_Menu_Key(key, modifiers);
 }

@@ -131,7 +131,7 @@ char const* As_Text(std::string_view token)
 
 class KeyFileReader {
 public:
-    KeyFileReader(ZVKeySection* chain, ZVKeyBinding* firstFree) : chain_(chain), next_(firstFree) {}
+    KeyFileReader(ZVKeySection* chain, unsigned short* firstFree) : chain_(chain), next_(firstFree) {}
 
     void Read(std::string_view text)
     {
@@ -164,7 +164,7 @@ private:
 
     void Begin_Section(std::string_view name)
     {
-        *next_++ = {};  // ends the table before
+        next_ += BindingSize;  // zeros, which end the table before
         isFilling_ = false;
         for (section_ = chain_; section_; section_ = section_->next)
             if (Are_Same(name, Name_Of(*section_))) break;
@@ -199,19 +199,22 @@ private:
         if (!action) UserMessageZV(ZVSTR_KEY_UNKNOWN, lineNumber_);
         // A table ends with a key of 0, so one that nobody knows stays out of it. A section that had its
         // table before keeps that as it was.
-        if (key && isFilling_)
-            *next_++ = {key, static_cast<uint16_t>(action), Parameter_Of(Take_Token(line))};
+        if (!key || !isFilling_) return;
+        next_[BoundKey] = key;
+        next_[BoundAction] = static_cast<uint16_t>(action);
+        next_[BoundParameter] = Parameter_Of(Take_Token(line));
+        next_ += BindingSize;
     }
 
     bool Is_Bound(uint16_t key) const
     {
-        for (ZVKeyBinding const* binding = section_->bindings; binding->key; ++binding)
-            if (binding->key == key) return true;
+        for (unsigned short const* binding = section_->bindings; binding[BoundKey]; binding += BindingSize)
+            if (binding[BoundKey] == key) return true;
         return false;
     }
 
     ZVKeySection* chain_;
-    ZVKeyBinding* next_;               ///< zeros from here on
+    unsigned short* next_;             ///< zeros from here on
     ZVKeySection* section_ = nullptr;  ///< that the lines belong to, or null
     bool isFilling_ = false;           ///< the section's table is this file's and the last one so far
     bool isSkipping_ = false;
@@ -251,10 +254,11 @@ void Parse_Key_Text(std::string_view text, ZVKeySection* chain)
     if (lines == 0 || !owner) return;
 
     // A line takes a triple at most; what is behind them ends the last table.
-    std::size_t const size = (lines + 5) * sizeof(ZVKeyBinding);
-    auto* const block = static_cast<ZVKeyBinding*>(Alloc_Aligned(size, alignof(ZVKeyBinding)));
+    std::size_t const count = (lines + 5) * BindingSize;
+    std::size_t const size = count * sizeof(unsigned short);
+    auto* const block = static_cast<unsigned short*>(Alloc_Aligned(size, alignof(unsigned short)));
     if (!block) return;
-    std::fill_n(block, lines + 5, ZVKeyBinding{});
+    std::fill_n(block, count, static_cast<unsigned short>(0));
     owner->block = block;
     KeyFileReader(chain, block).Read(text);
 }
@@ -270,7 +274,7 @@ void Parse_KeyFile(char const* spec, ZVKeySection* section)
 
 void Parse_Home_KeyFile(char const* name, ZVKeySection* section)
 {
-    if (!name) return;
+    if (!name || !ZVEnv) return;
     SpecText const spec(ZVEnv->homeDir ? ZVEnv->homeDir : "", name);
     Parse_KeyFile(spec.Text(), section);
 }

@@ -3,7 +3,11 @@
 
 #include "ZVKey.h"
 
+#include <cstddef>
 #include <string_view>
+
+/// The values of a binding by their places, in tables that begin with the first binding's key.
+enum BindingPlace : std::size_t { BoundKey, BoundAction, BoundParameter, BindingSize };
 
 /// Reads the text of a key file into a chain of sections, whose head is not null. The bindings are in one
 /// block of the first section that has none yet. Problems are shown to the user and reading goes on.

@@ -94,15 +94,18 @@ void Menu_Event(ZVMenu* root, short menu, short item)
 ZVMenu* Select_From_Menu(ZVMenu* menu, long x, long y)
 {
     constexpr uint32_t pressBits = ZV_MOD_BUTTON | ZV_MOD_DOUBLE_CLICK;
+    constexpr uint32_t otherButtons = 0x0002 | ZV_MOD_SECOND_BUTTON;  // the menu has had what they did
+    auto const clear = [](uint32_t bits) {
+        ZVEnv->modifiers &= ~bits;
+        ZVEnv->buttonState &= ~bits;
+    };
     ZVEnv->trackingItem = ZVEnv->tickItem = nullptr;
-    for (uint32_t* const word : {&ZVEnv->modifiers, &ZVEnv->buttonState})
-        *word &= ~pressBits;
+    clear(pressBits);
     ZVMenu* const chosen = Make_Popup_Menu(menu, x, y);
     // No cursor has that number, so that the next one is shown whatever the menu has left there.
     ZVEnv->cursor = -1;
     Update_Cursor();
-    for (uint32_t* const word : {&ZVEnv->modifiers, &ZVEnv->buttonState})
-        *word &= ~pressBits;
+    clear(pressBits | otherButtons);
     return chosen;
 }
 

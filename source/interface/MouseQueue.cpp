@@ -49,6 +49,7 @@ long Get_MouseQueue(MacMouseEvent* event)
 
 void TrackMouseZV(long on)
 {
+    if (!ZVEnv) return;
     ZVEnv->trackMouse = on != 0;
     if (on) ZVEnv->mouseQueue.read = ZVEnv->mouseQueue.write = ZVEnv->mouseQueue.base;
 }

@@ -120,7 +120,7 @@ void Handle_MouseMove(long x, long y)
 
 void InfiniteMouseMovesZV(long on)
 {
-    if (!on == !ZVEnv->infiniteMouse) return;
+    if (!ZVEnv || !on == !ZVEnv->infiniteMouse) return;
     ZVEnv->infiniteMouse = on != 0;
     Mac_Move_Pointer_Freely(on);
     if (on) return;

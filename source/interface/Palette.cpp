@@ -137,20 +137,9 @@ void SupressPaletteActivationZV(unsigned short id, long on)
 void SetScrollPosZV(ZVPalette* palette, TagItem* tags)
 {
     if (!Is_Palette(palette)) return;
-    while (TagItem const* tag = NextTagItem(&tags)) {
-        int32_t const value = Tag_Number(*tag);
-        switch (tag->tag) {
-        case ZV_SCROLL_H_MIN: palette->horizontal.minimum = value; break;
-        case ZV_SCROLL_H_MAX: palette->horizontal.maximum = value; break;
-        case ZV_SCROLL_H_VIEW: palette->horizontal.view = value; break;
-        case ZV_SCROLL_H_VALUE: palette->horizontal.value = value; break;
-        case ZV_SCROLL_V_MIN: palette->vertical.minimum = value; break;
-        case ZV_SCROLL_V_MAX: palette->vertical.maximum = value; break;
-        case ZV_SCROLL_V_VIEW: palette->vertical.view = value; break;
-        case ZV_SCROLL_V_VALUE: palette->vertical.value = value; break;
-        default: break;
-        }
-    }
+    while (TagItem const* tag = NextTagItem(&tags))
+        if (tag->tag >= ZV_SCROLL_H_MIN && tag->tag <= ZV_SCROLL_V_VALUE)
+            palette->scroll[tag->tag - ZV_SCROLL_H_MIN] = Tag_Number(*tag);
     ZVWindow* const window = palette->window;
     if (window && window->sysWindow && window->activePalette == palette) Move_Sliders(window);
 }

@@ -68,8 +68,7 @@ static void Leave_Window(ZVWindow* window)
         if (window->sysWindow && window->kind != ZV_KIND_ROOT) Free_SysWindow(window);
         return;
     }
-    auto* const first = reinterpret_cast<ZVPalette*>(window->palettes.head);
-    if (!window->activePalette) NewActivePalette(window, first, 0, 0, 1);
+    NewActivePalette(window, reinterpret_cast<ZVPalette*>(window->palettes.head), 0, 0, 1);
     if (Is_Window(window)) RenderTabs(window);
 }
 

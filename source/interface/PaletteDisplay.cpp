@@ -27,13 +27,13 @@ struct Display {
 };
 }  // namespace
 
-/// Size of the frame around the client area of the window that the palette would have.
+/// What the window that the palette would have adds to the size that the palette fills with its tabs.
 static ZVRectT<long> Frame_Size(ZVPalette const& palette)
 {
     ZVRectT<long> frame;
     Get_SysWindowDimFromPalette(&palette, &frame);
     frame.width -= palette.width;
-    frame.height -= palette.height;
+    frame.height -= Height_With_Tabs(palette, palette.height);
     return frame;
 }
 
@@ -372,12 +372,12 @@ long DisplayPaletteZV(TagItem* tags)
     bool const isBuilt = Build(display, tags);
     // From here on callbacks run, and may declare palettes of their own.
     ZVEnv->buildingPalette = nullptr;
-    if (!isBuilt) {
-        Free_Palette(palette);
-        return 0;
-    }
     ZVPalette* const outer = std::exchange(ZVEnv->displayedPalette, palette);
-    long const isShown = Place_And_Show(display);
+    long isShown = 0;
+    if (isBuilt)
+        isShown = Place_And_Show(display);
+    else
+        Free_Palette(palette);
     ZVEnv->displayedPalette = outer;
     return isShown;
 }

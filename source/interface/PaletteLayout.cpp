@@ -47,6 +47,7 @@ static void Take_Sub_Palette_Tags(ZVPalette& sub)
     while (TagItem const* tag = NextTagItem(&cursor)) {
         switch (tag->tag) {
         case ZV_PAL_KIND: sub.kind = static_cast<uint16_t>(tag->data); break;
+        case ZV_PAL_FLAGS: sub.flags |= static_cast<uint32_t>(tag->data); break;
         case ZV_PAL_POSITION: sub.position = static_cast<uint16_t>(tag->data); break;
         case ZV_PAL_RELATIVE_TO: sub.relativeTo = static_cast<uint16_t>(tag->data); break;
         case ZV_PAL_FORCE_WIDTH: sub.forcedWidth = Tag_Number(*tag); break;

@@ -47,7 +47,7 @@ void PaletteVisibleZV(ZVPalette* palette, long visible)
 
 long IsPaletteVisibleZV(ZVPalette const* palette)
 {
-    return palette && Is_Shown(palette);
+    return Is_Palette(palette) && Is_Shown(palette);
 }
 
 void RenderTabs(ZVWindow* window)

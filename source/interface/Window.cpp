@@ -66,7 +66,7 @@ void Free_Window(ZVWindow* window)
 unsigned long AddEventHookZV(ZVPalette* palette, unsigned long event, void (*function)(void*, long, void*),
                              void* user)
 {
-    if (!Is_Palette(palette) || !palette->window) return 0;
+    if (!function || !Is_Palette(palette) || !palette->window) return 0;
     auto* const hook = New_Record<ZVEventHook>();
     if (!hook) return 0;
     List& hooks = palette->window->hooks;

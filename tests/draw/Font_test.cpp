@@ -236,6 +236,8 @@ TEST_F(Font, ACreatedFontIsAFaceOfTheInterfacesSize)
     AddTail(&fonts, &bold->node);
     EXPECT_EQ(bold->Flags, ZV_FONT_FLAG_BOLD);
     EXPECT_LE(std::abs(bold->Size - GetAveCharHeightZV(nullptr)), 1);
+    ASSERT_EQ(OpenFontZV(bold, ZV_FONT_STYLE_PLAIN, 30, 0, 0), 1);
+    EXPECT_EQ(bold->Flags, ZV_FONT_FLAG_OPEN) << "the style decides now";
     ZVFont* const serif = CreateFontZV(Find("DejaVu Serif")->FontId, 0, 0);
     AddTail(&fonts, &serif->node);
     EXPECT_STREQ(serif->node.name, "DejaVu Serif");

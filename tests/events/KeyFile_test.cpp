@@ -27,10 +27,9 @@ struct Sections {
     static std::string Bindings(ZVKeySection const& section)
     {
         std::string text;
-        for (auto const* binding = section.bindings; binding && binding->key; ++binding) {
-            text += (text.empty() ? "" : " ") + std::to_string(binding->key) + ":" +
-                    std::to_string(binding->action);
-            if (binding->parameter) text += "/" + std::to_string(binding->parameter);
+        for (auto const* binding = section.bindings; binding && binding[0]; binding += 3) {
+            text += (text.empty() ? "" : " ") + std::to_string(binding[0]) + ":" + std::to_string(binding[1]);
+            if (binding[2]) text += "/" + std::to_string(binding[2]);
         }
         return text;
     }

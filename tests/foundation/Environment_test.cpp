@@ -72,6 +72,24 @@ TEST_F(EnvironmentStart, ANewStartBeginsAfresh)
     EXPECT_EQ(GetColorZV(ZV_PEN_TEXT), 0UL);
 }
 
+TEST_F(EnvironmentStart, WithoutOneTheInterfaceDoesNothing)
+{
+    EXPECT_EQ(HandleGUIZV(), 1);
+    EXPECT_EQ(AdvanceGUIZV(0), 0);
+    BusyZV();
+    NotBusyZV();
+    TrackMouseZV(1);
+    InfiniteMouseMovesZV(1);
+    IgnoreContextualMenuEventZV();
+    SetKeyFileZV("keys", nullptr);
+    EXPECT_EQ(GetGadgetWidthZV(ZV_GAD_LIST, ZV_SIZE_SMALL), 0);
+    GetWindowRectZV(nullptr, nullptr);
+    GetClientRectZV(nullptr, nullptr);
+    EXPECT_EQ(DisplayPaletteZV(nullptr), 0);
+    EXPECT_EQ(AddGadgetZV(1, 0, 0, ZV_GAD_BUTTON, ZV_SIZE_SMALL, "", nullptr), nullptr);
+    SetError(ZV_ERR_NONE);
+}
+
 TEST_F(EnvironmentStart, BytesTurnIntoFractionsBeforeDuringAndAfter)
 {
     auto const check = [](char const* when) {

@@ -35,6 +35,17 @@ MENUS = [
      "key Left key Right key Escape key Down key Down key Right key End key Return", """
         menu-init held
         menu "All of them" 0"""),
+    ("F10 opens the first menu", "key F10 key Right key Down key Return", """
+        key F10
+        menu-init
+        menu "Open" 0"""),
+    ("F10 and Escape close it", "key F10 key Right key F10 key F10 key Escape key n", """
+        key F10
+        menu-init
+        key F10
+        menu-init
+        key n
+        key n key-up"""),
     ("keys of a section", "key ctrl+n key F1 key ctrl+shift+s", """
         key n control
         action ActionNew control
@@ -112,8 +123,12 @@ REQUESTERS = [
     ("by Escape", "{RequestButtons} click 1 [Yes] key Escape", requested("RequestButtons", "second")),
     ("by a letter", "{RequestQuestion} click 1 [Yes] key o", requested("RequestQuestion", "first")),
     ("a message", "{RequestMessage} click 1 {Yes} click 1", requested("RequestMessage")),
-    ("a question after a question", "{RequestNested} click 1 {Yes} click 1 {Yes!} click 1",
-     requested("RequestNested", "first")),
+    ("a question after a question", "{RequestAgain} click 1 {Yes} click 1 {Yes!} click 1",
+     requested("RequestAgain", "first")),
+    ("a question in front of a question, by buttons", "{RequestNested} click 1 {InnerNo} click 1 [Yes] {Yes} click 1",
+     requested("RequestNested", "second button inside, the first")),
+    ("by keys", "{RequestNested} click 1 [InnerYes] key Return [Yes] key Escape",
+     requested("RequestNested", "first button inside, the second")),
     ("a long text scrolled to its end and back", "{RequestLongText} click 1 {ScrollBar:8,9} mousedown 1 "
      "{ScrollBar:8,400} [ScrollBar=42/60] [ScrollBox=43] mouseup 1 {ScrollBox} click 4 [ScrollBar=39/60] key Escape",
      asked("RequestersPalette", "RequestLongText", "up dragged")),

@@ -31,8 +31,8 @@ EVENTS = {1: "key", 3: "down", 4: "up", 5: "gadget", 7: "setup", 8: "cleanup", 9
           26: "tab-activate", 27: "tab-deactivate"}
 MODIFIERS = {0x1: "held", 0x8: "press", 0x10: "change", 0x20: "release", 0x40: "double", 0x80: "dragged",
              0x200: "control", 0x400: "shift", 0x4000: "key-up"}
-KEYS = {288: "F1", 290: "F3", 304: "Right", 305: "Up", 306: "Down", 313: "Tab", 316: "Escape", 317: "Return"}
-MARKS = {f"F{number}": 287 + number for number in range(5, 13)}
+KEYS = {288: "F1", 290: "F3", 297: "F10", 304: "Right", 305: "Up", 306: "Down", 313: "Tab", 316: "Escape", 317: "Return"}
+MARKS = {f"F{number}": 287 + number for number in range(5, 13) if number != 10}  # F10 opens the menu bar
 
 # Ids of palettes and items that the library makes. A requester inside another dialog has the next id.
 LIBRARY = {"Yes": (32600, 1), "No": (32600, 2), "ScrollBox": (32600, 1000), "ScrollBar": (32600, 1001), "InnerYes": (32601, 1),

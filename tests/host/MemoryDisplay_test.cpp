@@ -99,6 +99,27 @@ TEST(MemoryDisplay, KeysGoToTheWindowThatCameLast)
     EXPECT_EQ(desk.Types(), (Types{Type::AppFront, Type::WindowFront}));
 }
 
+TEST(MemoryDisplay, KeysGoBackToTheWindowThatHadThem)
+{
+    Desk desk;
+    auto document = desk.Shown(Kind::Document, {100, 100, 300, 200});
+    auto floater = desk.Shown(Kind::Floater, {400, 100, 500, 200});
+    auto other = desk.Shown(Kind::Floater, {600, 100, 700, 200});
+    floater->Raise();
+    auto outer = desk.Shown(Kind::Dialog, {100, 300, 300, 400});
+    auto inner = desk.Shown(Kind::Dialog, {100, 300, 300, 400});
+    inner.reset();
+    EXPECT_EQ(desk.display.Front_Window(), outer.get());
+    floater->Hide();
+    floater->Show();
+    outer.reset();
+    EXPECT_EQ(desk.display.Front_Window(), floater.get()) << "it was hidden in between";
+    floater.reset();
+    EXPECT_EQ(desk.display.Front_Window(), document.get());
+    document.reset();
+    EXPECT_EQ(desk.display.Front_Window(), other.get()) << "it has never had them";
+}
+
 TEST(MemoryDisplay, PressesCountAsOneClickByTimeAndPlace)
 {
     Desk desk;
@@ -122,6 +143,21 @@ TEST(MemoryDisplay, PressesCountAsOneClickByTimeAndPlace)
         expected.push_back(press.clicks);
     }
     EXPECT_EQ(desk.Clicks(), expected);
+}
+
+TEST(MemoryDisplay, APressThatWasDraggedIsNoFirstClick)
+{
+    Desk desk;
+    auto window = desk.Shown(Kind::Document, {0, 100, 400, 400});
+    for (auto const& [way, clicks] : {std::pair(4, 2), {5, 1}, {100, 1}}) {
+        desk.display.Pause(1000);
+        desk.display.Press(50, 150);
+        desk.display.Move(50 + way, 150);
+        desk.display.Move(50, 150);
+        desk.display.Release();
+        desk.display.Click(50, 150);
+        EXPECT_EQ(desk.Clicks(), (std::vector<int>{1, clicks})) << way;
+    }
 }
 
 TEST(MemoryDisplay, TheClockMovesByWaitingAlone)

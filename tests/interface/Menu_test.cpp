@@ -317,8 +317,8 @@ TEST_F(Menus, AChoiceIsToldToTheNearestCallback)
 
 TEST_F(Menus, KeysBelongToTheNearestSectionAndStopAtADisabledEntry)
 {
-    ZVKeyBinding const first[] = {{'a' | ZV_MOD_CONTROL, 1, 0}, {'b', 2, 0}, {}};
-    ZVKeyBinding const second[] = {{ZV_KEY_F1, 1, 0}, {}};
+    unsigned short const first[] = {'a' | ZV_MOD_CONTROL, 1, 0, 'b', 2, 0, 0};
+    unsigned short const second[] = {ZV_KEY_F1, 1, 0, 0};
     ZVKeySection general{.bindings = first}, special{.bindings = second};
     ZVEnv->keySection = &general;
     InitMenuZV();

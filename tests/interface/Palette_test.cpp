@@ -67,6 +67,15 @@ TEST_F(Palettes, TheWalkGoesThroughSubPalettesFirst)
     EXPECT_EQ(ids, (std::vector<unsigned>{1, 2, 3, 4}));
 }
 
+TEST_F(Palettes, InnerOnesHaveTheFlagsOfTheirTags)
+{
+    InitPaletteZV();
+    ZVPalette const* const inner = InitPaletteZV();
+    EndPaletteZV(2, "", ZV_PAL_FLAGS, ZV_PALF_NO_ACTIVATE, ZV_PAL_FLAGS, ZV_PALF_HILITED);
+    DisplayPaletteZV(nullptr);
+    EXPECT_EQ(inner->flags, ZV_PALF_NO_ACTIVATE | ZV_PALF_HILITED);
+}
+
 TEST_F(Palettes, StalePointersAreComparedAndNotFollowed)
 {
     ZVPalette* const palette = Show(9);
@@ -76,6 +85,7 @@ TEST_F(Palettes, StalePointersAreComparedAndNotFollowed)
     EXPECT_EQ(Count("9:12"), 1);
     EXPECT_EQ(Windows(), 0);
     ClosePaletteZV(palette);
+    EXPECT_FALSE(IsPaletteVisibleZV(palette));
     EXPECT_EQ(Count("9:8"), 1);
 }
 
@@ -90,13 +100,18 @@ TEST_F(Palettes, FloatersShareAWindowInTheOrderOfTheirPriority)
     onEvent = [&](ZVEvent& event) {
         if (event.type == ZV_EVENT_TAB_ACTIVATE && event.palette->node.id == 2) ++activations;
     };
-    ZVPalette* const second = join(2, 0);
-    ZVPalette* const third = join(3, 1);
     ZVWindow* const window = first->window;
+    ZVPalette* const fourth = join(4, 0);
+    ZVPalette* const second = join(2, 0);
+    NewActivePalette(nullptr, fourth, 0, 0, 1);
+    EXPECT_EQ(window->activePalette, first) << "whichever was in front when another one left";
+    ClosePaletteZV(fourth);
+    ActivatePaletteZV(second, 0);
+    ZVPalette* const third = join(3, 1);
     EXPECT_EQ(List_Entry(&window->palettes, 0), &third->node);
     EXPECT_EQ(List_Entry(&window->palettes, 2), &second->node) << "equal ones in order of arrival";
     EXPECT_EQ(window->activePalette, third);
-    EXPECT_EQ(activations, 1);
+    EXPECT_EQ(activations, 2);
     EXPECT_FALSE(IsPaletteVisibleZV(second));
 
     ClosePaletteZV(third);
@@ -179,6 +194,18 @@ TEST_F(Palettes, WindowsStandWhereTheTagsSay)
     EXPECT_EQ(other->window->left, 1601) << "the monitor with the mouse";
     EXPECT_EQ(other->forcedWidth, 200);
     EXPECT_EQ(other->y, ZVEnv->style->tabHeight);
+
+    TagItem tall[] = {{ZV_PAL_FORCE_WINDOW_HEIGHT, 300}, {}};
+    for (ZVKind kind : {ZV_KIND_FIXED, ZV_KIND_FLOATER}) {
+        InitPaletteZV();
+        InitGroupZV();
+        EndGroupZV(1, 0, 0, "", ZV_GRP_AUTO_SIZE, 0);
+        ZVPalette const* const filled = ZVEnv->buildingPalette;
+        ASSERT_TRUE(DisplayPaletteZV(ZV_PAL_KIND, kind, ZV_TAG_MORE, tall));
+        ZVRectT<long> outside;
+        GetWindowRectZV(filled->window, &outside);
+        EXPECT_EQ(outside.height, 300) << kind;
+    }
 }
 
 TEST_F(Palettes, HooksBelongToTheirPaletteAndMoveWithIt)
@@ -191,6 +218,7 @@ TEST_F(Palettes, HooksBelongToTheirPaletteAndMoveWithIt)
     EXPECT_EQ(AddEventHookZV(one, 5, hook, nullptr), 1U);
     NewActivePalette(nullptr, one, 0, 0, 1);
     EXPECT_EQ(List_Entries(&one->window->hooks), 2);
+    EXPECT_EQ(AddEventHookZV(one, 5, nullptr, nullptr), 0U);
     EXPECT_EQ(AddEventHookZV(InitPaletteZV(), 5, hook, nullptr), 0U) << "without a window";
 }
 
@@ -221,16 +249,12 @@ TEST_F(Palettes, WithoutMemoryTheDisplayFailsCleanly)
     log.reserve(1000);
     ASSERT_TRUE(display(LONG_MAX)) << "fonts are there from now on";
     long after = 0;
-    try {
-        while (!display(after)) {
-            EXPECT_EQ(GetErrorZV(), ZV_ERR_MEMORY) << after;
-            EXPECT_EQ(ZVEnv->buildingPalette, nullptr) << after;
-            EXPECT_EQ(Windows(), 1) << after;
-            SetError(ZV_ERR_NONE);
-            ++after;
-        }
-    } catch (std::bad_alloc const&) {
-        // The desktop throws; what the palette needs before it comes there was had.
+    while (!display(after)) {
+        EXPECT_EQ(GetErrorZV(), ZV_ERR_MEMORY) << after;
+        EXPECT_EQ(ZVEnv->buildingPalette, nullptr) << after;
+        EXPECT_EQ(Windows(), 1) << after;
+        SetError(ZV_ERR_NONE);
+        ++after;
     }
     EXPECT_GT(after, 3);
 }

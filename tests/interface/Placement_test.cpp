@@ -119,6 +119,20 @@ TEST_F(Placement, LabelsStandBesideTheirGadgetOneBeyondTheOther)
     EXPECT_EQ(next->x, right->x + right->width + 2) << "past the label on the right";
 }
 
+TEST_F(Placement, GroupsWithoutIdsStandBesideTheOneBefore)
+{
+    ZVPalette const* const palette = InitPaletteZV();
+    for (int i = 0; i < 3; ++i) {
+        InitGroupZV();
+        Add(0, 0, 0, 40);
+        EndGroupZV(0, 0x0402, -1, "", ZV_MARGIN_NONE, 0);
+    }
+    DisplayPaletteZV(nullptr);
+    int32_t const step = 40 + ZVEnv->style->groupGap;
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(reinterpret_cast<ZVGroup*>(List_Entry(&palette->groups, i))->x, i * step);
+}
+
 TEST_F(Placement, ConformedGroupsAgree)
 {
     InitPaletteZV();

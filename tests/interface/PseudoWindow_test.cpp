@@ -153,6 +153,21 @@ TEST_F(PseudoWindows, PalettesLiveInThemThroughTheRootWindow)
     EXPECT_EQ(ZVEnv->rootWindow, root);
 }
 
+TEST_F(PseudoWindows, InnerPalettesHaveTheMarginsOfTheirsToo)
+{
+    ZVEnv->style->groupMargin = 9;
+    ZVWindow* const window = AddPseudoWindowZV(1, 0, 0, 300, 200, nullptr);
+    InitPaletteZV();
+    InitPaletteZV();
+    ZVGroup const* const group = InitGroupZV();
+    EndGroupZV(1, 0, 0, "", nullptr);
+    EndPaletteZV(2, "", nullptr);
+    EndPaletteZV(1, "", nullptr);
+    DisplayPaletteZV(ZV_PAL_PSEUDO_WINDOW, window);
+    EXPECT_EQ(group->innerX - group->x, 0);
+    EXPECT_EQ(FindPaletteZV(2)->marginLeft, 0);
+}
+
 TEST_F(PseudoWindows, APaletteMayDeleteItsOwn)
 {
     AddPseudoWindowZV(1, 0, 0, 200, 100, nullptr);

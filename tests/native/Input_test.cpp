@@ -23,6 +23,14 @@ protected:
         onEvent = nullptr;
     }
 
+    static std::string Joined(Strings const& entries)
+    {
+        std::string all;
+        for (std::string const& entry : entries)
+            all += (all.empty() ? "" : " ") + entry;
+        return all;
+    }
+
     static ZVWindow* Window(unsigned short id) { return FindPaletteZV(id)->window; }
 };
 
@@ -50,6 +58,20 @@ TEST_F(InputTest, APressGoesToWhatIsUnderIt)
     Script_Click(palette, Gadget(palette));
     HeadlessRunZV(0);
     EXPECT_EQ(Log(), (Strings{"G1:108/65", "1:4/64", "G1:107/64"})) << "the second of two quick presses";
+}
+
+TEST_F(InputTest, APressBehindADragIsASingleOne)
+{
+    ZVPalette* const palette = Show(1, ZV_KIND_DOCUMENT, 100, 100);
+    HeadlessRunZV(0);
+    Script_Move(palette, Gadget(palette));
+    HeadlessPressZV(ZV_HEADLESS_LEFT);
+    Script_Move(palette, nullptr);
+    HeadlessReleaseZV(ZV_HEADLESS_LEFT);
+    Script_Click(palette, Gadget(palette));
+    HeadlessRunZV(0);
+    Strings const told = Log();
+    EXPECT_EQ(std::count(told.begin(), told.end(), "G1:108/1"), 2) << "presses, none of them a double click";
 }
 
 TEST_F(InputTest, APressBesideATextFieldCommitsIt)
@@ -150,6 +172,112 @@ TEST_F(InputTest, TheMouseMovesWithoutEndWhileItIsHeld)
     EXPECT_EQ(ZVEnv->pointerX, before.pointerX);
 }
 
+// ---- pens -------------------------------------------------------------------------------------------------
+
+TEST_F(InputTest, APenTellsHowHardItIsPressedAndByWhichEnd)
+{
+    static constexpr struct {
+        double pressure;
+        long isEraser;
+        int told;
+        bool isNear;
+    } rows[] = {{0.0, 0, 0, true},
+                {0.5, 1, 32768, true},
+                {7.0, 0, 65535, true},
+                {-1.0, 1, 65535, false}};  // the mouse, which has no end
+    ZVPalette* const palette = Show(1, ZV_KIND_DOCUMENT, 100, 100);
+    HeadlessRunZV(0);
+    for (auto const& row : rows) {
+        bool const isErasing = row.isNear && row.isEraser;
+        std::vector<unsigned> told;
+        auto const check = [&](auto const& event) {
+            EXPECT_EQ(event.tablet->pressure, row.told) << event.type;
+            EXPECT_EQ(event.tablet->inProximity, row.isNear) << event.type;
+            // A tick comes of no pen.
+            EXPECT_EQ((event.modifiers & ZV_MOD_ERASER) != 0, isErasing && event.type != ZV_CUSTOM_TICK)
+                << row.pressure << ": " << event.type;
+            told.push_back(event.type);
+        };
+        onEvent = [&](ZVEvent const& event) {
+            if (event.type == ZV_EVENT_MOUSE_DOWN || event.type == ZV_EVENT_MOUSE_UP) check(event);
+        };
+        onGadget = [&](ZVCustomEvent const& event) {
+            if (event.type >= ZV_CUSTOM_MOUSE_UP && event.type <= ZV_CUSTOM_TICK) check(event);
+        };
+        HeadlessPauseZV(1000);
+        HeadlessPenZV(row.pressure, row.isEraser);
+        Script_Move(palette, Gadget(palette));
+        HeadlessPressZV(ZV_HEADLESS_LEFT);
+        HeadlessPauseZV(150);
+        HeadlessReleaseZV(ZV_HEADLESS_LEFT);
+        HeadlessRunZV(0);
+        Click(palette, nullptr);
+        for (unsigned type : {+ZV_CUSTOM_MOUSE_DOWN, +ZV_CUSTOM_TICK, +ZV_CUSTOM_MOUSE_UP,
+                              +ZV_EVENT_MOUSE_DOWN, +ZV_EVENT_MOUSE_UP})
+            EXPECT_TRUE(std::ranges::count(told, type)) << type;
+        EXPECT_EQ(TabletInUse(), row.isNear);
+    }
+}
+
+TEST_F(InputTest, APenIsWhereItIsWhileTheMouseIsHeld)
+{
+    InfiniteMouseMovesZV(1);
+    HeadlessMoveZV(900, 700);
+    HeadlessRunZV(0);
+    EXPECT_NE(ZVEnv->pointerX, 900);
+    HeadlessPenZV(0.1, 0);
+    HeadlessMoveZV(300, 400);
+    HeadlessRunZV(0);
+    EXPECT_EQ(ZVEnv->pointerX, 300);
+    EXPECT_EQ(ZVEnv->pointerY, 400);
+}
+
+// ---- cursors ----------------------------------------------------------------------------------------------
+
+TEST_F(InputTest, TheCursorIsThatOfWhatIsUnderThePointer)
+{
+    static constexpr struct {
+        unsigned long wanted, shown;
+    } rows[] = {{ZV_CURSOR_ARROW, ZV_CURSOR_ARROW},        {1, ZV_CURSOR_ARROW},
+                {ZV_CURSOR_TEXT, ZV_CURSOR_TEXT},          {ZV_CURSOR_BUSY, ZV_CURSOR_BUSY},
+                {ZV_CURSOR_SLIDE, ZV_CURSOR_SPLIT_ACROSS}, {ZV_CURSOR_SPLIT_DOWN, ZV_CURSOR_SPLIT_DOWN},
+                {ZV_CURSOR_GRAB, ZV_CURSOR_GRAB},          {ZV_CURSOR_NONE, ZV_CURSOR_NONE},
+                {ZV_CURSOR_COLOR + 1000, ZV_CURSOR_ARROW}};  // nobody has drawn it
+    ZVPalette* const palette = Show(1, ZV_KIND_DOCUMENT, 100, 100, {}, true);
+    auto const cursor_at = [&](ZVItem* item) {
+        Script_Move(palette, item);
+        HeadlessRunZV(0);
+        return HeadlessCursorZV();
+    };
+    for (auto const& row : rows) {
+        ModifyItemZV(Gadget(palette), ZV_ITEM_CURSOR, row.wanted, 0);
+        EXPECT_EQ(cursor_at(Gadget(palette)), row.shown) << row.wanted;
+        EXPECT_EQ(cursor_at(Field(palette)), ZV_CURSOR_TEXT) << row.wanted;
+        EXPECT_EQ(cursor_at(nullptr), ZV_CURSOR_ARROW) << row.wanted;
+    }
+    InfiniteMouseMovesZV(1);
+    EXPECT_EQ(HeadlessCursorZV(), ZV_CURSOR_NONE) << "a pointer without end is not seen";
+    InfiniteMouseMovesZV(0);
+    EXPECT_EQ(HeadlessCursorZV(), ZV_CURSOR_ARROW);
+}
+
+TEST_F(InputTest, TheBusyCursorShowsOverEverythingOnceWorkIsLong)
+{
+    ZVPalette* const palette = Show(1, ZV_KIND_DOCUMENT, 100, 100, {}, true);
+    Script_Move(palette, Field(palette));
+    HeadlessRunZV(0);
+    BusyZV();
+    HeadlessRunZV(900);
+    EXPECT_EQ(HeadlessCursorZV(), ZV_CURSOR_TEXT) << "short work is not seen";
+    HeadlessRunZV(300);
+    EXPECT_EQ(HeadlessCursorZV(), ZV_CURSOR_BUSY);
+    Script_Move(palette, nullptr);
+    HeadlessRunZV(0);
+    EXPECT_EQ(HeadlessCursorZV(), ZV_CURSOR_BUSY);
+    NotBusyZV();
+    EXPECT_EQ(HeadlessCursorZV(), ZV_CURSOR_ARROW);
+}
+
 // ---- the wheel --------------------------------------------------------------------------------------------
 
 TEST_F(InputTest, TheWheelTurnsWhatIsUnderIt)
@@ -170,14 +298,14 @@ TEST_F(InputTest, TheWheelTurnsWhatIsUnderIt)
     HeadlessWheelZV(1, -2);
     HeadlessRunZV(0);
     EXPECT_EQ(Log(), (Strings{"1:21", "1:20"}));
-    EXPECT_EQ(palette->vertical.value, 6) << "three lines for a notch";
-    EXPECT_EQ(palette->horizontal.value, 50) << "a tenth of a large view";
+    EXPECT_EQ(palette->scroll[7], 6) << "three lines for a notch";
+    EXPECT_EQ(palette->scroll[3], 50) << "a tenth of a large view";
     for (int i = 0; i < 4; ++i)
         HeadlessWheelZV(0, 0.25);
     HeadlessWheelZV(0, -50);
     HeadlessWheelZV(0, -1);
     HeadlessRunZV(0);
-    EXPECT_EQ(palette->vertical.value, 80);
+    EXPECT_EQ(palette->scroll[7], 80);
     EXPECT_EQ(Log(), (Strings{"1:21", "1:21", "1:21", "1:21"})) << "parts of lines add up, the end is one";
 }
 
@@ -242,6 +370,34 @@ TEST_F(InputTest, AKeyIsACharacterAndACode)
     }
 }
 
+TEST_F(InputTest, AKeyThatIsHeldRepeats)
+{
+    ZVPalette* const palette = Show(1, ZV_KIND_DOCUMENT, 100, 100, {}, true);
+    HeadlessRunZV(0);
+    Log();
+    static constexpr struct {
+        bool isForField;
+        unsigned long key;
+        char const *told, *text;
+    } rows[] = {{false, 'x', "A:1 A:1/8192 A:1/8192 A:1/8192 A:1/16384", "abcdef"},
+                {true, 'x', "1:5/16 1:5/16 1:5/16 1:5/16 A:1/16384", "abcdefxxxx"},
+                {true, ZV_KEY_BACKSPACE, "1:5/16 1:5/8208 1:5/8208 1:5/8208 A:1/16384", "ab"},
+                {true, ZV_KEY_F1, "A:1 A:1/8192 A:1/8192 A:1/8192 A:1/16384", "abcdef"}};
+    for (auto const& row : rows) {
+        SetTextGadgetStateZV(2, "abcdef");
+        Click(palette, row.isForField ? Field(palette) : Gadget(palette));
+        HeadlessKeyZV(ZV_KEY_END);
+        HeadlessRunZV(0);
+        Log();
+        unsigned long const start = HeadlessMillisecondsZV();
+        HeadlessRepeatKeyZV(row.key, 3);
+        HeadlessRunZV(0);
+        EXPECT_EQ(Joined(Log()), row.told) << row.key;
+        EXPECT_STREQ(Field(palette)->editText, row.text);
+        EXPECT_GE(HeadlessMillisecondsZV() - start, 500 + 2 * 30UL) << "as it would on a keyboard";
+    }
+}
+
 // ---- windows ----------------------------------------------------------------------------------------------
 
 TEST_F(InputTest, ACloseBoxAsksFirst)
@@ -266,10 +422,7 @@ TEST_F(InputTest, ACloseBoxAsksFirst)
         };
         HeadlessCloseBoxZV(Window(row.id));
         HeadlessRunZV(0);
-        std::string told;
-        for (std::string const& entry : Log())
-            told += (told.empty() ? "" : " ") + entry;
-        EXPECT_EQ(told, row.told);
+        EXPECT_EQ(Joined(Log()), row.told);
         EXPECT_EQ(FindPaletteZV(row.id) != nullptr, row.stays);
     }
     onEvent = [](ZVEvent& event) {

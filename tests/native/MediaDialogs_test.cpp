@@ -249,16 +249,21 @@ TEST_F(MediaDialogs, ChosenSoundIsWritten)
 {
     struct {
         char const *steps, *written;
+        uint32_t stored;  // 0 for samples as they are
     } const cases[] = {
-        {"", "pcm_s16le,44100,2"},
-        {"4:8 Bits|2:8000|5:Mono", "pcm_u8,8000,1"},
-        {"4:8 Bits|1:AAC|3=48000", "aac,48000,2"},
-        {"1:uLaw 2:1|2:11025", "pcm_mulaw,11025,2"},
+        {"", "pcm_s16le,44100,2", 0},
+        {"4:8 Bits|2:8000|5:Mono", "pcm_u8,8000,1", 0},
+        {"4:8 Bits|1:AAC|3=48000", "aac,48000,2", ZV_FourCC("mp4a")},
+        {"1:uLaw 2:1|2:11025", "pcm_mulaw,11025,2", ZV_FourCC("ulaw")},
     };
     for (auto const& row : cases) {
         ClipPtr clip = Movie(ZV_MEDIA_AUDIO);
         Expect_Dialogs({User(row.steps)});
         ClipAudioOptionsZV(clip.get());
+        uint32_t stored = 1;
+        ASSERT_GE(clip->AudioParams->Size, 56);
+        std::memcpy(&stored, static_cast<uint8_t const*>(clip->AudioParams->Data) + 4, sizeof stored);
+        EXPECT_EQ(stored, row.stored) << row.steps;
         Write(std::move(clip), 0);
         EXPECT_EQ(Probe("-select_streams a -show_entries stream=codec_name,sample_rate,channels"),
                   row.written)

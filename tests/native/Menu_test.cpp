@@ -7,6 +7,7 @@
 
 namespace {
 
+constexpr uint16_t barKey = ZV_KEY_F1 + 9;
 constexpr int border = 3, line = 7, titleMargin = 9;
 
 class Menu : public DesktopTest {
@@ -92,6 +93,19 @@ protected:
         HeadlessRunZV(0);
     }
     std::string Told() { return std::exchange(told, {}); }
+
+    /// Of the first row of the menu of "File", which opens and closes for it.
+    static long First_Row_Width()
+    {
+        Click(File(), 5);
+        Keys({ZV_KEY_DOWN});
+        long const y = Row(0) - Row_Height() / 2 + 1;
+        long width = 0;
+        while (Is_Lit(border + width, y))
+            ++width;
+        Keys({ZV_KEY_ESCAPE});
+        return width;
+    }
 
     static bool Is_Lit(long x, long y) { return Pixel(x, y) == (GetColorZV(ZV_PEN_MARKED) & 0xFFFFFF); }
     /// Whether a menu of the bar hangs there.
@@ -224,6 +238,129 @@ TEST_F(Menu, KeysWalkThroughOpenMenus)
     }
 }
 
+TEST_F(Menu, AKeyOpensAndClosesTheBar)
+{
+    Make_Bar();
+    ZVPalette* const palette = Show(1, ZV_KIND_DOCUMENT, 400, 400, {}, true);
+    Script_Click(palette, Field(palette));
+    HeadlessRunZV(0);
+    Log();
+    Keys({barKey, ZV_KEY_RETURN});
+    EXPECT_EQ(Told(), "New;");
+    EXPECT_EQ(Log(), (Strings{"A:1", "A:16", "A:15"})) << "all else is the menu's";
+    for (auto const& keys : std::vector<std::vector<unsigned long>>{
+             {barKey}, {ZV_KEY_ESCAPE}, {ZV_KEY_UP, ZV_KEY_UP, ZV_KEY_RIGHT, barKey}}) {
+        Keys({barKey});
+        EXPECT_TRUE(Is_Open(File()));
+        Keys(keys);
+        EXPECT_FALSE(Is_Open(File()));
+    }
+    EXPECT_EQ(ZVEnv->focusedTextItem, Field(palette));
+    HeadlessTypeZV("y");
+    EnableMenuZV(1, 0);
+    Keys({barKey, ZV_KEY_DOWN, ZV_KEY_RETURN});
+    EXPECT_EQ(Told(), "Paste;") << "the first menu that opens";
+    EXPECT_STREQ(Field(palette)->editText, "y");
+    EnableMenuZV(3, 0);
+    Keys({barKey, ZV_KEY_RETURN});
+    EXPECT_EQ(Told(), "");
+    ClearMenuBarZV();
+    Keys({barKey});
+    EXPECT_EQ(Log().back(), "A:1/16384") << "without a bar it is a key like any other";
+}
+
+TEST_F(Menu, TheKeyOfTheBarIsForOthersFirst)
+{
+    Make_Bar();
+    ZVPalette* const palette = Show(1, ZV_KIND_DOCUMENT, 400, 400);
+    auto const is_opened = [] {
+        Keys({barKey});
+        bool const isOpen = Is_Open(File());
+        if (isOpen) Keys({ZV_KEY_ESCAPE});
+        return isOpen;
+    };
+    EXPECT_TRUE(is_opened());
+    ZVKeyBinding const bindings[] = {{barKey, 7, 0}, {0, 0, 0}};
+    ZVKeySection section{.bindings = bindings};
+    ZVEnv->keySection = &section;
+    Log();
+    EXPECT_FALSE(is_opened()) << "an action is bound to it";
+    EXPECT_EQ(Log(), (Strings{"A:1", "A:24", "A:1/16384"}));
+    ZVEnv->keySection = nullptr;
+    auto const others = std::exchange(onEvent, [](ZVEvent& event) {
+        if (event.type == ZV_EVENT_KEY) event.result = 1;
+    });
+    EXPECT_FALSE(is_opened()) << "a callback has taken it";
+    onEvent = others;
+    HeadlessHoldZV(ZV_MOD_SHIFT);
+    EXPECT_FALSE(is_opened());
+    HeadlessHoldZV(0);
+    ZVEnv->modifiers |= ZV_MOD_REPEAT;
+    Do_Event(ZV_EVENT_KEY, barKey);
+    EXPECT_FALSE(Is_Open(File())) << "held down, it does not open what it has just closed";
+
+    Log();
+    Script_Move(palette, Gadget(palette));
+    HeadlessPressZV(ZV_HEADLESS_LEFT);
+    HeadlessKeyZV(barKey);
+    HeadlessReleaseZV(ZV_HEADLESS_LEFT);
+    HeadlessRunZV(0);
+    Strings const told = Log();
+    EXPECT_EQ(std::count(told.begin(), told.end(), "G1:107"), 1) << "the release is the gadget's";
+    EXPECT_FALSE(Is_Open(File()));
+
+    bool isAsked = false;
+    onEvent = [&](ZVEvent& event) {
+        if (event.type != ZV_EVENT_TICK || !ZVEnv->modalPalette || std::exchange(isAsked, true)) return;
+        EXPECT_FALSE(is_opened());
+        ClosePaletteZV(7);
+    };
+    Show(7, ZV_KIND_MODAL, 500, 300);
+    EXPECT_TRUE(isAsked);
+}
+
+TEST_F(Menu, OnlyShortcutsWithACharacterShowAndAllOfThemAct)
+{
+    struct Case {
+        unsigned key;
+        unsigned long modifiers;
+        bool isShown;
+    };
+    std::vector<unsigned long> actions;
+    auto const other = std::exchange(onEvent, [&](ZVEvent& event) {
+        if (event.type == ZV_EVENT_ACTION) actions.push_back(event.item);
+    });
+    long bare = 0;
+    for (auto const& [key, modifiers, isShown] : {Case{0, 0, false},
+                                                  {'n', ZV_MOD_CONTROL, true},
+                                                  {' ', ZV_MOD_CONTROL, true},
+                                                  {0xFC, ZV_MOD_ALT, true},
+                                                  {ZV_KEY_F1, 0, false},
+                                                  {ZV_KEY_F1 + 2, ZV_MOD_SHIFT, false},
+                                                  {ZV_KEY_DELETE, ZV_MOD_CONTROL, false},
+                                                  {ZV_KEY_INSERT, 0, false}}) {
+        ZVKeyBinding const bindings[] = {{static_cast<uint16_t>(key | modifiers), 7, 0}, {0, 0, 0}};
+        ZVKeySection section{.bindings = bindings};
+        ZVEnv->keySection = &section;
+        InitMenuZV();
+        AddMenuItemZV(10, "New", 7, nullptr);
+        EndMenuZV(1, "File", nullptr);
+        MakeMenuBarZV();
+        long const width = First_Row_Width();
+        if (key == 0) bare = width;
+        EXPECT_EQ(width > bare, isShown) << key;
+        Show(1, ZV_KIND_DOCUMENT, 400, 400);
+        HeadlessHoldZV(modifiers);
+        if (key != 0) Keys({key});
+        HeadlessHoldZV(0);
+        EXPECT_EQ(std::exchange(actions, {}).size(), key != 0) << key;
+        ClosePaletteZV(1);
+        ClearMenuBarZV();
+        ZVEnv->keySection = nullptr;
+    }
+    EXPECT_GT(bare, 0);
+}
+
 TEST_F(Menu, MoreEntriesThanTheScreenHoldsScroll)
 {
     InitMenuZV();
@@ -298,7 +435,9 @@ TEST_F(Menu, AContextualMenuOpensAtTheMouseAndWaits)
     ZVMenu* const menu = EndMenuZV(4, "Colours", ZV_MENU_POPUP, 1, 0);
     ZVPalette* palette = Show(1, ZV_KIND_FIXED, 400, 300);
     onGadget = [&](ZVCustomEvent const& event) {
-        if (event.type == ZV_CUSTOM_MENU) DisplayContextualMenuZV(menu);
+        if (event.type != ZV_CUSTOM_MENU) return;
+        ZVEnv->buttonState |= ZV_MOD_SECOND_BUTTON;
+        DisplayContextualMenuZV(menu);
     };
     HeadlessRunZV(0);
     Log();
@@ -315,7 +454,7 @@ TEST_F(Menu, AContextualMenuOpensAtTheMouseAndWaits)
     HeadlessRunZV(0);
     EXPECT_EQ(Told(), "Green;");
     EXPECT_EQ(Log(), (Strings{"G1:108/1", "G1:118/1", "A:15"})) << "nobody hears of the release";
-    EXPECT_FALSE(ZVEnv->trackingItem || ZVEnv->buttonState);
+    EXPECT_FALSE(ZVEnv->trackingItem || ZVEnv->buttonState) << "no button is held any more";
     open();
     HeadlessKeyZV(ZV_KEY_DOWN);
     HeadlessKeyZV(ZV_KEY_RETURN);

@@ -156,6 +156,14 @@ TEST_F(Props, ThumbFollowsTheMouse)
             EXPECT_EQ(track->state, row.stateAfter) << row.state << " to " << row.to;
             EXPECT_EQ(Events(), row.reports) << row.state << " to " << row.to;
         }
+        ModifyItemZV(1, ZV_ITEM_PROP_PAGE, 10, 0);
+        SetGadgetStateZV(1, 0);
+        Press_At(track, 5);
+        Move_To(track, 35);
+        EXPECT_EQ(track->state, 17) << "90 * 30 / 153";
+        Move_To(track, 33);
+        EXPECT_EQ(track->state, 16) << "back to where the thumb was drawn";
+        Release();
         ClosePaletteZV(PaletteId);
     }
 }
@@ -236,7 +244,7 @@ TEST_F(Props, AMarkerIsDragged)
     EXPECT_EQ(Picture(1).At(86, 8), red);
     EXPECT_NE(Picture(1).At(87, 8), red);
     Press_At(track, 82);
-    EXPECT_TRUE(track->markDrag);
+    EXPECT_TRUE(track->MarkDrag);
     Move_To(track, 127);
     EXPECT_EQ(track->extra, 75U);
     EXPECT_EQ(Picture(1).At(127, 8), red);
@@ -246,7 +254,7 @@ TEST_F(Props, AMarkerIsDragged)
     Release();
     EXPECT_EQ(track->state, 0);
     Press_At(track, 8);
-    EXPECT_FALSE(track->markDrag) << "the thumb";
+    EXPECT_FALSE(track->MarkDrag) << "the thumb";
     Release();
 }
 

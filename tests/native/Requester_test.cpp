@@ -4,6 +4,7 @@
 
 #include "FailingHeap.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -204,6 +205,84 @@ TEST_F(Requesters, NestFromTicksAndFromOneAnother)
     EXPECT_EQ(inner, 0);
 }
 
+TEST_F(Requesters, OpenFromMenusAndFromThePalettesBehindThem)
+{
+    InitMenuZV();
+    AddMenuItemZV(10, "Ask", 0, nullptr);
+    EndMenuZV(1, "File", nullptr);
+    MakeMenuBarZV();
+    ZVPalette* const document = Show(1, ZV_KIND_DOCUMENT, 100, 100);
+    HeadlessRunZV(0);
+    std::vector<long> answers;
+    bool isWanted = false;
+    auto const listen = [&](Steps steps) {
+        Take_Steps(std::move(steps));
+        onEvent = [&, take = onEvent](ZVEvent& event) {
+            bool const isTick = event.type == ZV_EVENT_TICK && event.palette == document;
+            if (event.type == ZV_EVENT_MENU || (isTick && std::exchange(isWanted, false)))
+                answers.push_back(AskUserZV("Question"));
+            take(event);
+        };
+    };
+    auto const from_behind = [&](ZVPalette*) { isWanted = true; };
+    auto const choose = [] {
+        HeadlessKeyZV(ZV_KEY_F1 + 9);
+        HeadlessKeyZV(ZV_KEY_RETURN);
+    };
+    // What is typed for the bar answers the requester.
+    for (int round = 0; round < 2; ++round) {
+        listen({from_behind, [&](ZVPalette*) { choose(); }, Key('c')});
+        choose();
+        HeadlessRunZV(1000);
+        EXPECT_EQ(answers, (std::vector<long>{1, 0})) << "the one in front is answered first";
+        EXPECT_EQ(ZVEnv->modalDepth, 0);
+        answers.clear();
+    }
+    listen({Press(2)});
+    isWanted = true;
+    HeadlessRunZV(1000);
+    EXPECT_EQ(answers, std::vector<long>{0});
+    ClearMenuBarZV();
+}
+
+TEST_F(Requesters, GiveTheKeyboardBackToThePaletteThatAsked)
+{
+    ZVPalette* const document = Show(1, ZV_KIND_DOCUMENT, 100, 100, {{ZV_PAL_FLAGS, ZV_PALF_VSCROLL}});
+    ZVPalette* const floater = Show(2, ZV_KIND_FIXED, 500, 100);
+    document->vertical = {0, 200, 0, 50};
+    Move_Sliders(document->window);
+    auto const bar = [&] {
+        Strings colors;
+        for (long y = 0; y < 16; ++y)
+            colors.push_back(std::to_string(Pixel(document->window->width + 8, y, document->window)));
+        return colors;
+    };
+    onGadget = [](ZVCustomEvent const& event) {
+        if (event.type == ZV_CUSTOM_MOUSE_UP) AskUserZV("From a floater");
+    };
+    Click(document, nullptr);
+    Strings const lit = bar();
+    Steps const plain{[&](ZVPalette*) { EXPECT_NE(bar(), lit) << "the document is behind the requester"; },
+                      Key('o')};
+    Steps const nested{[](ZVPalette*) { AskUserZV("Inner"); }, Key('o'), Key('o')};
+    Steps const away{[](ZVPalette*) { HeadlessLeaveZV(); }, [](ZVPalette*) { HeadlessReturnZV(); }, Key('o')};
+    for (Steps const& steps : {plain, nested, away}) {
+        Take_Steps(steps);
+        Click(floater, Gadget(floater));
+        HeadlessRunZV(1000);
+        EXPECT_EQ(ZVEnv->modalDepth, 0);
+        EXPECT_EQ(ZVEnv->activePalette, floater);
+        EXPECT_EQ(bar(), lit);
+        Strings const told = Log();
+        EXPECT_EQ(std::count(told.begin(), told.end(), "2:10"), 0) << "it has been active all the time";
+    }
+    // The floater goes while its requester is there.
+    Take_Steps({[](ZVPalette*) { ClosePaletteZV(2); }, Key('o')});
+    Click(floater, Gadget(floater));
+    HeadlessRunZV(1000);
+    EXPECT_EQ(ZVEnv->activePalette, document);
+}
+
 TEST_F(Requesters, LeaveTheirCallerAsItWas)
 {
     ZVPalette* const shown = Show(1, ZV_KIND_DOCUMENT, 100, 100);
@@ -251,6 +330,12 @@ TEST_F(Requesters, WithoutMemoryTheMessageGoesToStandardError)
     if (!FailingHeap::Is_Available()) GTEST_SKIP();
     Take_Steps({Key('o')});
     ASSERT_EQ(AskUserZV("Fonts are there from now on"), 1);
+    // One that shows all the same is answered.
+    onEvent = [](ZVEvent const& event) {
+        if (event.type != ZV_EVENT_TICK || !ZVEnv->modalPalette) return;
+        FailingHeap::Recover();
+        HeadlessKeyZV('o');
+    };
     testing::internal::CaptureStderr();
     long after = 0;
     auto const fails = [&after] {
@@ -258,12 +343,8 @@ TEST_F(Requesters, WithoutMemoryTheMessageGoesToStandardError)
         FailingHeap const heap(after);
         return AskUserZV("No memory") == 7 && GetErrorZV() == ZV_ERR_MEMORY && !ZVEnv->buildingPalette;
     };
-    try {
-        while (fails())
-            ++after;
-    } catch (std::bad_alloc const&) {
-        // The desktop throws; what the requester needs before it comes there was had.
-    }
+    while (fails())
+        ++after;
     EXPECT_GT(after, 10) << "allocations, each with what the result held";
     EXPECT_NE(testing::internal::GetCapturedStderr().find("No memory\n"), std::string::npos);
 }

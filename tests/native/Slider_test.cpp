@@ -76,6 +76,18 @@ TEST_F(Sliders, AreDraggedByTheWayOfTheMouse)
     EXPECT_FALSE(ZVEnv->infiniteMouse);
 }
 
+TEST_F(Sliders, ControlDividesTheStepExactly)
+{
+    ZVItem const* const item = Show_Slider(0, 10, 0);
+    State().Step = 3;
+    HeadlessHoldZV(control);
+    Press(item, 50, 10);
+    Move(item, 51, 10);
+    EXPECT_EQ(item->realValue, 0.3);
+    Release();
+    HeadlessHoldZV(0);
+}
+
 TEST_F(Sliders, ReachAllStepsOfAFraction)
 {
     ZVItem const* const item = Show_Slider(0, 10, 0.1, 1);

@@ -157,6 +157,20 @@ TEST_F(TabBarTest, ATabIsTornOffAndDockedAgain)
     EXPECT_EQ(List_Entries(&ZVEnv->windows), 1);
 }
 
+TEST_F(TabBarTest, WhatWasMovedHasTheKeyboard)
+{
+    Show(9, ZV_KIND_DOCUMENT, 100, 700);
+    HeadlessRunZV(0);
+    auto const move = [&](ZVPalette* palette, long x, long y) {
+        Drag_Tab(palette, x, y);
+        HeadlessRunZV(0);
+        EXPECT_EQ(ZVEnv->activePalette, palette);
+    };
+    move(two, 700, 600);
+    move(two, three->window->left + 100, three->window->top + 10);
+    move(one, three->window->left + 100, three->window->top + 10);
+}
+
 TEST_F(TabBarTest, TheOwnBarAndItsSurroundings)
 {
     ZVWindow* const shared = one->window;

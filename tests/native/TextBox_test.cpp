@@ -126,7 +126,7 @@ TEST_F(TextBoxes, KeepALinkedGadgetUpWithTheirLines)
     ZVItem const* const bar = Item(2);
     int const visible = static_cast<int>(96 / (GetAveCharHeightZV(nullptr) + 2));
     EXPECT_EQ(bar->maxInt, 40);
-    EXPECT_EQ(bar->page, visible);
+    EXPECT_EQ(bar->Page, visible);
     SetGadgetStateZV(2, 20);
     SetGadgetStateZV(1, 21);
     ItemVisibleZV(1, 0);
