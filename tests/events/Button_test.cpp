@@ -130,6 +130,23 @@ TEST_F(Gadgets, ArmedOnesLookLikeWhatAReleaseWouldBring)
     }
 }
 
+TEST_F(Gadgets, ALongTextStaysInsideTheBorder)
+{
+    char text[] = "wwwwwwwwwwwwwwww";
+    for (ZVGadgetType const type : {ZV_GAD_BUTTON, ZV_GAD_TOGGLE, ZV_GAD_RADIO, ZV_GAD_CHECK}) {
+        ZVItem* const item = Add(type);
+        item->text = text;
+        Draw(item);
+        for (long y = 2; y < 14; ++y) {
+            EXPECT_EQ(At(38, y), GetColorZV(ZV_PEN_SHADOW)) << +type << ' ' << y;
+            EXPECT_EQ(At(39, y), GetColorZV(ZV_PEN_DARK_EDGE)) << +type << ' ' << y;
+            EXPECT_EQ(At(40, y), At(40, 20)) << +type << ' ' << y;
+        }
+        item->text = nullptr;
+        Take_Away(item);
+    }
+}
+
 TEST_F(Gadgets, AnIconIsCentredOrCutToItsMiddle)
 {
     struct {

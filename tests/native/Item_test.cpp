@@ -118,7 +118,8 @@ TEST_F(ScreenItems, AGroupsFrameCarriesItsTitleAndGoesWithoutATrace)
     Add(1);
     Show("ab");
     int const right = 12 + palette->contentWidth, bottom = 12 + palette->contentHeight;
-    EXPECT_TRUE(Is_Filled({12, 12, 22, 13}, ink) && Is_Filled({34, 12, right, 13}, ink));
+    EXPECT_TRUE(Is_Filled({12, 12, 19, 13}, ink) && Is_Filled({37, 12, right, 13}, ink));
+    EXPECT_TRUE(Is_Filled({19, 12, 22, 13}, paper) && Is_Filled({34, 12, 37, 13}, paper));
     EXPECT_TRUE(Is_Filled({12, bottom - 1, right, bottom}, ink));
     EXPECT_TRUE(Is_Filled({right - 1, 12, right, bottom}, ink));
     // The base line is 12 + (8 + 2) / 2 - 2.

@@ -302,7 +302,7 @@ TEST_F(TextField, ParagraphsBeginAtTheirSide)
     EXPECT_EQ(Properties().caretOffset, 7) << "left in a line from right to left is its end";
     Play("<Right><Right>");
     long const right = Caret_X();
-    EXPECT_EQ(right, 150 - 2);
+    EXPECT_EQ(right, 150 - 6);
     Play("<Right>");
     EXPECT_EQ(Properties().caretOffset, 2) << "ahead of it the line above ends";
     Play("<Right>");
@@ -332,7 +332,7 @@ TEST_F(TextField, LinesWrapAtWordsAndEndAtBreaks)
         {"blanks hang over the edge", "wwwww wwwww        ", 1},
         {"a word that is too long is cut", std::string(15, 'w'), 2},
     };
-    unsigned long const width = static_cast<unsigned long>(Text_Width("wwwww wwwww") + 8);
+    unsigned long const width = static_cast<unsigned long>(Text_Width("wwwww wwwww") + 16);
     Show_Field(ZV_GAD_EDITOR, "", {{ZV_ITEM_WIDTH, width}, {ZV_ITEM_HEIGHT, 90}});
     for (LineCase const& row : rows) {
         SetTextGadgetStateZV(1, row.text.c_str());
