@@ -56,13 +56,16 @@ WaitingCall* WaitingCall::innermost;
 
 struct Point {
     int x, y;
+
+    bool operator==(Point const&) const = default;
 };
 
 /// The menus that are open. What ends them, as Finish does, destroys the record.
 class OpenMenus {
 public:
     OpenMenus(WaitingCall* waiting, Point at, bool isHeld)
-        : call(waiting), isHeld_(isHeld), pressedAt_(at), openedAt_(Display()->Milliseconds()), leftAt_(at)
+        : call(waiting), isHeld_(isHeld), mouse_(at), pressedAt_(at), openedAt_(Display()->Milliseconds()),
+          leftAt_(at)
     {
     }
 
@@ -105,9 +108,10 @@ private:
 
     std::vector<std::unique_ptr<MenuPanel>> panels_;
     int title_ = NoTitle;
-    bool isHeld_;               ///< a button is down
-    bool isFirstPress_ = true;  ///< it is the one that has opened the menu
-    bool hasMoved_ = false;     ///< the mouse has left the place of the press
+    bool isHeld_;                 ///< a button is down
+    bool isFirstPress_ = true;    ///< it is the one that has opened the menu
+    bool hasMoved_ = false;       ///< the mouse has left the place of the press
+    std::optional<Point> mouse_;  ///< where it was last; unknown when a key has opened the menu
     Point pressedAt_;
     uint64_t openedAt_;
     Point leftAt_;                ///< where the mouse was last on the row whose submenu is open
@@ -233,6 +237,9 @@ void OpenMenus::Follow(Point at)
 
 void OpenMenus::Move(Point at)
 {
+    // That a menu has opened under a resting mouse is no movement of the mouse.
+    std::optional<Point> const last = std::exchange(mouse_, at);
+    if (!last || *last == at) return;
     if (std::abs(at.x - pressedAt_.x) > ClickSlack || std::abs(at.y - pressedAt_.y) > ClickSlack)
         hasMoved_ = true;
     Index const panel = Panel_At(at);
@@ -322,6 +329,7 @@ void OpenMenus::Choose_By_Key()
 
 void OpenMenus::Open_Title_By_Key(int title)
 {
+    mouse_.reset();
     Open_Title(title);
     if (!panels_.empty()) Select_By_Key(Last().Next_Live(MenuPanel::None, 1));
 }

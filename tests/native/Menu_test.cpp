@@ -254,6 +254,16 @@ TEST_F(Menu, AKeyOpensAndClosesTheBar)
         Keys(keys);
         EXPECT_FALSE(Is_Open(File()));
     }
+    HeadlessMoveZV(File(), Row(1));
+    Keys({barKey});
+    HeadlessMoveZV(File(), Row(1));
+    Keys({ZV_KEY_RETURN});
+    EXPECT_EQ(Told(), "New;") << "the mouse rests where the menu opens";
+    Keys({barKey});
+    HeadlessMoveZV(File(), Row(1));
+    HeadlessMoveZV(File() + 1, Row(1));
+    Keys({ZV_KEY_RETURN});
+    EXPECT_EQ(Told(), "Open;");
     EXPECT_EQ(ZVEnv->focusedTextItem, Field(palette));
     HeadlessTypeZV("y");
     EnableMenuZV(1, 0);
