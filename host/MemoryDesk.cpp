@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr uint32_t GroundColor = 0x4F6272, LineColor = 0x303030;
+constexpr uint32_t GroundColor = 0x4F6272, LineColor = 0x000000;
 constexpr uint32_t FrontColor = 0xD6D6D6, BackColor = 0xEBEBEB, FrontText = 0x101010, BackText = 0x808080;
 constexpr double TitleSize = 12;
 constexpr int TitleMargin = 4;  ///< at an end of the bar without a box
