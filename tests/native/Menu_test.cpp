@@ -289,7 +289,7 @@ TEST_F(Menu, TheKeyOfTheBarIsForOthersFirst)
         return isOpen;
     };
     EXPECT_TRUE(is_opened());
-    ZVKeyBinding const bindings[] = {{barKey, 7, 0}, {0, 0, 0}};
+    unsigned short const bindings[] = {barKey, 7, 0, 0};
     ZVKeySection section{.bindings = bindings};
     ZVEnv->keySection = &section;
     Log();
@@ -347,7 +347,7 @@ TEST_F(Menu, OnlyShortcutsWithACharacterShowAndAllOfThemAct)
                                                   {ZV_KEY_F1 + 2, ZV_MOD_SHIFT, false},
                                                   {ZV_KEY_DELETE, ZV_MOD_CONTROL, false},
                                                   {ZV_KEY_INSERT, 0, false}}) {
-        ZVKeyBinding const bindings[] = {{static_cast<uint16_t>(key | modifiers), 7, 0}, {0, 0, 0}};
+        unsigned short const bindings[] = {static_cast<uint16_t>(key | modifiers), 7, 0, 0};
         ZVKeySection section{.bindings = bindings};
         ZVEnv->keySection = &section;
         InitMenuZV();

@@ -249,8 +249,7 @@ TEST_F(Requesters, GiveTheKeyboardBackToThePaletteThatAsked)
 {
     ZVPalette* const document = Show(1, ZV_KIND_DOCUMENT, 100, 100, {{ZV_PAL_FLAGS, ZV_PALF_VSCROLL}});
     ZVPalette* const floater = Show(2, ZV_KIND_FIXED, 500, 100);
-    document->vertical = {0, 200, 0, 50};
-    Move_Sliders(document->window);
+    SetScrollPosZV(document, ZV_SCROLL_V_MAX, 200, ZV_SCROLL_V_VALUE, 50, 0);
     auto const bar = [&] {
         Strings colors;
         for (long y = 0; y < 16; ++y)
