@@ -173,12 +173,12 @@ long Make_SysWindow(ZVWindow* window, ZVPalette* palette)
     return 1;
 }
 
-/// Takes the native window down; the record stays.
-static void Dispose_Native(ZVWindow& window)
+/// The native window, to be taken down; the record stays.
+static std::unique_ptr<ZVSysWindow> Take_Native(ZVWindow& window)
 {
     window.verticalBar = window.horizontalBar = nullptr;
     if (ZVEnv->rootSysWindow == window.sysWindow) ZVEnv->rootSysWindow = nullptr;
-    delete std::exchange(window.sysWindow, nullptr);
+    return std::unique_ptr<ZVSysWindow>(std::exchange(window.sysWindow, nullptr));
 }
 
 /// Keys go from a window that is closed to that of the modal palette around it, or else to that of the
@@ -194,22 +194,26 @@ void Free_SysWindow(ZVWindow* window)
 {
     Hand_Keys_On(*window);
     bool const wasFront = ZVEnv->frontWindow == window;
-    Dispose_Native(*window);
+    Take_Native(*window).reset();
     Free_Window(window);
     if (wasFront) ZVEnv->frontWindow = Mac_FrontNonFloatingWindow();
 }
 
 // ---- fitting ----------------------------------------------------------------------------------------------
 
-/// Another native window in place of the one that cannot become what the palette asks for.
+/// Another native window in place of the one that cannot become what the palette asks for. That one goes when
+/// the keyboard is the new one's, so that no other window has it in between.
 static void Replace_Native(ZVWindow& window, ZVPalette& palette)
 {
-    Dispose_Native(window);
+    std::unique_ptr<ZVSysWindow> const old = Take_Native(window);
+    bool const hadKeys = Display()->Front_Window() == old->host.get();
     window.kind = palette.kind;
     window.flags = palette.flags;
     window.width = palette.width;
     window.height = palette.height + palette.y;
-    if (Make_SysWindow(&window, &palette)) Invalidate(window);
+    if (!Make_SysWindow(&window, &palette)) return;
+    if (hadKeys) Mac_Select_Window(&window);
+    Invalidate(window);
 }
 
 /// Background for what the surface has gained; what lies there has to be drawn again.
