@@ -119,8 +119,8 @@ private:
 };
 std::unique_ptr<OpenMenus> menus;
 
-/// The key that a menu was told of last, up to its release, which belongs to the menu although it may be
-/// closed by then.
+/// The key that a menu was told of last, up to its release. That and its repeats belong to the menu although
+/// it may be closed by then.
 std::optional<HostKey> heldKey;
 
 /// Closes all menus. The choice goes to who waits for it, or else to the application.
@@ -544,6 +544,10 @@ bool Take_Menu_Input(HostEvent const& event)
     if (event.type == HostEventType::KeyUp && heldKey == event.key) {
         heldKey.reset();
         return true;
+    }
+    if (event.type == HostEventType::KeyDown && heldKey == event.key && !menus) {
+        if (event.isRepeat) return true;
+        heldKey.reset();  // nobody has seen its release
     }
     if (!menus) return false;
     Point const at{event.x, event.y};

@@ -236,12 +236,14 @@ static void Replace_Native(ZVWindow& window, ZVPalette& palette)
     };
     auto const oldForm = std::tuple(window.kind, window.flags, window.top, window.width, window.height);
     std::unique_ptr<ZVSysWindow> old(std::exchange(window.sysWindow, nullptr));
+    bool const hadKeys = Display()->Front_Window() == old->host.get();
     window.kind = palette.kind;
     window.flags = palette.flags;
     window.width = palette.width;
     window.height = palette.height + palette.y;
     if (Make_SysWindow(&window, &palette)) {
         if (ZVEnv->rootSysWindow == old.get()) ZVEnv->rootSysWindow = nullptr;
+        if (hadKeys) Mac_Select_Window(&window);  // so that no other one has them in between
         Invalidate(window);
         return;
     }

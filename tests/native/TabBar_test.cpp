@@ -171,6 +171,21 @@ TEST_F(TabBarTest, WhatWasMovedHasTheKeyboard)
     move(one, three->window->left + 100, three->window->top + 10);
 }
 
+TEST_F(TabBarTest, AnotherFrameForAnotherTabKeepsTheKeyboard)
+{
+    ZVPalette* const wide = Floater(4, "Brushes", one, {{ZV_PAL_FLAGS, ZV_PALF_SIZE_BOTH}});
+    Show(9, ZV_KIND_DOCUMENT, 100, 700);
+    HeadlessRunZV(0);
+    ActivatePaletteZV(wide, 1);
+    HeadlessRunZV(0);
+    Log();
+    Click_Tab(one);
+    HeadlessRunZV(0);
+    EXPECT_EQ(ZVEnv->activePalette, one);
+    Strings const told = Log();
+    EXPECT_EQ(std::count(told.begin(), told.end(), "9:9"), 0) << "the document has not had it in between";
+}
+
 TEST_F(TabBarTest, TheOwnBarAndItsSurroundings)
 {
     ZVWindow* const shared = one->window;
