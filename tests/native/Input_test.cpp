@@ -331,7 +331,7 @@ TEST_F(InputTest, AWindowHasTheBarsOfThePaletteInFront)
     HeadlessPauseZV(1000);
     HeadlessClickZV(window->left + width + 7, window->top + window->height - 14 - 8, ZV_HEADLESS_LEFT);
     HeadlessRunZV(500);
-    EXPECT_EQ(scrolling->vertical.value, 1);
+    EXPECT_EQ(scrolling->scroll[ZV_SCROLL_V_VALUE - ZV_SCROLL_H_MIN], 1);
     EXPECT_EQ(window->activePalette, plain);
     EXPECT_FALSE(window->verticalBar);
     EXPECT_EQ(client_width(), width);
