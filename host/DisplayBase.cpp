@@ -84,8 +84,9 @@ HostWindow* DisplayBase::Next_Window(HostWindow const* front) const
 
 void DisplayBase::Place_In_Front(HostWindow& window, HostWindowKind kind)
 {
-    placed_.reserve(placed_.size() + 1);
-    std::erase_if(placed_, [&](Placed const& placed) { return placed.window == &window; });
+    auto const isWindow = [&](Placed const& placed) { return placed.window == &window; };
+    if (std::ranges::none_of(placed_, isWindow)) placed_.reserve(placed_.size() + 1);
+    std::erase_if(placed_, isWindow);
     auto const above = std::find_if(placed_.begin(), placed_.end(), [kind](Placed const& placed) {
         return Layer_Of(placed.kind) > Layer_Of(kind);
     });

@@ -3,6 +3,7 @@
 
 #include "MacText.h"
 #include "ZVLibInternal.h"
+#include "foundation/Guard.h"
 
 #include <algorithm>
 #include <array>
@@ -48,8 +49,9 @@ long OpenFontZV(ZVFont* font, ZVFontStyleTypes style, long size, long widthHint,
     auto const has = [=](int32_t one) {
         return canBeStyled && !node && (style == one || style == ZV_FONT_STYLE_BOLD_ITALIC);
     };
-    std::unique_ptr<HostFont> opened =
-        Open_Face(Find_Face(font->FontId), size, has(ZV_FONT_STYLE_BOLD), has(ZV_FONT_STYLE_ITALIC));
+    std::unique_ptr<HostFont> opened = Guarded([&] {
+        return Open_Face(Find_Face(font->FontId), size, has(ZV_FONT_STYLE_BOLD), has(ZV_FONT_STYLE_ITALIC));
+    });
     if (!opened) return 0;
     HostFontMetrics const metrics = opened->Metrics();
     font->TextStyle = new (std::nothrow) ZVTextStyle{std::move(opened)};

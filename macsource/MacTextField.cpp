@@ -130,6 +130,7 @@ TextColors TextField::Colors() const
 
 void TextField::Draw()
 {
+    if (isBehind_) Show_Change();
     view_.Place(Bounds());
     view_.isActive = hasFocus_ && !Is_Disabled();
     ZVPort* const port = Port_Of(item_);
@@ -149,7 +150,7 @@ void TextField::Show_Change()
 {
     blinkStart_ = Mac_Tick_Count();
     bool const wasOn = std::exchange(view_.isCaretOn, true);
-    Paint(Port_Of(item_), [&] {
+    isBehind_ = !Paint(Port_Of(item_), [&] {
         view_.Place(Bounds());
         Redraw(view_.Update());
         if (!wasOn) Redraw(view_.Caret_Rect());
