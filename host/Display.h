@@ -137,7 +137,7 @@ public:
     virtual void Set_Title(std::string const& title) = 0;
 
     virtual HostRect Client() const = 0;                  ///< On the desktop.
-    virtual void Set_Client(HostRect const& client) = 0;
+    virtual void Set_Client(HostRect const& client) = 0;  ///< Throws without memory, nothing changed.
     virtual HostFrame Frame() const = 0;
 
     /// What the user can make of it by its edges.

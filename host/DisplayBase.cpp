@@ -7,6 +7,9 @@
 
 namespace {
 
+/// Events that places lie ready for.
+constexpr std::size_t ReadyPlaces = 64;
+
 /// How far the pointer may move between two presses that belong together.
 constexpr int ClickSlack = 4;
 
@@ -52,6 +55,12 @@ HostRect Outer_Bounds(HostWindow const& window)
             client.bottom + frame.bottom};
 }
 
+DisplayBase::DisplayBase()
+{
+    for (std::size_t i = 0; i < ReadyPlaces; ++i)
+        freePlaces_.push_back({.type = HostEventType::Quit});
+}
+
 // ---- windows ----------------------------------------------------------------------------------------------
 
 HostWindow* DisplayBase::Window_At(int x, int y) const
@@ -75,7 +84,9 @@ HostWindow* DisplayBase::Next_Window(HostWindow const* front) const
 
 void DisplayBase::Place_In_Front(HostWindow& window, HostWindowKind kind)
 {
-    std::erase_if(placed_, [&](Placed const& placed) { return placed.window == &window; });
+    auto const isWindow = [&](Placed const& placed) { return placed.window == &window; };
+    if (std::ranges::none_of(placed_, isWindow)) placed_.reserve(placed_.size() + 1);
+    std::erase_if(placed_, isWindow);
     auto const above = std::find_if(placed_.begin(), placed_.end(), [kind](Placed const& placed) {
         return Layer_Of(placed.kind) > Layer_Of(kind);
     });
@@ -99,7 +110,7 @@ void DisplayBase::Take_Off(HostWindow& window)
 
 void DisplayBase::Forget_Events(HostWindow const& window)
 {
-    std::erase_if(events_, [&](HostEvent const& event) { return event.window == &window; });
+    Forget_If([&](HostEvent const& event) { return event.window == &window; });
     if (lastPress_ && lastPress_->window == &window) lastPress_.reset();
 }
 
@@ -133,14 +144,35 @@ int DisplayBase::Count_Clicks(HostEvent const& press)
     return clicks;
 }
 
-void DisplayBase::Add_Event(HostEvent event)
+void DisplayBase::Add_Event(HostEvent event) noexcept
 {
     if (event.milliseconds == 0) event.milliseconds = Milliseconds();
     if (event.type == HostEventType::MouseDown) event.clicks = Count_Clicks(event);
-    try {
-        events_.push_back(std::move(event));
-    } catch (std::bad_alloc const&) {
-        // An event that there is no memory for is lost; windows that go must not fail.
+    if (freePlaces_.empty()) {
+        try {
+            freePlaces_.push_back(std::move(event));
+        } catch (std::bad_alloc const&) {
+            return;  // lost; windows that go must not fail
+        }
+    } else {
+        freePlaces_.front() = std::move(event);
+    }
+    events_.splice(events_.end(), freePlaces_, freePlaces_.begin());
+}
+
+void DisplayBase::Free_Place(std::list<HostEvent>::iterator place)
+{
+    if (freePlaces_.size() < ReadyPlaces)
+        freePlaces_.splice(freePlaces_.end(), events_, place);
+    else
+        events_.erase(place);
+}
+
+template <typename Test> void DisplayBase::Forget_If(Test test)
+{
+    for (auto place = events_.begin(); place != events_.end();) {
+        auto const each = place++;
+        if (test(*each)) Free_Place(each);
     }
 }
 
@@ -159,7 +191,7 @@ std::optional<HostEvent> DisplayBase::Take_Event()
 {
     if (events_.empty()) return std::nullopt;
     HostEvent event = std::move(events_.front());
-    events_.pop_front();
+    Free_Place(events_.begin());
     Follow(event);
     return event;
 }
@@ -172,7 +204,7 @@ bool DisplayBase::Is_Waiting(HostEventType type, HostWindow const* window) const
 
 void DisplayBase::Flush_Events()
 {
-    std::erase_if(events_, [this](HostEvent const& event) {
+    Forget_If([this](HostEvent const& event) {
         if (!Is_Mouse_Event(event.type) && !Is_Key_Event(event.type)) return false;
         Follow(event);
         return true;

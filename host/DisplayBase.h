@@ -4,10 +4,11 @@
 
 #include "Display.h"
 
-#include <deque>
+#include <list>
 
 class DisplayBase : public HostDisplay {
 public:
+    DisplayBase();
     HostWindow* Window_At(int x, int y) const override;
     HostWindow* Front_Window() const override { return front_; }
     HostWindow* Next_Window(HostWindow const* front) const override;
@@ -17,7 +18,8 @@ public:
 
     // ---- for the windows
 
-    /// Puts a window that is shown to the front of its kind.
+    /// Puts a window that is shown to the front of its kind. Throws without memory, all windows being where
+    /// they were.
     void Place_In_Front(HostWindow& window, HostWindowKind kind);
 
     /// For a window that is hidden or goes. Keys go to the front one of those that stay.
@@ -42,7 +44,7 @@ protected:
     HostWindow* Next_For_Keys() const;
 
     /// Adds an event behind those that wait. The time is filled in, and for a press the number of clicks.
-    void Add_Event(HostEvent event);
+    void Add_Event(HostEvent event) noexcept;
     std::optional<HostEvent> Take_Event();
     bool Is_Waiting() const { return !events_.empty(); }
     bool Is_Waiting(HostEventType type, HostWindow const* window) const;
@@ -51,12 +53,15 @@ protected:
     void Flush_Events();
 
 private:
+    void Free_Place(std::list<HostEvent>::iterator place);
+    template <typename Test> void Forget_If(Test test);
     void Follow(HostEvent const& event);
     int Count_Clicks(HostEvent const& press);
 
     std::vector<Placed> placed_;
     HostWindow* front_ = nullptr;
-    std::deque<HostEvent> events_;
+    // Places for events lie ready, so that none is lost when memory runs out but in a flood.
+    std::list<HostEvent> events_, freePlaces_;
     HostModifiers modifiers_;
     unsigned buttons_ = 0;  // a bit for each that is held
     int pointerX_ = 0, pointerY_ = 0;

@@ -11,6 +11,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <new>
 #include <tuple>
 #include <utility>
 
@@ -156,7 +157,7 @@ private:
     FontPattern Pattern_Of(HostFontRequest const& request) const
     {
         FontPattern pattern{FcPatternCreate()};
-        if (!pattern) return nullptr;
+        if (!pattern) throw std::bad_alloc();
         FcPatternAddString(pattern.get(), FC_FAMILY, reinterpret_cast<FcChar8 const*>(request.family));
         FcPatternAddDouble(pattern.get(), FC_PIXEL_SIZE, request.pixelSize);
         FcPatternAddInteger(pattern.get(), FC_WEIGHT, request.bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
@@ -175,7 +176,9 @@ private:
     {
         FontPattern const pattern = Pattern_Of(request);
         FcResult result = FcResultNoMatch;
-        return pattern ? FontPattern{FcFontMatch(config_.get(), pattern.get(), &result)} : nullptr;
+        FontPattern match{FcFontMatch(config_.get(), pattern.get(), &result)};
+        if (result == FcResultOutOfMemory) throw std::bad_alloc();
+        return match;
     }
 
     SubstituteFinder Substitutes_For(HostFontRequest const& request)
@@ -195,7 +198,7 @@ private:
         if (!faces) {
             FontPattern const pattern = Pattern_Of(request);
             FcResult result = FcResultNoMatch;
-            if (pattern) faces.reset(FcFontSort(config_.get(), pattern.get(), FcTrue, nullptr, &result));
+            faces.reset(FcFontSort(config_.get(), pattern.get(), FcTrue, nullptr, &result));
         }
         for (int i = 0; faces && i < faces->nfont; ++i) {
             FcBool isVariable = FcFalse;  // as a whole; its instances stand in the list besides
@@ -228,7 +231,9 @@ private:
     {
         double const pixelSize = std::clamp(size, 1.0, HostFontSizeLimit);
         FT_Face opened = nullptr;
-        if (FT_New_Face(library_.get(), file, index, &opened) != 0) return nullptr;
+        FT_Error const error = FT_New_Face(library_.get(), file, index, &opened);
+        if (error == FT_Err_Out_Of_Memory) throw std::bad_alloc();
+        if (error != 0) return nullptr;
         FontFace face{opened};
         auto const height = static_cast<FT_F26Dot6>(std::lround(pixelSize * FixedOne));
         if (!FT_IS_SCALABLE(opened) || opened->units_per_EM == 0) return nullptr;

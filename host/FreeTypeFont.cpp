@@ -36,6 +36,7 @@ FreeTypeFont::FreeTypeFont(FontLibrary library, FontFace face, double pixelSize,
       font_(hb_ft_font_create_referenced(face_.get())), buffer_(hb_buffer_create()),
       findSubstitute_(std::move(findSubstitute))
 {
+    if (font_.get() == hb_font_get_empty()) throw std::bad_alloc();
     hb_ft_font_set_load_flags(font_.get(), FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP);
 }
 
@@ -60,9 +61,9 @@ void FreeTypeFont::Shape_Buffer(bool hasLigatures)
     for (std::size_t i = 0; i < tags.size(); ++i)
         features[i] = {tags[i], 0, HB_FEATURE_GLOBAL_START, HB_FEATURE_GLOBAL_END};
     hb_buffer_guess_segment_properties(buffer_.get());
-    hb_shape(font_.get(), buffer_.get(), features.data(),
-             hasLigatures ? 0U : static_cast<unsigned>(features.size()));
-    if (!hb_buffer_allocation_successful(buffer_.get())) throw std::bad_alloc();
+    bool const isShaped = hb_shape_full(font_.get(), buffer_.get(), features.data(),
+                                        hasLigatures ? 0U : static_cast<unsigned>(features.size()), nullptr);
+    if (!isShaped || !hb_buffer_allocation_successful(buffer_.get())) throw std::bad_alloc();
 }
 
 bool FreeTypeFont::Has_Character(uint32_t character) const

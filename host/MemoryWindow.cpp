@@ -19,8 +19,8 @@ MemoryWindow::~MemoryWindow()
 void MemoryWindow::Show()
 {
     if (isShown_) return;
-    isShown_ = true;
     display_.Place_In_Front(*this, request_.kind);
+    isShown_ = true;
     if (Takes_Keys(request_.kind) || !display_.Front_Window()) display_.Give_Keys(this);
 }
 
@@ -40,11 +40,18 @@ void MemoryWindow::Raise()
 
 void MemoryWindow::Set_Client(HostRect const& client)
 {
-    HostRect const old = std::exchange(request_.client, Window_Client(client));
-    int const width = request_.client.Width(), height = request_.client.Height();
-    if (width == old.Width() && height == old.Height()) return;
-    pixels_.Resize(width, height);
-    shown_.Resize(width, height);
+    HostRect const wanted = Window_Client(client), old = request_.client;
+    if (wanted.Width() != old.Width() || wanted.Height() != old.Height()) {
+        shown_.Resize(wanted.Width(), wanted.Height());
+        try {
+            pixels_.Resize(wanted.Width(), wanted.Height());
+        } catch (std::bad_alloc const&) {
+            shown_.Resize(old.Width(), old.Height());  // for which there is room
+            pixels_.Surface().Touch_All();
+            throw;
+        }
+    }
+    request_.client = wanted;
 }
 
 void MemoryWindow::Set_Size_Limits(int minWidth, int minHeight, int maxWidth, int maxHeight)

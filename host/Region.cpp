@@ -22,25 +22,33 @@ static pixman_region32_t* Record(std::byte const* bytes)
     return Record(const_cast<std::byte*>(bytes));  // pixman reads its sources through plain pointers
 }
 
+/// What pixman finds no memory for comes out empty; nobody gets to see it.
+static void Check(pixman_bool_t isMade)
+{
+    if (!isMade) throw std::bad_alloc();
+}
+
 static HostRect To_Rect(pixman_box32_t const& box)
 {
     return {box.x1, box.y1, box.x2, box.y2};
 }
 
-HostRegion::HostRegion()
+HostRegion::HostRegion() noexcept
 {
     static_assert(sizeof(pixman_region32_t) == RecordSize);
     pixman_region32_init(new (record_) pixman_region32_t);
 }
 
-HostRegion::HostRegion(HostRect const& rect) : HostRegion()
+HostRegion::HostRegion(HostRect const& rect) noexcept : HostRegion()
 {
-    Unite(rect);
+    if (rect.IsEmpty()) return;
+    pixman_region32_init_rect(Record(record_), rect.left, rect.top, static_cast<unsigned>(rect.Width()),
+                              static_cast<unsigned>(rect.Height()));
 }
 
 HostRegion::HostRegion(HostRegion const& other) : HostRegion()
 {
-    pixman_region32_copy(Record(record_), Record(other.record_));
+    Check(pixman_region32_copy(Record(record_), Record(other.record_)));
 }
 
 HostRegion::HostRegion(HostRegion&& other) noexcept : HostRegion()
@@ -61,31 +69,46 @@ HostRegion::~HostRegion()
 
 void HostRegion::Intersect(HostRect const& rect)
 {
-    auto const width = static_cast<unsigned>(rect.IsEmpty() ? 0 : rect.Width());
-    auto const height = static_cast<unsigned>(rect.IsEmpty() ? 0 : rect.Height());
-    pixman_region32_intersect_rect(Record(record_), Record(record_), rect.left, rect.top, width, height);
+    if (Intersection(rect, Bounds()) == Bounds()) return;
+    Intersect(HostRegion(rect));
 }
 
 void HostRegion::Intersect(HostRegion const& other)
 {
-    pixman_region32_intersect(Record(record_), Record(record_), Record(other.record_));
+    HostRegion shared;
+    Check(pixman_region32_intersect(Record(shared.record_), Record(record_), Record(other.record_)));
+    *this = std::move(shared);
 }
 
 void HostRegion::Unite(HostRect const& rect)
 {
-    if (rect.IsEmpty()) return;
-    pixman_region32_union_rect(Record(record_), Record(record_), rect.left, rect.top,
-                               static_cast<unsigned>(rect.Width()), static_cast<unsigned>(rect.Height()));
+    Unite(HostRegion(rect));
 }
 
 void HostRegion::Unite(HostRegion const& other)
 {
-    pixman_region32_union(Record(record_), Record(record_), Record(other.record_));
+    HostRegion united;
+    Check(pixman_region32_union(Record(united.record_), Record(record_), Record(other.record_)));
+    *this = std::move(united);
+}
+
+void HostRegion::Cover(HostRect const& rect) noexcept
+{
+    if (rect.IsEmpty()) return;
+    try {
+        Unite(rect);
+    } catch (std::bad_alloc const&) {
+        HostRect const old = Bounds();
+        *this = HostRegion(HostRect{std::min(old.left, rect.left), std::min(old.top, rect.top),
+                                    std::max(old.right, rect.right), std::max(old.bottom, rect.bottom)});
+    }
 }
 
 void HostRegion::Subtract(HostRegion const& other)
 {
-    pixman_region32_subtract(Record(record_), Record(record_), Record(other.record_));
+    HostRegion rest;
+    Check(pixman_region32_subtract(Record(rest.record_), Record(record_), Record(other.record_)));
+    *this = std::move(rest);
 }
 
 void HostRegion::Translate(int dx, int dy)

@@ -18,19 +18,22 @@ struct HostRect {
 /// What two rectangles share; empty when they share nothing.
 HostRect Intersection(HostRect const& a, HostRect const& b);
 
+/// A rectangle takes no memory. Without memory for more, copies and changes throw std::bad_alloc and leave
+/// the region as it was.
 class HostRegion {
 public:
-    HostRegion();  ///< Empty.
-    explicit HostRegion(HostRect const& rect);
+    HostRegion() noexcept;  ///< Empty.
+    explicit HostRegion(HostRect const& rect) noexcept;
     HostRegion(HostRegion const& other);
     HostRegion(HostRegion&& other) noexcept;
     HostRegion& operator=(HostRegion other) noexcept;
     ~HostRegion();
 
-    void Intersect(HostRect const& rect);
+    void Intersect(HostRect const& rect);  ///< Takes no memory when the rectangle holds all of it.
     void Intersect(HostRegion const& other);
     void Unite(HostRect const& rect);
     void Unite(HostRegion const& other);
+    void Cover(HostRect const& rect) noexcept;  ///< Unites; without memory, to the rectangle around both.
     void Subtract(HostRegion const& other);
     void Translate(int dx, int dy);
 

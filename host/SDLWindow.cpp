@@ -138,10 +138,12 @@ void SDLWindow::Move_To(int left, int top)
 
 void SDLWindow::Set_Client(HostRect const& client)
 {
-    HostRect const old = std::exchange(client_, Window_Client(client));
+    HostRect const wanted = Window_Client(client);
+    if (wanted.Width() != client_.Width() || wanted.Height() != client_.Height())
+        pixels_.Resize(wanted.Width(), wanted.Height());
+    HostRect const old = std::exchange(client_, wanted);
     int const unit = display_.Unit();
     if (client_.Width() != old.Width() || client_.Height() != old.Height()) {
-        pixels_.Resize(client_.Width(), client_.Height());
         // SDL would hold the size within the limits, which are for the user alone.
         if (!limits_.Allow(client_.Width(), client_.Height()))
             Set_Size_Limits(1, 1, LargestSize, LargestSize);
@@ -160,11 +162,11 @@ bool SDLWindow::Follow_Bounds(HostEventType& type)
         Move_To(client_.left, client_.top);
         return false;
     }
-    HostRect const old = std::exchange(client_, real);
-    if (client_.Width() != old.Width() || client_.Height() != old.Height()) {
-        pixels_.Resize(client_.Width(), client_.Height());
+    if (real.Width() != client_.Width() || real.Height() != client_.Height()) {
+        pixels_.Resize(real.Width(), real.Height());
         Expose();
     }
+    HostRect const old = std::exchange(client_, real);
     type = isZoomChange && request_.canZoom ? HostEventType::WindowZoom : HostEventType::WindowBounds;
     return isZoomChange || client_ != old;
 }

@@ -176,8 +176,8 @@ HostSurface::HostSurface(unsigned char* pixels, int width, int height, int depth
 
 void HostSurface::Set_Clip(HostRegion clip)
 {
+    clip.Intersect(Bounds());
     clip_ = std::move(clip);
-    clip_.Intersect(Bounds());
 }
 
 unsigned char* HostSurface::Address(int x, int y) const
@@ -207,7 +207,7 @@ void HostSurface::Touch(HostRect const& rect)
     // Most of what is drawn lies on what was filled just before.
     if (!isTracking_ || Intersection(rect, lastTouched_) == rect) return;
     Visit_Clip(rect, [this](HostRect const& part) {
-        touched_.Unite(part);
+        touched_.Cover(part);
         lastTouched_ = part;
     });
     if (touched_.Box_Count() > MostTouchedBoxes) touched_ = HostRegion(touched_.Bounds());
