@@ -332,6 +332,9 @@ long Prop_Gad(ZVCustomEvent* event, PropAxis axis)
     item.state = std::max(item.minInt, std::min(item.state, item.maxInt));
     if (event->type == ZV_CUSTOM_CREATE) return Create(item);
     if (event->type == ZV_CUSTOM_DESTROY) FreeMemZV(std::exchange(item.object, nullptr));
+    // What found no memory before may find it now.
+    bool const isWhole = event->type == ZV_CUSTOM_DRAW || event->type == ZV_CUSTOM_DRAW_DISABLED;
+    if (isWhole && !item.object) Create(item);
     if (item.object) Handle(event, {axis, item, *static_cast<PropState*>(item.object)});
     return 1;
 }

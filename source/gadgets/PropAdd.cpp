@@ -138,7 +138,7 @@ ZVItem* Add_Prop(Parts const& parts, unsigned short id, unsigned short position,
     NewItem track = Make_Gadget(id, position, reference, type, size, text, trackTags.get());
     if (!track) return nullptr;
     track->customFunc = parts.track;
-    Set_Item_Size(track.get());
+    if (!Take_Natural_Size(*track)) return nullptr;
     long const side = parts.axis.Breadth(*track);
     long const whole = parts.axis.Length(*track);
     track.get()->*parts.length = track.get()->*parts.baseLength =

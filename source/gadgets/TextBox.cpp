@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -89,34 +90,38 @@ std::string_view Take_Line(std::string_view& text, long limit)
 }
 
 /// Breaks a text into lines. One pass counts them, a second one keeps them.
-/// @param lines  null to count only
-int32_t Break_Text(std::string_view text, long width, TextLine* lines)
+/// @param lines  as many are kept
+/// @return  all lines; -1 with error 1 when there was no memory to measure them
+long Break_Text(std::string_view text, long width, std::span<TextLine> lines)
 {
     char const* const start = text.data();
-    int32_t count = 0;
-    while (!text.empty()) {
-        std::string_view const line = Take_Line(text, width - textMargins);
-        if (lines)
-            lines[count] = {static_cast<uint32_t>(line.data() - start), static_cast<uint32_t>(line.size())};
-        ++count;
-    }
-    return count;
+    std::size_t count = 0;
+    bool const isMeasured = Finds_Memory([&] {
+        for (; !text.empty(); ++count) {
+            std::string_view const line = Take_Line(text, width - textMargins);
+            if (count < lines.size())
+                lines[count] = {static_cast<uint32_t>(line.data() - start),
+                                static_cast<uint32_t>(line.size())};
+        }
+    });
+    return isMeasured ? static_cast<long>(count) : -1;
 }
 
 /// Gives a box a text, and its lines. False with error 1 and everything as it was when memory runs out.
 bool Set_Text(ZVItem& item, TextBoxState& state, char const* text)
 {
     std::string_view const whole = text;
-    int32_t const count = Break_Text(whole, item.width, nullptr);
-    HeapBlock<TextLine> lines(
-        static_cast<TextLine*>(New_Block(static_cast<unsigned long>(count) * sizeof(TextLine) + 1)));
-    if (!lines || (text != state.Text && !Replace_Text(state.Text, text))) return false;
-    Break_Text(whole, item.width, lines.get());
+    long const count = Break_Text(whole, item.width, {});
+    if (count < 0) return false;
+    auto const room = static_cast<std::size_t>(count);
+    HeapBlock<TextLine> lines(static_cast<TextLine*>(New_Block(room * sizeof(TextLine) + 1)));
+    if (!lines || Break_Text(whole, item.width, {lines.get(), room}) < 0) return false;
+    if (text != state.Text && !Replace_Text(state.Text, text)) return false;
     FreeMemZV(state.Lines);
     state.Lines = lines.release();
     state.LinesWidth = item.width;
     state.Length = static_cast<int32_t>(whole.size());
-    item.maxInt = count;
+    item.maxInt = static_cast<int32_t>(count);
     return true;
 }
 
@@ -205,13 +210,25 @@ long Set_Up(ZVItem& item)
     return !text || Replace_Text(state->Text, text);
 }
 
+bool Has_Lines(ZVItem const& item, TextBoxState const& state)
+{
+    return state.Lines && state.LinesWidth == item.width;
+}
+
 void Create(ZVItem& item, TextBoxState& state)
 {
     state.VisibleLines = std::max((item.height - static_cast<int32_t>(textTop)) / state.LineHeight, 0);
-    bool const hasLines = state.Lines && state.LinesWidth == item.width;
-    if (!hasLines) Set_Text(item, state, state.Text ? state.Text : "");
+    if (!Has_Lines(item, state)) Set_Text(item, state, state.Text ? state.Text : "");
     item.state = std::min(item.state, item.maxInt);
     Set_Linked(item, Position_Of(item));
+}
+
+/// Lines that found no memory may find it now.
+void Draw_Whole(ZVItem* item, bool isDisabled)
+{
+    TextBoxState* const state = State_Of(item);
+    if (state && !Has_Lines(*item, *state)) Create(*item, *state);
+    Draw(item, true, isDisabled);
 }
 
 void Clean_Up(ZVItem& item)
@@ -234,8 +251,8 @@ long TextBoxCustomFunc(ZVCustomEvent* event)
         if (TextBoxState* state = State_Of(item)) Create(*item, *state);
         break;
     case ZV_CUSTOM_CLEANUP: Clean_Up(*item); break;
-    case ZV_CUSTOM_DRAW: Draw(item, true, Is_Disabled(*item)); break;
-    case ZV_CUSTOM_DRAW_DISABLED: Draw(item, true, true); break;
+    case ZV_CUSTOM_DRAW: Draw_Whole(item, Is_Disabled(*item)); break;
+    case ZV_CUSTOM_DRAW_DISABLED: Draw_Whole(item, true); break;
     case ZV_CUSTOM_DRAW_STATE: Draw(item, false, Is_Disabled(*item)); break;
     case ZV_CUSTOM_WHEEL: Turn_Linked(event); break;
     default: break;

@@ -295,6 +295,19 @@ static ZVGadgetType Told_Type(ZVGadgetType type, TagItem* tags)
     return type;
 }
 
+/// Takes a gadget that could not be set up off its group again, with its label or null.
+static void Take_Back(ZVItem* item, ZVItem* label)
+{
+    if (item->customFunc) Send_Custom_Event(*item, ZV_CUSTOM_CLEANUP);
+    Clear_Dependencies(*item);
+    Forget_Item_Ids(*item->group->palette);
+    for (ZVItem* const each : {label, item}) {
+        if (!each) continue;
+        Remove(&each->node);
+        Free_New_Item(each);
+    }
+}
+
 ZVItem* AddGadgetZV(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
                     ZVGadgetSize size, char const* label, TagItem* tags)
 {
@@ -306,18 +319,21 @@ ZVItem* AddGadgetZV(unsigned short id, unsigned short position, short reference,
     NewItem text;
     if (label && Has_Attached_Label(made->type) && !(text = Make_Label(*made, label))) return nullptr;
 
-    // Measured before anything is linked, as that can run out of memory too.
-    if (text) Set_Item_Size(text.get());
-    ZVItem* const item = made.release();
+    if (text && !Take_Natural_Size(*text)) return nullptr;
+    ZVItem *const item = made.release(), *const beside = text.release();
     Link_Item(*item);
-    if (text) {
-        if (text->node.id == ZV_LABEL_ID) Attach_Label(*item, *text);
-        Link_Item(*text.release());
+    if (beside) {
+        if (beside->node.id == ZV_LABEL_ID) Attach_Label(*item, *beside);
+        Link_Item(*beside);
     }
     if (item->type == ZV_GAD_CYCLE || item->type == ZV_GAD_MENU) item->type = ZV_GAD_CUSTOM;
-    if (item->customFunc) Send_Custom_Event(*item, ZV_CUSTOM_SETUP);
-    Set_Item_Size(item);
-    return item;
+    bool const isSetUp = Finds_Memory([item] {
+        if (item->customFunc) Send_Custom_Event(*item, ZV_CUSTOM_SETUP);
+        Set_Item_Size(item);
+    });
+    if (isSetUp) return item;
+    Take_Back(item, beside);
+    return nullptr;
 }
 
 ZVItem* AddGadgetZV(unsigned short id, unsigned short position, short reference, ZVGadgetType type,
@@ -336,7 +352,7 @@ static ZVItem* Finish_Item(NewItem made, unsigned short id, unsigned short posit
     Place_New_Item(*made, id, position, reference);
     Take_Adding_Tags(*made);
     Clean_Position(*made);
-    Set_Item_Size(made.get());
+    if (!Take_Natural_Size(*made)) return nullptr;
     ZVItem* const item = made.release();
     if (item->kind == ZV_ITEM_LABEL && item->node.id == ZV_LABEL_ID) {
         item->flags |= ZV_ITEMF_ATTACHED;

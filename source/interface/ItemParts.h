@@ -19,6 +19,18 @@ inline unsigned long Send_Custom_Event(ZVItem& item, ZVCustomEventType type, uns
     return event.replyData;
 }
 
+/// Whether all that `work` calls finds the memory it needs, as the error tells. One that was pending stays
+/// when nothing goes wrong.
+template <typename Work> bool Finds_Memory(Work work)
+{
+    unsigned long const pending = GetErrorZV();
+    SetError(ZV_ERR_NONE);
+    work();
+    if (GetErrorZV() == ZV_ERR_MEMORY) return false;
+    if (GetErrorZV() == ZV_ERR_NONE) SetError(pending);
+    return true;
+}
+
 /// An item that is not linked yet, freed with all it has unless it is released.
 void Free_New_Item(ZVItem* item);
 using NewItem = std::unique_ptr<ZVItem, Released_By<Free_New_Item>>;

@@ -4,7 +4,7 @@
 #include "interface/LayoutTags.h"
 
 #include <algorithm>
-#include <string>
+#include <array>
 
 namespace {
 
@@ -115,10 +115,12 @@ GadgetMeasure Standard_Gadget_Size(ZVItem const& item)
 
 static long Digits_Width(FontMeasure const& font, long count)
 {
-    std::string digits;
-    for (long i = 0; i < std::clamp(count, 0L, MostDigits); ++i)
-        digits += static_cast<char>('0' + i % 10);
-    return font.Text_Width(digits.c_str());
+    std::array<char, MostDigits + 1> digits;
+    auto const end = digits.begin() + std::clamp(count, 0L, MostDigits);
+    std::generate(digits.begin(), end,
+                  [digit = 0]() mutable { return static_cast<char>('0' + digit++ % 10); });
+    *end = 0;
+    return font.Text_Width(digits.data());
 }
 
 static ExplicitSize Explicit_Size(ZVItem const& item, FontMeasure const& font)
@@ -164,24 +166,39 @@ static GadgetMeasure Line_Size(ZVItem const& item, FontMeasure const& font)
     return measure;
 }
 
+static void Measure_Item(ZVItem& item)
+{
+    FontMeasure const font(item);
+    switch (item.kind) {
+    case ZV_ITEM_GADGET: Set_Gadget_Size(item); break;
+    case ZV_ITEM_LABEL: Store_Size(item, {font.Text_Width(item.text) + 2, font.Char_Height()}); break;
+    case ZV_ITEM_PICTURE:
+        if (item.image) Store_Size(item, {item.image->Width, item.image->Height});
+        break;
+    default: Store_Size(item, Line_Size(item, font)); break;
+    }
+    if (item.kind != ZV_ITEM_GADGET && item.kind != ZV_ITEM_LINE) return;
+    ExplicitSize const size = Explicit_Size(item, font);
+    if (size.width != -1) item.width = static_cast<int32_t>(size.width);
+    if (size.height != -1) item.height = static_cast<int32_t>(size.height);
+}
+
+bool Take_Natural_Size(ZVItem& item)
+{
+    int32_t const oldWidth = item.width, oldHeight = item.height;
+    if (!Finds_Memory([&] { Measure_Item(item); })) {
+        item.width = oldWidth;
+        item.height = oldHeight;
+        return false;
+    }
+    item.baseWidth = item.width;
+    item.baseHeight = item.height;
+    return true;
+}
+
 void Set_Item_Size(ZVItem* item)
 {
-    FontMeasure const font(*item);
-    switch (item->kind) {
-    case ZV_ITEM_GADGET: Set_Gadget_Size(*item); break;
-    case ZV_ITEM_LABEL: Store_Size(*item, {font.Text_Width(item->text) + 2, font.Char_Height()}); break;
-    case ZV_ITEM_PICTURE:
-        if (item->image) Store_Size(*item, {item->image->Width, item->image->Height});
-        break;
-    default: Store_Size(*item, Line_Size(*item, font)); break;
-    }
-    if (item->kind == ZV_ITEM_GADGET || item->kind == ZV_ITEM_LINE) {
-        ExplicitSize const size = Explicit_Size(*item, font);
-        if (size.width != -1) item->width = static_cast<int32_t>(size.width);
-        if (size.height != -1) item->height = static_cast<int32_t>(size.height);
-    }
-    item->baseWidth = item->width;
-    item->baseHeight = item->height;
+    Take_Natural_Size(*item);
 }
 
 void GetGadgetSizeZV(ZVGadgetType type, ZVGadgetSize size, long* width, long* height)

@@ -61,5 +61,8 @@ struct GadgetMeasure {
 };
 GadgetMeasure Standard_Gadget_Size(ZVItem const& item);
 
+/// As Set_Item_Size. False with error 1 when memory runs out, the size being what it was.
+bool Take_Natural_Size(ZVItem& item);
+
 /// A tag of a gadget that stands before those of its label, or null.
 TagItem const* Find_Item_Tag(ZVItem const& item, unsigned long tag);

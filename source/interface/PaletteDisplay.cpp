@@ -372,12 +372,12 @@ long DisplayPaletteZV(TagItem* tags)
     bool const isBuilt = Build(display, tags);
     // From here on callbacks run, and may declare palettes of their own.
     ZVEnv->buildingPalette = nullptr;
-    if (!isBuilt) {
-        Free_Palette(palette);
-        return 0;
-    }
     ZVPalette* const outer = std::exchange(ZVEnv->displayedPalette, palette);
-    long const isShown = Place_And_Show(display);
+    long isShown = 0;
+    if (isBuilt)
+        isShown = Place_And_Show(display);
+    else
+        Free_Palette(palette);
     ZVEnv->displayedPalette = outer;
     return isShown;
 }
