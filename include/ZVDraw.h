@@ -1,6 +1,6 @@
 // Drawing: a short-lived context binds a target, an origin, two pens, a font and a clip rectangle, and the
 // primitives paint through it. A context lives within one event or callback; several may exist on one target.
-// Main thread only.
+// Main thread only. What finds no memory is left out with error 1; a window is drawn again for it later.
 //
 // Every call accepts a null context and does nothing then, so painting code needs no checks. Coordinates are
 // those of the target; a primitive adds the context's origin and holds the sums within 16 signed bits.

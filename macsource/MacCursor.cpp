@@ -2,6 +2,7 @@
 #include "MacBusyCursor.h"
 #include "MacWindow.h"
 #include "ZVLibInternal.h"
+#include "foundation/Guard.h"
 
 static void Show_Pointer()
 {
@@ -26,7 +27,7 @@ void Mac_Show_Cursor(unsigned short code)
     if (!Display()) return;
     int const frame = code - ZV_CURSOR_COLOR;
     if (frame >= 0 && frame < BusyFrames)
-        Display()->Set_Cursor(Busy_Cursor(frame));
+        Guarded([=] { Display()->Set_Cursor(Busy_Cursor(frame)); });
     else if (code != ZV_CURSOR_NONE)
         Display()->Set_Cursor(Cursor_Of_Desktop(code));
     Show_Pointer();

@@ -8,23 +8,17 @@
 
 void EraseRectZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
 {
-    if (!draw) return;
-    PrimitiveFrame const frame(draw);
-    frame.Port().Erase(frame.Rect(x1, y1, x2, y2));
+    Paint(draw, [&](PrimitiveFrame const& frame) { frame.Port().Erase(frame.Rect(x1, y1, x2, y2)); });
 }
 
 void FillRectZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
 {
-    if (!draw) return;
-    PrimitiveFrame const frame(draw);
-    frame.Port().Fill(frame.Rect(x1, y1, x2, y2));
+    Paint(draw, [&](PrimitiveFrame const& frame) { frame.Port().Fill(frame.Rect(x1, y1, x2, y2)); });
 }
 
 void DrawRectZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
 {
-    if (!draw) return;
-    PrimitiveFrame const frame(draw);
-    frame.Port().Frame(frame.Rect(x1, y1, x2, y2));
+    Paint(draw, [&](PrimitiveFrame const& frame) { frame.Port().Frame(frame.Rect(x1, y1, x2, y2)); });
 }
 
 // ---- lines, ovals, polygons -------------------------------------------------------------------------------
@@ -37,16 +31,16 @@ void DrawLineZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
 
 void FillEllipseZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
 {
-    if (!draw) return;
-    PrimitiveFrame const frame(draw);
-    frame.Port().Fill(Oval_Runs(frame.Rect(x1, y1, x2, y2), frame.Clip()));
+    Paint(draw, [&](PrimitiveFrame const& frame) {
+        frame.Port().Fill(Oval_Runs(frame.Rect(x1, y1, x2, y2), frame.Clip()));
+    });
 }
 
 void DrawEllipseZV(ZVDrawInfo* draw, long x1, long y1, long x2, long y2)
 {
-    if (!draw) return;
-    PrimitiveFrame const frame(draw);
-    frame.Port().Fill(Oval_Outline_Runs(frame.Rect(x1, y1, x2, y2), frame.Clip()));
+    Paint(draw, [&](PrimitiveFrame const& frame) {
+        frame.Port().Fill(Oval_Outline_Runs(frame.Rect(x1, y1, x2, y2), frame.Clip()));
+    });
 }
 
 static std::vector<ShapePoint> Place_Points(Placed const& placed, long count, long const* points)
@@ -60,20 +54,22 @@ static std::vector<ShapePoint> Place_Points(Placed const& placed, long count, lo
 
 void DrawPolygonZV(ZVDrawInfo* draw, long count, long const* points)
 {
-    if (!draw || !points || count < 2) return;
-    PrimitiveFrame const frame(draw);
-    std::vector<ShapePoint> const corners = Place_Points(frame, count, points);
-    ShapeRuns runs;
-    for (std::size_t i = 0; i + 1 < corners.size(); ++i)
-        Add_Line(runs, corners[i], corners[i + 1], frame.Clip());
-    frame.Port().Fill(runs);
+    if (!points || count < 2) return;
+    Paint(draw, [&](PrimitiveFrame const& frame) {
+        std::vector<ShapePoint> const corners = Place_Points(frame, count, points);
+        ShapeRuns runs;
+        for (std::size_t i = 0; i + 1 < corners.size(); ++i)
+            Add_Line(runs, corners[i], corners[i + 1], frame.Clip());
+        frame.Port().Fill(runs);
+    });
 }
 
 void FillPolygonZV(ZVDrawInfo* draw, long count, long const* points)
 {
-    if (!draw || !points || count < 1) return;
-    PrimitiveFrame const frame(draw);
-    frame.Port().Fill(Polygon_Runs(Place_Points(frame, count, points), frame.Clip()));
+    if (!points || count < 1) return;
+    Paint(draw, [&](PrimitiveFrame const& frame) {
+        frame.Port().Fill(Polygon_Runs(Place_Points(frame, count, points), frame.Clip()));
+    });
 }
 
 // ---- borders ----------------------------------------------------------------------------------------------
@@ -81,9 +77,10 @@ void FillPolygonZV(ZVDrawInfo* draw, long count, long const* points)
 void DrawShineBorder(ZVDrawInfo* draw, long x, long y, long w, long h, unsigned long frame,
                      unsigned long light, unsigned long dark)
 {
-    if (!draw) return;
-    PrimitiveFrame const around(draw);
-    Draw_Bevel(around.Port(), around.Box(x, y, w, h), Pen_Color(frame), Pen_Color(light), Pen_Color(dark));
+    Paint(draw, [&](PrimitiveFrame const& around) {
+        Draw_Bevel(around.Port(), around.Box(x, y, w, h), Pen_Color(frame), Pen_Color(light),
+                   Pen_Color(dark));
+    });
 }
 
 void DrawShineBorderZV(ZVDrawInfo* draw, long x, long y, long w, long h)
@@ -112,18 +109,19 @@ void DrawIShineBorder2ZV(ZVDrawInfo* draw, long x, long y, long w, long h)
 
 void ReadPixelZV(ZVDrawInfo* draw, long x, long y, ZVRGB* out)
 {
-    if (!draw || !out) return;
-    PrimitiveFrame const frame(draw);
-    uint32_t color = 0;
-    if (!frame.Port().surface.Read(frame.X(x), frame.Y(y), color)) return;
-    auto const wide = [color](int shift) { return static_cast<uint16_t>((color >> shift & 0xFF) * 257); };
-    *out = {wide(16), wide(8), wide(0), 1};
+    if (!out) return;
+    Paint(draw, [&](PrimitiveFrame const& frame) {
+        uint32_t color = 0;
+        if (!frame.Port().surface.Read(frame.X(x), frame.Y(y), color)) return;
+        auto const wide = [color](int shift) { return static_cast<uint16_t>((color >> shift & 0xFF) * 257); };
+        *out = {wide(16), wide(8), wide(0), 1};
+    });
 }
 
 void WritePixelZV(ZVDrawInfo* draw, long x, long y, ZVRGB const* in)
 {
-    if (!draw || !in) return;
-    PrimitiveFrame const frame(draw);
+    if (!in) return;
     uint32_t const color = (in->red >> 8U << 16) | (in->green >> 8U << 8) | in->blue >> 8U;
-    frame.Port().surface.Write(frame.X(x), frame.Y(y), color);
+    Paint(draw,
+          [&](PrimitiveFrame const& frame) { frame.Port().surface.Write(frame.X(x), frame.Y(y), color); });
 }

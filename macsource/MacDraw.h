@@ -62,5 +62,16 @@ private:
     PortState saved_;
 };
 
-/// A picture over pen 1, to be freed by FreeBitmapZV; null with error 1 when memory runs out.
+/// Paints in the frame of a primitive; nothing without a context.
+template <typename Work> void Paint(ZVDrawInfo* draw, Work&& work)
+{
+    if (!draw) return;
+    Paint(draw->Port, [&] {
+        PrimitiveFrame const frame(draw);
+        work(frame);
+    });
+}
+
+/// A picture over pen 1, to be freed by FreeBitmapZV. Throws when memory runs out; null for one that cannot
+/// be had.
 ZVNativeBitmap* Compose_Image(ZVBitmap const& picture);

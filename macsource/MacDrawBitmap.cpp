@@ -15,17 +15,19 @@ static std::optional<HostSurface> Surface_Of(ZVNativeBitmap const* bitmap)
 void DrawBitmapZV(ZVDrawInfo* draw, ZVNativeBitmap const* bitmap, long x, long y)
 {
     std::optional<HostSurface> const source = Surface_Of(bitmap);
-    if (!draw || !source) return;
-    PrimitiveFrame const frame(draw);
-    frame.Port().surface.Blit(*source, source->Bounds(), frame.X(x), frame.Y(y));
+    if (!source) return;
+    Paint(draw, [&](PrimitiveFrame const& frame) {
+        frame.Port().surface.Blit(*source, source->Bounds(), frame.X(x), frame.Y(y));
+    });
 }
 
 void StretchBitmapZV(ZVDrawInfo* draw, ZVNativeBitmap const* bitmap, long sx, long sy, long sw, long sh,
                      long dx, long dy, long dw, long dh)
 {
     std::optional<HostSurface> const source = Surface_Of(bitmap);
-    if (!draw || !source) return;
-    PrimitiveFrame const frame(draw);
+    if (!source) return;
     HostRect const from = Placed(ZVDrawInfo{}).Box(sx, sy, sw, sh);
-    frame.Port().surface.Stretch(*source, from, frame.Box(dx, dy, dw, dh));
+    Paint(draw, [&](PrimitiveFrame const& frame) {
+        frame.Port().surface.Stretch(*source, from, frame.Box(dx, dy, dw, dh));
+    });
 }

@@ -24,7 +24,10 @@ ZVDrawInfo* Begin_Drawing(ZVPort* port, ZVDevice* device, long originX, long ori
 {
     if (!ZVEnv || !port) return nullptr;
     auto* const draw = New_Record<ZVDrawInfo>();
-    if (!draw) return nullptr;
+    if (!draw) {
+        port->isIncomplete = true;
+        return nullptr;
+    }
     draw->OriginX = static_cast<int32_t>(originX);
     draw->OriginY = static_cast<int32_t>(originY);
     draw->Port = port;
@@ -103,15 +106,19 @@ void RevertDraw(ZVDrawInfo* draw)
     if (draw) Make_Current(static_cast<ZVPort*>(ZVEnv->savedPort));
 }
 
-void Set_ClipRegion(ZVDrawInfo* draw)
+static void Clip_Port(ZVDrawInfo& draw)
 {
-    if (!draw) return;
-    HostSurface& surface = draw->Port->surface;
-    HostRect const clip{draw->Clip.left, draw->Clip.top, draw->Clip.right, draw->Clip.bottom};
+    HostSurface& surface = draw.Port->surface;
+    HostRect const clip{draw.Clip.left, draw.Clip.top, draw.Clip.right, draw.Clip.bottom};
     bool const isWhole = Intersection(clip, surface.Bounds()) == surface.Bounds();
     if (isWhole && surface.Is_Unclipped()) return;  // as most contexts are
-    if (!draw->SavedClip) draw->SavedClip = new ZVRegion{surface.Clip()};
+    if (!draw.SavedClip) draw.SavedClip = new ZVRegion{surface.Clip()};
     surface.Set_Clip(HostRegion(clip));
+}
+
+void Set_ClipRegion(ZVDrawInfo* draw)
+{
+    if (draw) Guarded([=] { Clip_Port(*draw); });
 }
 
 void Revert_ClipRegion(ZVDrawInfo* draw)
@@ -126,12 +133,12 @@ void Revert_ClipRegion(ZVDrawInfo* draw)
 
 PrimitiveFrame::PrimitiveFrame(ZVDrawInfo* draw) : Placed(*draw), draw_(draw), saved_(draw->Port->state)
 {
+    Clip_Port(*draw);  // ahead of what the end puts back, as it may find no memory
     ReadyDraw(draw);
     draw->Port->state = {To_Color(draw->ForeColor),
                          To_Color(draw->BackColor),
                          {draw->Font, draw->FontObject},
                          draw->TextTransparent != 0};
-    Set_ClipRegion(draw);
 }
 
 PrimitiveFrame::~PrimitiveFrame()

@@ -22,9 +22,10 @@ std::string_view Drawn_Part(std::string_view text)
 
 void DrawTextZV(ZVDrawInfo* draw, char const* text, long x, long y)
 {
-    if (!draw || !text) return;
-    PrimitiveFrame const frame(draw);
-    frame.Port().Draw_Text(Drawn_Part(text), frame.X(x), frame.Y(y));
+    if (!text) return;
+    Paint(draw, [&](PrimitiveFrame const& frame) {
+        frame.Port().Draw_Text(Drawn_Part(text), frame.X(x), frame.Y(y));
+    });
 }
 
 void DrawTextZV(ZVDrawInfo* draw, unsigned long stringId, long x, long y)
@@ -37,6 +38,15 @@ void DrawTextZV(ZVDrawInfo* draw, unsigned long stringId, long x, long y)
 static void Store(long* place, long value)
 {
     if (place) *place = value;
+}
+
+/// A measure in the font of a context. 0 with error 1 when memory runs out, and what is drawn by it will be
+/// drawn again.
+template <typename Take> static long Measure(ZVDrawInfo const* draw, Take take)
+{
+    long measure = 0;
+    Paint(draw ? draw->Port : nullptr, [&] { measure = take(Context_Font(draw)); });
+    return measure;
 }
 
 void GetTextSizeZV(ZVDrawInfo const* draw, char const* text, long* width, long* height)
@@ -52,7 +62,7 @@ void GetTextSizeZV(ZVDrawInfo const* draw, unsigned long stringId, long* width, 
 
 long GetTextWidthZV(ZVDrawInfo const* draw, char const* text)
 {
-    return text ? Context_Font(draw).Width(text) : 0;
+    return text ? Measure(draw, [=](TextFont const& font) { return font.Width(text); }) : 0;
 }
 
 long GetTextWidthZV(ZVDrawInfo const* draw, unsigned long stringId)
@@ -62,7 +72,7 @@ long GetTextWidthZV(ZVDrawInfo const* draw, unsigned long stringId)
 
 long GetTextHeightZV(ZVDrawInfo const* draw, char const* text)
 {
-    return text ? Context_Font(draw).Ascent() : 0;
+    return text ? Measure(draw, [](TextFont const& font) { return font.Ascent(); }) : 0;
 }
 
 long GetTextHeightZV(ZVDrawInfo const* draw, unsigned long stringId)
@@ -92,11 +102,9 @@ static std::vector<std::size_t> Character_Ends(std::string_view text)
     return ends;
 }
 
-void ShortenStringZV(ZVDrawInfo const* draw, char* text, int width)
+static void Shorten(TextFont const& font, char* text, int width)
 {
-    if (!text || !*text) return;
     std::string_view const whole = text;
-    TextFont const font = Context_Font(draw);
     if (font.Width(whole) <= width) return;
     long const dots = font.Width(Ellipsis);
     std::vector<std::size_t> const ends = Character_Ends(whole);
@@ -107,26 +115,32 @@ void ShortenStringZV(ZVDrawInfo const* draw, char* text, int width)
     std::strcpy(text + ends[static_cast<std::size_t>(kept - 1)], kept > 1 || dots <= width ? Ellipsis : "");
 }
 
+void ShortenStringZV(ZVDrawInfo const* draw, char* text, int width)
+{
+    if (!text || !*text) return;
+    Measure(draw, [=](TextFont const& font) {
+        Shorten(font, text, width);
+        return 0L;
+    });
+}
+
 FittedText::FittedText(FontChoice const& choice, char const* text, int width) : text_(Drawn_Part(text))
 {
-    if (Find_Font(choice).Width(text_) <= width) return;
+    TextFont const font = Find_Font(choice);
+    if (font.Width(text_) <= width) return;
     shortened_[text_.copy(shortened_.data(), LongestText)] = 0;
-    ZVDrawInfo context{};
-    context.Font = choice.number;
-    context.FontObject = choice.object;
-    ShortenStringZV(&context, shortened_.data(), width);
+    Shorten(font, shortened_.data(), width);
     text_ = shortened_.data();
 }
 
 long GetAveCharWidthZV(ZVDrawInfo const* draw)
 {
-    return Context_Font(draw).Width("x");
+    return Measure(draw, [](TextFont const& font) { return font.Width("x"); });
 }
 
 long GetAveCharHeightZV(ZVDrawInfo const* draw)
 {
-    TextFont const font = Context_Font(draw);
-    return font.Ascent() + font.Descent();
+    return Measure(draw, [](TextFont const& font) { return font.Ascent() + font.Descent(); });
 }
 
 void GetAveCharSizeZV(ZVDrawInfo const* draw, long* width, long* height)

@@ -3,6 +3,7 @@
 
 #include "MacText.h"
 #include "ZVLibInternal.h"
+#include "foundation/Guard.h"
 
 #include <algorithm>
 #include <array>
@@ -49,9 +50,10 @@ long OpenFontZV(ZVFont* font, ZVFontStyleTypes style, long size, long widthHint,
         bool const isAsked = style == one || style == ZV_FONT_STYLE_BOLD_ITALIC || (font->Flags & flag);
         return canBeStyled && !node && isAsked;
     };
-    std::unique_ptr<HostFont> opened =
-        Open_Face(Find_Face(font->FontId), size, has(ZV_FONT_STYLE_BOLD, ZV_FONT_FLAG_BOLD),
-                  has(ZV_FONT_STYLE_ITALIC, ZV_FONT_FLAG_ITALIC));
+    std::unique_ptr<HostFont> opened = Guarded([&] {
+        return Open_Face(Find_Face(font->FontId), size, has(ZV_FONT_STYLE_BOLD, ZV_FONT_FLAG_BOLD),
+                         has(ZV_FONT_STYLE_ITALIC, ZV_FONT_FLAG_ITALIC));
+    });
     if (!opened) return 0;
     HostFontMetrics const metrics = opened->Metrics();
     font->TextStyle = new (std::nothrow) ZVTextStyle{std::move(opened)};

@@ -74,7 +74,7 @@ static void Draw_Frame(ZVGroup const& group, unsigned long pen)
     HostRect const area = Area_Of(group);
     uint32_t const color = Pen_Color(pen);
     Draw_Edges(*port, area, color, color);
-    if (group.title && *group.title) Draw_Title(*port, area, group.title, color);
+    if (group.title && *group.title) Paint(port, [&] { Draw_Title(*port, area, group.title, color); });
 }
 
 void Make_SysGroupFrame(ZVGroup* group)

@@ -4,6 +4,7 @@
 #include "ZVHeadless.h"
 #include "ZVKey.h"
 #include "ZVLibInternal.h"
+#include "foundation/Guard.h"
 
 #include "host/MemoryDisplay.h"
 
@@ -18,7 +19,7 @@ static MemoryDisplay* Memory()
 /// Calls `act` with the display, when it is the one in memory.
 template <typename Act> static void With_Memory(Act act)
 {
-    if (MemoryDisplay* memory = Memory()) act(*memory);
+    if (MemoryDisplay* memory = Memory()) Guarded([&] { act(*memory); });
 }
 
 long IsHeadlessZV()
@@ -215,14 +216,16 @@ void HeadlessDragFrameZV(ZVWindow* window, ZVRectT<long> const* client)
 
 // ---- pictures ---------------------------------------------------------------------------------------------
 
-/// Of a window or of the desktop, with all that was drawn; empty without the desktop in memory.
+/// Of a window or of the desktop, with all that was drawn; empty without the desktop in memory and, with
+/// error 1, when memory runs out.
 static HostPicture Picture_Of(ZVWindow const* window)
 {
     MemoryDisplay* const memory = Memory();
     if (!memory || (window && !window->sysWindow)) return {};
     Refresh_GUI();
     Present_Windows();
-    return window ? memory->Screenshot(*window->sysWindow->host) : memory->Screenshot();
+    return Guarded(
+        [=] { return window ? memory->Screenshot(*window->sysWindow->host) : memory->Screenshot(); });
 }
 
 long HeadlessScreenshotZV(ZVWindow* window, char const* path)

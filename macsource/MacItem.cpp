@@ -26,7 +26,7 @@ static bool Is_Custom_Type(ZVGadgetType type)
     return type <= ZV_GAD_RADIO || type == ZV_GAD_SLIDER || (type >= ZV_GAD_HPROP && type <= ZV_GAD_LABEL);
 }
 
-/// Null for a gadget of a type that nobody knows, and when memory runs out.
+/// Null for a gadget of a type that nobody knows. Throws without memory.
 static ZVNativeItem* Make_Native(ZVItem& item)
 {
     if (item.kind != ZV_ITEM_GADGET) return &onScreen;
@@ -41,19 +41,51 @@ static bool Is_Custom(ZVItem const& item)
     return item.kind == ZV_ITEM_GADGET && item.native == &onScreen;
 }
 
-void Draw_SysItem(ZVItem& item)
+static void Draw_Plain(ZVItem& item)
 {
     switch (item.kind) {
     case ZV_ITEM_LABEL: Make_SysText(item); break;
     case ZV_ITEM_PICTURE: Make_SysImage(item); break;
     case ZV_ITEM_LINE: Make_SysLine(item); break;
-    default:
-        if (Is_Custom(item))
-            Send_Custom_Event(item,
-                              item.flags & ZV_ITEMF_DISABLED ? ZV_CUSTOM_DRAW_DISABLED : ZV_CUSTOM_DRAW);
-        else
-            item.native->Draw();
+    default: item.native->Draw(); break;
     }
+}
+
+static void Draw_Custom(ZVItem& item)
+{
+    LivingPalette const watch(item.group->palette);
+    bool const isWhole = Finds_Memory([&] {
+        Send_Custom_Event(item, item.flags & ZV_ITEMF_DISABLED ? ZV_CUSTOM_DRAW_DISABLED : ZV_CUSTOM_DRAW);
+    });
+    if (isWhole || !watch.Is_Known()) return;
+    if (ZVPort* const port = Port_Of(item)) port->isIncomplete = true;
+}
+
+void Draw_SysItem(ZVItem& item)
+{
+    if (Is_Custom(item))
+        Draw_Custom(item);
+    else
+        Paint(Port_Of(item), [&] { Draw_Plain(item); });
+}
+
+/// A native object that finds no memory leaves the item without one, until its window is drawn again.
+static void Try_Native(ZVItem& item)
+{
+    try {
+        item.native = Make_Native(item);
+    } catch (std::bad_alloc const&) {
+        if (ZVPort* port = Port_Of(item)) port->isIncomplete = true;
+    }
+}
+
+void Complete_SysItem(ZVItem& item)
+{
+    if (item.kind != ZV_ITEM_GADGET || (!Is_Text_Field(item) && item.type != ZV_GAD_LIST)) return;
+    if (!item.native)
+        Make_SysItem(&item);
+    else if (ZVEnv->focusedTextItem != &item)
+        Mac_Update_Item(&item);
 }
 
 long Make_SysItem(ZVItem* item)
@@ -64,7 +96,7 @@ long Make_SysItem(ZVItem* item)
     item->flags &= ~ZV_ITEMF_MOVED;
     if (!item->native) {
         LivingPalette const watch(item->group->palette);
-        item->native = Make_Native(*item);
+        Try_Native(*item);
         if (Is_Custom(*item)) Send_Custom_Event(*item, ZV_CUSTOM_CREATE);
         if (!watch.Is_Known() || !item->native) return 1;
     }
@@ -126,5 +158,5 @@ void Disable_SysItem(ZVItem* item)
 
 void Mac_Update_Item(ZVItem* item)
 {
-    if (item && item->native) item->native->Show_State();
+    if (item && item->native) Paint(Port_Of(*item), [=] { item->native->Show_State(); });
 }

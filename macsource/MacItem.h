@@ -15,6 +15,9 @@ void Make_SysText(ZVItem& item);
 void Make_SysImage(ZVItem& item);
 void Make_SysLine(ZVItem& item);
 
+/// Makes up for what a field or list on screen found no memory for.
+void Complete_SysItem(ZVItem& item);
+
 /// Draws an item that is on screen, enabled or disabled as it is. The function of a gadget may close the
 /// palette.
 void Draw_SysItem(ZVItem& item);

@@ -6,8 +6,6 @@
 
 #include "interface/HitTest.h"
 
-#include <new>
-
 /// Width of the rows that the bar takes; its last column lies over the frame.
 static constexpr int BarRoom = ScrollBarWidth - 1;
 
@@ -27,7 +25,7 @@ static bool Is_Disabled(ZVItem const& item)
 
 ZVNativeItem* Make_List(ZVItem& item)
 {
-    return new (std::nothrow) ListBox(item);
+    return new ListBox(item);
 }
 
 ListBox::ListBox(ZVItem& item) : item_(item), bar_(true, [this] { Draw_View(); })
@@ -38,14 +36,10 @@ ListBox::ListBox(ZVItem& item) : item_(item), bar_(true, [this] { Draw_View(); }
 
 void ListBox::Take_Entries()
 {
-    item_.flags &= ~ZV_ITEMF_ENTRIES_CHANGED;
     rows_.clear();
-    try {
-        for (Node const& entry : Records<Node>(item_.entries))
-            rows_.push_back(entry.name ? entry.name : "");
-    } catch (std::bad_alloc const&) {
-        // The list shows as many as there is memory for.
-    }
+    for (Node const& entry : Records<Node>(item_.entries))
+        rows_.push_back(entry.name ? entry.name : "");
+    item_.flags &= ~ZV_ITEMF_ENTRIES_CHANGED;
     if (selected_ >= Row_Count()) selected_ = -1;
 }
 

@@ -8,6 +8,7 @@
 #include "MacWindow.h"
 #include "ZVJob.h"
 #include "ZVLibInternal.h"
+#include "foundation/Guard.h"
 
 #include <algorithm>
 #include <cmath>
@@ -105,7 +106,7 @@ void Timers::Run_Due()
         // What was missed is not made up for.
         bool const isLate = timer.due + timer.interval <= Now();
         timer.due = (timer.due == 0 || isLate ? Now() : timer.due) + timer.interval;
-        timer.run();
+        Guarded(timer.run);
     }
 }
 
@@ -123,16 +124,26 @@ void Show_What_Was_Drawn()
     Present_Windows();
 }
 
+/// An event that there is no memory for is lost.
+std::optional<HostEvent> Next_Event(double seconds)
+{
+    return Guarded([=] { return Display()->Next_Event(seconds); });
+}
+
+void Handle_Event(HostEvent const& event)
+{
+    Guarded([&] { Handle_Host_Event(event); });
+}
+
 void Loop::Turn()
 {
     Show_What_Was_Drawn();
     uint64_t const now = Display()->Milliseconds(), due = timers.Next_Due();
-    std::optional<HostEvent> event =
-        Display()->Next_Event(due > now ? static_cast<double>(due - now) / 1000 : 0.0);
+    std::optional<HostEvent> event = Next_Event(due > now ? static_cast<double>(due - now) / 1000 : 0.0);
     while (event) {
-        Handle_Host_Event(*event);
+        Handle_Event(*event);
         if (isEnded || timers.Is_Any_Due()) break;
-        event = Display()->Next_Event(0);
+        event = Next_Event(0);
     }
     if (!isEnded) timers.Run_Due();
 }
@@ -188,9 +199,9 @@ void Mac_Handle_Waiting_Events()
 {
     if (!Display()) return;
     while (!ZVEnv->exitRequested) {
-        std::optional<HostEvent> const event = Display()->Next_Event(0);
+        std::optional<HostEvent> const event = Next_Event(0);
         if (!event) break;
-        Handle_Host_Event(*event);
+        Handle_Event(*event);
     }
     if (!ZVEnv->exitRequested) timers.Run_Due();
     Show_What_Was_Drawn();
@@ -199,7 +210,7 @@ void Mac_Handle_Waiting_Events()
 void Mac_Flush_Events()
 {
     if (!Display()) return;
-    Display()->Flush_Input();
+    Guarded([] { Display()->Flush_Input(); });
     Release_Lost_Press();
 }
 

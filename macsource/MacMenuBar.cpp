@@ -38,6 +38,7 @@ struct MenuBar {
 
     std::unique_ptr<HostWindow> window;
     ZVPort port;
+    int monitorTop = 0;  ///< of the monitor that it lies on
     std::vector<Title> titles;
     std::vector<ZVMenu*> more;  ///< menus of the title that stands for all without room
     bool isStale = true;        ///< the titles are no longer those of the tree
@@ -97,17 +98,19 @@ void Gather_Rest(std::vector<Title>& titles, int room)
     titles.insert(place, std::move(rest));
 }
 
-/// The titles as the tree has them now.
+/// The titles as the tree has them now. Throws without memory, and tries again when it is asked again.
 std::vector<Title>& Titles()
 {
-    if (!std::exchange(bar->isStale, false)) return bar->titles;
-    bar->titles = Wanted_Titles();
-    Gather_Rest(bar->titles, bar->port.surface.Bounds().Width());
+    if (!bar->isStale) return bar->titles;
+    std::vector<Title> titles = Wanted_Titles();
+    Gather_Rest(titles, bar->port.surface.Bounds().Width());
     int left = 0;
-    for (Title& title : bar->titles) {
+    for (Title& title : titles) {
         title.left = left;
         left = title.right = left + Width_Of(title);
     }
+    bar->titles = std::move(titles);
+    bar->isStale = false;
     if (bar->lit >= static_cast<int>(bar->titles.size())) bar->lit = NoTitle;
     return bar->titles;
 }
@@ -180,9 +183,8 @@ static void Draw_Title(Title const& title, bool isLit)
               MenuTextMargin + 1 + static_cast<int>(Find_Font({}).Ascent()), ink);
 }
 
-void Draw_Menu_Bar()
+static void Draw_Titles()
 {
-    if (!bar) return;
     std::vector<Title> const& titles = Titles();
     HostRect const all = bar->port.surface.Bounds();
     bar->port.surface.Fill(all, Pen_Color(ZV_PEN_FACE));
@@ -192,11 +194,18 @@ void Draw_Menu_Bar()
         Draw_Title(titles[static_cast<std::size_t>(i)], i == bar->lit);
 }
 
+void Draw_Menu_Bar()
+{
+    if (!bar) return;
+    bar->port.isIncomplete = false;
+    Paint(&bar->port, Draw_Titles);
+}
+
 void Present_Menu_Bar()
 {
     if (!bar) return;
-    if (bar->isStale) Draw_Menu_Bar();
-    bar->window->Present();
+    if (bar->isStale || bar->port.isIncomplete) Draw_Menu_Bar();
+    Present(*bar->window);
 }
 
 void Light_Title(int title)
@@ -209,10 +218,12 @@ void Light_Title(int title)
 void Mac_Hilite_Menu(ZVMenu const* menu)
 {
     if (!bar) return;
-    std::vector<Title> const& titles = Titles();
-    auto const found =
-        std::ranges::find_if(titles, [=](Title const& title) { return menu && title.menu == menu; });
-    Light_Title(found == titles.end() ? NoTitle : static_cast<int>(found - titles.begin()));
+    Guarded([=] {
+        std::vector<Title> const& titles = Titles();
+        auto const found =
+            std::ranges::find_if(titles, [=](Title const& title) { return menu && title.menu == menu; });
+        Light_Title(found == titles.end() ? NoTitle : static_cast<int>(found - titles.begin()));
+    });
     Present_Menu_Bar();
 }
 
@@ -221,14 +232,14 @@ void Mac_Hilite_Menu(ZVMenu const* menu)
 long Menu_Bar_Height()
 {
     // A desktop's own bar is above it, and covers what is there.
-    return bar ? bar->window->Client().bottom - Display()->Monitors().front().bounds.top : 0;
+    return bar ? bar->window->Client().bottom - bar->monitorTop : 0;
 }
 
 /// Gives a window another place or size, as the user would. What is laid out anew runs callbacks.
 static void Move_Window(ZVWindow& window, HostRect const& client)
 {
-    window.sysWindow->host->Set_Client(client);
-    Window_Bounds_Changed(window);
+    if (Paint(&window.sysWindow->port, [&] { window.sysWindow->host->Set_Client(client); }))
+        Window_Bounds_Changed(window);
 }
 
 /// The root window fills what the bar leaves of a single monitor.
@@ -269,16 +280,27 @@ static void Uncover_Windows()
     }
 }
 
-/// False without memory for its window.
-static bool Open_Bar()
+/// Throws without memory for its window.
+static void Open_Bar()
 {
-    HostRect strip = Display()->Monitors().front().usable;
+    HostMonitor const monitor = Display()->Monitors().front();
+    HostRect strip = monitor.usable;
     strip.bottom = strip.top + static_cast<int>(Text_Height(nullptr)) + 2 * (MenuTextMargin + 1);
     std::unique_ptr<HostWindow> window = Display()->Make_Window(
         {.kind = HostWindowKind::Popup, .client = strip, .title = "Menu bar", .hasFrame = false});
-    if (!window) return false;
-    bar = std::make_unique<MenuBar>(std::move(window));
-    return true;
+    if (!window) return;
+    window->Show();
+    auto made = std::make_unique<MenuBar>(std::move(window));
+    made->monitorTop = monitor.bounds.top;
+    bar = std::move(made);
+}
+
+/// Whether there is a bar has to be what the menus ask for. Throws without memory.
+static void Open_Or_Close_Bar()
+{
+    bool const isWanted = !Wanted_Titles().empty();
+    if (!isWanted) bar = nullptr;
+    if (isWanted && !bar) Open_Bar();
 }
 
 void Make_MenuBar()
@@ -286,19 +308,15 @@ void Make_MenuBar()
     if (!Display()) return;
     Close_Menus();
     int const oldTop = static_cast<int>(Menu_Bar_Height());
-    bool const isWanted = !Wanted_Titles().empty();
-    bool const isNew = isWanted && !bar;
-    if (!isWanted) bar = nullptr;
-    if (isNew && !Open_Bar()) return;
+    Guarded(Open_Or_Close_Bar);
     if (bar) {
         bar->isStale = true;
         bar->lit = NoTitle;
         Draw_Menu_Bar();
     }
-    if (isNew) bar->window->Show();
     if (static_cast<int>(Menu_Bar_Height()) == oldTop) return;
     Fit_Root_Window(oldTop);
-    Uncover_Windows();
+    Guarded(Uncover_Windows);
 }
 
 void Free_SysMenus()
@@ -312,11 +330,12 @@ void Free_SysMenus()
 
 void Show_Menu_Bar(bool isShown)
 {
-    if (!bar || std::exchange(bar->isShown, isShown) == isShown) return;
+    if (!bar || bar->isShown == isShown) return;
     if (isShown)
         bar->window->Show();
     else
         bar->window->Hide();
+    bar->isShown = isShown;
 }
 
 // ---- changes ----------------------------------------------------------------------------------------------
@@ -329,9 +348,8 @@ void Delete_Item(ZVMenu const* menu)
 
 void Update_Item_State(ZVMenu const* menu)
 {
-    Update_Open_Menus(*menu);
-    if (!bar || menu->parent) return;
-    bar->isStale = true;  // the text may have another width
+    if (bar && !menu->parent) bar->isStale = true;  // the text may have another width
+    Guarded([=] { Update_Open_Menus(*menu); });
 }
 
 static void Set_Disabled(bool areDisabled)

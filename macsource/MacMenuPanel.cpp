@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 // The frame with its bevel, and the empty line inside it.
 static constexpr int Border = 3;
@@ -237,7 +238,13 @@ void MenuPanel::Draw_Text(int row, HostRect const& box, uint32_t ink)
         Find_Font({}).Draw(port_->surface, each.shortcut, right - shortcutWidth, baseLine, ink);
 }
 
+/// What of it finds no memory comes when it is presented.
 void MenuPanel::Draw_Row(int row)
+{
+    Paint(port_.get(), [&] { Draw_Whole_Row(row); });
+}
+
+void MenuPanel::Draw_Whole_Row(int row)
 {
     HostRect const box = Box(row);
     PortClip const clip(*port_, View());
@@ -268,6 +275,12 @@ void MenuPanel::Draw_Arrow(bool isDown)
     bool const isAtEnd = isDown ? scroll_ >= contentHeight_ - view.Height() : scroll_ == 0;
     port_->surface.Fill(box, Pen_Color(ZV_PEN_FACE));
     Draw_Triangle(*port_, box, true, isDown, Pen_Color(ZV_PEN_TEXT, isAtEnd));
+}
+
+void MenuPanel::Present()
+{
+    if (std::exchange(port_->isIncomplete, false)) Draw();
+    ::Present(*window_);
 }
 
 void MenuPanel::Draw()

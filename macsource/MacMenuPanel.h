@@ -22,7 +22,7 @@ class MenuPanel {
 public:
     static constexpr int None = -1;
 
-    MenuPanel(MenuRows rows, MenuSpot const& spot);
+    MenuPanel(MenuRows rows, MenuSpot const& spot);  ///< Throws without memory.
 
     bool Is_Made() const { return window_ != nullptr; }
     HostRect const& Bounds() const { return bounds_; }  ///< On the desktop, as all points here.
@@ -53,7 +53,7 @@ public:
     /// The text or state of an entry has changed.
     void Update(ZVMenu const& menu);
     void Draw();
-    void Present() { window_->Present(); }
+    void Present();
 
 private:
     bool Is_Row(int row) const { return row >= 0 && row < Row_Count(); }
@@ -66,6 +66,7 @@ private:
     HostRect Box(int row) const;  ///< In the window.
     bool Scrolls() const { return contentHeight_ > Inside().Height(); }
     void Draw_Row(int row);
+    void Draw_Whole_Row(int row);
     void Draw_Text(int row, HostRect const& box, uint32_t ink);
     void Draw_Arrow(bool isDown);
 

@@ -10,6 +10,7 @@
 #include "MacWindow.h"
 #include "ZVKey.h"
 #include "ZVLibInternal.h"
+#include "foundation/Guard.h"
 #include "interface/MenuTree.h"
 
 #include <algorithm>
@@ -479,8 +480,12 @@ bool Press_Menu_Bar(HostEvent const& event)
     if (!Is_Menu_Bar_Enabled() || !Display()->Is_Button_Down()) return true;
     int const title = Title_At(event.x, event.y);
     if (title == NoTitle) return true;
-    menus = std::make_unique<OpenMenus>(nullptr, Point{event.x, event.y}, true);
-    menus->Open_Title(title);
+    bool const isOpen = Guarded([&] {
+        menus = std::make_unique<OpenMenus>(nullptr, Point{event.x, event.y}, true);
+        menus->Open_Title(title);
+        return true;
+    });
+    if (!isOpen) Close_Menus();
     return true;
 }
 
@@ -525,9 +530,13 @@ ZVMenu* Make_Popup_Menu(ZVMenu* menu, long x, long y)
     Display()->Pointer(pointer.x, pointer.y);
     int const left = static_cast<int>(std::clamp<long>(x, INT16_MIN, INT16_MAX));
     int const top = static_cast<int>(std::clamp<long>(y, INT16_MIN, INT16_MAX));
-    auto opened = std::make_unique<OpenMenus>(&call, pointer, Display()->Is_Button_Down());
-    if (!opened->Open(Rows_Of_Menu(*menu), {MenuSpot::Side::At, {left, top, left, top}})) return nullptr;
-    menus = std::move(opened);
+    bool const isOpen = Guarded([&] {
+        auto opened = std::make_unique<OpenMenus>(&call, pointer, Display()->Is_Button_Down());
+        if (!opened->Open(Rows_Of_Menu(*menu), {MenuSpot::Side::At, {left, top, left, top}})) return false;
+        menus = std::move(opened);
+        return true;
+    });
+    if (!isOpen) return nullptr;
     Run_While([&call] { return !call.isDone; });
     // ExitZV ends all loops.
     if (menus && menus->call == &call) Close_Menus();

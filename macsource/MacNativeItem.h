@@ -17,7 +17,7 @@ struct ZVNativeItem {
 /// Draws the items of a visible group that touch a region of the client area again, and its frame.
 void Refresh_Items(ZVGroup& group, HostRegion const& region);
 
-/// They draw nothing yet. Null when memory runs out.
+/// They draw nothing yet. They throw when memory runs out.
 ZVNativeItem* Make_Text_Field(ZVItem& item);
 ZVNativeItem* Make_List(ZVItem& item);
 

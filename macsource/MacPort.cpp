@@ -19,9 +19,10 @@ void Make_Current(ZVPort* port)
 
 ZVPort* Make_SysPort(unsigned char* pixels, long width, long height, long depth, long rowBytes)
 {
-    auto surface = std::make_unique<HostSurface>(pixels, static_cast<int>(width), static_cast<int>(height),
-                                                 static_cast<int>(depth), static_cast<int>(rowBytes));
-    auto* const port = new (std::nothrow) ZVPort{*surface, {}, nullptr, nullptr};
+    std::unique_ptr<HostSurface> surface(
+        new (std::nothrow) HostSurface(pixels, static_cast<int>(width), static_cast<int>(height),
+                                       static_cast<int>(depth), static_cast<int>(rowBytes)));
+    auto* const port = surface ? new (std::nothrow) ZVPort{*surface, {}, nullptr, nullptr} : nullptr;
     if (!port) return nullptr;
     port->ownSurface = std::move(surface);
     port->pixels.reset(pixels);

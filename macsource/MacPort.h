@@ -5,6 +5,7 @@
 #include "MacText.h"
 #include "ZVDraw.h"
 #include "ZVEnvironment.h"
+#include "foundation/Guard.h"
 #include "foundation/HeapBlock.h"
 #include "host/Surface.h"
 
@@ -28,6 +29,7 @@ struct ZVPort {
     // Of a port that owns them: that of a native bitmap. A window's belong to the host.
     std::unique_ptr<HostSurface> ownSurface;
     HeapBlock<unsigned char> pixels;
+    bool isIncomplete = false;  ///< something of it found no memory: all of it has to be drawn again
 
     void Fill(HostRect const& rect) { surface.Fill(rect, state.foreColor); }
     void Fill(std::span<HostRect const> rects) { surface.Fill(rects, state.foreColor); }
@@ -38,6 +40,19 @@ struct ZVPort {
     /// transparent.
     void Draw_Text(std::string_view text, int x, int y);
 };
+
+/// Does what is to be seen through a port. When memory runs out the rest is left out: false with error 1, and
+/// the port is incomplete.
+/// @param port  may be null
+template <typename Work> bool Paint(ZVPort* port, Work&& work)
+{
+    bool const isWhole = Guarded([&] {
+        work();
+        return true;
+    });
+    if (!isWhole && port) port->isIncomplete = true;
+    return isWhole;
+}
 
 /// Limits what is painted through a port to a rectangle, as long as it exists.
 class PortClip {

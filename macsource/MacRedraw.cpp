@@ -1,6 +1,7 @@
 // What of the windows has to be drawn again, and the drawing of it.
 #include "MacDraw.h"
 #include "MacFrame.h"
+#include "MacItem.h"
 #include "MacMenu.h"
 #include "MacNativeItem.h"
 #include "MacWindow.h"
@@ -13,7 +14,7 @@
 void Invalidate(ZVWindow& window, HostRect const& area)
 {
     if (window.sysWindow)
-        window.sysWindow->update.Unite(Intersection(area, window.sysWindow->port.surface.Bounds()));
+        window.sysWindow->update.Cover(Intersection(area, window.sysWindow->port.surface.Bounds()));
 }
 
 void Invalidate(ZVWindow& window)
@@ -32,7 +33,11 @@ void Mac_Validate(ZVWindow* window, ZVRectT<long> const& area)
 {
     ZVWindow const* const system = System_Window_Of(window);
     if (!system || !system->sysWindow) return;
-    system->sysWindow->update.Subtract(HostRegion(Area_In_System_Window(window, area)));
+    try {
+        system->sysWindow->update.Subtract(HostRegion(Area_In_System_Window(window, area)));
+    } catch (std::bad_alloc const&) {
+        // It is drawn once more, which does no harm.
+    }
 }
 
 void Mac_Invalidate(ZVWindow* window, ZVRectT<long> const& area)
@@ -61,15 +66,6 @@ static void Draw_Background(ZVSysWindow& native, HostRegion const& region)
     }
 }
 
-/// The region in a window, from that of its system window.
-static HostRegion In_Window(ZVWindow const* window, HostRegion const& region)
-{
-    HostRegion moved = region;
-    for (; window->parent; window = window->parent)
-        moved.Translate(-window->left, -window->top);
-    return moved;
-}
-
 /// The frames of the pseudo-windows in a window, inside their rectangles.
 static void Draw_PseudoBorders(ZVWindow const& window)
 {
@@ -83,7 +79,6 @@ static void Draw_PseudoBorders(ZVWindow const& window)
 /// follows is no longer what it was.
 static bool Redraw_Palettes(ZVWindow& window, HostRegion const& region)
 {
-    HostRegion const local = In_Window(&window, region);
     for (ZVPalette* palette = Get_Next_Palette(&window, nullptr); palette;
          palette = Get_Next_Palette(&window, palette)) {
         if (!Is_On_Screen(*palette)) continue;
@@ -109,8 +104,29 @@ void Redraw_Window(ZVWindow& window)
     Draw_Bars(window);
 }
 
+/// Makes up for what found no memory: the window's size and title, and its fields and lists. Then all of it
+/// is drawn again. Nobody is told of anything.
+static void Complete(ZVWindow& system)
+{
+    if (system.activePalette) Rebuild_SysWindow(&system, system.activePalette);
+    for (ZVWindow& each : All_Windows()) {
+        if (System_Window_Of(&each) != &system) continue;
+        for (ZVPalette* palette = Get_Next_Palette(&each, nullptr); palette;
+             palette = Get_Next_Palette(&each, palette)) {
+            if (!Is_On_Screen(*palette)) continue;
+            for (ZVGroup& group : Groups_Of(*palette))
+                if (!(group.flags & ZV_GRPF_HIDDEN))
+                    for (ZVItem& item : Items_Of(group))
+                        Complete_SysItem(item);
+        }
+    }
+    Invalidate(system);
+}
+
 void Refresh_GUI()
 {
+    for (ZVWindow& window : All_Windows())
+        if (window.sysWindow && std::exchange(window.sysWindow->port.isIncomplete, false)) Complete(window);
     // Drawing calls gadgets, which may close windows, so the walk begins again behind each that was drawn.
     auto const waiting = []() -> ZVWindow* {
         for (ZVWindow& window : All_Windows())
@@ -129,9 +145,18 @@ void Mac_Refresh_All()
     Draw_Menus();
 }
 
+void Present(HostWindow& host)
+{
+    bool const isShown = Guarded([&] {
+        host.Present();
+        return true;
+    });
+    if (!isShown) host.Surface().Touch_All();
+}
+
 void Present_Windows()
 {
     for (ZVWindow& window : All_Windows())
-        if (window.sysWindow) window.sysWindow->host->Present();
+        if (window.sysWindow) Present(*window.sysWindow->host);
     Present_Menus();
 }

@@ -2,6 +2,7 @@
 
 #include "MacFont.h"
 #include "ZVLibInternal.h"
+#include "foundation/Guard.h"
 
 #include <algorithm>
 #include <cmath>
@@ -165,11 +166,13 @@ void TextFont::Draw(HostSurface& surface, std::string_view text, int x, int base
 
 long Text_Width(char const* text)
 {
-    return text ? Find_Font({}).Width(text) : 0;
+    return text ? Guarded([=] { return Find_Font({}).Width(text); }) : 0;
 }
 
 long Text_Height(char const*)
 {
-    TextFont const font = Find_Font({});
-    return font.Ascent() + font.Descent();
+    return Guarded([] {
+        TextFont const font = Find_Font({});
+        return font.Ascent() + font.Descent();
+    });
 }

@@ -66,6 +66,7 @@ bool TextBuffer::Continue_Change(TextRange const& range, std::string_view insert
 void TextBuffer::Replace(TextRange const& range, std::string_view inserted, ChangeKind kind)
 {
     std::size_t const length = range.end - range.start;
+    text_.reserve(text_.size() - length + inserted.size());  // what can be undone is what is done
     if (!Continue_Change(range, inserted, kind))
         last_ = {kind, range.start, text_.substr(range.start, length), std::string(inserted)};
     text_.replace(range.start, length, inserted);

@@ -13,7 +13,6 @@
 #include <array>
 #include <charconv>
 #include <limits>
-#include <new>
 #include <string>
 #include <utility>
 
@@ -43,7 +42,7 @@ TextField::~TextField()
 
 ZVNativeItem* Make_Text_Field(ZVItem& item)
 {
-    return new (std::nothrow) TextField(item);
+    return new TextField(item);
 }
 
 TextField* Text_Field_Of(ZVItem const* item)
@@ -131,6 +130,7 @@ TextColors TextField::Colors() const
 
 void TextField::Draw()
 {
+    if (isBehind_) Show_Change();
     view_.Place(Bounds());
     view_.isActive = hasFocus_ && !Is_Disabled();
     ZVPort* const port = Port_Of(item_);
@@ -148,12 +148,14 @@ void TextField::Redraw(HostRect const& area)
 /// Shows what has become of the text and the selection, with the caret lit.
 void TextField::Show_Change()
 {
-    view_.Place(Bounds());
     blinkStart_ = Mac_Tick_Count();
     bool const wasOn = std::exchange(view_.isCaretOn, true);
-    Redraw(view_.Update());
-    if (!wasOn) Redraw(view_.Caret_Rect());
-    Place_Input_Method();
+    isBehind_ = !Paint(Port_Of(item_), [&] {
+        view_.Place(Bounds());
+        Redraw(view_.Update());
+        if (!wasOn) Redraw(view_.Caret_Rect());
+        Place_Input_Method();
+    });
 }
 
 void TextField::Blink()

@@ -65,6 +65,7 @@ private:
     ZVItem& item_;
     TextView view_;
     bool hasFocus_ = false;
+    bool isBehind_ = false;    ///< some change found no memory to be shown
     uint32_t blinkStart_ = 0;  ///< ticks
     HostRect inputPlace_;      ///< of the caret, as the input method knows it
 

@@ -254,12 +254,13 @@ TextLine LineMaker::Line_From(std::size_t at)
 
 void TextLines::Lay_Out(TextLook const& look, std::string_view text, int width)
 {
-    width_ = width;
-    lines_.clear();
+    std::vector<TextLine> lines;
     LineMaker maker(look, text, width);
     do
-        lines_.push_back(maker.Line_From(lines_.empty() ? 0 : lines_.back().next));
-    while (!maker.Is_Last(lines_.back()));
+        lines.push_back(maker.Line_From(lines.empty() ? 0 : lines.back().next));
+    while (!maker.Is_Last(lines.back()));
+    lines_ = std::move(lines);
+    width_ = width;
 }
 
 /// The line that the paragraph of another one begins with.
@@ -297,6 +298,7 @@ TextRange TextLines::Change(TextLook const& look, std::string_view text, TextRan
         if (maker.Is_Last(made.back())) break;
     }
     std::size_t const oldCount = lines_.size();
+    lines_.reserve(oldCount + made.size());  // nothing has changed yet, should it find no memory
     for (std::size_t i = kept; i < lines_.size(); ++i)
         for (std::size_t* offset : {&lines_[i].start, &lines_[i].end, &lines_[i].next})
             *offset = *offset - oldEnd + changed.end;

@@ -51,7 +51,8 @@ struct TextLine {
     bool operator==(TextLine const&) const = default;
 };
 
-/// Always at least one line. The text is the owner's, which tells of changes.
+/// Always at least one line. The text is the owner's, which tells of changes. Without memory these throw, and
+/// the lines are what they were.
 class TextLines {
 public:
     /// @param width  where it wraps; 0 for one line, whatever breaks the text has

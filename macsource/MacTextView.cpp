@@ -8,7 +8,6 @@ void TextView::Place(HostRect const& frame)
 {
     if (frame == frame_) return;
     bool const isAsWide = frame.Width() == frame_.Width();
-    frame_ = frame;
     int const height = look_.Line_Height();
     int const inset = isMultiLine_ ? 1 : (frame.Height() - height + 1) / 2;
     // A field that is lower than its line keeps the text in its middle.
@@ -20,6 +19,7 @@ void TextView::Place(HostRect const& frame)
         Fill_View();
     else
         Follow_Sideways();
+    frame_ = frame;  // when all has found the memory it needs
 }
 
 // ---- places -----------------------------------------------------------------------------------------------
@@ -212,16 +212,16 @@ template <typename Iterator> static std::size_t Same_Size(Iterator first, Iterat
 /// Lays out again what has changed in the text, and answers where it is.
 HostRect TextView::Take_Text()
 {
-    std::string const old = std::exchange(shown_, buffer.Shown_Text());
-    if (old == shown_) return {};
-    caret_ = {};
-    std::string_view const shorter = old.size() < shown_.size() ? old : shown_;
-    std::string_view const longer = old.size() < shown_.size() ? shown_ : old;
+    std::string now = buffer.Shown_Text();
+    if (now == shown_) return {};
+    std::string_view const shorter = shown_.size() < now.size() ? shown_ : now;
+    std::string_view const longer = shown_.size() < now.size() ? now : shown_;
     std::size_t const ahead = Same_Size(shorter.begin(), shorter.end(), longer.begin());
     std::string_view const rest = shorter.substr(ahead);
     std::size_t const behind = Same_Size(rest.rbegin(), rest.rend(), longer.rbegin());
-    TextRange const lines =
-        lines_.Change(look_, shown_, {ahead, shown_.size() - behind}, old.size() - behind);
+    TextRange const lines = lines_.Change(look_, now, {ahead, now.size() - behind}, shown_.size() - behind);
+    shown_ = std::move(now);
+    caret_ = {};
     Fill_View();
     return Lines_Rect(lines);
 }

@@ -6,6 +6,7 @@
 #include "ZVPalette.h"
 
 #include <strings.h>
+#include <tuple>
 #include <utility>
 
 /// Room for a bar or the grow box.
@@ -151,34 +152,44 @@ static HostRect Clear_Of_Bar(ZVWindow& window, HostWindowRequest const& request)
     return Host_Client(window);
 }
 
-long Make_SysWindow(ZVWindow* window, ZVPalette* palette)
-{
-    if (window->sysWindow) return 1;
-    if (!Display()) return 0;
-    window->flags = Usable_Flags(window->kind, window->flags);
-    if (palette) palette->flags = Usable_Flags(palette->kind, palette->flags);
-    HostWindowRequest request = Request_Of(window->kind, window->flags);
-    request.client = Clear_Of_Bar(*window, request);
-    request.title = Title_For(*window, palette);
-    std::unique_ptr<HostWindow> host = Display()->Make_Window(request);
-    if (!host) return 0;
-    window->sysWindow = new ZVSysWindow(*window, std::move(host));
-    window->sysWindow->title = request.title;
-    Make_Bars(*window);
-    if (palette) Limit_Size(*window, *palette);
-    if (palette) ZVEnv->pendingPalette = palette;
-    window->sysWindow->host->Show();
-    if (window->kind == ZV_KIND_ROOT || window->kind == ZV_KIND_APP) ZVEnv->rootSysWindow = window->sysWindow;
-    ZVEnv->frontWindow = Mac_FrontNonFloatingWindow();
-    return 1;
-}
-
 /// Takes the native window down; the record stays.
 static void Dispose_Native(ZVWindow& window)
 {
     window.verticalBar = window.horizontalBar = nullptr;
     if (ZVEnv->rootSysWindow == window.sysWindow) ZVEnv->rootSysWindow = nullptr;
     delete std::exchange(window.sysWindow, nullptr);
+}
+
+/// Throws without memory; what is made by then is the window's.
+static bool Make_Native(ZVWindow& window, ZVPalette const* palette)
+{
+    HostWindowRequest request = Request_Of(window.kind, window.flags);
+    request.client = Clear_Of_Bar(window, request);
+    request.title = Title_For(window, palette);
+    std::unique_ptr<HostWindow> host = Display()->Make_Window(request);
+    if (!host) return false;
+    window.sysWindow = new ZVSysWindow(window, std::move(host));
+    window.sysWindow->title = request.title;
+    Make_Bars(window);
+    if (palette) Limit_Size(window, *palette);
+    window.sysWindow->host->Show();
+    return true;
+}
+
+long Make_SysWindow(ZVWindow* window, ZVPalette* palette)
+{
+    if (window->sysWindow) return 1;
+    if (!Display()) return 0;
+    window->flags = Usable_Flags(window->kind, window->flags);
+    if (palette) palette->flags = Usable_Flags(palette->kind, palette->flags);
+    if (!Guarded([=] { return Make_Native(*window, palette); })) {
+        Dispose_Native(*window);
+        return 0;
+    }
+    if (palette) ZVEnv->pendingPalette = palette;
+    if (window->kind == ZV_KIND_ROOT || window->kind == ZV_KIND_APP) ZVEnv->rootSysWindow = window->sysWindow;
+    ZVEnv->frontWindow = Mac_FrontNonFloatingWindow();
+    return 1;
 }
 
 void Free_SysWindow(ZVWindow* window)
@@ -191,15 +202,29 @@ void Free_SysWindow(ZVWindow* window)
 
 // ---- fitting ----------------------------------------------------------------------------------------------
 
-/// Another native window in place of the one that cannot become what the palette asks for.
+/// Another native window in place of the one that cannot become what the palette asks for, and which stays
+/// when there is none to be had.
 static void Replace_Native(ZVWindow& window, ZVPalette& palette)
 {
-    Dispose_Native(window);
+    auto const form = [&] {
+        return std::tie(window.kind, window.flags, window.top, window.width, window.height);
+    };
+    auto const oldForm = std::tuple(window.kind, window.flags, window.top, window.width, window.height);
+    std::unique_ptr<ZVSysWindow> old(std::exchange(window.sysWindow, nullptr));
     window.kind = palette.kind;
     window.flags = palette.flags;
     window.width = palette.width;
     window.height = palette.height + palette.y;
-    if (Make_SysWindow(&window, &palette)) Invalidate(window);
+    if (Make_SysWindow(&window, &palette)) {
+        if (ZVEnv->rootSysWindow == old.get()) ZVEnv->rootSysWindow = nullptr;
+        Invalidate(window);
+        return;
+    }
+    form() = oldForm;
+    window.sysWindow = old.release();
+    window.verticalBar = window.sysWindow->verticalBar.get();
+    window.horizontalBar = window.sysWindow->horizontalBar.get();
+    window.sysWindow->port.isIncomplete = true;
 }
 
 /// Background for what the surface has gained; what lies there has to be drawn again.
@@ -218,10 +243,15 @@ static void Cover_New_Area(ZVSysWindow& native)
 
 static void Resize_Native(ZVWindow& window, long width, long height)
 {
-    window.width = static_cast<int32_t>(width);
-    window.height = static_cast<int32_t>(height);
-    window.sysWindow->host->Set_Client(Host_Client(window));
-    Cover_New_Area(*window.sysWindow);
+    int32_t const oldWidth = std::exchange(window.width, static_cast<int32_t>(width));
+    int32_t const oldHeight = std::exchange(window.height, static_cast<int32_t>(height));
+    ZVSysWindow& native = *window.sysWindow;
+    if (!Paint(&native.port, [&] { native.host->Set_Client(Host_Client(window)); })) {
+        window.width = oldWidth;
+        window.height = oldHeight;
+        return;
+    }
+    Cover_New_Area(native);
 }
 
 void Rebuild_SysWindow(ZVWindow* window, ZVPalette* palette)
@@ -259,8 +289,12 @@ bool Take_Bounds(ZVWindow& window)
 void Set_SysWindowName(ZVWindow* window, char const* name)
 {
     if (!window->sysWindow) return;
-    window->sysWindow->title = name;
-    window->sysWindow->host->Set_Title(name);
+    ZVSysWindow& native = *window->sysWindow;
+    Paint(&native.port, [&] {
+        std::string title(name);
+        native.host->Set_Title(title);
+        native.title = std::move(title);
+    });
 }
 
 // ---- finding ----------------------------------------------------------------------------------------------

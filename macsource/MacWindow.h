@@ -44,8 +44,9 @@ void Invalidate(ZVWindow& window);
 /// Draws what was noted: background, tabs, bars, palettes.
 void Redraw_Window(ZVWindow& window);
 
-/// Shows on the display what was drawn, in all windows.
+/// Shows on the display what was drawn, in all windows or in one; without memory it is shown the next time.
 void Present_Windows();
+void Present(HostWindow& host);
 
 /// The colour behind a window's palettes.
 uint32_t Background_Of(ZVWindow const& window);

@@ -101,5 +101,5 @@ void Draw_Bars(ZVWindow& window)
     HostRect const growBox = Grow_Box(window);
     if (!growBox.IsEmpty()) Draw_Grow_Box(native.port, growBox);
     for (ZVSysScrollBar* bar : {window.verticalBar, window.horizontalBar})
-        if (bar) bar->bar.Draw(native.port);
+        if (bar) Paint(&native.port, [&] { bar->bar.Draw(native.port); });
 }

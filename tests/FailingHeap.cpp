@@ -2,17 +2,21 @@
 // as they stand in the program.
 #include "FailingHeap.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstddef>
 
 static thread_local bool armed = false;
 static thread_local long remaining = 0;
 static thread_local long failures = 0;
+static thread_local long mostFailures = 0;
+static std::atomic<long> blocks = 0;
 
-FailingHeap::FailingHeap(long after)
+FailingHeap::FailingHeap(long after, long most)
 {
     remaining = after;
     failures = 0;
+    mostFailures = most;
     armed = true;
 }
 
@@ -24,6 +28,11 @@ FailingHeap::~FailingHeap()
 void FailingHeap::Recover()
 {
     armed = false;
+}
+
+long FailingHeap::Blocks()
+{
+    return blocks;
 }
 
 long FailingHeap::Failures() const
@@ -57,9 +66,15 @@ static bool Fails()
 {
     if (!armed || remaining-- > 0) return false;
     remaining = 0;
-    ++failures;
+    if (++failures >= mostFailures) armed = false;
     errno = ENOMEM;
     return true;
+}
+
+static void* Counted(void* block)
+{
+    if (block) ++blocks;
+    return block;
 }
 
 #pragma GCC visibility push(default)
@@ -68,27 +83,43 @@ void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* block, std::size_t size);
 void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* block);
 
 void* malloc(std::size_t size)
 {
-    return Fails() ? nullptr : __libc_malloc(size);
+    return Fails() ? nullptr : Counted(__libc_malloc(size));
 }
 
 void* calloc(std::size_t count, std::size_t size)
 {
-    return Fails() ? nullptr : __libc_calloc(count, size);
+    return Fails() ? nullptr : Counted(__libc_calloc(count, size));
 }
 
 void* realloc(void* block, std::size_t size)
 {
-    return Fails() ? nullptr : __libc_realloc(block, size);
+    if (Fails()) return nullptr;
+    void* const moved = __libc_realloc(block, size);
+    if (moved && !block) ++blocks;
+    if (block && size == 0) --blocks;
+    return moved;
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size)
+{
+    return Fails() ? nullptr : Counted(__libc_memalign(alignment, size));
 }
 
 int posix_memalign(void** block, std::size_t alignment, std::size_t size)
 {
     if (Fails()) return ENOMEM;
-    *block = __libc_memalign(alignment, size);
+    *block = Counted(__libc_memalign(alignment, size));
     return *block ? 0 : ENOMEM;
+}
+
+void free(void* block)
+{
+    if (block) --blocks;
+    __libc_free(block);
 }
 }
 #pragma GCC visibility pop

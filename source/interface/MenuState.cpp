@@ -1,5 +1,6 @@
 // Changing menus that stand: texts, styles, check marks, radio sets, order, and their end.
 #include "MenuState.h"
+#include "foundation/Guard.h"
 
 #include <algorithm>
 #include <vector>
@@ -162,7 +163,7 @@ long IsMenuSelectedZV(ZVMenu* menu, long id)
     return menu && Is_Selected(Find_Menu(menu, id));
 }
 
-void Set_Menu_Exclusion(ZVMenu* menu, unsigned long const* ids)
+static void Exclude(ZVMenu* menu, unsigned long const* ids)
 {
     struct Member {
         ZVMenu* menu;
@@ -186,6 +187,11 @@ void Set_Menu_Exclusion(ZVMenu* menu, unsigned long const* ids)
         member.menu->exclusion = member.list.release();
         Update_Item_State(member.menu);
     }
+}
+
+void Set_Menu_Exclusion(ZVMenu* menu, unsigned long const* ids)
+{
+    Guarded([=] { Exclude(menu, ids); });
 }
 
 // ---- order ------------------------------------------------------------------------------------------------

@@ -7,7 +7,6 @@
 #include "foundation/Message.h"
 
 #include <algorithm>
-#include <new>
 #include <utility>
 
 namespace {
@@ -203,16 +202,13 @@ bool Run(ZVPalette& palette, void (*handler)(ZVEvent*))
     return isShown;
 }
 
-/// Declares a requester and runs it. False, with the error set and nothing half-made, when it cannot be had.
+/// Declares a requester, which stops at the first error, and runs it. False, with the error set and nothing
+/// half-made, when it cannot be had.
 template <typename Declare> bool Run_Requester(void (*handler)(ZVEvent*), Declare declare)
 {
     Interruption interruption;
     ZVPalette* const palette = InitPaletteZV();
-    try {
-        if (palette) declare();
-    } catch (std::bad_alloc const&) {
-        SetError(ZV_ERR_MEMORY);
-    }
+    if (palette) declare();
     bool const isShown = palette && Run(*palette, handler);
     if (!isShown) interruption.Keep_Error();
     return isShown;
@@ -225,9 +221,10 @@ bool Ask(long twoButtons, char const* text, char const* firstText, char const* s
         InitGroupZV();
         Add_Lines(text, room.Text_Room(), room.Lines(0));
         EndGroupZV(1, first, 0, nullptr, ZV_MARGIN_NONE, 0, 0);
+        if (GetErrorZV() != ZV_ERR_NONE) return;
+        InitGroupZV();
         long const width = Measure(text, room.Text_Room()).width;
         bool const isNarrow = width < 4 * GetGadgetWidthZV(ZV_GAD_BUTTON, ZV_SIZE_MEDIUM);
-        InitGroupZV();
         Add_Buttons(twoButtons, First_Text(firstText), Second_Text(secondText), isNarrow);
         EndGroupZV(2, isNarrow ? below : belowRight, 1, nullptr, ZV_MARGIN_NONE, 0, 0);
     });
@@ -237,17 +234,18 @@ bool Show_Scrolling(char const* heading, char const* body)
 {
     return Run_Requester(scrollTextReqHandler, [=] {
         Room const room;
+        InitGroupZV();
         long const height = std::min(BoxHeight, room.height / 2);
         long const barWidth = GetGadgetWidthZV(ZV_GAD_VPROP, ZV_SIZE_LARGE);
         long const wanted = std::max(Measure(heading, room.Text_Room()).width, BoxWidth);
         long const width = std::min(wanted, room.width - barWidth);
-        InitGroupZV();
         Add_Lines(heading, room.Text_Room(), room.Lines(height));
         AddGadgetZV(ScrollBox, below, -1, ZV_GAD_TEXTBOX, ZV_SIZE_DEFAULT, nullptr, ZV_ITEM_USER_DATA, body,
                     ZV_ITEM_LINKED, ScrollBar, ZV_ITEM_HEIGHT, height, ZV_ITEM_WIDTH, width, 0);
         AddGadgetZV(ScrollBar, after, -1, ZV_GAD_VPROP, ZV_SIZE_LARGE, nullptr, ZV_ITEM_HEIGHT, height,
                     ZV_GAP_FIXED, -1, 0);
         EndGroupZV(1, first, 0, nullptr, ZV_MARGIN_NONE, 0, 0);
+        if (GetErrorZV() != ZV_ERR_NONE) return;
         InitGroupZV();
         Add_Buttons(0, First_Text(nullptr), nullptr, false);
         EndGroupZV(2, belowRight, 1, nullptr, ZV_MARGIN_NONE, 0, 0);
