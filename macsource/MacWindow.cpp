@@ -14,6 +14,9 @@ static constexpr int StripSize = 15;
 /// What a window is made of, which cannot be changed while it stands.
 static constexpr uint32_t BuildFlags = ZV_PALF_SIZES | ZV_PALF_ZOOM | ZV_PALF_NO_CLOSE | ZV_PALF_PLAIN;
 
+/// What it has along its edges, which is that of the palette in front.
+static constexpr uint32_t EdgeFlags = ZV_PALF_HSCROLL | ZV_PALF_VSCROLL | ZV_PALF_NO_GROW_AREA;
+
 // ---- what a window is like --------------------------------------------------------------------------------
 
 /// The flags that a window of the kind can have.
@@ -216,6 +219,17 @@ static void Cover_New_Area(ZVSysWindow& native)
     native.knownHeight = all.bottom;
 }
 
+/// Bars as the palette has them. False when the window has them so already.
+static bool Change_Edges(ZVWindow& window, ZVPalette const& palette)
+{
+    uint32_t const wanted = (window.flags & ~EdgeFlags) | (palette.flags & EdgeFlags);
+    if (std::exchange(window.flags, wanted) == wanted) return false;
+    Free_Bars(window);
+    Make_Bars(window);
+    Invalidate(window);
+    return true;
+}
+
 static void Resize_Native(ZVWindow& window, long width, long height)
 {
     window.width = static_cast<int32_t>(width);
@@ -231,8 +245,9 @@ void Rebuild_SysWindow(ZVWindow* window, ZVPalette* palette)
     if (palette->kind != ZV_KIND_MODAL && ((window->flags ^ palette->flags) & BuildFlags)) {
         Replace_Native(*window, *palette);
     } else {
+        bool const changes = Change_Edges(*window, *palette);
         long const height = palette->height + palette->y;
-        if (palette->width != window->width || height != window->height)
+        if (changes || palette->width != window->width || height != window->height)
             Resize_Native(*window, palette->width, height);
     }
     if (!window->sysWindow) return;

@@ -73,6 +73,7 @@ HostRect Grow_Box(ZVWindow const& window);
 
 /// Makes the bars that the window's flags ask for.
 void Make_Bars(ZVWindow& window);
+void Free_Bars(ZVWindow& window);  ///< One that holds the mouse lets go of it.
 
 /// Draws the window's bars and its grow box.
 void Draw_Bars(ZVWindow& window);

@@ -42,6 +42,16 @@ void Make_Bars(ZVWindow& window)
     Move_Sliders(&window);
 }
 
+void Free_Bars(ZVWindow& window)
+{
+    ZVSysWindow& native = *window.sysWindow;
+    for (auto const bar : {&native.verticalBar, &native.horizontalBar}) {
+        if (*bar && Mouse_Holder() == &(*bar)->bar) Hold_Mouse(nullptr);
+        *bar = nullptr;
+    }
+    window.verticalBar = window.horizontalBar = nullptr;
+}
+
 static void Take_Range(ScrollBar& bar, ZVScrollRange const& range)
 {
     long const last = std::max(static_cast<long>(range.maximum) - range.view, 0L);

@@ -181,6 +181,38 @@ TEST_F(InputTest, TheWheelTurnsWhatIsUnderIt)
     EXPECT_EQ(Log(), (Strings{"1:21", "1:21", "1:21", "1:21"})) << "parts of lines add up, the end is one";
 }
 
+TEST_F(InputTest, AWindowHasTheBarsOfThePaletteInFront)
+{
+    constexpr unsigned long fixed = ZV_PALF_PLAIN;  // no room for a grow box, where the bar could be
+    ZVPalette* const plain = Show(1, ZV_KIND_DOCUMENT, 100, 100, {{ZV_PAL_FLAGS, fixed}});
+    ZVWindow const* const window = plain->window;
+    auto const client_width = [window] {
+        ZVRectT<long> client;
+        GetClientRectZV(window, &client);
+        return client.width;
+    };
+    long const width = client_width();
+    ZVPalette* const scrolling =
+        Show(2, ZV_KIND_DOCUMENT, 100, 100, {{ZV_PAL_FLAGS, fixed | ZV_PALF_VSCROLL}, {ZV_PAL_WINDOW_OF, 1}});
+    ASSERT_EQ(scrolling->window, window);
+    EXPECT_EQ(client_width(), width + 15);
+    SetScrollPosZV(scrolling, ZV_SCROLL_V_MAX, 100, ZV_SCROLL_V_VIEW, 20, 0);
+    // The bar goes while its arrow is held.
+    onEvent = [&](ZVEvent& event) {
+        if (event.type == ZV_EVENT_SCROLL_V) ActivatePaletteZV(plain, 1);
+    };
+    HeadlessPauseZV(1000);
+    HeadlessClickZV(window->left + width + 7, window->top + window->height - 14 - 8, ZV_HEADLESS_LEFT);
+    HeadlessRunZV(500);
+    EXPECT_EQ(scrolling->vertical.value, 1);
+    EXPECT_EQ(window->activePalette, plain);
+    EXPECT_FALSE(window->verticalBar);
+    EXPECT_EQ(client_width(), width);
+    ActivatePaletteZV(scrolling, 1);
+    EXPECT_TRUE(window->verticalBar);
+    EXPECT_EQ(client_width(), width + 15);
+}
+
 TEST_F(InputTest, TheWheelScrollsLists)
 {
     InitPaletteZV();
