@@ -518,6 +518,7 @@ ZV_API ZVMenu* Select_From_Menu(ZVMenu* menu, long x, long y);
 
 ZV_API void Move_Sliders(ZVWindow* window);  ///< Brings the scroll bars to their edges and values.
 ZV_API void Enable_Sliders(ZVWindow* window, long enabled);
+ZV_API void Activate_Lists(ZVWindow* window, long on);  ///< Dimmed while the window is not in front.
 
 ZV_API long Make_SysGroup(ZVGroup* group);
 ZV_API void Destroy_SysGroup(ZVGroup* group);

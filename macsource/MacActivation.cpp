@@ -12,7 +12,7 @@
 
 // ---- in front ---------------------------------------------------------------------------------------------
 
-/// A window's list has no focus while the window is not in front, and its bars are dimmed.
+/// A window's list has no focus while the window is not in front, and its lists and bars are dimmed.
 static void Leave_Front(ZVWindow& window)
 {
     ZVItem* const list = ZVEnv->focusedListItem;
@@ -20,6 +20,7 @@ static void Leave_Front(ZVWindow& window)
         ZVEnv->focusedListItem = nullptr;
         if (list->native) list->native->Set_Focus(false);
     }
+    Activate_Lists(&window, 0);
     Enable_Sliders(&window, 0);
 }
 
@@ -32,6 +33,7 @@ static void Follow_Front_Window()
     ZVWindow* const old = std::exchange(shown, front);
     if (old == front) return;
     if (old && Is_Window(old)) Leave_Front(*old);
+    Activate_Lists(front, 1);
     Enable_Sliders(front, 1);
 }
 

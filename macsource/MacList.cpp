@@ -6,6 +6,8 @@
 
 #include "interface/HitTest.h"
 
+#include <utility>
+
 /// Width of the rows that the bar takes; its last column lies over the frame.
 static constexpr int BarRoom = ScrollBarWidth - 1;
 
@@ -87,7 +89,8 @@ void ListBox::Draw_Row(ZVPort& port, Place const& place, int row) const
     int const top = place.rows.top + (row - bar_.Value()) * place.rowHeight;
     HostRect const box{place.rows.left, top, place.rows.right, top + place.rowHeight};
     bool const isSelected = row == selected_, isDisabled = Is_Disabled(item_);
-    uint32_t const ground = Pen_Color(isSelected ? ZV_PEN_MARKED : ZV_PEN_FACE, isDisabled);
+    uint32_t const ground =
+        isSelected ? Pen_Color(ZV_PEN_MARKED, isDisabled || !isActive_) : Pen_Color(ZV_PEN_FACE, isDisabled);
     port.surface.Fill(box, ground);
     if (row >= Row_Count()) return;
 
@@ -137,6 +140,15 @@ void ListBox::Set_Focus(bool hasFocus)
 {
     hasFocus_ = hasFocus;
     Draw();
+}
+
+void ListBox::Set_Active(bool isActive)
+{
+    ZVPort* const port = Port_Of(item_);
+    if (std::exchange(isActive_, isActive) == isActive || !port || selected_ < 0) return;
+    Place const place = Place_Now();
+    PortClip const clip(*port, place.rows);
+    Draw_Row(*port, place, selected_);
 }
 
 // ---- selecting and scrolling ------------------------------------------------------------------------------

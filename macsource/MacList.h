@@ -14,6 +14,9 @@ public:
     void Show_State() override;
     void Set_Focus(bool hasFocus) override;
 
+    /// The mark of the selected row is dimmed while the list is in a window that is not in front.
+    void Set_Active(bool isActive);
+
     // Points and rectangles are in the system window, as are those of Press.
     HostRect Bounds() const;  ///< With the bar, without the frame, which lies one pixel outside.
     bool Is_In_Rows(int x, int y) const;
@@ -65,6 +68,7 @@ private:
     ScrollBar bar_;                  ///< its value is the first row in view
     int selected_ = -1;
     bool hasFocus_ = false;
+    bool isActive_ = true;
     bool isOnRows_ = false;    ///< the mouse that is held has been on a row
     uint32_t nextScroll_ = 0;  ///< tick from which on the mouse beyond an edge scrolls again
 };

@@ -2,6 +2,7 @@
 #include "MacDraw.h"
 #include "MacFrame.h"
 #include "MacItem.h"
+#include "MacList.h"
 #include "MacMenu.h"
 #include "MacNativeItem.h"
 #include "MacWindow.h"
@@ -106,11 +107,9 @@ void Redraw_Window(ZVWindow& window)
     Draw_Bars(window);
 }
 
-/// Makes up for what found no memory: the window's size and title, and its fields and lists. Then all of it
-/// is drawn again. Nobody is told of anything.
-static void Complete(ZVWindow& system)
+/// Calls `visit` with each item on screen in a system window, which calls nobody else.
+template <typename Visit> static void Visit_Items(ZVWindow const& system, Visit visit)
 {
-    if (system.activePalette) Rebuild_SysWindow(&system, system.activePalette);
     for (ZVWindow& each : All_Windows()) {
         if (System_Window_Of(&each) != &system) continue;
         for (ZVPalette* palette = Get_Next_Palette(&each, nullptr); palette;
@@ -119,10 +118,26 @@ static void Complete(ZVWindow& system)
             for (ZVGroup& group : Groups_Of(*palette))
                 if (!(group.flags & ZV_GRPF_HIDDEN))
                     for (ZVItem& item : Items_Of(group))
-                        Complete_SysItem(item);
+                        visit(item);
         }
     }
+}
+
+/// Makes up for what found no memory: the window's size and title, and its fields and lists. Then all of it
+/// is drawn again. Nobody is told of anything.
+static void Complete(ZVWindow& system)
+{
+    if (system.activePalette) Rebuild_SysWindow(&system, system.activePalette);
+    Visit_Items(system, Complete_SysItem);
     Invalidate(system);
+}
+
+void Activate_Lists(ZVWindow* window, long on)
+{
+    if (!window || !window->sysWindow) return;
+    Visit_Items(*window, [on](ZVItem& item) {
+        if (ListBox* const list = List_Of(item)) Paint(Port_Of(item), [=] { list->Set_Active(on != 0); });
+    });
 }
 
 void Refresh_GUI()

@@ -31,6 +31,20 @@ protected:
         return all;
     }
 
+    /// A document with a list of three rows in view.
+    static ZVPalette* Show_List()
+    {
+        InitPaletteZV();
+        InitGroupZV();
+        AddGadgetZV(1, 0, 0, ZV_GAD_LIST, ZV_SIZE_LARGE, "", ZV_ITEM_ROWS, 3, ZV_ITEM_ENTRIES_CSV,
+                    "a,b,c,d,e,f,g,h,i,j", 0);
+        EndGroupZV(1, 0, 0, "", nullptr);
+        ZVPalette* const palette = ZVEnv->buildingPalette;
+        EndPaletteZV(1, "list", nullptr);
+        DisplayPaletteZV(ZV_PAL_KIND, ZV_KIND_DOCUMENT, 0);
+        return palette;
+    }
+
     static ZVWindow* Window(unsigned short id) { return FindPaletteZV(id)->window; }
 };
 
@@ -343,14 +357,7 @@ TEST_F(InputTest, AWindowHasTheBarsOfThePaletteInFront)
 
 TEST_F(InputTest, TheWheelScrollsLists)
 {
-    InitPaletteZV();
-    InitGroupZV();
-    AddGadgetZV(1, 0, 0, ZV_GAD_LIST, ZV_SIZE_LARGE, "", ZV_ITEM_ROWS, 3, ZV_ITEM_ENTRIES_CSV,
-                "a,b,c,d,e,f,g,h,i,j", 0);
-    EndGroupZV(1, 0, 0, "", nullptr);
-    ZVPalette* const palette = ZVEnv->buildingPalette;
-    EndPaletteZV(1, "list", nullptr);
-    DisplayPaletteZV(nullptr);
+    ZVPalette* const palette = Show_List();
     HeadlessRunZV(0);
     long x = 0, y = 0;
     GetItemScreenPosZV(Gadget(palette), &x, &y);
@@ -359,6 +366,24 @@ TEST_F(InputTest, TheWheelScrollsLists)
     HeadlessClickZV(x + 10, y + 10, ZV_HEADLESS_LEFT);
     HeadlessRunZV(0);
     EXPECT_EQ(Gadget(palette)->state, 4);
+}
+
+TEST_F(InputTest, AListBehindAnotherWindowHasADimMark)
+{
+    ZVPalette* const palette = Show_List();
+    SetGadgetStateZV(Gadget(palette), 2);
+    HeadlessRunZV(0);
+    long x = 0, y = 0;
+    GetItemScreenPosZV(Gadget(palette), &x, &y);
+    auto const mark = [&] { return Pixel(x + 1, y + Gadget(palette)->height / 2); };
+    auto const marked = static_cast<uint32_t>(GetColorZV(ZV_PEN_MARKED));
+    EXPECT_EQ(mark(), marked);
+    ZVPalette* const front = Show(2, ZV_KIND_DOCUMENT, 900, 800);
+    HeadlessRunZV(0);
+    EXPECT_EQ(mark(), static_cast<uint32_t>(DisableColorZV(ZV_PEN_MARKED)));
+    Click(front, nullptr);
+    Click(palette, nullptr);
+    EXPECT_EQ(mark(), marked);
 }
 
 // ---- keys -------------------------------------------------------------------------------------------------
