@@ -123,9 +123,11 @@ void Draw_Label(ZVDrawInfo* draw, ZVItem const& item, unsigned long face, bool i
     long const strip = Strip_Width(item), right = strip > 0 ? item.width - strip : item.width - 2;
     long x = 0;
     CenterTextZV(draw, item.text, 0, 0, item.width - strip, item.height, &x, nullptr);
+    long const top = Text_Top(draw, item.height);
     SetTextTransparencyZV(draw, 1);
-    SetClipRectZV(draw, 2, 2, right - 2, item.height - 4);
-    DrawTextZV(draw, item.text, Text_Left(draw, item, x), Text_Top(draw, item.height));
+    // Most texts have room enough, and a clip costs time.
+    if (x < textMargin || top < 2) SetClipRectZV(draw, 2, 2, right - 2, item.height - 4);
+    DrawTextZV(draw, item.text, Text_Left(draw, item, x), top);
 }
 
 void Draw_Button(ZVItem* item, bool isDisabled)
