@@ -1,7 +1,8 @@
 // The main loop, which modal palettes nest, and what its tick timer does. The desktop layer's loops run the
 // timers: Do_VBL too, so that the busy cursor moves while a loop runs.
-#include "ZVLibInternal.h"
+#include "interface/PaletteTree.h"
 
+#include <optional>
 #include <utility>
 
 /// Runs until the modal palette that is on top now is closed. Events come through again, whoever held them
@@ -23,12 +24,15 @@ static void Run_Modal_Loop()
 long HandleGUIZV()
 {
     if (!ZVEnv) return 1;
+    // Whoever is told of a focus that goes may close the palette that there is to wait for.
+    std::optional<LivingPalette> modal;
+    if (ZVEnv->modalPalette) modal.emplace(ZVEnv->modalPalette);
     Mac_Drop_Focus(ZV_MOD_RELEASE);
     ++ZVEnv->guiLevel;
-    if (ZVEnv->modalDepth > 0)
-        Run_Modal_Loop();
-    else
+    if (!modal)
         Mac_Run_Application_Loop();
+    else if (modal->Is_There())
+        Run_Modal_Loop();
     --ZVEnv->guiLevel;
     if (ZVEnv->modalDepth == 0) {
         Reenable_All_Menus();

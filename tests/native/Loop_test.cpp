@@ -84,6 +84,23 @@ TEST_F(LoopTest, DialogsEndInAnyOrder)
     EXPECT_EQ(ZVEnv->guiLevel, 0);
 }
 
+TEST_F(LoopTest, ADialogThatAFieldClosesAsItOpensIsOver)
+{
+    ZVPalette* const palette = Show(1, ZV_KIND_DOCUMENT, 100, 100, {}, true);
+    Script_Click(palette, Field(palette));
+    HeadlessRunZV(0);
+    ASSERT_EQ(ZVEnv->focusedTextItem, Field(palette));
+    onEvent = [](ZVEvent& event) {
+        if (event.type == ZV_EVENT_GADGET) ClosePaletteZV(9);  // of the field, which loses the focus
+        if (event.type == ZV_EVENT_TICK && !event.palette && !ZVEnv->modalPalette) {
+            ADD_FAILURE() << "the application's loop runs in place of the dialog's";
+            ExitZV();
+        }
+    };
+    Show(9, ZV_KIND_MODAL, 300, 300);
+    EXPECT_EQ(ZVEnv->modalDepth, 0);
+}
+
 TEST_F(LoopTest, TheEndOfTheApplicationEndsDialogsAsWell)
 {
     On_Tick([](long tick) {
