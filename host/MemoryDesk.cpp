@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <vector>
 
 namespace {
 
@@ -17,11 +19,12 @@ std::string Fitted(HostFont& font, std::string title, int room)
 {
     std::string const ellipsis = "\u2026";
     if (font.Shape(title).width <= room) return title;
-    do {
-        while (!title.empty() && (title.back() & 0xC0) == 0x80)
-            title.pop_back();
-        if (!title.empty()) title.pop_back();
-    } while (!title.empty() && font.Shape(title + ellipsis).width > room);
+    std::vector<std::size_t> ends;  // of its characters
+    for (std::size_t i = 0; i < title.size(); ++i)
+        if ((title[i] & 0xC0) != 0x80) ends.push_back(i);
+    auto const end = std::ranges::partition_point(
+        ends, [&](std::size_t one) { return font.Shape(title.substr(0, one) + ellipsis).width <= room; });
+    title.resize(end == ends.begin() ? 0 : *std::prev(end));
     return title + ellipsis;
 }
 
