@@ -45,14 +45,17 @@ TEST_F(Activation, DocumentsAndFloatersAreActiveSideBySide)
 TEST_F(Loop, RunsTheApplicationsOrTheModalPalettes)
 {
     using Calls = std::vector<std::string>;
+    ZVPalette* const dialog = Add_Palette(Add_Window(0, 0), 1, ZV_KIND_MODAL);
     desktop.modalLoop = [] {
         EXPECT_EQ(ZVEnv->guiLevel, 2);
         EXPECT_EQ(ZVEnv->eventsSuspended, 0);
+        ZVEnv->modalPalette = nullptr;
         ZVEnv->modalDepth = 0;
     };
-    desktop.applicationLoop = [] {
+    desktop.applicationLoop = [dialog] {
         EXPECT_EQ(ZVEnv->guiLevel, 1);
         EXPECT_EQ(std::exchange(desktop.calls, {}), (Calls{"drop focus", "application loop"}));
+        ZVEnv->modalPalette = dialog;
         ZVEnv->modalDepth = ZVEnv->eventsSuspended = 1;
         HandleGUIZV();
         EXPECT_EQ(ZVEnv->eventsSuspended, 1);
