@@ -478,6 +478,17 @@ void Present_Menus()
 
 // ---- input ------------------------------------------------------------------------------------------------
 
+/// Opens a title's menu; without memory none is open.
+static void Open_From_Bar(void (OpenMenus::*open)(int), int title, Point at, bool isHeld)
+{
+    bool const isOpen = Guarded([&] {
+        menus = std::make_unique<OpenMenus>(nullptr, at, isHeld);
+        (*menus.*open)(title);
+        return true;
+    });
+    if (!isOpen) Close_Menus();
+}
+
 bool Press_Menu_Bar(HostEvent const& event)
 {
     HostWindow const* const window = Menu_Bar_Window();
@@ -496,12 +507,7 @@ bool Press_Menu_Bar(HostEvent const& event)
     if (!Is_Menu_Bar_Enabled() || !Display()->Is_Button_Down()) return true;
     int const title = Title_At(event.x, event.y);
     if (title == NoTitle) return true;
-    bool const isOpen = Guarded([&] {
-        menus = std::make_unique<OpenMenus>(nullptr, Point{event.x, event.y}, true);
-        menus->Open_Title(title);
-        return true;
-    });
-    if (!isOpen) Close_Menus();
+    Open_From_Bar(&OpenMenus::Open_Title, title, {event.x, event.y}, true);
     return true;
 }
 
@@ -524,8 +530,7 @@ void Mac_Menu_Key(long key, unsigned long modifiers)
     if (title == Title_Count() || !Can_Open_By_Key()) return;
     Point pointer{};
     Display()->Pointer(pointer.x, pointer.y);
-    menus = std::make_unique<OpenMenus>(nullptr, pointer, false);
-    menus->Open_Title_By_Key(title);
+    Open_From_Bar(&OpenMenus::Open_Title_By_Key, title, pointer, false);
 }
 
 /// The key that opens the bar closes all menus again.

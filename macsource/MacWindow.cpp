@@ -273,13 +273,17 @@ static void Cover_New_Area(ZVSysWindow& native)
     native.knownHeight = all.bottom;
 }
 
-/// Bars as the palette has them. False when the window has them so already.
+/// Bars as the palette has them. False when the window has them so already. Without memory it has none until
+/// it is completed.
 static bool Change_Edges(ZVWindow& window, ZVPalette const& palette)
 {
     uint32_t const wanted = (window.flags & ~EdgeFlags) | (palette.flags & EdgeFlags);
     if (std::exchange(window.flags, wanted) == wanted) return false;
     Free_Bars(window);
-    Make_Bars(window);
+    if (!Paint(&window.sysWindow->port, [&] { Make_Bars(window); })) {
+        Free_Bars(window);
+        window.flags &= ~(ZV_PALF_HSCROLL | ZV_PALF_VSCROLL);
+    }
     Invalidate(window);
     return true;
 }
