@@ -279,23 +279,31 @@ TEST_F(SmallDesktop, AMenuBarIsThereOrTellsThatItCannotBe)
 
 TEST_F(SmallDesktop, MenusOpenOrTellThatTheyCannot)
 {
-    Play_Without_Memory({[] {
-                             Show(ZV_KIND_DOCUMENT);
-                             Make_Menus();
-                             HeadlessRunZV(0);
-                             HeadlessPauseZV(1000);
-                             HeadlessClickZV(20, 5, ZV_HEADLESS_LEFT);
-                             for (unsigned long key : {ZV_KEY_DOWN, ZV_KEY_DOWN, ZV_KEY_RIGHT, ZV_KEY_DOWN})
-                                 HeadlessKeyZV(key);
-                         },
-                         [] {
-                             HeadlessRunZV(0);
-                             return GetErrorZV() == ZV_ERR_NONE;
-                         },
-                         [] {
-                             Drop_Menus();
-                             Close();
-                         }});
+    constexpr unsigned long f10 = ZV_KEY_F1 + 9;
+    for (bool const byKey : {false, true}) {
+        SCOPED_TRACE(byKey ? "by key" : "by press");
+        Play_Without_Memory(
+            {[byKey] {
+                 Show(ZV_KIND_DOCUMENT);
+                 Make_Menus();
+                 HeadlessRunZV(0);
+                 HeadlessPauseZV(1000);
+                 if (byKey)
+                     HeadlessKeyZV(f10);
+                 else
+                     HeadlessClickZV(20, 5, ZV_HEADLESS_LEFT);
+                 for (unsigned long key : {ZV_KEY_DOWN, ZV_KEY_DOWN, ZV_KEY_RIGHT, ZV_KEY_DOWN})
+                     HeadlessKeyZV(key);
+             },
+             [] {
+                 HeadlessRunZV(0);
+                 return GetErrorZV() == ZV_ERR_NONE;
+             },
+             [] {
+                 Drop_Menus();
+                 Close();
+             }});
+    }
 }
 
 }  // namespace
